@@ -1,0 +1,15 @@
+# Finds Qwt for Qt 5. Its pkg-config file asks for Qt modules that a plot does not need, hence this module.
+find_path(QWT_INCLUDE_DIR qwt.h PATH_SUFFIXES qwt qwt-qt5)
+find_library(QWT_LIBRARY NAMES qwt-qt5 qwt)
+if(QWT_INCLUDE_DIR)
+    file(STRINGS ${QWT_INCLUDE_DIR}/qwt_global.h line REGEX "define QWT_VERSION_STR")
+    string(REGEX MATCH "[0-9.]+" QWT_VERSION "${line}")
+endif()
+include(FindPackageHandleStandardArgs)
+find_package_handle_standard_args(Qwt REQUIRED_VARS QWT_LIBRARY QWT_INCLUDE_DIR VERSION_VAR QWT_VERSION)
+if(Qwt_FOUND AND NOT TARGET Qwt::Qwt)
+    add_library(Qwt::Qwt UNKNOWN IMPORTED)
+    set_target_properties(Qwt::Qwt PROPERTIES IMPORTED_LOCATION ${QWT_LIBRARY}
+        INTERFACE_INCLUDE_DIRECTORIES ${QWT_INCLUDE_DIR})
+    target_link_libraries(Qwt::Qwt INTERFACE Qt5::Widgets)
+endif()

@@ -1,0 +1,60 @@
+# How every target of the tree is made: one language level, warnings as errors, one include root.
+
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET default)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
+set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
+if(NOT CMAKE_BUILD_TYPE)
+    set(CMAKE_BUILD_TYPE Release)
+endif()
+set(CMAKE_CXX_FLAGS_RELEASE "-O2 -g1")
+
+find_program(CCACHE ccache)
+if(CCACHE)
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+endif()
+
+set(WAVEFORM_SANITIZE "" CACHE STRING "Sanitizers for -fsanitize=, such as address,undefined or thread")
+
+add_library(waveform_options INTERFACE)
+target_compile_options(waveform_options INTERFACE -Wall -Wextra -Wpedantic -Werror)
+target_include_directories(waveform_options INTERFACE ${PROJECT_SOURCE_DIR})
+if(WAVEFORM_SANITIZE)
+    target_compile_options(waveform_options INTERFACE -fsanitize=${WAVEFORM_SANITIZE}
+                           -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(waveform_options INTERFACE -fsanitize=${WAVEFORM_SANITIZE})
+endif()
+
+function(_waveform_common target)
+    target_link_libraries(${target} PRIVATE waveform_options)
+    set_target_properties(${target} PROPERTIES AUTOMOC ON AUTORCC ON)
+endfunction()
+
+# waveform_library(NAME SOURCES a.cpp ... DEPENDS other ... [PCH <header>...])
+# One library a folder; DEPENDS is the whole list of what its files may include.
+function(waveform_library name)
+    cmake_parse_arguments(arg "" "" "SOURCES;DEPENDS;PCH" ${ARGN})
+    add_library(${name} ${arg_SOURCES})
+    target_link_libraries(${name} PUBLIC ${arg_DEPENDS})
+    _waveform_common(${name})
+    if(arg_PCH)
+        target_precompile_headers(${name} PRIVATE ${arg_PCH})
+    endif()
+endfunction()
+
+# waveform_program(NAME SOURCES ... DEPENDS ...): an executable in build/bin.
+function(waveform_program name)
+    cmake_parse_arguments(arg "" "" "SOURCES;DEPENDS;PCH" ${ARGN})
+    add_executable(${name} ${arg_SOURCES})
+    target_link_libraries(${name} PRIVATE ${arg_DEPENDS})
+    _waveform_common(${name})
+    target_compile_definitions(${name} PRIVATE WAVEFORM_VERSION="${PROJECT_VERSION}")
+    if(arg_PCH)
+        target_precompile_headers(${name} PRIVATE ${arg_PCH})
+    endif()
+endfunction()
