@@ -35,11 +35,16 @@ function(_waveform_common target)
     set_target_properties(${target} PROPERTIES AUTOMOC ON AUTORCC ON)
 endfunction()
 
-# waveform_library(NAME SOURCES a.cpp ... DEPENDS other ... [PCH <header>...])
-# One library a folder; DEPENDS is the whole list of what its files may include.
+# waveform_library(NAME [SHARED] SOURCES a.cpp ... DEPENDS other ... [PCH <header>...])
+# One library a folder; DEPENDS is the whole list of what its files may include. SHARED is for what host and plugin
+# both use and what must exist once in the process: its meta-objects, its settings.
 function(waveform_library name)
-    cmake_parse_arguments(arg "" "" "SOURCES;DEPENDS;PCH" ${ARGN})
-    add_library(${name} ${arg_SOURCES})
+    cmake_parse_arguments(arg "SHARED" "" "SOURCES;DEPENDS;PCH" ${ARGN})
+    set(kind "")
+    if(arg_SHARED)
+        set(kind SHARED)
+    endif()
+    add_library(${name} ${kind} ${arg_SOURCES})
     target_link_libraries(${name} PUBLIC ${arg_DEPENDS})
     _waveform_common(${name})
     if(arg_PCH)

@@ -1,0 +1,42 @@
+#include "platform/launcher/dialognameprompt.h"
+
+#include "platform/launcher/namedialog.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QCoreApplication>
+#include <QMessageBox>
+#include <QPointer>
+
+std::optional<QString> DialogNamePrompt::askName(const QString& proposed)
+{
+    // On the heap and watched: the window below may go while the user types.
+    const QPointer<NameDialog> dialog = new NameDialog(proposed, QApplication::activeWindow());
+    const bool accepted = dialog->exec() == QDialog::Accepted;
+    if (dialog.isNull()) {
+        return std::nullopt;
+    }
+    const QString name = dialog->name();
+    delete dialog.data();
+    return accepted ? std::optional(name) : std::nullopt;
+}
+
+bool DialogNamePrompt::askOverwrite(const QString& name)
+{
+    constexpr int kTouchHeight = 44;
+    const QPointer<QMessageBox> box = new QMessageBox(QApplication::activeWindow());
+    box->setIcon(QMessageBox::Question);
+    box->setTextFormat(Qt::PlainText);
+    box->setText(
+        QCoreApplication::translate("DialogNamePrompt", "\"%1\" exists already. Replace it?")
+            .arg(name));
+    box->setStandardButtons(QMessageBox::Yes | QMessageBox::No);
+    box->setDefaultButton(QMessageBox::No);
+    const auto buttons = box->buttons();
+    for (QAbstractButton* button : buttons) {
+        button->setMinimumSize(2 * kTouchHeight, kTouchHeight);
+    }
+    const bool replace = box->exec() == QMessageBox::Yes;
+    delete box.data();
+    return replace;
+}

@@ -1,0 +1,3 @@
+#include "platform/launcher/launcherlog.h"
+
+Q_LOGGING_CATEGORY(launcherLog, "waveform.launcher")

@@ -1,0 +1,6 @@
+#include "platform/launcher/pluginmodel.h"
+
+PluginModel::PluginModel(QObject* parent)
+    : QObject(parent)
+{
+}

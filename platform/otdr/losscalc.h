@@ -1,0 +1,20 @@
+#pragma once
+
+class Reflectogram;
+
+/// Loss of an event by two lines fitted to the fibre before and behind it.
+class LossCalc
+{
+public:
+    /// \param position sample index of the event, counted from the sample at 0 m
+    LossCalc(long position, const Reflectogram& refl);
+
+    [[nodiscard]] double loss() const { return loss_dB; } ///< dB, positive when power falls; NaN where no line fits
+    [[nodiscard]] double reflIn() const { return in_dB; } ///< level of the line before, at the event, dB
+    [[nodiscard]] double reflOut() const { return out_dB; } ///< level of the line behind, at the event, dB
+
+private:
+    double loss_dB;
+    double in_dB;
+    double out_dB;
+};

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "platform/otdr/reflectogram.h"
+
+#include <mutex>
+
+/// Optical return loss of a stretch of fibre. May be asked from any thread while the trace is exchanged.
+class ORLCalc // NOLINT(readability-identifier-naming): a given name
+{
+public:
+    explicit ORLCalc(const Reflectogram& refl);
+    void setReflectogram(Reflectogram refl);
+
+    /// Return loss between two distances, in either order, dB; NaN where it cannot be told.
+    double recalculate(double a_m, double b_m);
+
+private:
+    std::mutex mutex;
+    Reflectogram refl;
+};

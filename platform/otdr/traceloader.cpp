@@ -1,0 +1,172 @@
+#include "platform/otdr/traceloader.h"
+
+#include "platform/otdr/core/constants.h"
+#include "platform/otdr/core/snapshot.h"
+#include "platform/otdr/core/soraxis.h"
+#include "platform/otdr/core/sorreader.h"
+#include "platform/otdr/core/sorvalues.h"
+#include "platform/otdr/reflectogram.h"
+
+#include <QDateTime>
+#include <QFile>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+double orElse(double value, double otherwise)
+{
+    return std::isfinite(value) ? value : otherwise;
+}
+
+bool isSnapshot(const QString& fileName)
+{
+    QFile file(fileName);
+    return file.open(QIODevice::ReadOnly) && file.read(4) == "WFPK";
+}
+
+/// The usual backscatter coefficient of single-mode fibre, dB at 1 ns.
+double usualBackscatter_dB(int wavelength_nm)
+{
+    return wavelength_nm < 1450 ? -79.5 : -81.9;
+}
+
+QByteArray bytesOf(const std::string& text)
+{
+    return QByteArray(text.data(), static_cast<int>(text.size()));
+}
+
+EventList eventsOf(const otdr::sor::File& file, const TraceState& state)
+{
+    EventList events;
+    if (!file.keyEvents) {
+        return events;
+    }
+    const std::string kinds = otdr::sor::eventKinds(file);
+    const double interval_ns = state.trace->axis().sampleInterval_ns;
+    for (std::size_t i = 0; i < file.keyEvents->events.size(); ++i) {
+        const otdr::sor::KeyEvent& stored = file.keyEvents->events[i];
+        Event event;
+        event.type = static_cast<Event::Type>(kinds[i]);
+        event.position = std::lround(stored.position * otdr::kCountNs / interval_ns);
+        event.coordinate = stored.position * otdr::kCountNs * state.metresPerNs();
+        event.width = state.pulse_ns * state.metresPerNs();
+        event.loss = otdr::sor::loss_dB(stored);
+        event.reflectance = otdr::sor::reflectance_dB(stored);
+        event.attenuationBefore = otdr::sor::attenuation_dBPerKm(stored);
+        event.saturated = otdr::sor::isSaturated(stored);
+        events << event;
+    }
+    std::stable_sort(events.begin(), events.end());
+    return events;
+}
+
+std::shared_ptr<const SorData> sorDataOf(const otdr::sor::File& file, const TraceState& state)
+{
+    auto sor = std::make_shared<SorData>();
+    FxdParamsBlock fxd;
+    fxd.dateTime = file.fxd.dateTime_s;
+    fxd.wavelength = orElse(otdr::sor::actualWavelength_nm(file), 0.0);
+    fxd.pulse = state.pulse_ns;
+    fxd.ior = state.ior;
+    fxd.backscatter = state.backscatter_dB;
+    fxd.averages = file.fxd.averages;
+    fxd.averagingTime = orElse(otdr::sor::averagingTime_s(file), 0.0);
+    fxd.range = state.range_m;
+    sor->setFxdParams(fxd);
+    sor->setSupParams({ bytesOf(file.sup.supplier), bytesOf(file.sup.mainframeId),
+                        bytesOf(file.sup.mainframeSerial), bytesOf(file.sup.moduleId),
+                        bytesOf(file.sup.moduleSerial), bytesOf(file.sup.softwareRevision),
+                        bytesOf(file.sup.other) });
+    if (file.keyEvents) {
+        sor->setKeyEvents({ otdr::sor::totalLoss_dB(file), otdr::sor::returnLoss_dB(file) });
+    }
+    return sor;
+}
+
+otdr::Result<TraceState> loadSor(const QString& fileName)
+{
+    auto read = otdr::readSorFile(QFile::encodeName(fileName).toStdString());
+    if (!read) {
+        return read.error();
+    }
+    TraceState state;
+    auto file = std::make_shared<const otdr::sor::File>(std::move(*read));
+    const otdr::sor::Axis axis = otdr::sor::axisOf(*file);
+    for (const std::string& note : file->notes) {
+        state.notes << QString::fromStdString(note);
+    }
+    if (!axis.note.empty()) {
+        state.notes << QString::fromStdString(axis.note);
+    }
+    // Without a spacing the axis counts samples: one nanosecond each.
+    const double interval_ns = axis.sampleInterval_ns > 0.0 ? axis.sampleInterval_ns : 1.0;
+    state.trace = std::make_shared<const otdr::Trace>(
+        file->data.samples, file->data.scaleFactor * otdr::kUsualDbPerCount / 1000.0,
+        otdr::TraceAxis { interval_ns, orElse(axis.firstSample_ns, 0.0) });
+    state.wavelength_nm = otdr::sor::nominalWavelength_nm(*file);
+    state.pulse_ns = orElse(otdr::sor::pulse_ns(*file), 0.0);
+    state.backscatter_dB
+        = orElse(otdr::sor::backscatter_dB(*file), usualBackscatter_dB(state.wavelength_nm));
+    state.ior = otdr::sor::groupIndex(*file);
+    state.range_m = orElse(otdr::sor::range_m(*file), 0.0);
+    state.duration_s
+        = static_cast<int>(std::lround(orElse(otdr::sor::averagingTime_s(*file), 0.0)));
+    state.events = eventsOf(*file, state);
+    state.processing = Reflectogram::FromFile;
+    state.sor = sorDataOf(*file, state);
+    state.file = std::move(file);
+    return state;
+}
+
+otdr::Result<TraceState> loadSnapshot(const QString& fileName, const WfMeasParams* params)
+{
+    const auto read = otdr::readSnapshotFile(QFile::encodeName(fileName).toStdString());
+    if (!read) {
+        return read.error();
+    }
+    TraceState state;
+    state.trace = std::make_shared<const otdr::Trace>(
+        read->samples, read->dbPerCount(),
+        otdr::TraceAxis { read->sampleInterval_ns, read->firstSample_ns });
+    state.wavelength_nm = read->wavelength_nm;
+    state.pulse_ns = read->pulse_ns;
+    if (params != nullptr) {
+        state.backscatter_dB = params->rbs;
+        state.ior = params->ior;
+        state.helix_percent = params->helix;
+        state.range_m = params->distance;
+        state.duration_s = params->duration;
+    } else {
+        state.backscatter_dB = usualBackscatter_dB(state.wavelength_nm);
+        state.ior = otdr::kDefaultGroupIndex;
+        state.range_m = state.trace->distanceAt(static_cast<double>(state.trace->size()),
+                                                state.metresPerNs());
+        state.notes << QString("a snapshot tells no group index: %1 assumed").arg(state.ior);
+    }
+    if (!(state.ior >= 1.0)) { // a message of the acquisition program may have said anything
+        state.notes << QString("group index %1 cannot be: %2 assumed")
+                           .arg(state.ior)
+                           .arg(otdr::kDefaultGroupIndex);
+        state.ior = otdr::kDefaultGroupIndex;
+    }
+    auto sor = std::make_shared<SorData>();
+    sor->setFxdParams({ QDateTime::currentSecsSinceEpoch(),
+                        static_cast<double>(state.wavelength_nm), state.pulse_ns, state.ior,
+                        state.backscatter_dB, read->averages,
+                        static_cast<double>(state.duration_s), state.range_m });
+    state.sor = std::move(sor);
+    return state;
+}
+
+} // namespace
+
+otdr::Result<TraceState> loadTrace(const QString& fileName, const WfMeasParams* params)
+{
+    auto loaded = isSnapshot(fileName) ? loadSnapshot(fileName, params) : loadSor(fileName);
+    if (loaded) {
+        loaded->fileName = fileName;
+    }
+    return loaded;
+}

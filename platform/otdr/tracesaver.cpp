@@ -1,0 +1,145 @@
+#include "platform/otdr/tracesaver.h"
+
+#include "platform/otdr/core/constants.h"
+#include "platform/otdr/core/loss.h"
+#include "platform/otdr/core/sorvalues.h"
+#include "platform/otdr/reflectogram.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+template <typename Integer>
+Integer rounded(double value)
+{
+    if (!std::isfinite(value)) {
+        return 0;
+    }
+    return static_cast<Integer>(std::llround(
+        std::clamp(value, static_cast<double>(std::numeric_limits<Integer>::min()),
+                   static_cast<double>(std::numeric_limits<Integer>::max()))));
+}
+
+std::string text(const QByteArray& bytes)
+{
+    // Strings of a trace file end at a zero byte, and an empty one is written as one blank.
+    const std::string kept(bytes.constData());
+    return kept.empty() ? std::string(" ") : kept;
+}
+
+std::int32_t countsOf(const TraceState& state, double distance_m)
+{
+    return rounded<std::int32_t>(distance_m / state.metresPerNs() / otdr::kCountNs);
+}
+
+void encodeCode(const Event& event, otdr::sor::KeyEvent& out)
+{
+    const bool reflective = event.type == Event::Reflective || Event::isKnown(event.reflectance);
+    out.code[0] = event.saturated ? '2' : reflective ? '1' : '0';
+    out.code[1] = event.type == Event::SpanEnd ? 'E' : 'F';
+}
+
+otdr::sor::KeyEvents keyEventsOf(const TraceState& state)
+{
+    otdr::sor::KeyEvents block;
+    QList<Event> events;
+    std::copy_if(state.events.begin(), state.events.end(), std::back_inserter(events),
+                 [](const Event& event) { return event.type != Event::Fiber; });
+    const double deadZone_m = otdr::kDeadZonePulses * state.pulse_ns * state.metresPerNs();
+    for (int i = 0; i < events.size(); ++i) {
+        const Event& event = events.at(i);
+        otdr::sor::KeyEvent out;
+        out.number = static_cast<std::uint16_t>(i + 1);
+        out.position = countsOf(state, event.coordinate);
+        out.attenuation = rounded<std::int16_t>(event.attenuationBefore * 1000.0);
+        out.loss = rounded<std::int16_t>(event.loss * 1000.0);
+        out.reflectance = rounded<std::int32_t>(event.reflectance * 1000.0);
+        encodeCode(event, out);
+        const std::int32_t behind = countsOf(state, event.coordinate + deadZone_m);
+        const bool last = i + 1 == events.size();
+        const std::int32_t next
+            = last ? behind : countsOf(state, events.at(i + 1).coordinate);
+        out.markers = { i == 0 ? out.position : std::min(block.events.back().markers[2], out.position),
+                        out.position, behind, std::max(behind, next), out.position };
+        out.comment = " ";
+        block.events.push_back(out);
+    }
+    return block;
+}
+
+otdr::sor::SpanSummary summaryOf(const TraceState& state)
+{
+    otdr::sor::SpanSummary summary;
+    const KeyEventsBlock* figures = state.sor ? state.sor->keyEvents() : nullptr;
+    const double end_m = state.endOfFibre_m();
+    summary.lossEnd = end_m > 0.0 ? countsOf(state, end_m) : 0;
+    summary.returnLossEnd = summary.lossEnd;
+    if (figures != nullptr) {
+        summary.totalLoss = rounded<std::int32_t>(figures->totalLoss * 1000.0);
+        summary.returnLoss = rounded<std::uint16_t>(figures->orl * 1000.0);
+    }
+    return summary;
+}
+
+otdr::sor::SupParams supParamsOf(const SupParamsBlock& sup)
+{
+    return { text(sup.supplierName), text(sup.mainframeId), text(sup.mainframeSerial),
+             text(sup.moduleId),     text(sup.moduleSerial), text(sup.softwareRevision),
+             text(sup.other) };
+}
+
+otdr::sor::File newFile(const TraceState& state)
+{
+    const FxdParamsBlock& fxd = state.sor->fxdParams();
+    const otdr::TraceAxis& axis = state.trace->axis();
+    otdr::sor::File file;
+    file.gen.wavelength_nm = static_cast<std::uint16_t>(state.wavelength_nm);
+    file.gen.buildCondition = { 'B', 'C' };
+    for (std::string* blank : { &file.gen.cableId, &file.gen.fibreId, &file.gen.locationA,
+                                &file.gen.locationB, &file.gen.cableCode, &file.gen.operatorName,
+                                &file.gen.comment }) {
+        *blank = " ";
+    }
+    file.fxd.dateTime_s = rounded<std::uint32_t>(static_cast<double>(fxd.dateTime));
+    file.fxd.actualWavelength = rounded<std::uint16_t>(fxd.wavelength * 10.0);
+    file.fxd.acquisitionOffset = rounded<std::int32_t>(axis.firstSample_ns / otdr::kCountNs);
+    const double step_counts = axis.sampleInterval_ns / otdr::kCountNs;
+    file.fxd.pulses.push_back({ rounded<std::uint16_t>(state.pulse_ns),
+                                rounded<std::uint32_t>(step_counts * 10000.0),
+                                static_cast<std::uint32_t>(state.trace->size()) });
+    file.fxd.groupIndex = rounded<std::uint32_t>(state.ior * 1e5);
+    file.fxd.backscatter = rounded<std::uint16_t>(-10.0 * state.backscatter_dB);
+    file.fxd.averages = fxd.averages;
+    file.fxd.averagingTime = rounded<std::uint16_t>(10.0 * fxd.averagingTime);
+    file.fxd.acquisitionRange = rounded<std::uint32_t>(
+        step_counts * static_cast<double>(state.trace->size()));
+    file.fxd.acquisitionRangeDistance
+        = rounded<std::int32_t>(10.0 * static_cast<double>(state.trace->size())
+                                * axis.sampleInterval_ns * state.metresPerNs());
+    file.fxd.noiseFloorScale = 1000;
+    file.data.scaleFactor
+        = rounded<std::uint16_t>(state.trace->dbPerCount() / otdr::kUsualDbPerCount * 1000.0);
+    file.data.samples = state.trace->samples();
+    return file;
+}
+
+} // namespace
+
+otdr::sor::File toSorFile(const TraceState& state)
+{
+    const bool isNew = !state.file;
+    otdr::sor::File file = isNew ? newFile(state) : *state.file;
+    if (isNew || state.supParamsChanged) {
+        file.sup = supParamsOf(state.sor->supParams());
+    }
+    if (!isNew && state.ior != otdr::sor::groupIndex(*state.file)) {
+        file.fxd.groupIndex = rounded<std::uint32_t>(state.ior * 1e5);
+    }
+    if (isNew || state.processing != Reflectogram::FromFile) {
+        file.keyEvents = keyEventsOf(state);
+        file.keyEvents->summary = summaryOf(state);
+    }
+    return file;
+}
