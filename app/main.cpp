@@ -1,0 +1,136 @@
+#include "app/demo.h"
+#include "app/environment.h"
+#include "app/frame.h"
+#include "app/host.h"
+#include "app/options.h"
+#include "app/picture.h"
+#include "platform/launcher/zuconfig.h"
+
+#include <QApplication>
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <QTextStream>
+
+#include <memory>
+
+namespace {
+
+bool unattended(const Options& options)
+{
+    return !options.demoDir.isEmpty() || !options.screenshot.isEmpty();
+}
+
+/// Nobody looks at a demo or a screenshot: they need no display, and get the size that they ask for.
+void chooseScreen(const Options& options)
+{
+    if (unattended(options) && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
+}
+
+QStringList argumentsOf(int argc, char** argv)
+{
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i) {
+        arguments << QString::fromLocal8Bit(argv[i]);
+    }
+    return arguments;
+}
+
+int fail(const QString& problem)
+{
+    QTextStream(stderr) << "waveform: " << problem << "\n";
+    return 1;
+}
+
+void showFrame(Host& host, const Options& options)
+{
+    host.frame()->resize(options.size);
+    host.frame()->show();
+}
+
+/// The offscreen platform says of every window that it has no use for its size hints; all else is printed.
+void printMessage(QtMsgType type, const QMessageLogContext& context, const QString& text)
+{
+    if (!text.contains("propagateSizeHints")) {
+        QTextStream(stderr) << qFormatLogMessage(type, context, text) << "\n";
+    }
+}
+
+int takeScreenshot(Host& host, const Options& options)
+{
+    showFrame(host, options);
+    const QStringList problems = host.open(options.files);
+    if (!problems.isEmpty()) {
+        return fail(problems.join("\nwaveform: "));
+    }
+    return savePicture(*host.frame(), options.screenshot)
+        ? 0
+        : fail(QString("cannot write %1").arg(options.screenshot));
+}
+
+int showWindow(Host& host, const Options& options)
+{
+    showFrame(host, options);
+    const QStringList problems = host.open(options.files);
+    if (!problems.isEmpty()) {
+        fail(problems.join("\nwaveform: "));
+        host.frame()->tell(problems.join("\n"));
+    }
+    return QApplication::exec();
+}
+
+int runDemo(Host& host, const Options& options)
+{
+    showFrame(host, options);
+    Demo demo(host, QFileInfo(options.demoDir).absoluteFilePath());
+    demo.start();
+    return QApplication::exec();
+}
+
+int run(const Options& options)
+{
+    Environment environment;
+    const QString refused = environment.enter();
+    if (!refused.isEmpty()) {
+        return fail(refused);
+    }
+    for (const Options::Override& value : options.overrides) {
+        ZuConfig::setForThisRun("zuotdr", value.section, value.key, value.value);
+    }
+    Host host;
+    const QString problem = host.load();
+    if (!problem.isEmpty()) {
+        return fail(problem);
+    }
+    if (!options.demoDir.isEmpty()) {
+        return runDemo(host, options);
+    }
+    return options.screenshot.isEmpty() ? showWindow(host, options) : takeScreenshot(host, options);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QCoreApplication::setApplicationName("waveform");
+    QCoreApplication::setApplicationVersion(WAVEFORM_VERSION);
+    const auto parsed = parseOptions(argumentsOf(argc, argv));
+    if (const auto* text = std::get_if<OptionsText>(&parsed)) {
+        QTextStream(text->exitCode == 0 ? stdout : stderr) << text->text;
+        return text->exitCode;
+    }
+    const Options options = std::get<Options>(parsed);
+    chooseScreen(options);
+    qInstallMessageHandler(printMessage);
+    // Neither reads what the user has configured nor leaves anything in the user's directories.
+    std::unique_ptr<QTemporaryDir> home;
+    if (unattended(options)) {
+        home = std::make_unique<QTemporaryDir>();
+        qputenv("HOME", QFile::encodeName(home->path()));
+        qputenv("XDG_RUNTIME_DIR", QFile::encodeName(home->path()));
+        qunsetenv("XDG_CONFIG_HOME");
+    }
+    QApplication application(argc, argv);
+    return run(options);
+}

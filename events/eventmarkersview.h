@@ -1,0 +1,61 @@
+#pragma once
+
+#include "plot/plot.h"
+#include "plot/reflcurve.h"
+
+#include <QList>
+#include <QObject>
+#include <QPointer>
+
+class QItemSelectionModel;
+class QModelIndex;
+class QwtPlotCurve;
+class QwtPlotMarker;
+class QwtSymbol;
+
+/// The ticks of a trace's events on its curve.
+///
+/// Ticks sit on the line as drawn and are made anew whenever the curve is sampled anew. The current event's tick
+/// crosses the canvas; where the current row is a fibre section, the stretch between its neighbours is highlighted.
+class EventMarkersView : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit EventMarkersView(QObject* parent);
+    ~EventMarkersView() override;
+
+    void attach(Waveform::Plot* plot);
+
+    /// The curve whose trace's events are shown; null for none. Not owned; must be taken away before it is deleted.
+    void setCurve(ReflCurve* curve);
+
+    /// The selection whose current row is the current event. Not owned.
+    void setSelectionModel(QItemSelectionModel* model);
+
+    /// A new tick; whoever it is handed to owns it.
+    [[nodiscard]] QwtSymbol* symbol(bool active) const;
+
+public slots:
+    void changeCurrentEvent(const QModelIndex& index);
+    void setActiveMarker(int row);
+    void setActiveFiber(int from, int to);
+    void placeMarkers();
+    void placeMarkers(bool replot);
+    void setVisible(bool visible);
+    void clear();
+    void clearMarkers();
+
+private:
+    [[nodiscard]] QwtPlotMarker* newMarker(double distance_m) const;
+
+    QPointer<Waveform::Plot> plot;
+    QList<QwtPlotMarker*> markers; ///< one per event; null for a fibre section
+    QwtPlotMarker* activeMarker = nullptr;
+    int activeIndex = -1;
+    bool visible = false;
+    QPointer<ReflCurve> curve;
+    QwtPlotCurve* fiberCurve;
+    bool fiberShown = false; ///< then the plot deletes the band with its other items
+    QItemSelectionModel* selectionModel = nullptr;
+};

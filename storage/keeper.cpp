@@ -1,0 +1,278 @@
+#include "storage/keeper.h"
+
+#include "acquisition/model.h"
+#include "platform/launcher/cardcontroller.h"
+#include "platform/launcher/filedialog.h"
+#include "platform/launcher/zuconfigmodel.h"
+#include "platform/launcher/zulauncherconfig.h"
+#include "platform/otdrconfig/otdrconfig.h"
+#include "refls/reflstablemodel.h"
+#include "storage/savethread.h"
+
+#include <QCoreApplication>
+#include <QDataStream>
+#include <QDebug>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+namespace Waveform {
+
+namespace {
+
+constexpr unsigned long kSavePoll_ms = 5;
+
+QString subPath()
+{
+    return ZuLauncherConfig("paths", "otdr").toString();
+}
+
+bool copiesToFlash()
+{
+    return ZuLauncherConfig("flash", "save").toBool();
+}
+
+/// A path as the user knows it: without the home directory.
+QString shownPath(const QString& path)
+{
+    return QString(path).remove(qEnvironmentVariable("HOME") + "/");
+}
+
+} // namespace
+
+Keeper::Keeper(CardController* card, ReflsTableModel* refls, QObject* parent)
+    : AbstractKeeper(parent)
+    , card(card)
+    , refls(refls)
+    , nameConverter(std::make_shared<FileNameConverter>())
+{
+    connect(refls, SIGNAL(mainReflChanged( Reflectogram )),
+            SLOT(onChangeMainRefl( Reflectogram )));
+}
+
+void Keeper::setMeasModel(Model* newModel)
+{
+    model = newModel;
+    if (model != nullptr) {
+        connect(model, SIGNAL(started( MeasModel* )), SLOT(started()));
+        connect(model, SIGNAL(stopped( MeasModel* )), SLOT(stopped()));
+    }
+}
+
+QString Keeper::storeDir() const
+{
+    const QString dir = QDir::homePath() + "/" + subPath();
+    if (!QDir().exists(dir) && !QDir().mkpath(dir)) {
+        qDebug().noquote() << "Can't create directory " + dir + " " + "for saving";
+    }
+    return dir;
+}
+
+QString Keeper::flashcardDir() const
+{
+    return ZuLauncherConfig("flash", "dir").toString() + "/" + subPath();
+}
+
+bool Keeper::fileExists(const QString& name) const
+{
+    const auto isThere = [&name](const QString& dir) {
+        return QFile::exists(dir + "/" + name + ".sor")
+            || QFile::exists(dir + "/" + name + ".html");
+    };
+    return isThere(storeDir()) || (copiesToFlash() && isThere(flashcardDir()));
+}
+
+QString Keeper::reportAutoName() const
+{
+    const Reflectogram main = refls->mainRefl();
+    if (!main.isValid()) {
+        return {};
+    }
+    if (!main.isMeasured()) {
+        return QFileInfo(main.fileName()).completeBaseName();
+    }
+    QString scheme = config() != nullptr
+        ? config()->setting("reflNameScheme", "AdvancedParams")->value().toString()
+        : QString();
+    if (scheme.isEmpty()) {
+        scheme = OTDR::kDefaultReflNameScheme;
+    }
+    if (refls->association(main).size() > 1) {
+        scheme.remove("_wavelength"); // saving adds it to each file itself
+    }
+    QString name;
+    WfMeasParams params = main.parameters();
+    OTDR::constructReflName(name, scheme, params, -1, config(), false);
+    return name;
+}
+
+int Keeper::doSave(const QString& name)
+{
+    const QList<Reflectogram> group = refls->association(refls->mainRefl());
+    int result = 0;
+    for (const Reflectogram& refl : group) {
+        const QString suffix
+            = group.size() > 1 ? "_" + QString::number(refl.wavelength()) + "nm" : QString();
+        const QString base = storeDir() + "/" + name + suffix;
+        const bool ok = saveOne(refl, base);
+        emit showNotification(ok ? savedMessage(base + ".sor") : tr("Failed to save reports!"));
+        if (ok) {
+            saveComplied(base);
+        } else {
+            result = -1;
+        }
+    }
+    return result;
+}
+
+bool Keeper::saveOne(const Reflectogram& refl, const QString& base)
+{
+    SaveThread thread;
+    thread.refl = refl;
+    thread.sor = base + ".sor";
+    if (copiesToFlash()) {
+        thread.flashDir = flashcardDir();
+    }
+    emit setWaitWindowVisible(true);
+    thread.start();
+    while (!thread.isFinished()) {
+        QCoreApplication::processEvents();
+        thread.wait(kSavePoll_ms);
+    }
+    emit setWaitWindowVisible(false);
+    return thread.result == 0;
+}
+
+QString Keeper::savedMessage(const QString& sor) const
+{
+    QString message = tr("Reports was saved to:\n") + shownPath(sor) + "\n";
+    if (copiesToFlash()) {
+        message += tr("\nReports automatically copied to USB-flash:\n") + flashcardDir();
+    }
+    return message;
+}
+
+void Keeper::saveComplied(const QString& fileName)
+{
+    OTDR::incrementReflIndex(config(), true);
+    emit saved(fileName);
+}
+
+bool Keeper::limitReached()
+{
+    if (refls->rowCount() < maxRefls) {
+        return false;
+    }
+    emit showNotification(
+        tr("Only 4 reflectograms can be loaded at the same time.\nPlease, remove one or more from "
+           "the \"Reflectograms\" table"));
+    return true;
+}
+
+int Keeper::doLoad()
+{
+    if (limitReached()) {
+        return -1;
+    }
+    const QString file
+        = FileDialog::getOpenFileName(nullptr, tr("Open reflectogram"), storeDir(), ".sor");
+    if (file.isEmpty()) {
+        return -1;
+    }
+    emit loadRefl(file);
+    return 0;
+}
+
+int Keeper::doLoadFile(const QString& file)
+{
+    if (limitReached()) {
+        return -1;
+    }
+    emit loadRefl(file);
+    return 0;
+}
+
+void Keeper::started()
+{
+    measRunning = true;
+    setMeasStartDate(QDateTime::currentDateTime());
+    enableSave(false);
+    enableLoad(false);
+    emit setTitle(tr("Waveform"));
+}
+
+void Keeper::started(QString /*channel*/)
+{
+    started();
+}
+
+void Keeper::stopped()
+{
+    setMeasStopDate(QDateTime::currentDateTime());
+    if (!saveConfig(configFileName())) {
+        qDebug() << "config was not saved";
+    }
+    measRunning = false;
+    enableLoad(true);
+    enableSave(!eventsFinding && refls->mainRefl().isValid());
+}
+
+void Keeper::stopped(QString /*channel*/)
+{
+    stopped();
+}
+
+void Keeper::setEventsFindingStatus(bool inProgress)
+{
+    eventsFinding = inProgress;
+    enableSave(!eventsFinding && refls->mainRefl().isValid());
+}
+
+void Keeper::onChangeMainRefl(Reflectogram refl)
+{
+    enableSave(!eventsFinding && refl.isValid());
+}
+
+QString Keeper::configFileName() const
+{
+    return model != nullptr ? model->tmpFileName("/wf.cfg") : QString();
+}
+
+bool Keeper::saveConfig(const QString& fileName) const
+{
+    QFile file(fileName);
+    if (!file.open(QIODevice::WriteOnly)) {
+        return false;
+    }
+    QVariantMap map = card->config();
+    map["measStopDate"] = measStopDate().toString(Qt::ISODate);
+    QDataStream stream(&file);
+    stream << map;
+    return stream.status() == QDataStream::Ok && file.flush();
+}
+
+QVariantMap Keeper::unserialize(const QString& fileName)
+{
+    QVariantMap map;
+    QFile file(fileName);
+    if (file.open(QIODevice::ReadOnly)) {
+        QDataStream stream(&file);
+        stream >> map;
+    }
+    return map;
+}
+
+WfMeasParams Keeper::wfMeasParams(const QVariantMap& map)
+{
+    WfMeasParams params;
+    params.ior = map.value("ior").toDouble();
+    params.helix = map.value("helix").toDouble();
+    params.distance = map.value("distance").toDouble();
+    params.wavelength = static_cast<quint16>(map.value("wavelength").toInt());
+    params.pulse = static_cast<quint16>(map.value("pulse").toInt());
+    params.rbs = map.value("rbs").toDouble();
+    params.duration = map.value("duration").toInt();
+    return params;
+}
+
+} // namespace Waveform

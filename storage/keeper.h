@@ -1,0 +1,83 @@
+#pragma once
+
+#include "platform/launcher/abstractkeeper.h"
+#include "platform/launcher/filenameconverter.h"
+#include "platform/otdr/reflectogram.h"
+#include "platform/otdr/wfmeasparams.h"
+
+#include <QString>
+#include <QVariantMap>
+
+#include <memory>
+
+class CardController;
+class MeasModel;
+
+namespace Waveform {
+
+class Model;
+class ReflsTableModel;
+
+/// Saves the main trace with those measured together with it, and loads traces.
+class Keeper : public AbstractKeeper
+{
+    Q_OBJECT
+
+public:
+    Keeper(CardController* card, ReflsTableModel* refls, QObject* parent = nullptr);
+
+    /// Follows the start and stop of measurements. The model may be null.
+    void setMeasModel(Model* model);
+
+    int doSave(const QString& name) override;
+    int doLoad() override;
+    int doLoadFile(const QString& file) override;
+    [[nodiscard]] bool fileExists(const QString& name) const override;
+    [[nodiscard]] QString reportAutoName() const override;
+
+    /// The directory of saved traces; made where it is missing.
+    [[nodiscard]] QString storeDir() const;
+    [[nodiscard]] QString flashcardDir() const;
+
+    /// Where the configuration of the last measurement is kept; empty without a model.
+    [[nodiscard]] QString configFileName() const;
+
+    /// Writes the configuration of the measurement that just ended. False where the file cannot be written.
+    [[nodiscard]] bool saveConfig(const QString& fileName) const;
+
+    /// What saveConfig() wrote; an empty map where the file cannot be read.
+    [[nodiscard]] static QVariantMap unserialize(const QString& fileName);
+    [[nodiscard]] static WfMeasParams wfMeasParams(const QVariantMap& map);
+
+public slots:
+    void started();
+    void stopped();
+    void started(QString channel);
+    void stopped(QString channel);
+    void setEventsFindingStatus(bool inProgress);
+    void onChangeMainRefl(Reflectogram refl);
+
+signals:
+    void saved(QString fileName);
+    void setTitle(QString title);
+    void loadRefl(QString reflFileName);
+    void setWaitWindowVisible(bool visible);
+    void showNotification(QString text);
+    void maxReflsLimitReached();
+
+private:
+    [[nodiscard]] bool limitReached();
+    [[nodiscard]] bool saveOne(const Reflectogram& refl, const QString& base);
+    [[nodiscard]] QString savedMessage(const QString& sor) const;
+    void saveComplied(const QString& fileName);
+
+    CardController* card;
+    ReflsTableModel* refls;
+    Model* model = nullptr;
+    bool measRunning = false;
+    bool eventsFinding = false;
+    int maxRefls = 4;
+    std::shared_ptr<FileNameConverter> nameConverter;
+};
+
+} // namespace Waveform

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QString>
+
+namespace Waveform {
+
+/// Caption of the action button during a timed measurement: the wavelength, and the seconds left below it.
+QString countdownCaption(int wavelength_nm, int remaining_s);
+
+/// The same in realtime, which has no end.
+QString realtimeCaption(int wavelength_nm);
+
+} // namespace Waveform

@@ -1,0 +1,106 @@
+#pragma once
+
+#include "platform/launcher/measwindow.h"
+#include "platform/otdr/event.h"
+#include "platform/otdr/reflectogram.h"
+#include "platform/otdr/wfmeasparams.h"
+
+#include <QList>
+#include <QRectF>
+
+class EventMarkersView;
+class ReflCurve;
+class WaitWnd;
+class WarningWindow;
+class ZuConfigModel;
+
+namespace Waveform {
+
+class Model;
+class Plot;
+class ReflsTableModel;
+
+/// The one screen: the chart with the curves of the loaded traces, and the button that measures.
+///
+/// Owns the curves. Decides which one is the main one, which one a running measurement refreshes, and for which
+/// window they are sampled.
+class Window : public MeasWindow
+{
+    Q_OBJECT
+
+public:
+    explicit Window(ZuConfigModel* config, QWidget* parent = nullptr);
+    ~Window() override;
+
+    void setModel(PluginModel* model) override;
+    [[nodiscard]] bool isScalable() const override { return true; }
+
+    [[nodiscard]] ReflsTableModel* reflsTableModel() const { return reflsModel; }
+    [[nodiscard]] WarningWindow* notification() const { return warning; }
+
+public slots:
+    void setWaitWindowVisible(bool visible);
+
+    /// Shows on the action button what is being measured and for how long still, s.
+    void updateCountdownText(int rTime, int wavelength);
+    void oneReflMeasStarted();
+    void oneReflMeasFinished();
+
+signals:
+    void mainReflName(QString name);
+    void realtimeParamsValid();
+
+protected slots:
+    void doUpdate() override { }
+    void startstop() override;
+    void measStarted() override;
+    void measStopped() override;
+    void setActionButtonText(QString text);
+    void deleteAllRefls();
+    void deleteRefl(Reflectogram refl);
+    void setMainRefl(Reflectogram refl);
+    void setEventListToMainRefl(EventList events);
+
+    /// A new snapshot is there: the first of a trace makes a curve, the others refresh it.
+    void updateMeased(QString reflFileName, WfMeasParams params);
+    void setHelix(double helix);
+    void setDistance(double xMax);
+    void rescalePlot(Reflectogram refl);
+    void rescalePlot(QRectF region);
+    void rescaleCurrentView();
+    void changeMainCurve(ReflCurve* curve);
+    void showMarkersTable();
+
+protected:
+    void showWarning(const QString& text) override;
+
+private:
+    void alignElements();
+    void removeProgress();
+    void initReflsTable();
+    void setupPlot();
+    void initEventMarkersView();
+    void connectModel();
+    void showFullView();
+    void clearCurves();
+    void eraseCurve(ReflCurve* curve);
+    [[nodiscard]] ReflCurve* curveOf(const Reflectogram& refl) const;
+    [[nodiscard]] QRectF currentView() const;
+    [[nodiscard]] QString configured(const QString& key) const;
+    [[nodiscard]] bool realtimeAllowed() const;
+
+    Plot* plot = nullptr;
+    Model* model = nullptr;
+    ReflsTableModel* reflsModel = nullptr;
+    EventMarkersView* eventMarkers = nullptr;
+    WaitWnd* waitWindow = nullptr;
+    ReflCurve* mainCurve = nullptr;
+    ReflCurve* measCurve = nullptr;
+    QList<ReflCurve*> curves;
+    ReflCurve* prevMeasCurve = nullptr;
+    ZuConfigModel* config;
+    WarningWindow* warning = nullptr;
+    double fullRange = 0.0; ///< of the full view, m
+};
+
+} // namespace Waveform
