@@ -1,0 +1,1 @@
+waveform_bench(sor_bench SOURCES sor_bench.cpp DEPENDS otdr_core)

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace otdrinfo {
+
+enum class Form
+{
+    Summary,
+    Json,
+    Csv,
+    Write,
+    ShowHelp,
+    ShowVersion,
+    Wrong
+};
+
+/// What the command line asks for.
+struct Request
+{
+    Form form = Form::Wrong;
+    std::vector<std::string> files; ///< names as the system gave them, byte for byte
+    std::string output; ///< of Form::Write
+    std::string message; ///< for ShowHelp the help, for Wrong what is wrong
+};
+
+/// Never fails: a wrong command line is an answer too.
+[[nodiscard]] Request parseCommandLine(int argc, const char* const* argv);
+
+} // namespace otdrinfo

@@ -1,0 +1,111 @@
+#include "platform/launcher/dialognameprompt.h"
+#include "platform/launcher/namedialog.h"
+
+#include <QApplication>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+QPushButton* button(const QWidget* dialog, const QString& text)
+{
+    const auto all = dialog->findChildren<QPushButton*>();
+    for (QPushButton* one : all) {
+        if (one->text().remove('&') == text) {
+            return one;
+        }
+    }
+    return nullptr;
+}
+
+/// Runs what a person would do once the dialog is up.
+template <typename Deed>
+void onDialog(Deed deed)
+{
+    QTimer::singleShot(0, qApp, [deed] {
+        QWidget* dialog = QApplication::activeModalWidget();
+        ASSERT_NE(dialog, nullptr);
+        deed(dialog);
+    });
+}
+
+} // namespace
+
+TEST(NameDialog, OffersTheProposedNameReadyToBeTypedOver)
+{
+    const NameDialog dialog("trace_0001", nullptr);
+    auto* edit = dialog.findChild<QLineEdit*>();
+    EXPECT_EQ(edit->text(), "trace_0001");
+    EXPECT_EQ(edit->selectedText(), "trace_0001");
+    EXPECT_GE(edit->minimumHeight(), 44);
+    for (const char* text : {"Save", "Cancel"}) {
+        ASSERT_NE(button(&dialog, text), nullptr) << text;
+        EXPECT_GE(button(&dialog, text)->minimumHeight(), 44);
+    }
+}
+
+TEST(NameDialog, CanSaveOnlyUnderAUsableName)
+{
+    const NameDialog dialog("", nullptr);
+    auto* edit = dialog.findChild<QLineEdit*>();
+    const QPushButton* save = button(&dialog, "Save");
+    EXPECT_FALSE(save->isEnabled());
+    edit->setText("x");
+    EXPECT_TRUE(save->isEnabled());
+    edit->setText(" .. ");
+    EXPECT_FALSE(save->isEnabled());
+}
+
+TEST(DialogNamePrompt, AnswersWhatWasTyped)
+{
+    onDialog([](QWidget* dialog) {
+        QTest::keyClicks(dialog->findChild<QLineEdit*>(), "site 7");
+        button(dialog, "Save")->click();
+    });
+    EXPECT_EQ(DialogNamePrompt().askName("trace_0001").value_or("nothing"), "site 7");
+}
+
+TEST(DialogNamePrompt, AnswersNothingWhenCancelled)
+{
+    onDialog([](QWidget* dialog) { button(dialog, "Cancel")->click(); });
+    EXPECT_FALSE(DialogNamePrompt().askName("trace_0001").has_value());
+    onDialog([](QWidget* dialog) { QTest::keyClick(dialog, Qt::Key_Escape); });
+    EXPECT_FALSE(DialogNamePrompt().askName("trace_0001").has_value());
+}
+
+TEST(DialogNamePrompt, StandsAParentThatGoesWhileTheUserTypes)
+{
+    auto* frame = new QWidget;
+    frame->show();
+    frame->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(frame));
+    onDialog([frame](QWidget* dialog) {
+        EXPECT_EQ(dialog->parentWidget(), frame);
+        delete frame;
+    });
+    EXPECT_FALSE(DialogNamePrompt().askName("trace_0001").has_value());
+}
+
+TEST(DialogNamePrompt, ReplacesAFileOnlyOnAYes)
+{
+    onDialog([](QWidget* dialog) {
+        auto* box = qobject_cast<QMessageBox*>(dialog);
+        ASSERT_NE(box, nullptr);
+        EXPECT_TRUE(box->text().contains("\"<b>old\""));
+        EXPECT_EQ(box->textFormat(), Qt::PlainText);
+        EXPECT_GE(box->button(QMessageBox::Yes)->minimumHeight(), 44);
+        box->button(QMessageBox::Yes)->click();
+    });
+    EXPECT_TRUE(DialogNamePrompt().askOverwrite("<b>old"));
+    onDialog([](QWidget* dialog) {
+        qobject_cast<QMessageBox*>(dialog)->button(QMessageBox::No)->click();
+    });
+    EXPECT_FALSE(DialogNamePrompt().askOverwrite("old"));
+    onDialog([](QWidget* dialog) { QTest::keyClick(dialog, Qt::Key_Escape); });
+    EXPECT_FALSE(DialogNamePrompt().askOverwrite("old"));
+}

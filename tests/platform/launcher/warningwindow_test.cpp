@@ -1,0 +1,57 @@
+#include "platform/launcher/warningwindow.h"
+
+#include <QLabel>
+#include <QPushButton>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+TEST(WarningWindow, ShowsATextWithoutBlocking)
+{
+    WarningWindow window;
+    ASSERT_TRUE(QMetaObject::invokeMethod(&window, "show", Q_ARG(QString, "Saved to:\na.sor")));
+    EXPECT_TRUE(window.isVisible());
+    EXPECT_FALSE(window.isModal());
+    EXPECT_EQ(window.text(), "Saved to:\na.sor");
+    auto* ok = window.findChild<QPushButton*>();
+    EXPECT_GE(ok->height(), 44);
+    ok->click();
+    EXPECT_FALSE(window.isVisible());
+    EXPECT_EQ(window.text(), "");
+}
+
+TEST(WarningWindow, TakesATitle)
+{
+    WarningWindow window;
+    window.show("text", "title");
+    EXPECT_EQ(window.windowTitle(), "title");
+    window.show("text", "");
+    EXPECT_EQ(window.windowTitle(), "");
+}
+
+TEST(WarningWindow, LosesNoMessageThatComesWhileOneIsShown)
+{
+    WarningWindow window;
+    window.show("first");
+    window.show("second");
+    window.show("first");
+    EXPECT_EQ(window.text(), "first\n\nsecond");
+    window.hide();
+    window.show("third");
+    EXPECT_EQ(window.text(), "third");
+}
+
+TEST(WarningWindow, TakesNoMarkupFromATextThatCameFromOutside)
+{
+    WarningWindow window;
+    window.show("<img src='/etc/passwd'>");
+    EXPECT_EQ(window.findChild<QLabel*>()->textFormat(), Qt::PlainText);
+}
+
+TEST(WarningWindow, ClosesOnEscape)
+{
+    WarningWindow window;
+    window.show("text");
+    QTest::keyClick(&window, Qt::Key_Escape);
+    EXPECT_FALSE(window.isVisible());
+}

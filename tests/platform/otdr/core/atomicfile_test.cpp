@@ -1,0 +1,166 @@
+#include "platform/otdr/core/atomicfile.h"
+#include "tests/support/sorsketch.h"
+
+#include <gmock/gmock.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+namespace {
+
+namespace fs = std::filesystem;
+using otdr::ErrorCode;
+using otdr::writeFileAtomically;
+using testing_support::Bytes;
+
+Bytes bytesOf(const std::string& text)
+{
+    return testing_support::ByteSketch().text(text).done;
+}
+
+class AtomicFile : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        std::string name = (fs::temp_directory_path() / "atomicfile-XXXXXX").string();
+        ASSERT_NE(::mkdtemp(name.data()), nullptr);
+        directory = name;
+    }
+
+    void TearDown() override { fs::remove_all(directory); }
+
+    [[nodiscard]] std::string at(const std::string& name) const
+    {
+        return (directory / name).string();
+    }
+
+    [[nodiscard]] std::string contents(const std::string& name) const
+    {
+        std::ifstream file(at(name), std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+    [[nodiscard]] std::ptrdiff_t entries() const
+    {
+        return std::distance(fs::directory_iterator(directory), fs::directory_iterator());
+    }
+
+    fs::path directory;
+};
+
+/// No file of this process may grow beyond so many bytes while this lives: a full disk, as far as
+/// one can tell.
+class FullDisk
+{
+public:
+    explicit FullDisk(rlim_t bytes)
+    {
+        ::getrlimit(RLIMIT_FSIZE, &before);
+        rlimit small = before;
+        small.rlim_cur = bytes;
+        signalBefore = std::signal(SIGXFSZ, SIG_IGN);
+        ::setrlimit(RLIMIT_FSIZE, &small);
+    }
+
+    ~FullDisk()
+    {
+        ::setrlimit(RLIMIT_FSIZE, &before);
+        std::signal(SIGXFSZ, signalBefore);
+    }
+
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+
+private:
+    rlimit before {};
+    void (*signalBefore)(int) = nullptr;
+};
+
+TEST_F(AtomicFile, WritesANewFile)
+{
+    const auto written = writeFileAtomically(at("new"), bytesOf("trace"));
+    ASSERT_TRUE(written.ok());
+    EXPECT_EQ(*written, 5U);
+    EXPECT_EQ(contents("new"), "trace");
+    EXPECT_EQ(entries(), 1);
+}
+
+TEST_F(AtomicFile, ReplacesAFileAndKeepsItsPermissions)
+{
+    ASSERT_TRUE(writeFileAtomically(at("old"), bytesOf("a longer one")).ok());
+    fs::permissions(at("old"),
+                    fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+    ASSERT_TRUE(writeFileAtomically(at("old"), bytesOf("short")).ok());
+    EXPECT_EQ(contents("old"), "short");
+    EXPECT_EQ(fs::status(at("old")).permissions(),
+              fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+}
+
+TEST_F(AtomicFile, GivesANewFileThePermissionsOfTheUser)
+{
+    const mode_t before = ::umask(027);
+    ASSERT_TRUE(writeFileAtomically(at("new"), bytesOf("x")).ok());
+    ::umask(before);
+    EXPECT_EQ(static_cast<unsigned>(fs::status(at("new")).permissions()), 0640U);
+}
+
+TEST_F(AtomicFile, WritesAnEmptyFile)
+{
+    ASSERT_TRUE(writeFileAtomically(at("empty"), {}).ok());
+    EXPECT_TRUE(fs::exists(at("empty")));
+    EXPECT_EQ(fs::file_size(at("empty")), 0U);
+}
+
+TEST_F(AtomicFile, FollowsALink)
+{
+    ASSERT_TRUE(writeFileAtomically(at("real"), bytesOf("old")).ok());
+    fs::create_symlink("real", directory / "link");
+    ASSERT_TRUE(writeFileAtomically(at("link"), bytesOf("new")).ok());
+    EXPECT_TRUE(fs::is_symlink(directory / "link"));
+    EXPECT_EQ(contents("real"), "new");
+}
+
+TEST_F(AtomicFile, TakesANameAsLongAsANameCanBe)
+{
+    const std::string name(255, 'n');
+    ASSERT_TRUE(writeFileAtomically(at(name), bytesOf("x")).ok());
+    EXPECT_EQ(contents(name), "x");
+}
+
+TEST_F(AtomicFile, LeavesTheOldFileWholeWhenTheDiskIsFull)
+{
+    ASSERT_TRUE(writeFileAtomically(at("kept"), bytesOf("what was there")).ok());
+    {
+        const FullDisk full(1000);
+        const auto written = writeFileAtomically(at("kept"), Bytes(5000));
+        ASSERT_FALSE(written.ok());
+        EXPECT_EQ(written.error().code, ErrorCode::CannotWrite);
+    }
+    EXPECT_EQ(contents("kept"), "what was there");
+    EXPECT_EQ(entries(), 1);
+}
+
+TEST_F(AtomicFile, NamesTheFileThatCannotBeWritten)
+{
+    const auto written = writeFileAtomically(at("no/such/directory"), bytesOf("x"));
+    ASSERT_FALSE(written.ok());
+    EXPECT_EQ(written.error().code, ErrorCode::CannotWrite);
+    EXPECT_THAT(written.error().message, testing::HasSubstr("no/such/directory"));
+}
+
+TEST_F(AtomicFile, RefusesWhatIsNotARegularFile)
+{
+    fs::create_directory(directory / "folder");
+    EXPECT_FALSE(writeFileAtomically(at("folder"), bytesOf("x")).ok());
+    ASSERT_EQ(::mkfifo(at("pipe").c_str(), 0600), 0);
+    EXPECT_FALSE(writeFileAtomically(at("pipe"), bytesOf("x")).ok());
+    EXPECT_FALSE(writeFileAtomically("", bytesOf("x")).ok());
+    EXPECT_EQ(entries(), 2);
+}
+
+} // namespace

@@ -1,0 +1,402 @@
+#include "platform/otdr/reflectogram.h"
+
+#include "platform/otdr/core/trace.h"
+#include "tests/support/tracefiles.h"
+
+#include <QFile>
+
+#include <atomic>
+#include <cmath>
+#include <gmock/gmock.h>
+#include <thread>
+
+namespace {
+
+using testing_support::realTraces;
+using testing_support::SorSketch;
+using testing_support::TraceBuilder;
+using testing_support::TraceFiles;
+using namespace testing_support; // the units of the builder
+
+// The plain trace: 50 counts of 100 ps a sample at a group index of 1.468.
+const double kSpacing_m = 5e-9 * 299'792'458.0 / 1.468;
+
+QByteArray contents(const QString& path)
+{
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << qPrintable(path);
+    return file.readAll();
+}
+
+TEST(Reflectogram, EmptyHandleHoldsNothingAndStandsEveryQuestion)
+{
+    const Reflectogram empty;
+    EXPECT_FALSE(empty.isValid());
+    EXPECT_EQ(empty.maxdist(), 0.0);
+    EXPECT_EQ(empty.smpl2dist(1.0), 0.0);
+    EXPECT_EQ(empty.powerAtDist(100.0), 0.0F);
+    EXPECT_LT(empty.endOfFiber(), 0.0);
+    EXPECT_TRUE(empty.fileName().isEmpty());
+    EXPECT_TRUE(empty.getEventList().isEmpty());
+    EXPECT_EQ(empty.sorData(), nullptr);
+    EXPECT_FALSE(empty.isMeasured());
+    EXPECT_EQ(empty.paramsToString(), QString());
+    EXPECT_EQ(empty.save("/nowhere/at/all.sor"), -1);
+    Reflectogram copy = empty;
+    copy.setIOR(1.5);
+    copy.setHelix(1.0);
+    copy.fillOrl();
+    EXPECT_EQ(copy, empty);
+}
+
+TEST(Reflectogram, TwoEmptyHandlesAreEqualAndTwoLoadsOfOneFileAreNot)
+{
+    const TraceFiles files;
+    EXPECT_EQ(Reflectogram(), Reflectogram());
+    const Reflectogram one = files.plain();
+    const Reflectogram copy = one;
+    EXPECT_EQ(one, copy);
+    EXPECT_NE(one, Reflectogram(one.fileName()));
+    EXPECT_NE(one, Reflectogram());
+}
+
+TEST(Reflectogram, TellsWhatTheFileSays)
+{
+    const TraceFiles files;
+    const Reflectogram refl = files.plain();
+    ASSERT_TRUE(refl.isValid()) << qPrintable(refl.error());
+    EXPECT_EQ(refl.wavelength(), 1550);
+    EXPECT_EQ(refl.pulseWidth(), 100.0);
+    EXPECT_EQ(refl.backscatter(), -81.5);
+    EXPECT_NEAR(refl.IOR(), 1.468, 1e-12);
+    EXPECT_NEAR(refl.dataSpacing(), 10.0, 1e-9);
+    EXPECT_NEAR(refl.smpl2dist(1.0), kSpacing_m, 1e-9);
+    EXPECT_NEAR(refl.maxdist(), 3999 * kSpacing_m, 1e-6);
+    EXPECT_NEAR(refl.endOfFiber(), 3000 * kSpacing_m, 1e-6);
+    EXPECT_EQ(refl.fileName(), files.path("plain.sor"));
+    EXPECT_FALSE(refl.isMeasured());
+    ASSERT_NE(refl.sorData(), nullptr);
+    EXPECT_EQ(refl.sorData()->fxdParams().dateTime, 1'700'000'000);
+    ASSERT_NE(refl.sorData()->keyEvents(), nullptr);
+    EXPECT_DOUBLE_EQ(refl.sorData()->keyEvents()->totalLoss, 3.12);
+    EXPECT_DOUBLE_EQ(refl.sorData()->keyEvents()->orl, 32.5);
+    EXPECT_EQ(refl.paramsToString(), "1550 nm, 100 ns, 30 s, IOR 1.4680");
+}
+
+TEST(Reflectogram, LevelIsCountsBelowTheTopAndLinearBetweenSamples)
+{
+    const TraceFiles files;
+    const Reflectogram refl = files.plain();
+    const auto samples = refl.trace()->samples();
+    const double at100 = (65535 - samples[100]) * 0.001;
+    const double at101 = (65535 - samples[101]) * 0.001;
+    EXPECT_NEAR(refl.powerAtDist(100 * kSpacing_m), at100, 1e-4);
+    EXPECT_NEAR(refl.powerAtDist(100.25 * kSpacing_m), 0.75 * at100 + 0.25 * at101, 1e-4);
+    EXPECT_NEAR(refl.powerAtDist(-500.0), (65535 - samples[0]) * 0.001, 1e-4);
+    EXPECT_NEAR(refl.powerAtDist(1e6), (65535 - samples[3999]) * 0.001, 1e-4);
+}
+
+TEST(Reflectogram, EventsOfAFileStandAtTheirSamples)
+{
+    const TraceFiles files;
+    const EventList events = files.plain().getEventList();
+    ASSERT_EQ(events.size(), 3);
+    EXPECT_EQ(events[0].type, Event::SpanStart);
+    EXPECT_EQ(events[0].position, 0);
+    EXPECT_EQ(events[1].type, Event::NonReflective);
+    EXPECT_EQ(events[1].position, 1000);
+    EXPECT_NEAR(events[1].coordinate, 1000 * kSpacing_m, 1e-6);
+    EXPECT_DOUBLE_EQ(events[1].loss, 0.12);
+    EXPECT_DOUBLE_EQ(events[1].attenuationBefore, 0.19);
+    EXPECT_FALSE(Event::isKnown(events[1].reflectance));
+    EXPECT_EQ(events[2].type, Event::SpanEnd);
+    EXPECT_EQ(events[2].position, 3000);
+    EXPECT_DOUBLE_EQ(events[2].reflectance, -14.7);
+}
+
+TEST(Reflectogram, PositionsCountFromTheUsersZeroBehindALaunchFibre)
+{
+    SorSketch sketch = SorSketch::plain();
+    sketch.gen.userOffset = 5000; // a hundred samples
+    for (auto& event : sketch.keyEvents.events) {
+        event.position -= 5000;
+    }
+    const TraceFiles files;
+    const Reflectogram refl(files.write("launch.sor", sketch));
+    ASSERT_TRUE(refl.isValid());
+    EXPECT_EQ(refl.getEventList()[0].position, -100);
+    EXPECT_EQ(refl.getEventList()[2].position, 2900);
+    EXPECT_NEAR(refl.maxdist(), 3899 * kSpacing_m, 1e-6);
+    // The splice's sample is the same one of the record, now nearer to 0 m.
+    EXPECT_NEAR(refl.powerAtDist(900 * kSpacing_m), files.plain().powerAtDist(1000 * kSpacing_m),
+                1e-6);
+}
+
+TEST(Reflectogram, ChangesAreSeenByAllHolders)
+{
+    const TraceFiles files;
+    Reflectogram one = files.plain();
+    const Reflectogram other = one;
+    one.setIOR(1.5);
+    EXPECT_EQ(other.IOR(), 1.5);
+    one.setHelix(2.0);
+    EXPECT_EQ(other.helix(), 2.0);
+    one.setEventList({ Event(Event::SpanEnd, 77, 1) });
+    EXPECT_EQ(other.getEventList().size(), 1);
+    EXPECT_EQ(other.endOfFiber(), 77.0);
+    one.setSupParams({ "S", "", "", "", "", "", "" });
+    EXPECT_EQ(other.sorData()->supParams().supplierName, "S");
+}
+
+TEST(Reflectogram, GroupIndexAndHelixScaleDistancesAndEventsAlike)
+{
+    const TraceFiles files;
+    Reflectogram refl = files.plain();
+    const double end = refl.endOfFiber();
+    const double last = refl.maxdist();
+    refl.setIOR(1.468 * 2.0);
+    EXPECT_NEAR(refl.endOfFiber(), end / 2.0, 1e-6);
+    EXPECT_NEAR(refl.maxdist(), last / 2.0, 1e-6);
+    EXPECT_NEAR(refl.getEventList()[1].attenuationBefore, 0.38, 1e-9);
+    EXPECT_EQ(refl.getEventList()[2].position, 3000);
+    refl.setIOR(1.468);
+    refl.setHelix(25.0);
+    EXPECT_NEAR(refl.maxdist(), last / 1.25, 1e-6);
+    EXPECT_NEAR(refl.endOfFiber(), end / 1.25, 1e-6);
+}
+
+TEST(Reflectogram, RefusesAGroupIndexThatCannotBe)
+{
+    const TraceFiles files;
+    Reflectogram refl = files.plain();
+    for (const double ior : { 0.0, -1.5, 0.99, std::nan(""), HUGE_VAL }) {
+        refl.setIOR(ior);
+        EXPECT_NEAR(refl.IOR(), 1.468, 1e-12);
+    }
+    refl.setHelix(-100.0);
+    EXPECT_EQ(refl.helix(), 0.0);
+}
+
+TEST(Reflectogram, SnapshotTakesTheParametersOfTheMeasurement)
+{
+    const TraceFiles files;
+    WfMeasParams params;
+    params.ior = 1.4682;
+    params.helix = 1.0;
+    params.rbs = -81.9;
+    params.distance = 5000.0;
+    params.duration = 15;
+    const Reflectogram refl = files.measured(TraceBuilder().fibre(3_km), params);
+    ASSERT_TRUE(refl.isValid()) << qPrintable(refl.error());
+    EXPECT_TRUE(refl.isMeasured());
+    EXPECT_EQ(refl.IOR(), 1.4682);
+    EXPECT_EQ(refl.helix(), 1.0);
+    EXPECT_EQ(refl.backscatter(), -81.9);
+    EXPECT_EQ(refl.wavelength(), 1550);
+    EXPECT_EQ(refl.parameters().distance, 5000.0);
+    EXPECT_EQ(refl.parameters().duration, 15);
+    EXPECT_LT(refl.endOfFiber(), 0.0);
+    EXPECT_EQ(refl.sorData()->keyEvents(), nullptr);
+    EXPECT_FLOAT_EQ(refl.powerAtDist(0.0), 45.0F);
+}
+
+TEST(Reflectogram, OpenedSnapshotIsNoMeasurementAndSaysWhatWasAssumed)
+{
+    const TraceFiles files;
+    const Reflectogram refl(files.writeSnapshot("snapshot.bin", TraceBuilder()));
+    ASSERT_TRUE(refl.isValid());
+    EXPECT_FALSE(refl.isMeasured());
+    EXPECT_THAT(refl.notes().join(' ').toStdString(), testing::HasSubstr("group index"));
+}
+
+TEST(Reflectogram, RefreshReplacesTheTraceForAllHoldersAndForgetsWhatWasComputed)
+{
+    const TraceFiles files;
+    Reflectogram refl = files.measured(TraceBuilder().fibre(3_km));
+    const Reflectogram holder = refl;
+    refl.fillOrl();
+    refl.setEventList({ Event(Event::SpanEnd, 3000, 10) });
+    ASSERT_NE(holder.sorData()->keyEvents(), nullptr);
+
+    const QString file = files.writeSnapshot("wfsnapshot.bin", TraceBuilder().fibre(2_km));
+    WfMeasParams params;
+    params.ior = 1.468; // that of the builder
+    ASSERT_TRUE(refl.updateFromFile(file, params));
+    EXPECT_NEAR(holder.maxdist(), 2000.0, 5.0);
+    EXPECT_TRUE(holder.isMeasured());
+    EXPECT_TRUE(holder.getEventList().isEmpty());
+    EXPECT_EQ(holder.sorData()->keyEvents(), nullptr);
+}
+
+TEST(Reflectogram, FailedRefreshKeepsTheTraceAndSaysWhy)
+{
+    const TraceFiles files;
+    Reflectogram refl = files.plain();
+    const double last = refl.maxdist();
+    EXPECT_FALSE(refl.updateFromFile(files.path("missing.bin"), WfMeasParams()));
+    EXPECT_TRUE(refl.isValid());
+    EXPECT_EQ(refl.maxdist(), last);
+    EXPECT_EQ(refl.fileName(), files.path("plain.sor"));
+    EXPECT_FALSE(refl.error().isEmpty());
+}
+
+TEST(Reflectogram, FileThatIsNoTraceIsInvalidWithAReason)
+{
+    const TraceFiles files;
+    const QString text = files.path("notes.txt");
+    QFile file(text);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("The quick brown fox jumps over the lazy dog.");
+    file.close();
+    for (const QString& name : { text, files.path(""), files.path("missing.sor") }) {
+        const Reflectogram refl(name);
+        EXPECT_FALSE(refl.isValid());
+        EXPECT_FALSE(refl.error().isEmpty()) << qPrintable(name);
+    }
+}
+
+TEST(Reflectogram, UnchangedFileIsSavedByteForByte)
+{
+    const TraceFiles files;
+    Reflectogram refl = files.plain();
+    refl.fillOrl(); // computing for the screen is no change of the trace
+    ASSERT_EQ(refl.save(files.path("copy.sor")), 0);
+    EXPECT_EQ(contents(files.path("copy.sor")), contents(files.path("plain.sor")));
+}
+
+TEST(Reflectogram, SavedChangesAreReadBack)
+{
+    const TraceFiles files;
+    Reflectogram refl = files.plain();
+    refl.setIOR(1.475);
+    refl.setSupParams({ "Supplier", "Main", "1", "Module", "2", "3.0", "other" });
+    Event end(Event::SpanEnd, 2500, 10);
+    end.position = 2462;
+    end.coordinate = 2500.0;
+    end.reflectance = -30.5;
+    refl.setEventList({ end });
+    ASSERT_EQ(refl.save(files.path("changed.sor")), 0);
+
+    const Reflectogram read(files.path("changed.sor"));
+    ASSERT_TRUE(read.isValid()) << qPrintable(read.error());
+    EXPECT_NEAR(read.IOR(), 1.475, 1e-9);
+    EXPECT_EQ(read.sorData()->supParams().supplierName, "Supplier");
+    ASSERT_EQ(read.getEventList().size(), 1);
+    EXPECT_EQ(read.getEventList()[0].type, Event::SpanEnd);
+    EXPECT_NEAR(read.getEventList()[0].coordinate, 2500.0, 0.011); // half a count of 2 cm
+    EXPECT_NEAR(read.getEventList()[0].reflectance, -30.5, 1e-9);
+    EXPECT_EQ(read.trace()->samples(), refl.trace()->samples());
+}
+
+TEST(Reflectogram, MeasuredTraceIsSavedWithItsParametersAndReadBackTheSame)
+{
+    const TraceFiles files;
+    WfMeasParams params;
+    params.ior = 1.4682;
+    params.rbs = -81.9;
+    params.duration = 15;
+    const QString snapshot = files.writeSnapshot(
+        "wfsnapshot.bin", TraceBuilder().fibre(3_km).splice(1_km, 0.3_dB), 10.0, -200.0);
+    Reflectogram refl(snapshot, params);
+    refl.fillOrl();
+    QString error;
+    ASSERT_EQ(refl.save(files.path("new.sor"), &error), 0) << qPrintable(error);
+
+    const Reflectogram read(files.path("new.sor"));
+    ASSERT_TRUE(read.isValid()) << qPrintable(read.error());
+    EXPECT_TRUE(read.notes().isEmpty()) << qPrintable(read.notes().join('\n'));
+    EXPECT_EQ(read.trace()->samples(), refl.trace()->samples());
+    EXPECT_EQ(read.wavelength(), 1550);
+    EXPECT_EQ(read.pulseWidth(), 100.0);
+    EXPECT_NEAR(read.IOR(), 1.4682, 1e-9);
+    EXPECT_NEAR(read.backscatter(), -81.9, 1e-9);
+    EXPECT_NEAR(read.maxdist(), refl.maxdist(), 0.02);
+    EXPECT_NEAR(read.powerAtDist(700.0), refl.powerAtDist(700.0), 1e-4);
+    EXPECT_EQ(read.sorData()->fxdParams().averages, 64U);
+    EXPECT_DOUBLE_EQ(read.sorData()->fxdParams().averagingTime, 15.0);
+    EXPECT_NEAR(static_cast<double>(read.sorData()->fxdParams().dateTime),
+                static_cast<double>(refl.sorData()->fxdParams().dateTime), 0.5);
+}
+
+TEST(Reflectogram, SaveThatFailsLeavesTheOldFileAndSaysWhy)
+{
+    const TraceFiles files;
+    const Reflectogram refl = files.plain();
+    QString error;
+    EXPECT_EQ(refl.save(files.path("no/such/directory.sor"), &error), -1);
+    EXPECT_FALSE(error.isEmpty());
+}
+
+TEST(Reflectogram, FillOrlMakesTheKeyEventsBlockEvenWhereNothingCanBeComputed)
+{
+    const TraceFiles files;
+    SorSketch sketch = SorSketch::plain();
+    sketch.leftOut = { "KeyEvents" };
+    sketch.samples.assign(20, 65535);
+    Reflectogram refl(files.write("dark.sor", sketch));
+    ASSERT_TRUE(refl.isValid()) << qPrintable(refl.error());
+    ASSERT_EQ(refl.sorData()->keyEvents(), nullptr);
+    refl.fillOrl();
+    ASSERT_NE(refl.sorData()->keyEvents(), nullptr);
+    EXPECT_TRUE(std::isnan(refl.sorData()->keyEvents()->totalLoss));
+}
+
+TEST(Reflectogram, EarlierSorDataDoesNotChangeUnderItsReader)
+{
+    const TraceFiles files;
+    Reflectogram refl = files.measured(TraceBuilder().fibre(3_km));
+    const auto before = refl.sorData();
+    refl.fillOrl();
+    EXPECT_EQ(before->keyEvents(), nullptr);
+    EXPECT_NE(refl.sorData()->keyEvents(), nullptr);
+}
+
+// Under ThreadSanitizer this is the proof that the handle may be shared between threads.
+TEST(Reflectogram, MayBeReadWhileItIsRefreshedAndComputed)
+{
+    const TraceFiles files;
+    Reflectogram refl = files.measured(TraceBuilder().fibre(3_km));
+    const QString file = refl.fileName();
+    std::atomic<bool> done { false };
+    std::thread worker([&] {
+        Reflectogram copy = refl;
+        while (!done) {
+            copy.fillOrl();
+        }
+    });
+    for (int i = 0; i < 50; ++i) {
+        refl.updateFromFile(file, WfMeasParams());
+        refl.setIOR(1.4 + 0.001 * i);
+        refl.setEventList({ Event(Event::SpanEnd, 2900 + i, 10) });
+        EXPECT_GT(refl.maxdist(), 0.0);
+        EXPECT_GT(refl.powerAtDist(500.0), 0.0F);
+        EXPECT_EQ(refl.getEventList().size(), 1);
+        const auto sor = refl.sorData();
+        ASSERT_NE(sor, nullptr);
+    }
+    done = true;
+    worker.join();
+}
+
+TEST(Reflectogram, RealTracesOpenWithTheirEventsInOrderAndOnTheTrace)
+{
+    if (realTraces().isEmpty()) {
+        GTEST_SKIP() << "no real traces here";
+    }
+    for (const QString& file : realTraces()) {
+        const Reflectogram refl(file);
+        ASSERT_TRUE(refl.isValid()) << qPrintable(file + ": " + refl.error());
+        EXPECT_GT(refl.wavelength(), 800) << qPrintable(file);
+        EXPECT_GT(refl.pulseWidth(), 0.0) << qPrintable(file);
+        double before = -1e9;
+        for (const Event& event : refl.getEventList()) {
+            EXPECT_GE(event.coordinate, before) << qPrintable(file);
+            before = event.coordinate;
+            EXPECT_NEAR(static_cast<double>(event.position) * refl.smpl2dist(1.0),
+                        event.coordinate, 0.5 * refl.smpl2dist(1.0) + 1e-6)
+                << qPrintable(file);
+        }
+    }
+}
+
+} // namespace
