@@ -28,15 +28,6 @@ void chooseScreen(const Options& options)
     }
 }
 
-QStringList argumentsOf(int argc, char** argv)
-{
-    QStringList arguments;
-    for (int i = 0; i < argc; ++i) {
-        arguments << QString::fromLocal8Bit(argv[i]);
-    }
-    return arguments;
-}
-
 int fail(const QString& problem)
 {
     QTextStream(stderr) << "waveform: " << problem << "\n";
@@ -49,10 +40,11 @@ void showFrame(Host& host, const Options& options)
     host.frame()->show();
 }
 
-/// The offscreen platform says of every window that it has no use for its size hints; all else is printed.
-void printMessage(QtMsgType type, const QMessageLogContext& context, const QString& text)
+/// What a run with nobody at the screen has to say: warnings, but neither what helps to follow the program nor that
+/// the offscreen platform has no use for what every window asks of it.
+void printWarnings(QtMsgType type, const QMessageLogContext& context, const QString& text)
 {
-    if (!text.contains("propagateSizeHints")) {
+    if (type != QtDebugMsg && !text.startsWith("This plugin does not support")) {
         QTextStream(stderr) << qFormatLogMessage(type, context, text) << "\n";
     }
 }
@@ -115,17 +107,20 @@ int main(int argc, char** argv)
 {
     QCoreApplication::setApplicationName("waveform");
     QCoreApplication::setApplicationVersion(WAVEFORM_VERSION);
-    const auto parsed = parseOptions(argumentsOf(argc, argv));
+    const auto parsed = [&] {
+        const QCoreApplication console(argc, argv); // a text is all that some command lines want
+        return parseOptions(QCoreApplication::arguments());
+    }();
     if (const auto* text = std::get_if<OptionsText>(&parsed)) {
         QTextStream(text->exitCode == 0 ? stdout : stderr) << text->text;
         return text->exitCode;
     }
     const Options options = std::get<Options>(parsed);
     chooseScreen(options);
-    qInstallMessageHandler(printMessage);
     // Neither reads what the user has configured nor leaves anything in the user's directories.
     std::unique_ptr<QTemporaryDir> home;
     if (unattended(options)) {
+        qInstallMessageHandler(printWarnings);
         home = std::make_unique<QTemporaryDir>();
         qputenv("HOME", QFile::encodeName(home->path()));
         qputenv("XDG_RUNTIME_DIR", QFile::encodeName(home->path()));

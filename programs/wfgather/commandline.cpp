@@ -7,20 +7,20 @@ namespace gather {
 
 namespace {
 
-constexpr const char* kDescription
-    = "Measures a trace of a simulated fibre, or serves a trace file as if it were measured.\n"
-      "\n"
-      "Every refresh of the trace goes into SNAPSHOT; what happens is told on standard output, one\n"
-      "message a line: G gather, C configuration, M measurement, A analysis, with { for its start,\n"
-      "* for news and } for its end. SIGTERM ends the measurement with what has been measured.\n"
-      "\n"
-      "SETTINGS is an INI file. Section MeasParams: duration (s, 0 = realtime), pulse (ns),\n"
-      "distance (m), wavelength (nm, or all), ior1310, ior1550, helix (percent), rbs (dB at 1 ns).\n"
-      "Section Simulation: fibre (path of a fibre file), replay (path of a .sor file), seed,\n"
-      "timeScale (seconds of wall time for one of measuring, 0 = as fast as possible).\n"
-      "Every key may be missing.\n"
-      "\n"
-      "Exit code: 0 success, 1 bad input, nowhere to write or nobody reading, 2 wrong command line.";
+constexpr const char* kDescription =
+    "Measures a trace of a simulated fibre, or serves a trace file as if it were measured.\n"
+    "\n"
+    "Every refresh of the trace goes into SNAPSHOT; what happens is told on standard output, one\n"
+    "message a line: G gather, C configuration, M measurement, A analysis, with { for its start,\n"
+    "* for news and } for its end. SIGTERM ends the measurement with what has been measured.\n"
+    "\n"
+    "SETTINGS is an INI file. Section MeasParams: duration (s, 0 = realtime), pulse (ns),\n"
+    "distance (m), wavelength (nm, or all), ior1310, ior1550, helix (percent), rbs (dB at 1 ns).\n"
+    "Section Simulation: fibre (path of a fibre file), replay (path of a .sor file), seed,\n"
+    "timeScale (seconds of wall time for one of measuring, 0 = as fast as possible).\n"
+    "Every key may be missing.\n"
+    "\n"
+    "Exit code: 0 success, 1 bad input, nowhere to write or nobody reading, 2 wrong command line.";
 
 /// Latin-1 takes the bytes of a name one to one, whatever they are encoded in.
 std::string bytesOf(const QString& argument)

@@ -4,7 +4,13 @@
 
 namespace gather {
 
-enum class Form { Run, ShowHelp, ShowVersion, Wrong };
+enum class Form
+{
+    Run,
+    ShowHelp,
+    ShowVersion,
+    Wrong
+};
 
 /// What the command line asks for.
 struct CommandLine

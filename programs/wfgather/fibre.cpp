@@ -43,9 +43,9 @@ std::vector<FibreEvent> joints(const Fibre& fibre, int wavelength_nm)
     double border_m = 0.0;
     for (const Section& section : fibre.sections) {
         border_m += section.length_m;
-        const bool named
-            = std::any_of(fibre.events.begin(), fibre.events.end(),
-                          [&](const FibreEvent& event) { return isSamePlace(event.at_m, border_m); });
+        const bool named =
+            std::any_of(fibre.events.begin(), fibre.events.end(),
+                        [&](const FibreEvent& event) { return isSamePlace(event.at_m, border_m); });
         const double step_dB = backscatterStep_dB(fibre, border_m, wavelength_nm);
         if (!named && std::abs(step_dB) > kSameBackscatter_dB) {
             found.push_back({border_m, Spectrum(0.0), {}, "joint"});
@@ -78,8 +78,8 @@ std::vector<TruthEvent> truthOf(const Fibre& fibre, int wavelength_nm)
         one.time_ns = event.at_m / metres;
         one.loss_dB = event.loss_dB.at(wavelength_nm);
         // The trace counts one-way decibels: half of the step of the coefficient.
-        one.apparentLoss_dB
-            = one.loss_dB - backscatterStep_dB(fibre, event.at_m, wavelength_nm) / 2.0;
+        one.apparentLoss_dB =
+            one.loss_dB - backscatterStep_dB(fibre, event.at_m, wavelength_nm) / 2.0;
         one.reflectance_dB = event.reflectance_dB.at(wavelength_nm);
         one.kind = event.kind;
         truth.push_back(one);

@@ -80,17 +80,17 @@ public:
         for (int i = 0; i < events.size() && !failed(); ++i) {
             fibre.events.push_back(eventOf(events[i], QString("events[%1]").arg(i), length_m));
         }
-        std::stable_sort(
-            fibre.events.begin(), fibre.events.end(),
-            [](const FibreEvent& a, const FibreEvent& b) { return a.at_m < b.at_m; });
-        fibre.endReflectance_dB
-            = spectrum(object["end_reflectance_db"], "end_reflectance_db", kReflectance_dB, {});
+        std::stable_sort(fibre.events.begin(), fibre.events.end(),
+                         [](const FibreEvent& a, const FibreEvent& b) { return a.at_m < b.at_m; });
+        fibre.endReflectance_dB =
+            spectrum(object["end_reflectance_db"], "end_reflectance_db", kReflectance_dB, {});
         fibre.dynamicRange_dB = spectrum(object["dynamic_range_db"], "dynamic_range_db",
                                          kDynamicRange_dB, Spectrum(kDefaultDynamicRange_dB));
         return fibre;
     }
 
     [[nodiscard]] bool failed() const { return !error.isEmpty(); }
+
     [[nodiscard]] const QString& firstError() const { return error; }
 
 private:
@@ -100,8 +100,8 @@ private:
         Section section;
         section.length_m = number(object["length_m"], place + ".length_m", kLength_m);
         const QString attenuation = place + ".attenuation_db_per_km";
-        section.attenuation_dBPerKm
-            = spectrum(object["attenuation_db_per_km"], attenuation, kAttenuation_dBPerKm, {});
+        section.attenuation_dBPerKm =
+            spectrum(object["attenuation_db_per_km"], attenuation, kAttenuation_dBPerKm, {});
         if (section.attenuation_dBPerKm.empty()) {
             fail(attenuation, "missing");
         }
@@ -117,8 +117,8 @@ private:
         const double furthest_m = length_m + kSamePlace_m;
         event.at_m = number(object["at_m"], place + ".at_m", {0.0, furthest_m});
         event.loss_dB = spectrum(object["loss_db"], place + ".loss_db", kLoss_dB, Spectrum(0.0));
-        event.reflectance_dB
-            = spectrum(object["reflectance_db"], place + ".reflectance_db", kReflectance_dB, {});
+        event.reflectance_dB =
+            spectrum(object["reflectance_db"], place + ".reflectance_db", kReflectance_dB, {});
         event.kind = text(object, "kind", place + ".");
         return event;
     }
@@ -198,10 +198,7 @@ private:
         return Spectrum(std::move(values));
     }
 
-    static bool isMissing(const QJsonValue& value)
-    {
-        return value.isUndefined() || value.isNull();
-    }
+    static bool isMissing(const QJsonValue& value) { return value.isUndefined() || value.isNull(); }
 
     void fail(const QString& place, const QString& what)
     {

@@ -8,10 +8,11 @@
 
 #include <QCoreApplication>
 
+#include <unistd.h>
+
 #include <csignal>
 #include <cstdio>
 #include <exception>
-#include <unistd.h>
 
 namespace {
 
@@ -71,6 +72,8 @@ int main(int argc, char** argv)
 {
     gather::StopSignal stop;
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ,
+                SIG_IGN); // a file that may not grow is an error to be told, as a full disk is
     const QCoreApplication application(argc, argv);
     try {
         return answer(gather::parseCommandLine(argc, argv), stop);

@@ -2,13 +2,14 @@
 
 #include <QByteArray>
 
-#include <cerrno>
-#include <chrono>
 #include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
-#include <thread>
 #include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <thread>
 
 namespace gather {
 
@@ -21,7 +22,10 @@ constexpr std::chrono::microseconds kPoll(200);
 
 bool isPipeDescriptor(int descriptor)
 {
-    struct stat status {};
+    struct stat status
+    {
+    };
+
     return fstat(descriptor, &status) == 0 && S_ISFIFO(status.st_mode);
 }
 
@@ -86,8 +90,7 @@ void MessageWriter::send(const std::string& text)
     const std::string message = std::to_string(++counter) + ' ' + text + ";\n";
     std::size_t written = 0;
     while (connected && written < message.size()) { // a pipe takes so little at once
-        const ssize_t count
-            = write(descriptor, message.data() + written, message.size() - written);
+        const ssize_t count = write(descriptor, message.data() + written, message.size() - written);
         if (count > 0) {
             written += static_cast<std::size_t>(count);
         } else if (errno != EINTR) {

@@ -18,16 +18,21 @@ public:
     explicit MessageWriter(int descriptor);
 
     void gatherStarts() { send("G {"); }
+
     void gatherEnds() { send("G }"); }
+
     void tracesPrepared(std::size_t count);
 
     /// number: from 1 on.
     void traceStarts(std::size_t number, std::size_t count, const TraceParams& params);
+
     void traceEnds() { send("M }"); }
 
     /// Time left and time measured of the current trace, whole seconds.
     void tick(int remaining_s, int elapsed_s);
+
     void analysisStarts() { send("A {"); }
+
     void analysisEnds() { send("A }"); }
 
     /// The reader is still there. Once it has gone, nothing more is written.

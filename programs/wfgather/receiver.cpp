@@ -124,9 +124,12 @@ void lowPass(std::vector<double>& signal, double step)
     const double slowGain = -std::expm1(-step / kTailTimeConstants);
     double fast = 0.0;
     double slow = 0.0;
+    double before = 0.0;
     for (double& value : signal) {
-        fast += fastGain * (value - fast);
-        slow += slowGain * (value - slow);
+        const double mean = 0.5 * (before + value); // of the cell: its end alone would come early
+        before = value;
+        fast += fastGain * (mean - fast);
+        slow += slowGain * (mean - slow);
         value = (1.0 - kTailPart) * fast + kTailPart * slow;
     }
 }

@@ -22,8 +22,8 @@ otdr::RawSamples rescaled(const otdr::sor::DataPts& data)
 {
     std::vector<std::uint16_t> counts(data.samples.size());
     std::transform(data.samples.begin(), data.samples.end(), counts.begin(), [&](auto raw) {
-        const double level
-            = (otdr::kNoSignal - raw) * static_cast<double>(data.scaleFactor) / kUsualScale;
+        const double level =
+            (otdr::kNoSignal - raw) * static_cast<double>(data.scaleFactor) / kUsualScale;
         const double shown = std::min<double>(std::round(level), otdr::kNoSignal);
         return static_cast<std::uint16_t>(otdr::kNoSignal - static_cast<int>(shown));
     });
@@ -42,8 +42,8 @@ TraceParams paramsOf(const otdr::sor::File& file, const TraceParams& wanted)
     params.ior = groupIndex(file);
     params.distance_m = positiveOr(range_m(file), wanted.distance_m);
     params.pulse_ns = static_cast<int>(std::lround(positiveOr(pulse_ns(file), wanted.pulse_ns)));
-    params.wavelength_nm
-        = nominalWavelength_nm(file) > 0 ? nominalWavelength_nm(file) : wanted.wavelength_nm;
+    params.wavelength_nm =
+        nominalWavelength_nm(file) > 0 ? nominalWavelength_nm(file) : wanted.wavelength_nm;
     const double backscatter = backscatter_dB(file);
     params.backscatter_dB = backscatter < 0.0 ? backscatter : wanted.backscatter_dB;
     if (wanted.duration_s > 0) {
@@ -78,8 +78,8 @@ otdr::Result<Replay> readReplay(const std::string& path, const TraceParams& want
     snapshot.pulse_ns = static_cast<std::uint32_t>(replay.params.pulse_ns);
     snapshot.wavelength_nm = static_cast<std::uint16_t>(replay.params.wavelength_nm);
     snapshot.countsPerDb = kUsualScale;
-    snapshot.samples
-        = file->data.scaleFactor == kUsualScale ? file->data.samples : rescaled(file->data);
+    snapshot.samples =
+        file->data.scaleFactor == kUsualScale ? file->data.samples : rescaled(file->data);
     return replay;
 }
 

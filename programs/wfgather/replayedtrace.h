@@ -15,8 +15,11 @@ public:
     ReplayedTrace(TraceParams params, otdr::Snapshot served);
 
     [[nodiscard]] TraceParams params() const override { return announced; }
+
     void measure(double /*time_s*/) override { }
+
     void restart() override { }
+
     [[nodiscard]] otdr::Snapshot snapshot() const override { return served; }
 
 private:

@@ -30,7 +30,7 @@ std::optional<otdr::Error> Run::execute(const std::vector<std::unique_ptr<TraceS
 {
     with.messages.gatherStarts();
     with.messages.tracesPrepared(sources.size());
-    for (std::size_t i = 0; i < sources.size() && !with.stop.raised(); ++i) {
+    for (std::size_t i = 0; i < sources.size() && !isInterrupted(); ++i) {
         with.messages.traceStarts(i + 1, sources.size(), sources[i]->params());
         if (std::optional<otdr::Error> error = measureTrace(*sources[i])) {
             return error;
@@ -52,15 +52,19 @@ std::optional<otdr::Error> Run::measureTrace(TraceSource& source)
         if (std::optional<otdr::Error> error = refresh(source, measured_s + step_s)) {
             return error;
         }
-    } while (!isOver(measured_s));
+    } while (!isComplete() && !isInterrupted());
     return std::nullopt;
 }
 
-/// Whether the trace is complete. A stop and a reader that has gone end it too.
-bool Run::isOver(double now_s)
+/// Whether the trace has been measured for its time.
+bool Run::isComplete() const
 {
-    const bool isComplete = !settings.isRealtime() && now_s >= settings.duration_s - kSameTime_s;
-    return isComplete || with.stop.raised() || !with.messages.isConnected();
+    return !settings.isRealtime() && measured_s >= settings.duration_s - kSameTime_s;
+}
+
+bool Run::isInterrupted()
+{
+    return with.stop.raised() || !with.messages.isConnected();
 }
 
 std::optional<otdr::Error> Run::refresh(TraceSource& source, double until_s)
@@ -96,8 +100,8 @@ double Run::waitFor(double until_s)
         const double steps = std::round(until_s / kRealtimeRefresh_s);
         wall_s = std::max(wall_s, steps * kShortestRealtimeRefresh_s);
     }
-    const auto due
-        = traceStart + std::chrono::duration_cast<StopSignal::Clock::duration>(Seconds(wall_s));
+    const auto due =
+        traceStart + std::chrono::duration_cast<StopSignal::Clock::duration>(Seconds(wall_s));
     const bool stopped = with.stop.waitUntil(due);
     if (!stopped || settings.timeScale <= 0.0) {
         return until_s;

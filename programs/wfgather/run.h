@@ -43,7 +43,8 @@ private:
     [[nodiscard]] std::optional<otdr::Error> measureTrace(TraceSource& source);
     [[nodiscard]] std::optional<otdr::Error> refresh(TraceSource& source, double until_s);
     [[nodiscard]] double waitFor(double until_s);
-    [[nodiscard]] bool isOver(double measured_s);
+    [[nodiscard]] bool isComplete() const;
+    [[nodiscard]] bool isInterrupted();
 
     const Settings& settings;
     Equipment with;

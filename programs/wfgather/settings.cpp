@@ -43,10 +43,13 @@ public:
         : file(path, QSettings::IniFormat)
         , path(path)
     {
+        file.setIniCodec("UTF-8"); // of a file written by hand; QSettings itself escapes
     }
 
     [[nodiscard]] QSettings::Status status() const { return file.status(); }
+
     [[nodiscard]] bool has(const QString& key) const { return file.contains(key); }
+
     [[nodiscard]] const QString& firstError() const { return error; }
 
     /// The text of a key; one with commas that nobody quoted comes as a list and is joined again.
@@ -68,7 +71,8 @@ public:
             && number <= range.highest) {
             value = number;
         } else {
-            fail(key, QString("a number from %1 to %2").arg(shown(range.lowest), shown(range.highest)));
+            fail(key,
+                 QString("a number from %1 to %2").arg(shown(range.lowest), shown(range.highest)));
         }
     }
 

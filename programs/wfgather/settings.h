@@ -32,17 +32,17 @@ struct Settings
 
     [[nodiscard]] bool isRealtime() const { return duration_s == 0; }
 
-    /// What a trace at a wavelength is to be announced with, the backscatter coefficient aside where
-    /// none is set. The group index is that set for the nearer one of 1310 and 1550 nm.
+    /// What a trace at a wavelength is to be announced with, the backscatter coefficient aside
+    /// where none is set. The group index is that set for the nearer one of 1310 and 1550 nm.
     [[nodiscard]] TraceParams paramsAt(int wavelength_nm) const;
 };
 
 /// Reads a settings file, an INI file with the sections MeasParams (duration, pulse, distance,
 /// wavelength, ior1310, ior1550, helix, rbs) and Simulation (fibre, replay, seed, timeScale).
 ///
-/// Numbers have a decimal point. A wavelength is rounded to whole nm and a pulse cut to whole ns, as
-/// the application does; "all" is 1310 and then 1550 nm. An error names the key and what it may be:
-/// CannotOpen, CannotRead, TooLarge, Damaged.
+/// Numbers have a decimal point. A wavelength is rounded to whole nm and a pulse cut to whole ns,
+/// as the application does; "all" is 1310 and then 1550 nm. An error names the key and what it may
+/// be: CannotOpen, CannotRead, TooLarge, Damaged.
 [[nodiscard]] otdr::Result<Settings> readSettings(const std::string& path);
 
 } // namespace gather

@@ -30,15 +30,16 @@ struct SimulationRequest
 ///
 /// Time is the fibre's own (its group index), the range that of the announced index and helix, as
 /// on an instrument: an index that is not the fibre's puts events elsewhere. Levels are laid out so
-/// that the RMS noise of the whole measurement stands at 6 dB and the backscatter at the port as far
-/// above as the dynamic range; it is kept within 10 .. 50 dB, so that a saturated peak still fits
-/// into 16 bits. The same request gives the same samples.
+/// that the RMS noise of the whole measurement stands at 6 dB and the backscatter at the port as
+/// far above as the dynamic range; it is kept within 10 .. 50 dB, so that a saturated peak still
+/// fits into 16 bits. The same request gives the same samples.
 class SimulatedTrace : public TraceSource
 {
 public:
     SimulatedTrace(const Fibre& fibre, const SimulationRequest& request);
 
     [[nodiscard]] TraceParams params() const override { return announced; }
+
     void measure(double time_s) override;
     void restart() override;
     [[nodiscard]] otdr::Snapshot snapshot() const override;

@@ -1,11 +1,12 @@
 #include "programs/wfgather/snapshotfile.h"
 
-#include <cerrno>
-#include <cstring>
 #include <fcntl.h>
-#include <filesystem>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
 #include <utility>
 
 namespace gather {
@@ -43,8 +44,8 @@ SnapshotFile::SnapshotFile(std::string path)
     : path(std::move(path))
 {
     const std::filesystem::path whole(this->path);
-    const std::filesystem::path directory
-        = whole.has_parent_path() ? whole.parent_path() : std::filesystem::path(".");
+    const std::filesystem::path directory =
+        whole.has_parent_path() ? whole.parent_path() : std::filesystem::path(".");
     folder = (directory / ".wfgather").string();
     temporary = (directory / ".wfgather" / whole.filename()).string();
 }
@@ -62,7 +63,11 @@ std::optional<otdr::Error> SnapshotFile::prepare()
     if (mkdir(folder.c_str(), kPrivateFolder) != 0 && errno != EEXIST) {
         return failure(folder);
     }
-    struct stat status {};
+
+    struct stat status
+    {
+    };
+
     if (lstat(folder.c_str(), &status) != 0) {
         return failure(folder);
     }

@@ -26,8 +26,8 @@ otdr::Result<Sources> replayFor(const Settings& settings)
 
 otdr::Result<Sources> simulationFor(const Settings& settings)
 {
-    const otdr::Result<Fibre> fibre
-        = settings.fibre.empty() ? demoFibre() : readFibreFile(settings.fibre);
+    const otdr::Result<Fibre> fibre =
+        settings.fibre.empty() ? demoFibre() : readFibreFile(settings.fibre);
     if (!fibre) {
         return fibre.error();
     }

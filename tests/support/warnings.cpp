@@ -18,6 +18,10 @@ QStringList all;
 void collect(QtMsgType type, const QMessageLogContext& /*context*/, const QString& text)
 {
     const QMutexLocker lock(&mutex);
+    // The offscreen platform has no use for size hints and stacking; it says so of every window.
+    if (text.startsWith("This plugin does not support")) {
+        return;
+    }
     all << text;
     if (type == QtDebugMsg || type == QtInfoMsg) {
         return;

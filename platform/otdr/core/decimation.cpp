@@ -40,8 +40,7 @@ std::vector<std::size_t> columnBorders(const Window& window, std::size_t columns
     borders.front() = window.samples.first;
     for (std::size_t k = 1; k < columns; ++k) {
         const double border = window.first + static_cast<double>(k) * width;
-        borders[k] = std::clamp(sampleAtOrBehind(border, window.samples.last), window.samples.first,
-                                window.samples.last);
+        borders[k] = sampleAtOrBehind(border, window.samples.last);
     }
     borders.back() = window.samples.last;
     return borders;

@@ -192,7 +192,8 @@ Axis axisOf(const File& file)
         axis.note = "the offsets of the file put its events beside what the samples show; the port "
                     "is taken to "
                     "stand at sample "
-            + std::to_string(std::llround(static_cast<double>(axis.port) * kCountNs / axis.sampleInterval_ns))
+            + std::to_string(std::llround(static_cast<double>(axis.port) * kCountNs
+                                          / axis.sampleInterval_ns))
             + " of the record, where they fit";
     }
     return axis;

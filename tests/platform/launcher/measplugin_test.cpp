@@ -95,6 +95,9 @@ public:
     AbstractKeeper* createKeeper() override
     {
         ++keeperCalls;
+        if (incurious) {
+            return new FakeKeeper;
+        }
         EXPECT_NE(model(), nullptr);
         EXPECT_EQ(window() != nullptr, withWindow);
         EXPECT_EQ(myKeeper(), nullptr);
@@ -108,6 +111,7 @@ public:
     }
 
     bool curious = false;
+    bool incurious = false;
     bool withWindow = true;
     int keeperCalls = 0;
     int iconCalls = 0;
@@ -162,6 +166,23 @@ TEST(MeasPlugin, AnswersNullForWhatIsStillBeingMade)
     FakePlugin plugin;
     plugin.curious = true;
     EXPECT_NE(plugin.myKeeper(), nullptr);
+    EXPECT_EQ(diary, (QStringList {"model", "init", "window", "setModel", "keeper"}));
+}
+
+TEST(MeasPlugin, GivesTheWindowItsModelEvenIfTheModelAskedForTheWindow)
+{
+    FakePlugin plugin;
+    plugin.curious = true;
+    plugin.model();
+    EXPECT_EQ(diary, (QStringList {"model", "init"}));
+    EXPECT_EQ(plugin.window()->pluginModel(), plugin.model());
+}
+
+TEST(MeasPlugin, MakesTheWindowBeforeAKeeperThatDoesNotAskForIt)
+{
+    FakePlugin plugin;
+    plugin.incurious = true;
+    plugin.myKeeper();
     EXPECT_EQ(diary, (QStringList {"model", "init", "window", "setModel", "keeper"}));
 }
 

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cmath>
 #include <cstring>
@@ -230,8 +231,7 @@ protected:
     }
 
     std::filesystem::path folder = std::filesystem::path(testing::TempDir())
-        / (std::string("waveform-")
-           + testing::UnitTest::GetInstance()->current_test_info()->name());
+        / ("waveform-snapshot-" + std::to_string(getpid()));
 };
 
 TEST_F(SnapshotFile, IsReadFromDisk)

@@ -146,10 +146,13 @@ TEST(SorAxis, KeepsTheRuleWhereOneEventFitsIt)
 
 TEST(SorAxis, IsNotMovedByNoise)
 {
-    // Behind the end there is noise only; whatever stands out of it is no evidence.
     SorSketch sketch = SorSketch::plain();
+    // Behind the end there is noise only; whatever stands out of it is no evidence.
     sketch.fxd.frontPanelOffset = -250'000;
     sketch.samples = fibreSamples(8000, {}, 10, 10);
+    for (int i = 1; i < 12; ++i) {
+        sketch.keyEvents.events.push_back(keyEvent(i, 12'350 * i, "1F9999"));
+    }
     EXPECT_EQ(axisOf(sketch).port, -250'000);
 }
 

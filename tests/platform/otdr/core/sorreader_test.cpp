@@ -222,13 +222,13 @@ TEST(SorReader, JoinsSectionsOnTheScaleOfTheFirst)
 {
     auto blocks = SorSketch::plain().blocks();
     ByteSketch body;
-    body.u32(5).u16(2);
+    body.u32(6).u16(2);
     body.u32(3).u16(1000).u16(100).u16(200).u16(300);
-    body.u32(2).u16(2000).u16(100).u16(40'000);
+    body.u32(3).u16(1500).u16(100).u16(3).u16(60'000);
     blocks[4].body = body.done;
     const auto file = readBytes(SorSketch::assemble(2, blocks));
     ASSERT_TRUE(file.ok());
-    EXPECT_EQ(file->data.samples, otdr::RawSamples({100, 200, 300, 200, 65'535}));
+    EXPECT_EQ(file->data.samples, otdr::RawSamples({100, 200, 300, 150, 5, 65'535}));
     EXPECT_THAT(file->notes, ElementsAre(HasSubstr("2 sections")));
 }
 
@@ -278,6 +278,15 @@ TEST(SorReader, RefusesWhatIsNoTrace)
               ErrorCode::NotATrace);
     EXPECT_EQ(codeOf(readBytes(ByteSketch().text("WFPK").bytes(Bytes(400)).done)),
               ErrorCode::NotATrace);
+}
+
+TEST(SorReader, RefusesMoreThan64MiB)
+{
+    Bytes bytes = SorSketch::plain().build();
+    bytes.resize(otdr::kLargestSorFile);
+    EXPECT_TRUE(readBytes(bytes).ok());
+    bytes.push_back(std::byte {0});
+    EXPECT_EQ(codeOf(readBytes(std::move(bytes))), ErrorCode::TooLarge);
 }
 
 TEST(SorReader, RefusesATraceWithoutSamples)

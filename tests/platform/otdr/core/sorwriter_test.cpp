@@ -168,6 +168,15 @@ TEST(SorWriter, KeepsTheSecondOfTwoBlocksWithOneName)
     EXPECT_EQ(bytesOf(again, 5), bytesOf(file, 5));
 }
 
+TEST(SorWriter, KeepsAMakersBlockWithoutItsNameAsItStands)
+{
+    SorSketch sketch = SorSketch::plain();
+    sketch.makers = {{"Bare", ByteSketch().text("own").done, false}};
+    sor::File file = readBytes(sketch.build());
+    file.gen.comment = "new";
+    EXPECT_EQ(bytesOf(readBytes(written(file)), 5), ByteSketch().text("own").done);
+}
+
 TEST(SorWriter, LeavesACutFileAsItCame)
 {
     Bytes bytes = awkward().build();

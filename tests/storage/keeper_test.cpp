@@ -1,0 +1,273 @@
+#include "storage/keeper.h"
+
+#include "acquisition/model.h"
+#include "platform/launcher/cardcontroller.h"
+#include "platform/launcher/zuconfigmodel.h"
+#include "platform/launcher/zulauncherconfig.h"
+#include "refls/reflstablemodel.h"
+#include "tests/platform/launcher/confighome.h"
+#include "tests/support/acquisitiondir.h"
+#include "tests/support/tracefiles.h"
+#include "tests/support/warnings.h"
+
+#include <QDir>
+#include <QSignalSpy>
+
+#include <gmock/gmock.h>
+
+namespace {
+
+using namespace testing_support; // builder and units
+using Waveform::Keeper;
+using Waveform::Model;
+using Waveform::ReflsTableModel;
+
+class Keeping : public testing::Test
+{
+protected:
+    Keeping()
+        : homeBefore(qgetenv("HOME"))
+        , config(ZuConfigModel::instance(&card, "zuotdr"))
+        , keeper(&card, &refls)
+        , model(&card)
+        , notified(&keeper, SIGNAL(showNotification( QString )))
+        , saved(&keeper, SIGNAL(saved( QString )))
+        , waits(&keeper, SIGNAL(setWaitWindowVisible( bool )))
+    {
+        qputenv("HOME", QFile::encodeName(files.path("home")));
+        keeper.setConfig(config);
+        keeper.setMeasModel(&model);
+        QObject::connect(&keeper, SIGNAL(loadRefl( QString )), &refls,
+                         SLOT(addReflFromFile( QString )));
+    }
+
+    ~Keeping() override
+    {
+        qputenv("HOME", homeBefore);
+        config->freeLater();
+    }
+
+    QString stored(const QString& name) const { return files.path("home/otdr/" + name); }
+
+    Reflectogram addMeasured()
+    {
+        const Reflectogram refl = files.measured(TraceBuilder().fibre(2_km));
+        refls.addRefl(refl);
+        return refl;
+    }
+
+    const AcquisitionDir directory;
+    const ConfigHome configHome;
+    QByteArray homeBefore;
+    TraceFiles files;
+    CardController card;
+    ZuConfigModel* config;
+    ReflsTableModel refls;
+    Keeper keeper;
+    Model model;
+    QSignalSpy notified;
+    QSignalSpy saved;
+    QSignalSpy waits;
+};
+
+TEST_F(Keeping, StoresUnderTheHomeDirectoryWhichItMakes)
+{
+    EXPECT_EQ(keeper.storeDir(), files.path("home/otdr"));
+    EXPECT_TRUE(QDir(files.path("home/otdr")).exists());
+    ZuLauncherConfig("paths", "otdr").store("traces/mine");
+    EXPECT_EQ(keeper.storeDir(), files.path("home/traces/mine"));
+    EXPECT_TRUE(QDir(files.path("home/traces/mine")).exists());
+}
+
+TEST_F(Keeping, DirectoryThatCannotBeMadeIsLoggedAndNamedAllTheSame)
+{
+    files.write("home", Bytes(1)); // a file where the directory should be
+    EXPECT_EQ(keeper.storeDir(), files.path("home/otdr"));
+    EXPECT_TRUE(logged("Can't create directory " + files.path("home/otdr") + " for saving"));
+}
+
+TEST_F(Keeping, FlashDirectoryHasTheSameSubPath)
+{
+    EXPECT_EQ(keeper.flashcardDir(), "/media/usb/otdr");
+    ZuLauncherConfig("flash", "dir").store(files.path("stick"));
+    EXPECT_EQ(keeper.flashcardDir(), files.path("stick/otdr"));
+}
+
+TEST_F(Keeping, NameIsTakenByATraceOrAReport)
+{
+    EXPECT_FALSE(keeper.fileExists("a"));
+    QDir().mkpath(stored(""));
+    files.write("home/otdr/a.sor", Bytes(1));
+    files.write("home/otdr/b.html", Bytes(1));
+    EXPECT_TRUE(keeper.fileExists("a"));
+    EXPECT_TRUE(keeper.fileExists("b"));
+    EXPECT_FALSE(keeper.fileExists("c"));
+}
+
+TEST_F(Keeping, FlashDriveCountsOnlyWhereCopyingIsOn)
+{
+    ZuLauncherConfig("flash", "dir").store(files.path("stick"));
+    QDir().mkpath(files.path("stick/otdr"));
+    files.write("stick/otdr/a.sor", Bytes(1));
+    EXPECT_FALSE(keeper.fileExists("a"));
+    ZuLauncherConfig("flash", "save").store(true);
+    EXPECT_TRUE(keeper.fileExists("a"));
+}
+
+TEST_F(Keeping, ProposesNothingWithoutATraceAndTheFilesNameForALoadedOne)
+{
+    EXPECT_EQ(keeper.reportAutoName(), "");
+    refls.addReflFromFile(files.write("north.first.sor", SorSketch::plain()));
+    EXPECT_EQ(keeper.reportAutoName(), "north.first");
+}
+
+TEST_F(Keeping, ProposesANameByTheSchemeForAMeasurement)
+{
+    addMeasured();
+    EXPECT_EQ(keeper.reportAutoName(), "trace_1550_0001");
+    config->setting("reflNameScheme", "AdvancedParams")->tryChange(QString("link_pulse_index"));
+    EXPECT_EQ(keeper.reportAutoName(), "link_100_0001");
+}
+
+TEST_F(Keeping, NameOfAGroupLeavesTheWavelengthToTheFiles)
+{
+    const Reflectogram first = addMeasured();
+    const Reflectogram second = addMeasured();
+    refls.associate(second, first);
+    EXPECT_EQ(keeper.reportAutoName(), "trace_0001");
+}
+
+TEST_F(Keeping, SavesTheMainTraceUnderItsName)
+{
+    refls.addReflFromFile(files.write("a.sor", SorSketch::plain()));
+    EXPECT_EQ(keeper.doSave("link"), 0);
+    EXPECT_TRUE(Reflectogram(stored("link.sor")).isValid());
+    ASSERT_EQ(notified.size(), 1);
+    EXPECT_EQ(notified.first().first().toString(), "Reports was saved to:\notdr/link.sor\n");
+    ASSERT_EQ(saved.size(), 1);
+    EXPECT_EQ(saved.first().first().toString(), stored("link"));
+    ASSERT_EQ(waits.size(), 2);
+    EXPECT_TRUE(waits.at(0).first().toBool());
+    EXPECT_FALSE(waits.at(1).first().toBool());
+}
+
+TEST_F(Keeping, SavesTracesMeasuredTogetherWithTheirWavelengths)
+{
+    SorSketch other = SorSketch::plain();
+    other.gen.wavelength_nm = 1310;
+    other.fxd.actualWavelength = 13100;
+    refls.addReflFromFile(files.write("a.sor", SorSketch::plain()));
+    refls.addReflFromFile(files.write("b.sor", other));
+    refls.associate(refls.refls()[1], refls.refls()[0]);
+    EXPECT_EQ(keeper.doSave("link"), 0);
+    EXPECT_EQ(Reflectogram(stored("link_1550nm.sor")).wavelength(), 1550);
+    EXPECT_EQ(Reflectogram(stored("link_1310nm.sor")).wavelength(), 1310);
+    EXPECT_FALSE(QFile::exists(stored("link.sor")));
+    EXPECT_EQ(saved.size(), 2);
+    EXPECT_EQ(notified.size(), 2);
+}
+
+TEST_F(Keeping, TellsOfTheCopyOnTheFlashDrive)
+{
+    ZuLauncherConfig("flash", "dir").store(files.path("stick"));
+    ZuLauncherConfig("flash", "save").store(true);
+    QDir().mkpath(files.path("stick/otdr"));
+    refls.addReflFromFile(files.write("a.sor", SorSketch::plain()));
+    EXPECT_EQ(keeper.doSave("link"), 0);
+    EXPECT_TRUE(QFile::exists(files.path("stick/otdr/link.sor")));
+    EXPECT_EQ(notified.first().first().toString(),
+              "Reports was saved to:\notdr/link.sor\n\nReports automatically copied to USB-flash:\n"
+                  + files.path("stick/otdr"));
+}
+
+TEST_F(Keeping, FailedSaveSaysSoAndKeepsTheIndex)
+{
+    refls.addReflFromFile(files.write("a.sor", SorSketch::plain()));
+    files.write("home", Bytes(1));
+    EXPECT_NE(keeper.doSave("link"), 0);
+    ASSERT_EQ(notified.size(), 1);
+    EXPECT_EQ(notified.first().first().toString(), "Failed to save reports!");
+    EXPECT_EQ(saved.size(), 0);
+}
+
+TEST_F(Keeping, EachSavedTraceAdvancesTheRunningIndex)
+{
+    addMeasured();
+    EXPECT_EQ(keeper.doSave(keeper.reportAutoName()), 0);
+    EXPECT_EQ(keeper.reportAutoName(), "trace_1550_0002");
+}
+
+TEST_F(Keeping, FifthTraceIsRefusedBeforeAnyFileIsOpened)
+{
+    for (int i = 0; i < 4; ++i) {
+        keeper.doLoadFile(files.write(QString("%1.sor").arg(i), SorSketch::plain()));
+    }
+    EXPECT_EQ(refls.rowCount(), 4);
+    const QSignalSpy loads(&keeper, SIGNAL(loadRefl( QString )));
+    EXPECT_EQ(keeper.doLoadFile(files.write("5.sor", SorSketch::plain())), -1);
+    EXPECT_EQ(keeper.doLoad(), -1); // a picker would wait for an answer here
+    EXPECT_EQ(loads.size(), 0);
+    EXPECT_EQ(refls.rowCount(), 4);
+    ASSERT_EQ(notified.size(), 2);
+    EXPECT_EQ(notified.first().first().toString(),
+              "Only 4 reflectograms can be loaded at the same time.\nPlease, remove one or more "
+              "from the \"Reflectograms\" table");
+}
+
+TEST_F(Keeping, SavingIsOffWithoutATraceAndDuringARun)
+{
+    EXPECT_FALSE(keeper.isSaveEnabled());
+    refls.addReflFromFile(files.write("a.sor", SorSketch::plain()));
+    EXPECT_TRUE(keeper.isSaveEnabled());
+    const QSignalSpy titles(&keeper, SIGNAL(setTitle( QString )));
+    keeper.started();
+    EXPECT_FALSE(keeper.isSaveEnabled());
+    EXPECT_FALSE(keeper.isLoadEnabled());
+    ASSERT_EQ(titles.size(), 1);
+    EXPECT_EQ(titles.first().first().toString(), "Waveform");
+    keeper.stopped();
+    EXPECT_TRUE(keeper.isSaveEnabled());
+    EXPECT_TRUE(keeper.isLoadEnabled());
+    refls.deleteAllRefls();
+    refls.addReflFromFile(files.path("a.sor"));
+    refls.deleteRefl(0);
+    EXPECT_FALSE(keeper.isSaveEnabled());
+}
+
+TEST_F(Keeping, SavingIsOffWhileEventsAreSought)
+{
+    refls.addReflFromFile(files.write("a.sor", SorSketch::plain()));
+    keeper.setEventsFindingStatus(true);
+    EXPECT_FALSE(keeper.isSaveEnabled());
+    keeper.stopped(QString());
+    EXPECT_FALSE(keeper.isSaveEnabled());
+    refls.addReflFromFile(files.write("b.sor", SorSketch::plain()));
+    EXPECT_FALSE(keeper.isSaveEnabled());
+    keeper.setEventsFindingStatus(false);
+    EXPECT_TRUE(keeper.isSaveEnabled());
+}
+
+TEST_F(Keeping, ConfigurationOfTheMeasurementIsKeptAndReadBack)
+{
+    config->setting("pulse", "MeasParams")->tryChange(30);
+    config->setting("distance", "MeasParams")->tryChange(20000);
+    keeper.started();
+    keeper.stopped();
+    EXPECT_EQ(keeper.configFileName(), "/tmp/user/wf.cfg");
+    const QVariantMap map = Keeper::unserialize(keeper.configFileName());
+    EXPECT_EQ(map.value("measStopDate").toString(), keeper.measStopDate().toString(Qt::ISODate));
+    const WfMeasParams params = Keeper::wfMeasParams(map);
+    EXPECT_EQ(params.pulse, 30);
+    EXPECT_EQ(params.distance, 20000.0);
+    EXPECT_EQ(params.wavelength, 1310);
+    EXPECT_GT(params.ior, 1.4);
+    EXPECT_EQ(params.duration, 15);
+}
+
+TEST_F(Keeping, ConfigurationThatCannotBeWrittenIsLogged)
+{
+    EXPECT_FALSE(keeper.saveConfig(files.path("no/such/directory/wf.cfg")));
+    EXPECT_TRUE(Keeper::unserialize(files.path("missing")).isEmpty());
+}
+
+} // namespace
