@@ -17,6 +17,7 @@
 #include <QSettings>
 #include <QTimerEvent>
 
+#include <algorithm>
 #include <cmath>
 
 namespace Waveform {
@@ -37,6 +38,12 @@ const char* const kWatchedSnapshot = "/tmp/user/wfsnapshot.bin";
 const char* const kPlatformInfo = "/sys/devices/platform/pmmcu.0/info";
 
 constexpr int kEndedProcessPatience_ms = 1000;
+
+/// Truncated to what 16 bits hold; 0 for what is negative or no number.
+quint16 toUint16(double value)
+{
+    return value > 0.0 ? static_cast<quint16>(std::min(value, 65535.0)) : 0;
+}
 
 QByteArray ascii(const QString& text)
 {
@@ -67,7 +74,7 @@ Model::Model(CardController* card)
 
 Model::~Model()
 {
-    stop(QString());
+    Model::stop(QString());
     removeSettingsFile();
     if (config != nullptr) {
         config->freeLater();
@@ -104,11 +111,7 @@ int Model::start(unsigned int /*mode*/)
 {
     // After its last message the process of the old run lives on for a moment; its end must not fall into this run.
     controller->waitForEnded(kEndedProcessPatience_ms);
-    if (!watcher->directories().contains(kWatchedDirectory)
-        && !watcher->addPath(kWatchedDirectory)) {
-        qDebug() << "virtual int Waveform::Model::start(unsigned int)" << "can not watch"
-                 << QString(kWatchedDirectory);
-    }
+    watchAgain();
 
     MeasModel::started(QString());
     snapshotChecksum = -1;
@@ -134,6 +137,17 @@ int Model::start(unsigned int /*mode*/)
                        .arg(controller->program()));
     }
     return result;
+}
+
+/// A directory that was removed since the last run is no longer watched, even if it was made again.
+void Model::watchAgain()
+{
+    static_cast<void>(tempDir()); // makes it where it is missing
+    if (!watcher->directories().contains(kWatchedDirectory)
+        && !watcher->addPath(kWatchedDirectory)) {
+        qDebug() << "virtual int Waveform::Model::start(unsigned int)" << "can not watch"
+                 << QString(kWatchedDirectory);
+    }
 }
 
 int Model::stop(const QString& /*reason*/)
@@ -176,13 +190,12 @@ void Model::updated(QVariantMap& map)
 
 quint16 Model::pulse() const
 {
-    return static_cast<quint16>(setting("pulse", "MeasParams", defPulse));
+    return toUint16(setting("pulse", "MeasParams", defPulse));
 }
 
 quint16 Model::wavelength() const
 {
-    return static_cast<quint16>(
-        std::floor(setting("wavelength", "MeasParams", defWavelength) + 0.5));
+    return toUint16(std::floor(setting("wavelength", "MeasParams", defWavelength) + 0.5));
 }
 
 double Model::distance() const
@@ -211,8 +224,7 @@ double Model::setting(QString key, QString section, QString def) const
 QString Model::summCfgFileName() const
 {
     const quint32 number = QRandomGenerator::global()->generate() >> 1U;
-    const QString name
-        = QDir::tempPath() + QDir::separator() + "otdrcfg-" + QString::number(number);
+    QString name = QDir::tempPath() + QDir::separator() + "otdrcfg-" + QString::number(number);
     const QVariantMap values = ZuConfig("zuotdr", "").values();
     QSettings file(name, QSettings::NativeFormat);
     for (auto value = values.begin(); value != values.end(); ++value) {

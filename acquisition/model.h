@@ -119,6 +119,7 @@ private:
     using MeasModel::updated;
 
     void initWfMeasController();
+    void watchAgain();
     void removeSettingsFile();
     [[nodiscard]] WfMeasParams paramsForWindow() const;
 

@@ -62,6 +62,7 @@ void OtdrMeasController::init()
     from = 0;
     isRunning = false;
     process = new QProcess(this);
+    process->setProcessChannelMode(QProcess::ForwardedErrorChannel); // there it says why it fails
     connect(process, SIGNAL(readyRead()), SLOT(readGatherOutput()));
     connect(process, SIGNAL(error( QProcess::ProcessError )),
             SLOT(onError( QProcess::ProcessError )));
@@ -69,6 +70,7 @@ void OtdrMeasController::init()
 
     killTimer = new QTimer(this);
     killTimer->setSingleShot(true);
+    killTimer->setTimerType(Qt::PreciseTimer); // others may come a twentieth too early
     killTimer->setInterval(kStopPatience_ms);
     connect(killTimer, SIGNAL(timeout()), process, SLOT(kill()));
     connect(process, SIGNAL(finished( int )), killTimer, SLOT(stop()));
@@ -86,8 +88,12 @@ QStringList OtdrMeasController::arguments() const
 
 void OtdrMeasController::waitForEnded(int timeout_ms)
 {
-    if (!isRunning && process->state() != QProcess::NotRunning) {
-        process->waitForFinished(timeout_ms);
+    if (isRunning || process->state() == QProcess::NotRunning) {
+        return;
+    }
+    if (!process->waitForFinished(timeout_ms)) {
+        process->kill();
+        process->waitForFinished(kLastPatience_ms);
     }
 }
 

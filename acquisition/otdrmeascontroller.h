@@ -26,16 +26,17 @@ public:
     ~OtdrMeasController() override;
 
     /// From a successful start until the run ends or fails.
-    bool running() const { return isRunning; }
+    [[nodiscard]] bool running() const { return isRunning; }
 
-    QString snapshotFile() const { return snapshotFileName; }
-    QString configFile() const { return configFileName; }
+    [[nodiscard]] QString snapshotFile() const { return snapshotFileName; }
+    [[nodiscard]] QString configFile() const { return configFileName; }
 
     /// The program that start() runs, with its arguments.
-    QString program() const;
-    QStringList arguments() const;
+    [[nodiscard]] QString program() const;
+    [[nodiscard]] QStringList arguments() const;
 
-    /// Waits until the process of a run that has announced its end is gone, so that the next can start.
+    /// Waits until the process of a run that has announced its end is gone, so that the next can start; kills one that
+    /// stays.
     void waitForEnded(int timeout_ms);
 
 public slots:

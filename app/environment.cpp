@@ -30,7 +30,7 @@ QString Environment::enter()
             qputenv("WAVEFORM_PROGRAMS", QFile::encodeName(beside));
         }
     }
-    const QString problem = makeDirectory();
+    QString problem = makeDirectory();
     if (!problem.isEmpty()) {
         return problem;
     }

@@ -12,14 +12,14 @@ class Environment
 {
 public:
     /// The directory in which acquisition and application meet.
-    static QString temporaryDir();
+    [[nodiscard]] static QString temporaryDir();
 
     /// Sets the variables and takes the temporary directory.
     /// \return an empty text, or why the application cannot start
-    QString enter();
+    [[nodiscard]] QString enter();
 
 private:
-    static QString makeDirectory();
+    [[nodiscard]] static QString makeDirectory();
 
     std::unique_ptr<QLockFile> lock;
 };

@@ -1,7 +1,6 @@
 #include "app/frame.h"
 
 #include "platform/launcher/abstractkeeper.h"
-#include "platform/launcher/palettefactory.h"
 #include "platform/launcher/pluginwindow.h"
 #include "platform/launcher/warningwindow.h"
 
@@ -35,7 +34,6 @@ Frame::Frame(PluginWindow* window, AbstractKeeper* keeper)
     , saveButton(newButton(tr("Save"), this))
     , warning(new WarningWindow(this))
 {
-    setPalette(PaletteFactory::getPalette("GenericWindow"));
     QFont font = title->font();
     font.setPointSize(14);
     font.setBold(true);
@@ -55,6 +53,10 @@ Frame::Frame(PluginWindow* window, AbstractKeeper* keeper)
     page->addLayout(bar);
     page->addWidget(window, 1);
 
+    const QList<QObject*> filters = window->eventFilters();
+    for (QObject* filter : filters) {
+        installEventFilter(filter);
+    }
     connect(window, &PluginWindow::setTitle, this, &Frame::showTitle);
     if (keeper != nullptr) {
         connectKeeper();

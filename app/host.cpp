@@ -9,6 +9,7 @@
 
 #include <QCoreApplication>
 #include <QFileInfo>
+#include <QThreadPool>
 
 Host::Host() = default;
 
@@ -18,8 +19,13 @@ Host::~Host()
     if (plugin != nullptr) {
         plugin->release();
     }
+    // Nothing of the plugin may run once its code is gone: neither what it computes in the background nor what
+    // waits to be deleted.
+    QThreadPool::globalInstance()->waitForDone();
+    QCoreApplication::sendPostedEvents();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    loader.unload();
+    loader.unload(); // deletes the plugin, which leaves its configuration to be deleted
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 QString Host::pluginPath()
@@ -72,7 +78,7 @@ QStringList Host::open(const QStringList& files)
     for (const QString& file : files) {
         const Reflectogram refl(file);
         if (!refl.isValid()) {
-            problems << file + ": " + refl.error();
+            problems << refl.error(); // which names the file
         } else {
             keeper()->loadFile(file);
         }

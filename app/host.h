@@ -22,7 +22,7 @@ public:
     ~Host();
 
     /// \return an empty text, or why the plugin cannot be used
-    QString load();
+    [[nodiscard]] QString load();
 
     // Only after a good load().
     [[nodiscard]] Frame* frame() const { return outer.get(); }
@@ -32,10 +32,10 @@ public:
 
     /// Opens trace files within the limit of what may be loaded.
     /// \return a line for each file that is no trace
-    QStringList open(const QStringList& files);
+    [[nodiscard]] QStringList open(const QStringList& files);
 
     /// Where the plugin is looked for: beside the programs, or in the build tree.
-    static QString pluginPath();
+    [[nodiscard]] static QString pluginPath();
 
 private:
     QPluginLoader loader;

@@ -4,6 +4,7 @@
 #include "app/host.h"
 #include "app/options.h"
 #include "app/picture.h"
+#include "platform/launcher/palettefactory.h"
 #include "platform/launcher/zuconfig.h"
 
 #include <QApplication>
@@ -40,11 +41,13 @@ void showFrame(Host& host, const Options& options)
     host.frame()->show();
 }
 
-/// What a run with nobody at the screen has to say: warnings, but neither what helps to follow the program nor that
-/// the offscreen platform has no use for what every window asks of it.
+/// What a run with nobody at the screen has to say: warnings, but not what helps to follow the program, not that the
+/// offscreen platform has no use for what every window asks of it, and not the one connection that is not to take.
 void printWarnings(QtMsgType type, const QMessageLogContext& context, const QString& text)
 {
-    if (type != QtDebugMsg && !text.startsWith("This plugin does not support")) {
+    const bool known = text.startsWith("This plugin does not support")
+        || text.startsWith("QObject::connect: No such slot Waveform::Window::rescalePlot( )");
+    if (type != QtDebugMsg && !known) {
         QTextStream(stderr) << qFormatLogMessage(type, context, text) << "\n";
     }
 }
@@ -127,5 +130,6 @@ int main(int argc, char** argv)
         qunsetenv("XDG_CONFIG_HOME");
     }
     QApplication application(argc, argv);
+    QApplication::setPalette(PaletteFactory::getPalette("GenericWindow"));
     return run(options);
 }

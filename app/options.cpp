@@ -135,6 +135,9 @@ std::variant<Options, OptionsText> parseOptions(const QStringList& arguments)
     if (parser.isSet("demo") && options.demoDir.isEmpty()) {
         return wrong("--demo wants a directory");
     }
+    if (parser.isSet("screenshot") && options.screenshot.isEmpty()) {
+        return wrong("--screenshot wants a file to write");
+    }
     if (!options.demoDir.isEmpty() && !options.screenshot.isEmpty()) {
         return wrong("--demo and --screenshot exclude each other");
     }
@@ -153,6 +156,10 @@ std::variant<Options, OptionsText> parseOptions(const QStringList& arguments)
     }
     if (const auto error = readTexts(parser, options)) {
         return *error;
+    }
+    const bool realtime = parser.isSet("duration") && parser.value("duration").toDouble() == 0.0;
+    if (!options.demoDir.isEmpty() && realtime) {
+        return wrong("--demo cannot measure in realtime, which nobody would end");
     }
     return options;
 }

@@ -34,4 +34,4 @@ struct OptionsText
 };
 
 /// Reads the arguments, the program's name first.
-std::variant<Options, OptionsText> parseOptions(const QStringList& arguments);
+[[nodiscard]] std::variant<Options, OptionsText> parseOptions(const QStringList& arguments);

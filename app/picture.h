@@ -6,4 +6,4 @@ class QWidget;
 
 /// Saves a picture of a window as PNG once everything that is computed in the background is shown. False where the
 /// file cannot be written.
-bool savePicture(QWidget& window, const QString& file);
+[[nodiscard]] bool savePicture(QWidget& window, const QString& file);

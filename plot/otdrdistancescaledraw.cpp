@@ -4,6 +4,21 @@
 #include <qwt_scale_widget.h>
 #include <qwt_text.h>
 
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+/// Truncated; what no int holds becomes the nearest that does.
+int whole(double distance_m)
+{
+    constexpr double kMost = std::numeric_limits<int>::max();
+    return std::isnan(distance_m) ? 0 : static_cast<int>(std::clamp(distance_m, -kMost, kMost));
+}
+
+} // namespace
+
 OtdrDistanceScaleDraw::OtdrDistanceScaleDraw(QwtScaleWidget* widget)
     : QObject(widget)
     , widget(widget)
@@ -22,8 +37,8 @@ QwtText OtdrDistanceScaleDraw::label(double value) const
 
 void OtdrDistanceScaleDraw::calcPrecision(unsigned int* precision, unsigned int* divisor) const
 {
-    const int range = static_cast<int>(scaleDiv().upperBound() - scaleDiv().lowerBound());
-    const bool nearStart = static_cast<int>(scaleDiv().lowerBound()) < 1000;
+    const int range = whole(scaleDiv().upperBound() - scaleDiv().lowerBound());
+    const bool nearStart = whole(scaleDiv().lowerBound()) < 1000;
     *divisor = 1;
     if (range <= 0) {
         *precision = 2;

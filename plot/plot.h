@@ -34,7 +34,8 @@ public:
     /// The bounds of an axis after a drag of so many pixels. False where nothing moves.
     bool newBounds(int axis, int delta, double& min, double& max);
 
-    QwtPlotGrid* createGrid();
+    /// A new grid, which nobody owns until it is attached.
+    [[nodiscard]] QwtPlotGrid* createGrid();
     void setupAxis(QwtPlot::Axis axis);
     void resizeEvent(QResizeEvent* event) override;
 

@@ -20,7 +20,7 @@ ReflCurve::ReflCurve(wf_clip_t clip, const Reflectogram& refl, QColor color)
     setPaintAttribute(ClipPolygons, true);
     setColor(color);
     setTitle(refl.paramsToString());
-    scale(clip);
+    scale(clip, false); // nobody listens yet
     setZ(20.0);
 }
 

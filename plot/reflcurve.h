@@ -38,7 +38,7 @@ public:
     void limitYBy(QPolygonF& points, double floor);
 
 signals:
-    void dataChanged();
+    void dataChanged() override;
 
 protected:
     /// The picture that a stick for each sample of the trace would give, with every column painted once. Decimated

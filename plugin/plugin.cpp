@@ -15,7 +15,6 @@ namespace Waveform {
 
 Plugin::Plugin()
     : MeasPlugin("otdr")
-    , config(nullptr)
 {
     setName(tr("Waveform"));
     config = ZuConfigModel::instance(cardController, "zuotdr");

@@ -22,7 +22,7 @@ public:
     CardModel* createCardModel() override;
 
 private:
-    ZuConfigModel* config;
+    ZuConfigModel* config = nullptr;
 };
 
 } // namespace Waveform

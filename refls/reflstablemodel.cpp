@@ -115,7 +115,8 @@ void ReflsTableModel::deleteRefl(int row)
 
 void ReflsTableModel::deleteRefl(const Reflectogram& refl)
 {
-    const Reflectogram gone = refl; // refl may lie in the list that shrinks below
+    // A copy: refl may lie in the list that shrinks below.
+    const Reflectogram gone = refl; // NOLINT(performance-unnecessary-copy-initialization)
     const int row = traces.indexOf(gone);
     if (row < 0) {
         return;

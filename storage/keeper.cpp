@@ -61,7 +61,7 @@ void Keeper::setMeasModel(Model* newModel)
 
 QString Keeper::storeDir() const
 {
-    const QString dir = QDir::homePath() + "/" + subPath();
+    QString dir = QDir::homePath() + "/" + subPath();
     if (!QDir().exists(dir) && !QDir().mkpath(dir)) {
         qDebug().noquote() << "Can't create directory " + dir + " " + "for saving";
     }
@@ -222,6 +222,8 @@ void Keeper::stopped(QString /*channel*/)
     stopped();
 }
 
+void Keeper::updated(QVariantMap& /*map*/, QString /*channel*/) { }
+
 void Keeper::setEventsFindingStatus(bool inProgress)
 {
     eventsFinding = inProgress;
@@ -241,7 +243,8 @@ QString Keeper::configFileName() const
 bool Keeper::saveConfig(const QString& fileName) const
 {
     QFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly)) {
+    // QFile warns about an empty name, which there is without a model.
+    if (fileName.isEmpty() || !file.open(QIODevice::WriteOnly)) {
         return false;
     }
     QVariantMap map = card->config();

@@ -54,6 +54,9 @@ public slots:
     void stopped();
     void started(QString channel);
     void stopped(QString channel);
+
+    /// Running values of the measurement, of which nothing is kept.
+    void updated(QVariantMap& map, QString channel);
     void setEventsFindingStatus(bool inProgress);
     void onChangeMainRefl(Reflectogram refl);
 

@@ -17,7 +17,7 @@ void SaveThread::run()
     if (result != 0) {
         qDebug() << "can not save" << sor << reason;
     } else if (!flashDir.isEmpty()) {
-        copyFiles(); // the trace is saved, whatever becomes of the copy
+        static_cast<void>(copyFiles()); // the trace is saved, whatever becomes of the copy
     }
     emit saved(sor, result == 0);
 }

@@ -27,7 +27,7 @@ protected:
     void run() override;
 
 private:
-    bool copyFiles() const;
+    [[nodiscard]] bool copyFiles() const;
 };
 
 } // namespace Waveform

@@ -5,9 +5,9 @@
 namespace Waveform {
 
 /// Caption of the action button during a timed measurement: the wavelength, and the seconds left below it.
-QString countdownCaption(int wavelength_nm, int remaining_s);
+[[nodiscard]] QString countdownCaption(int wavelength_nm, int remaining_s);
 
 /// The same in realtime, which has no end.
-QString realtimeCaption(int wavelength_nm);
+[[nodiscard]] QString realtimeCaption(int wavelength_nm);
 
 } // namespace Waveform

@@ -6,18 +6,22 @@
 #include "platform/launcher/waitwnd.h"
 #include "platform/launcher/warningwindow.h"
 #include "platform/launcher/zuconfigmodel.h"
+#include "platform/otdr/decimize.h"
 #include "plot/plot.h"
+#include "plot/qmpanner.h"
+#include "plot/qmplotzoomer.h"
 #include "plot/reflcurve.h"
 #include "refls/reflstablemodel.h"
+#include "ui_canvas.h"
 #include "window/countdown.h"
 
-#include <qwt_scale_div.h>
-
+#include <QApplication>
 #include <QGridLayout>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QtConcurrent>
 
+#include <algorithm>
 #include <cmath>
 
 namespace Waveform {
@@ -31,6 +35,15 @@ const QSize kLeastPlotSize(200, 150);
 
 /// Longest pulse that realtime can show at its refresh rate, ns.
 constexpr int kLongestRealtimePulse_ns = 275;
+
+constexpr int kZoomButtonHeight = 52;
+constexpr int kZoomButtonAlpha = 128;
+constexpr double kZoomFactor = 2.0;
+constexpr double kLeastSpan_m = 0.5;
+constexpr double kLeastSpan_dB = 0.05;
+
+/// A view narrower than this many samples shows nothing more.
+constexpr double kLeastSamples = 5.0;
 
 constexpr double kCurveZ = 20.0;
 constexpr double kMainCurveZ = 100.0;
@@ -52,7 +65,11 @@ Window::Window(ZuConfigModel* config, QWidget* parent)
     connect(config->setting("helix", "MeasParams"), SIGNAL(changed( double )),
             SLOT(setHelix( double )));
     setupPlot();
+    setupPanner();
+    setupZoomer();
     initEventMarkersView();
+    raisePlotControls();
+    setupEventFilters();
 }
 
 Window::~Window()
@@ -85,9 +102,96 @@ void Window::initReflsTable()
 void Window::setupPlot()
 {
     plot->setMinimumSize(kLeastPlotSize); // its own wish does not fit a small screen
+    canvasUi = std::make_unique<Ui_Canvas>();
+    canvasUi->setupUi(plot->canvas());
+    canvasUi->miniPlot->hide();
+    setupZoomButtons();
+    connect(plot, SIGNAL(scaledTo( QRectF )), canvasUi->miniPlot, SLOT(highlightArea( QRectF )));
     connect(plot, SIGNAL(scaledTo( QRectF )), SLOT(rescalePlot( QRectF )));
     connect(plot, SIGNAL(resized()), SLOT(rescaleCurrentView()));
     connect(reflsModel, SIGNAL(mainReflChanged( Reflectogram )), SLOT(rescalePlot( Reflectogram )));
+}
+
+void Window::setupZoomButtons()
+{
+    QPalette translucent = canvasUi->zoomOffButton->palette();
+    QColor button = translucent.color(QPalette::Button);
+    button.setAlpha(kZoomButtonAlpha);
+    translucent.setBrush(QPalette::Button, button);
+    const int rows = canvasUi->zoomLayout->rowCount();
+    for (int row = 0; row < rows; ++row) {
+        QWidget* widget = canvasUi->zoomLayout->itemAtPosition(row, 0)->widget();
+        widget->hide();
+        widget->setMinimumHeight(kZoomButtonHeight);
+        widget->setPalette(translucent);
+        // Keeps the row's height while its button is hidden.
+        canvasUi->zoomLayout->addItem(new QSpacerItem(1, kZoomButtonHeight, QSizePolicy::Fixed,
+                                                      QSizePolicy::Fixed),
+                                      row, 1);
+    }
+}
+
+void Window::setupPanner()
+{
+    auto* panner = new QmPanner(plot->canvas());
+    // The first one does not take: the end of a drag needs no sampling beyond that of its steps.
+    connect(panner, SIGNAL(moved( QPoint )), SLOT(rescalePlot( )));
+    connect(panner, SIGNAL(moving( QPoint )), plot, SLOT(shiftScale( QPoint )));
+}
+
+void Window::setupZoomer()
+{
+    zoomer = new QmPlotZoomer(plot);
+    zoomer->setZoomInFactor(kZoomFactor);
+    zoomer->setZoomOutFactor(kZoomFactor);
+    zoomer->setMinRange(kLeastSpan_m);
+    zoomer->setMinYRange(kLeastSpan_dB);
+    QWidget* miniPlot = canvasUi->miniPlot;
+    connect(zoomer, SIGNAL(newBounds( QRectF )), SLOT(rescalePlot( QRectF )));
+    connect(zoomer, SIGNAL(newBounds( QRectF )), miniPlot, SLOT(highlightArea( QRectF )));
+    connect(zoomer, SIGNAL(maxScaledOut()), miniPlot, SLOT(nohl()));
+    connect(canvasUi->zoomOffButton, SIGNAL(clicked()), zoomer, SLOT(zoomOff()));
+    connect(canvasUi->zoomInButton, SIGNAL(clicked()), zoomer, SLOT(zoomIn()));
+    connect(canvasUi->zoomOutButton, SIGNAL(clicked()), zoomer, SLOT(zoomOut()));
+    connect(zoomer, SIGNAL(disableZoomIn( bool )), canvasUi->zoomInButton,
+            SLOT(setHidden( bool )));
+    connect(zoomer, SIGNAL(disableZoomOut( bool )), canvasUi->zoomOutButton,
+            SLOT(setHidden( bool )));
+    connect(zoomer, SIGNAL(disableZoomOut( bool )), miniPlot, SLOT(setHidden( bool )));
+}
+
+void Window::raisePlotControls()
+{
+    canvasUi->zoomInButton->raise();
+    canvasUi->zoomOutButton->raise();
+    canvasUi->zoomOffButton->raise();
+}
+
+void Window::setupEventFilters()
+{
+    installEventFilter(zoomer);
+}
+
+void Window::installEventFilter(QObject* fltObj)
+{
+    QObject::installEventFilter(fltObj);
+    const QList<QObject*> all = findChildren<QObject*>();
+    for (QObject* object : all) {
+        object->installEventFilter(fltObj);
+    }
+}
+
+QList<QObject*> Window::eventFilters() const
+{
+    return { const_cast<Window*>(this) };
+}
+
+bool Window::eventFilter(QObject* /*object*/, QEvent* event)
+{
+    if (event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease) {
+        QApplication::instance()->notify(this, event);
+    }
+    return false;
 }
 
 void Window::initEventMarkersView()
@@ -182,9 +286,11 @@ void Window::measStarted()
         curve->detach();
     }
     eventMarkers->setVisible(false); // deleting the main trace may have shown those of another
-    setDistance(model->distance());
+    if (model != nullptr) {
+        setDistance(model->distance());
+    }
     measCurve = nullptr;
-    showFullView();
+    zoomer->zoomOff();
     plot->replot();
 }
 
@@ -203,8 +309,9 @@ void Window::measStopped()
     if (shown != nullptr) {
         reflsModel->setMainRefl(shown->reflectogram());
     }
-    Reflectogram main = reflsModel->mainRefl();
-    main.setSupParams(model->supParams());
+    if (model != nullptr) {
+        reflsModel->mainRefl().setSupParams(model->supParams());
+    }
     reflsModel->update();
     eventMarkers->setVisible(true);
     plot->replot();
@@ -244,6 +351,10 @@ void Window::updateMeased(QString reflFileName, WfMeasParams params)
         refl.updateFromFile(reflFileName, params);
         measCurve->setReflectogram(plot->clip(), refl);
     }
+    canvasUi->zoomOffButton->show();
+    if (measCurve != nullptr) {
+        fillMiniPlot(measCurve->reflectogram(), params.distance);
+    }
     plot->replot();
 }
 
@@ -269,7 +380,7 @@ void Window::setMainRefl(Reflectogram refl)
     }
     setDistance(refl.maxdist());
     if (first) {
-        showFullView();
+        zoomer->zoomOff();
     }
     changeMainCurve(curve);
 }
@@ -277,7 +388,11 @@ void Window::setMainRefl(Reflectogram refl)
 void Window::changeMainCurve(ReflCurve* curve)
 {
     mainCurve = curve;
-    if (mainCurve != nullptr) {
+    canvasUi->zoomOffButton->setVisible(mainCurve != nullptr);
+    if (mainCurve == nullptr) {
+        canvasUi->miniPlot->setSamples(QPolygonF());
+    } else {
+        fillMiniPlot(mainCurve->reflectogram(), mainCurve->reflectogram().maxdist());
         for (ReflCurve* other : qAsConst(curves)) {
             other->setZ(kCurveZ);
         }
@@ -341,6 +456,7 @@ void Window::deleteAllRefls()
 {
     changeMainCurve(nullptr);
     clearCurves();
+    canvasUi->miniPlot->hide();
     plot->replot();
 }
 
@@ -363,38 +479,32 @@ void Window::setHelix(double helix)
     refl.setHelix(helix);
     mainCurve->scale(plot->clip());
     plot->replot();
+    fillMiniPlot(refl, refl.maxdist());
 }
 
 void Window::setDistance(double xMax)
 {
+    constexpr double kSpan_dB = Plot::kMaxY - Plot::kMinY;
+    canvasUi->miniPlot->setScales(QRectF(0.0, Plot::kMaxY, xMax, -kSpan_dB), false);
+    zoomer->setMaxRect(QRectF(0.0, Plot::kMinY, xMax, kSpan_dB));
     plot->setMaxX(xMax);
-    fullRange = xMax;
 }
 
-void Window::showFullView()
+void Window::fillMiniPlot(const Reflectogram& refl, double upTo_m)
 {
-    plot->setAxisScale(QwtPlot::xBottom, 0.0, fullRange);
-    plot->setAxisScale(QwtPlot::yLeft, Plot::kMinY, Plot::kMaxY);
-    rescaleCurrentView();
-}
-
-QRectF Window::currentView() const
-{
-    plot->updateAxes();
-    const QwtScaleDiv& x = plot->axisScaleDiv(QwtPlot::xBottom);
-    const QwtScaleDiv& y = plot->axisScaleDiv(QwtPlot::yLeft);
-    return { x.lowerBound(), y.lowerBound(), x.upperBound() - x.lowerBound(),
-             y.upperBound() - y.lowerBound() };
+    const wf_clip_t whole { 0.0, upTo_m, canvasUi->miniPlot->width() };
+    canvasUi->miniPlot->setSamples(Decimize(refl, false)(whole), true);
 }
 
 void Window::rescaleCurrentView()
 {
-    rescalePlot(currentView());
+    rescalePlot(zoomer->currentRect());
 }
 
-void Window::rescalePlot(Reflectogram /*refl*/)
+void Window::rescalePlot(Reflectogram refl)
 {
-    rescalePlot(currentView());
+    zoomer->setMinRange(std::max(kLeastSpan_m, kLeastSamples * refl.smpl2dist(1.0)));
+    rescalePlot(zoomer->currentRect());
 }
 
 void Window::rescalePlot(QRectF region)

@@ -6,10 +6,15 @@
 #include "platform/otdr/wfmeasparams.h"
 
 #include <QList>
+#include <QPointer>
 #include <QRectF>
 
+#include <memory>
+
 class EventMarkersView;
+class QmPlotZoomer;
 class ReflCurve;
+class Ui_Canvas;
 class WaitWnd;
 class WarningWindow;
 class ZuConfigModel;
@@ -34,6 +39,10 @@ public:
 
     void setModel(PluginModel* model) override;
     [[nodiscard]] bool isScalable() const override { return true; }
+
+    /// Forwards the keys of whatever it watches to the window; for the host's frame.
+    bool eventFilter(QObject* object, QEvent* event) override;
+    [[nodiscard]] QList<QObject*> eventFilters() const override;
 
     [[nodiscard]] ReflsTableModel* reflsTableModel() const { return reflsModel; }
     [[nodiscard]] WarningWindow* notification() const { return warning; }
@@ -65,11 +74,15 @@ protected slots:
     void updateMeased(QString reflFileName, WfMeasParams params);
     void setHelix(double helix);
     void setDistance(double xMax);
+    void raisePlotControls();
     void rescalePlot(Reflectogram refl);
     void rescalePlot(QRectF region);
     void rescaleCurrentView();
     void changeMainCurve(ReflCurve* curve);
     void showMarkersTable();
+
+    /// Lets an object filter the events of the window and of everything in it.
+    void installEventFilter(QObject* fltObj);
 
 protected:
     void showWarning(const QString& text) override;
@@ -79,28 +92,32 @@ private:
     void removeProgress();
     void initReflsTable();
     void setupPlot();
+    void setupZoomButtons();
+    void setupPanner();
+    void setupZoomer();
     void initEventMarkersView();
+    void setupEventFilters();
     void connectModel();
-    void showFullView();
+    void fillMiniPlot(const Reflectogram& refl, double upTo_m);
     void clearCurves();
     void eraseCurve(ReflCurve* curve);
     [[nodiscard]] ReflCurve* curveOf(const Reflectogram& refl) const;
-    [[nodiscard]] QRectF currentView() const;
     [[nodiscard]] QString configured(const QString& key) const;
     [[nodiscard]] bool realtimeAllowed() const;
 
     Plot* plot = nullptr;
-    Model* model = nullptr;
+    QPointer<Model> model;
     ReflsTableModel* reflsModel = nullptr;
     EventMarkersView* eventMarkers = nullptr;
     WaitWnd* waitWindow = nullptr;
+    std::unique_ptr<Ui_Canvas> canvasUi; ///< what lies over the canvas; its widgets belong to that
+    QmPlotZoomer* zoomer = nullptr;
     ReflCurve* mainCurve = nullptr;
     ReflCurve* measCurve = nullptr;
     QList<ReflCurve*> curves;
     ReflCurve* prevMeasCurve = nullptr;
     ZuConfigModel* config;
     WarningWindow* warning = nullptr;
-    double fullRange = 0.0; ///< of the full view, m
 };
 
 } // namespace Waveform

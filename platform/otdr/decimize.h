@@ -15,7 +15,7 @@ public:
 
     /// Points of the window in order of distance, x in m, y in dB; at most clip.points of them, or all
     /// samples of the window where they are no more than that. Empty without a trace or for a window of no width.
-    QPolygonF operator()(wf_clip_t clip) const;
+    [[nodiscard]] QPolygonF operator()(wf_clip_t clip) const;
 
 private:
     bool peaksOnly;

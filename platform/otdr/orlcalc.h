@@ -12,7 +12,7 @@ public:
     void setReflectogram(Reflectogram refl);
 
     /// Return loss between two distances, in either order, dB; NaN where it cannot be told.
-    double recalculate(double a_m, double b_m);
+    [[nodiscard]] double recalculate(double a_m, double b_m);
 
 private:
     std::mutex mutex;

@@ -13,7 +13,7 @@ public:
     double operator()(double distance_m, double base_dB, double& peak_dB) const;
 
     /// The same where the height does not matter.
-    double operator()(double distance_m, double base_dB, int unused) const;
+    [[nodiscard]] double operator()(double distance_m, double base_dB, int unused) const;
 
 private:
     Reflectogram refl;

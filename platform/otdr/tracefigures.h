@@ -6,11 +6,11 @@
 
 /// Optical return loss of a stretch of fibre between two distances, in either order, seen from its nearer end, dB.
 /// NaN where it cannot be told.
-double stretchReturnLoss_dB(const TraceState& state, double a_m, double b_m);
+[[nodiscard]] double stretchReturnLoss_dB(const TraceState& state, double a_m, double b_m);
 
 /// End-to-end loss and return loss of a trace, from 0 m to the end of its fibre. Without a known end the loss is
 /// unknown and the return loss is that of the whole record.
-KeyEventsBlock keyFigures(const TraceState& state);
+[[nodiscard]] KeyEventsBlock keyFigures(const TraceState& state);
 
 /// The place of an event between its neighbours on the trace, for line fits. index counts samples of the record.
-otdr::EventSite siteOf(const TraceState& state, double index);
+[[nodiscard]] otdr::EventSite siteOf(const TraceState& state, double index);

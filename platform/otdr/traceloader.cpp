@@ -9,6 +9,7 @@
 
 #include <QDateTime>
 #include <QFile>
+#include <QFileInfo>
 
 #include <algorithm>
 #include <cmath>
@@ -23,7 +24,8 @@ double orElse(double value, double otherwise)
 bool isSnapshot(const QString& fileName)
 {
     QFile file(fileName);
-    return file.open(QIODevice::ReadOnly) && file.read(4) == "WFPK";
+    // A pipe of this name would keep the reader waiting.
+    return QFileInfo(fileName).isFile() && file.open(QIODevice::ReadOnly) && file.read(4) == "WFPK";
 }
 
 /// The usual backscatter coefficient of single-mode fibre, dB at 1 ns.
@@ -145,11 +147,16 @@ otdr::Result<TraceState> loadSnapshot(const QString& fileName, const WfMeasParam
                                                 state.metresPerNs());
         state.notes << QString("a snapshot tells no group index: %1 assumed").arg(state.ior);
     }
-    if (!(state.ior >= 1.0)) { // a message of the acquisition program may have said anything
+    // A message of the acquisition program may have said anything.
+    if (!std::isfinite(state.ior) || state.ior < 1.0) {
         state.notes << QString("group index %1 cannot be: %2 assumed")
                            .arg(state.ior)
                            .arg(otdr::kDefaultGroupIndex);
         state.ior = otdr::kDefaultGroupIndex;
+    }
+    if (!std::isfinite(state.helix_percent) || state.helix_percent <= -100.0) {
+        state.notes << QString("helix factor %1 cannot be: none assumed").arg(state.helix_percent);
+        state.helix_percent = 0.0;
     }
     auto sor = std::make_shared<SorData>();
     sor->setFxdParams({ QDateTime::currentSecsSinceEpoch(),

@@ -8,4 +8,4 @@
 ///
 /// params say what a snapshot cannot: group index, helix factor, backscatter coefficient, range, duration. Without
 /// them the usual values of the wavelength are taken, and the notes say so. A trace file needs none.
-otdr::Result<TraceState> loadTrace(const QString& fileName, const WfMeasParams* params);
+[[nodiscard]] otdr::Result<TraceState> loadTrace(const QString& fileName, const WfMeasParams* params);

@@ -4,4 +4,4 @@
 #include "platform/otdr/tracestate.h"
 
 /// The trace file of a trace: the file it came from with what was changed since, or a new one.
-otdr::sor::File toSorFile(const TraceState& state);
+[[nodiscard]] otdr::sor::File toSorFile(const TraceState& state);

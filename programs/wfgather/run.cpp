@@ -81,14 +81,12 @@ std::optional<otdr::Error> Run::refresh(TraceSource& source, double until_s)
     if (std::optional<otdr::Error> error = with.file.write(otdr::encodeSnapshot(snapshot))) {
         return error;
     }
-    with.messages.waitUntilRead();
-    if (std::optional<otdr::Error> error = with.file.publish()) {
-        return error;
-    }
+    // The tick first: when the reader finds the snapshot it knows how long that was measured.
     const int elapsed_s = static_cast<int>(measured_s + kSameTime_s);
     const int remaining_s = settings.isRealtime() ? 0 : settings.duration_s - elapsed_s;
     with.messages.tick(remaining_s, elapsed_s);
-    return std::nullopt;
+    with.messages.waitUntilRead();
+    return with.file.publish();
 }
 
 /// Lets the time pass until so much of the trace has been measured. Answers the measuring time that

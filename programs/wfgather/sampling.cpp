@@ -17,9 +17,9 @@ constexpr std::array<double, 4> kRoundFigures {5.0, 10.0, 20.0, 25.0}; // then 5
 /// The round figures from kShortest_ns on.
 double interval(std::size_t index)
 {
-    const auto decade = static_cast<double>(index / kRoundFigures.size());
+    const std::size_t decade = index / kRoundFigures.size();
     return kShortest_ns * kRoundFigures[index % kRoundFigures.size()] / kRoundFigures.front()
-        * std::pow(10.0, decade);
+        * std::pow(10.0, static_cast<double>(decade));
 }
 
 std::size_t countFor(double range_ns, double interval_ns)

@@ -67,8 +67,7 @@ public:
         }
         bool isNumber = false;
         const double number = text(key).toDouble(&isNumber);
-        if (isNumber && std::isfinite(number) && number >= range.lowest
-            && number <= range.highest) {
+        if (isNumber && number >= range.lowest && number <= range.highest) {
             value = number;
         } else {
             fail(key,

@@ -7,10 +7,10 @@ namespace gather {
 
 StopSignal::StopSignal()
 {
-    sigemptyset(&signals);
-    sigaddset(&signals, SIGTERM);
-    sigaddset(&signals, SIGINT);
-    sigprocmask(SIG_BLOCK, &signals, nullptr);
+    sigemptyset(&signalSet);
+    sigaddset(&signalSet, SIGTERM);
+    sigaddset(&signalSet, SIGINT);
+    sigprocmask(SIG_BLOCK, &signalSet, nullptr);
 }
 
 bool StopSignal::raised()
@@ -28,7 +28,7 @@ bool StopSignal::waitUntil(Clock::time_point time)
         timespec patience {};
         patience.tv_sec = static_cast<std::time_t>(whole.count());
         patience.tv_nsec = static_cast<long>(nanoseconds(left - whole).count());
-        isRaised = sigtimedwait(&signals, nullptr, &patience) > 0;
+        isRaised = sigtimedwait(&signalSet, nullptr, &patience) > 0;
         if (left == nanoseconds(0)) {
             break;
         }

@@ -23,7 +23,7 @@ public:
     bool waitUntil(Clock::time_point time);
 
 private:
-    sigset_t signals {};
+    sigset_t signalSet {};
     bool isRaised = false;
 };
 

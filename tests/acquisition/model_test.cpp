@@ -154,6 +154,30 @@ TEST_F(Measurement, WavelengthIsRoundedPulseIsTruncatedAndBothWavelengthsReadZer
     EXPECT_EQ(model->wavelength(), 0);
 }
 
+TEST_F(Measurement, ConfiguredNonsenseStaysWithinSixteenBits)
+{
+    const std::pair<const char*, int> cases[]
+        = { { "1e9", 65535 }, { "-5", 0 }, { "nan", 0 }, { "blue", 0 }, { "65535", 65535 } };
+    for (const auto& [text, number] : cases) {
+        ZuConfig("zuotdr", "MeasParams", "pulse").store(text);
+        ZuConfig("zuotdr", "MeasParams", "wavelength").store(text);
+        EXPECT_EQ(model->pulse(), number) << text;
+        EXPECT_EQ(model->wavelength(), number) << text;
+    }
+}
+
+TEST_F(Measurement, WhatIsNotConfiguredHasItsDefault)
+{
+    QFile::remove(home.file("zuotdr"));
+    EXPECT_EQ(model->wavelength(), 1310);
+    EXPECT_EQ(model->pulse(), 100);
+    EXPECT_EQ(model->ior(), 1.49);
+    EXPECT_EQ(model->helix(), 0.0);
+    EXPECT_EQ(model->distance(), 75000.0);
+    EXPECT_STREQ(Waveform::defRBS, "-66.30");
+    EXPECT_STREQ(Waveform::defDuration, "15");
+}
+
 TEST_F(Measurement, GroupIndexIsThatOf1310WhateverTheWavelength)
 {
     ZuConfig("zuotdr", "MeasParams", "ior1310").store("1.4711");
@@ -250,11 +274,11 @@ TEST_F(Measurement, RunAnnouncesItsTraceWithItsParameters)
     EXPECT_FALSE(model->running());
 }
 
-TEST_F(Measurement, EventsOfTheAnalysisComeAsOneList)
+TEST_F(Measurement, EventsOfTheLastAnalysisComeAsOneList)
 {
     programs.make(
         "wfgather",
-        QString("printf '1 G {;'; %1 sleep 0.1; %2 sleep 0.1; printf '4 M };5 A {;"
+        QString("printf '1 G {;1 A {;1 A * n position 7;'; %1 sleep 0.1; %2 sleep 0.1; printf '4 M };5 A {;"
                 "6 A * s position 0;7 A * r position 1000 loss 0.25 reflectance -45.5;8 A };9 G };'")
             .arg(kTraceStart, putSnapshot(TraceBuilder().fibre(2_km))));
     QSignalSpy lists(model.get(), SIGNAL(eventListReady( EventList )));
@@ -275,6 +299,31 @@ TEST_F(Measurement, SnapshotOutsideARunIsNotAnnounced)
     put(TraceBuilder().fibre(1_km));
     QTest::qWait(200);
     EXPECT_EQ(measured->size(), 0);
+    QFile::remove(AcquisitionDir::snapshot());
+    QTest::qWait(100);
+    EXPECT_FALSE(logged("no refl file"));
+}
+
+TEST_F(Measurement, ChangeOfTheDirectoryWithoutASnapshotIsOnlyLogged)
+{
+    programs.make("wfgather", "printf '1 G {;'; sleep 0.1; touch /tmp/user/other; sleep 0.2; "
+                              "rm /tmp/user/other; printf '2 G };'");
+    ASSERT_EQ(model->start(0), 0);
+    ASSERT_TRUE(waitForStop());
+    EXPECT_TRUE(logged("no refl file"));
+    EXPECT_EQ(measured->size(), 0);
+}
+
+TEST_F(Measurement, DirectoryRemovedBetweenRunsIsMadeAndWatchedAgain)
+{
+    QDir(AcquisitionDir::path()).removeRecursively();
+    ASSERT_TRUE(QTest::qWaitFor([] { return !QDir(AcquisitionDir::path()).exists(); }, 1000));
+    QTest::qWait(50); // until the watcher knows
+    programs.make("wfgather", QString("printf '1 G {;'; %1 sleep 0.1; %2 sleep 0.2; printf '7 G };'")
+                                  .arg(kTraceStart, putSnapshot(TraceBuilder().fibre(2_km))));
+    ASSERT_EQ(model->start(0), 0);
+    ASSERT_TRUE(waitForStop());
+    EXPECT_EQ(measured->size(), 1);
 }
 
 TEST_F(Measurement, SettingsFileIsThereDuringTheRunAndGoneAfterIt)
@@ -418,20 +467,6 @@ TEST_F(Measurement, SnapshotOfAnEarlierProcessIsClearedAway)
     put(TraceBuilder().fibre(1_km));
     model->init();
     EXPECT_FALSE(QFile::exists(AcquisitionDir::snapshot()));
-}
-
-TEST(MeasurementWithoutCard, AnswersTheDefaults)
-{
-    const AcquisitionDir directory;
-    const ConfigHome home;
-    CardController card;
-    card.unplug();
-    Model model(&card);
-    // A value that nobody has configured.
-    EXPECT_EQ(model.setting("no such key", "MeasParams", Waveform::defIOR), 1.49);
-    EXPECT_EQ(model.setting("no such key", "MeasParams", Waveform::defDistance), 75000.0);
-    EXPECT_EQ(model.setting("no such key", "MeasParams", Waveform::defPulse), 100.0);
-    EXPECT_EQ(model.setting("no such key", "MeasParams", Waveform::defWavelength), 1310.0);
 }
 
 } // namespace

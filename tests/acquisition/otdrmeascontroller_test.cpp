@@ -283,6 +283,18 @@ TEST_F(Gather, ProgramMayBeStartedAgainAfterItsEnd)
     EXPECT_EQ(listener.log.count("started"), 1);
 }
 
+TEST_F(Gather, ProgramThatStaysAfterItsLastMessageMakesRoomForTheNextRun)
+{
+    programs.make("wfgather", "printf '1 G {;2 G };'; while true; do sleep 0.1; done");
+    ASSERT_EQ(controller.start(), 0);
+    waitForEnd();
+    expectWarning("void OtdrMeasController::onError(QProcess::ProcessError)");
+    controller.waitForEnded(100);
+    listener.log.clear();
+    run("1 G {;2 G };");
+    EXPECT_EQ(listener.log.count("started"), 1);
+}
+
 TEST(GatherGone, EndsAProgramThatStillRuns)
 {
     const FakePrograms programs;

@@ -58,6 +58,7 @@ TEST(CommandLine, ConfigurationIsSetForThisRun)
     EXPECT_EQ(overridden(options, "Simulation", "seed"), QVariant(7));
     EXPECT_EQ(overridden(options, "Simulation", "timeScale"), QVariant(0.0));
     EXPECT_EQ(overridden(options, "MeasParams", "duration"), QVariant(30));
+    EXPECT_EQ(overridden(good({ "--duration", "0" }), "MeasParams", "duration"), QVariant(0));
     EXPECT_EQ(overridden(options, "MeasParams", "pulse"), QVariant(1000));
     EXPECT_EQ(overridden(options, "MeasParams", "distance"), QVariant(5000));
     EXPECT_EQ(overridden(options, "MeasParams", "wavelength"), QVariant(1550));
@@ -92,7 +93,10 @@ TEST(CommandLine, WrongUseIsRefusedWithOneLineAndCodeTwo)
              { "--size", "800x480x2" },
              { "--size", "99999x99999" },
              { "--screenshot", "x.png" },
+             { "--screenshot", "" },
+             { "--screenshot", "", "a.sor" },
              { "--demo", "" },
+             { "--demo", "d", "--duration", "0" },
              { "--demo", "d", "--screenshot", "x.png", "a.sor" },
              { "--fibre", "/no/such/file" },
              { "--replay", "/tmp" },

@@ -63,8 +63,6 @@ TEST_F(Application, TakesAScreenshotOfATraceInTheSizeAskedFor)
 TEST_F(Application, ScreenshotShowsTheTrace)
 {
     const QString with = dir.filePath("with.png");
-    SorSketch dark = SorSketch::plain();
-    dark.samples.assign(4000, 65535);
     ASSERT_EQ(run({ "--screenshot", with, files.write("a.sor", SorSketch::plain()) }).code, 0);
     const QImage image(with);
     int blue = 0;
@@ -81,7 +79,7 @@ TEST_F(Application, FileThatIsNoTraceIsOneClearLine)
     const Outcome outcome = run({ "--screenshot", picture, dir.filePath("missing.sor") });
     EXPECT_EQ(outcome.code, 1);
     EXPECT_EQ(outcome.err.count('\n'), 1) << qPrintable(outcome.err);
-    EXPECT_TRUE(outcome.err.contains("missing.sor"));
+    EXPECT_EQ(outcome.err.count("missing.sor"), 1) << qPrintable(outcome.err);
     EXPECT_FALSE(QFile::exists(picture));
 }
 
@@ -125,6 +123,14 @@ TEST_F(Application, DemoWithoutTheAcquisitionProgramFailsWithWords)
     const Outcome outcome = run({ "--demo", dir.filePath("demo") }, dir.filePath("nowhere"));
     EXPECT_EQ(outcome.code, 1);
     EXPECT_TRUE(outcome.err.contains("waveform: ")) << qPrintable(outcome.err);
+}
+
+TEST_F(Application, DemoTellsWhyTheAcquisitionProgramFailed)
+{
+    const QString junk = files.write("junk.sor", Bytes(100));
+    const Outcome outcome = run({ "--demo", dir.filePath("demo"), "--replay", junk });
+    EXPECT_EQ(outcome.code, 1);
+    EXPECT_TRUE(outcome.err.contains("junk.sor")) << qPrintable(outcome.err);
 }
 
 TEST_F(Application, WrongCommandLineIsCodeTwo)

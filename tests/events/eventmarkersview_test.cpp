@@ -2,6 +2,7 @@
 
 #include "plot/plot.h"
 #include "plot/reflcurve.h"
+#include "tests/support/paintcounter.h"
 #include "tests/support/tracefiles.h"
 
 #include <qwt_plot_curve.h>
@@ -12,6 +13,7 @@
 #include <QStandardItemModel>
 #include <QtTest>
 
+#include <functional>
 #include <gmock/gmock.h>
 #include <memory>
 
@@ -126,11 +128,23 @@ TEST_F(EventTicks, EventOnADrawnSampleStandsThereWithinACentimetre)
 {
     show({ eventAt(Event::NonReflective, 500) });
     EXPECT_DOUBLE_EQ(ticks()[0]->xValue(), curve.sample(500).x());
-    // A hair off the sample, as an event of another group index would be.
     const double step = refl.smpl2dist(1.0);
     curve.scale({ 499.9 * step, 600.0 * step, 1000 }, false);
     view->placeMarkers();
     EXPECT_DOUBLE_EQ(ticks()[0]->xValue(), curve.sample(0).x());
+}
+
+TEST_F(EventTicks, EventAHairBeforeADrawnSampleStandsOnItFromACentimetreOn)
+{
+    show({ eventAt(Event::NonReflective, 500) });
+    const double x = curve.sample(500).x();
+    const double ior = refl.IOR();
+    refl.setIOR(ior * x / (x - 0.009)); // the curve is drawn as it was
+    view->placeMarkers();
+    EXPECT_DOUBLE_EQ(ticks()[0]->xValue(), x);
+    refl.setIOR(ior * x / (x - 0.011));
+    view->placeMarkers();
+    EXPECT_DOUBLE_EQ(ticks()[0]->xValue(), curve.sample(499).x());
 }
 
 TEST_F(EventTicks, EventBeyondTheLastDrawnSampleStandsOnThat)
@@ -175,6 +189,42 @@ TEST_F(EventTicks, CurrentEventCrossesTheCanvas)
     EXPECT_EQ(heights(), QList<int>({ 100, 100, 1000 }));
     view->clear();
     EXPECT_TRUE(ticks().isEmpty());
+    view->placeMarkers();
+    EXPECT_EQ(heights(), QList<int>({ 100, 100, 100 })) << "none is current any more";
+}
+
+TEST_F(EventTicks, SelectionThatWasTakenAwayIsNotFollowed)
+{
+    show({ eventAt(Event::SpanStart, 0), eventAt(Event::SpanEnd, 3000) });
+    QItemSelectionModel other(&table);
+    view->setSelectionModel(&other);
+    choose(1);
+    EXPECT_EQ(heights(), QList<int>({ 100, 100 }));
+    other.setCurrentIndex(table.index(1, 0), QItemSelectionModel::Select);
+    EXPECT_EQ(heights(), QList<int>({ 100, 1000 }));
+    view->setSelectionModel(nullptr);
+}
+
+TEST_F(EventTicks, ChoiceAndPlacingOnDemandArePainted)
+{
+    plot.resize(400, 300);
+    plot.show();
+    testing_support::PaintCounter item;
+    item.attach(&plot);
+    show({ eventAt(Event::SpanStart, 0), eventAt(Event::SpanEnd, 3000) });
+    const auto isPainted = [&](const std::function<void()>& deed) {
+        plot.replot();
+        QCoreApplication::processEvents();
+        item.count = 0;
+        deed();
+        QCoreApplication::processEvents();
+        return item.count > 0;
+    };
+    EXPECT_TRUE(isPainted([this] { choose(1); }));
+    EXPECT_TRUE(isPainted([this] { view->placeMarkers(true); }));
+    EXPECT_FALSE(isPainted([this] { view->placeMarkers(false); }));
+    EXPECT_FALSE(isPainted([this] { view->setActiveMarker(0); }));
+    item.detach();
 }
 
 TEST_F(EventTicks, CurrentEventKeepsItsTallTickWhenTheCurveIsSampledAnew)
@@ -247,6 +297,7 @@ TEST_F(EventTicks, AnotherCurveIsNotFollowedAnyMore)
     EXPECT_TRUE(ticks().isEmpty());
     curve.scale({ 0.0, 2000.0, 50 });
     EXPECT_TRUE(ticks().isEmpty());
+    EXPECT_FALSE(QObject::disconnect(&curve, SIGNAL(dataChanged()), view.get(), SLOT(placeMarkers())));
 }
 
 TEST(EventTicksOfADeadPlot, AreNotDeletedTwice)

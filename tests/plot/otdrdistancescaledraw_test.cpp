@@ -94,6 +94,7 @@ TEST_F(DistanceAxis, LongSpanReadsInKilometresWhereverItLies)
     EXPECT_EQ(precision(0.0, 4999.0), "1/1000");
     EXPECT_EQ(precision(0.0, 5000.0), "0/1000");
     EXPECT_EQ(precision(2000.0, 80000.0), "0/1000");
+    EXPECT_EQ(precision(0.0, 1e12), "0/1000"); // more than an int holds
 }
 
 TEST_F(DistanceAxis, LabelIsTheDistanceInTheUnitOfTheTitle)

@@ -76,6 +76,19 @@ TEST_F(Chart, IsBuiltAsTheScreenWantsIt)
         EXPECT_EQ(plot.axisScaleDraw(axis)->tickLength(QwtScaleDiv::MajorTick), 8.0);
     }
     EXPECT_EQ(plot.axisScaleDraw(QwtPlot::yLeft)->minimumExtent(), 80.0);
+    EXPECT_EQ(plot.canvasBackground().color(), plot.palette().color(QPalette::Window));
+}
+
+TEST_F(Chart, LevelAxisEndsWhereTheDistanceLabelsBegin)
+{
+    int start = 0;
+    int end = 0;
+    plot.axisWidget(QwtPlot::xBottom)->getMinBorderDist(start, end);
+    EXPECT_EQ(start, 80);
+    EXPECT_EQ(end, 15);
+    plot.axisWidget(QwtPlot::yLeft)->getMinBorderDist(start, end);
+    EXPECT_EQ(start, 10);
+    EXPECT_EQ(end, static_cast<int>(plot.axisScaleDraw(QwtPlot::xBottom)->extent(plot.font())));
 }
 
 TEST(NewChart, StartsWithoutVisibleAxes)
@@ -123,6 +136,16 @@ TEST_F(Chart, ClipKnowsAScaleThatWasJustSet)
     const wf_clip_t clip = plot.clip();
     EXPECT_DOUBLE_EQ(clip.start, 0.0);
     EXPECT_DOUBLE_EQ(clip.end, 300.0);
+}
+
+TEST_F(Chart, PanKnowsAScaleThatWasJustSet)
+{
+    plot.setAxisScale(QwtPlot::xBottom, 100.0, 200.0);
+    double min = 0.0;
+    double max = 0.0;
+    EXPECT_TRUE(plot.newBounds(QwtPlot::xBottom, width(), min, max));
+    EXPECT_NEAR(min, 200.0, 1e-9);
+    EXPECT_NEAR(max, 300.0, 1e-9);
 }
 
 TEST_F(Chart, ClipOfAReversedAxisStillWidens)

@@ -92,7 +92,7 @@ TEST_F(Curve, LimitRaisesOnlyWhatIsBelow)
     EXPECT_EQ(points, QPolygonF(QVector<QPointF> { { 1.0, 0.0 }, { 2.0, 0.0 }, { 3.0, 7.0 } }));
 }
 
-TEST_F(Curve, NoSampleLiesBelowZero)
+TEST_F(Curve, DarkestSampleLiesOnTheBaseline)
 {
     SorSketch dark = SorSketch::plain();
     dark.scaleFactor = 1000;
@@ -100,7 +100,7 @@ TEST_F(Curve, NoSampleLiesBelowZero)
     curve.setReflectogram(whole, Reflectogram(files.write("dark.sor", dark)));
     ASSERT_GT(curve.dataSize(), 0U);
     for (std::size_t i = 0; i < curve.dataSize(); ++i) {
-        EXPECT_GE(curve.sample(static_cast<int>(i)).y(), 0.0);
+        EXPECT_EQ(curve.sample(static_cast<int>(i)).y(), 0.0);
     }
 }
 
@@ -138,6 +138,29 @@ TEST_F(Curve, IsDrawnAsAnAreaWithoutGapsInItsColour)
     }
     curve.detach();
     EXPECT_NE(canvasOf(plot).pixel(100, row), blue);
+}
+
+TEST_F(Curve, SticksThatStandApartLeaveThePaperBetweenThem)
+{
+    Waveform::Plot plot;
+    const double step = refl.smpl2dist(1.0);
+    plot.setAxisScale(QwtPlot::xBottom, 1000.0 * step, 1020.0 * step);
+    plot.setAxisScale(QwtPlot::yLeft, 0.0, 65.0);
+    plot.resize(800, 480);
+    plot.show();
+    QCoreApplication::processEvents();
+    curve.attach(&plot);
+    const QImage image = canvasOf(plot);
+    const QRgb blue = QColor(Qt::darkBlue).rgb();
+    const QwtScaleMap xMap = plot.canvasMap(QwtPlot::xBottom);
+    const int row = image.height() - 10;
+    for (int sample = 1001; sample < 1019; ++sample) {
+        const int x = qRound(xMap.transform(sample * step));
+        EXPECT_EQ(image.pixel(x, row), blue) << sample;
+        EXPECT_NE(image.pixel(x - 3, row), blue) << sample;
+        EXPECT_NE(image.pixel(x + 3, row), blue) << sample;
+    }
+    curve.detach();
 }
 
 TEST_F(Curve, StandsInTheRowsOfItsLevel)

@@ -8,6 +8,7 @@
 #include <QSignalSpy>
 #include <QtTest>
 
+#include <ctime>
 #include <gmock/gmock.h>
 
 namespace {
@@ -104,6 +105,25 @@ TEST_F(TraceSet, DateBeyondThirtyTwoBitsOfMillisecondsIsRight)
     late.fxd.dateTime_s = 4'102'444'800U; // 2100-01-01
     model.addReflFromFile(files.write("late.sor", late));
     EXPECT_EQ(text(0, 1), "01.01.2100 00:00");
+}
+
+TEST_F(TraceSet, DateIsThatOfUniversalTimeWhereverOneIs)
+{
+    const QByteArray zone = qgetenv("TZ");
+    qputenv("TZ", "Asia/Tokyo");
+    tzset();
+    add("a.sor");
+    EXPECT_EQ(text(0, 1), "14.11.2023 22:13");
+    zone.isNull() ? qunsetenv("TZ") : qputenv("TZ", zone);
+    tzset();
+}
+
+TEST_F(TraceSet, FibreThatEndsAtTheStartHasADistance)
+{
+    Reflectogram refl = files.plain();
+    refl.setEventList({ Event(Event::SpanEnd, 0, 10) });
+    model.addRefl(refl);
+    EXPECT_EQ(text(0, 3), "0.00");
 }
 
 TEST_F(TraceSet, IndexOutsideHasNoValue)
@@ -300,7 +320,11 @@ TEST_F(TraceSet, DeletingAllSaysSoOnceAndNamesNoMainTrace)
     add("a.sor");
     add("b.sor");
     forgetSignals();
+    QStringList order;
+    QObject::connect(&model, &ReflsTableModel::allReflsDeleted, [&] { order << "deleted"; });
+    QObject::connect(&model, &ReflsTableModel::modelReset, [&] { order << "reset"; });
     model.deleteAllRefls();
+    EXPECT_EQ(order, QStringList({ "deleted", "reset" }));
     EXPECT_EQ(allDeleted.size(), 1);
     EXPECT_EQ(mainChanged.size(), 0);
     EXPECT_EQ(deleted.size(), 0);
@@ -339,7 +363,9 @@ TEST_F(TraceSet, GroupOfOneIsDissolved)
     model.associate(second, first);
     model.deleteRefl(second);
     EXPECT_EQ(model.association(first), QList<Reflectogram> { first });
-    model.associate(first, second);
+    const Reflectogram third = add("c.sor");
+    model.associate(third, first); // in no group any more, so it founds one
+    EXPECT_EQ(model.association(first), QList<Reflectogram>({ first, third }));
     model.deleteAllRefls();
     EXPECT_EQ(model.association(first), QList<Reflectogram> { first });
 }

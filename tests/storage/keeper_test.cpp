@@ -10,8 +10,11 @@
 #include "tests/support/tracefiles.h"
 #include "tests/support/warnings.h"
 
+#include <QApplication>
 #include <QDir>
+#include <QFileDialog>
 #include <QSignalSpy>
+#include <QTimer>
 
 #include <gmock/gmock.h>
 
@@ -135,6 +138,8 @@ TEST_F(Keeping, NameOfAGroupLeavesTheWavelengthToTheFiles)
     const Reflectogram second = addMeasured();
     refls.associate(second, first);
     EXPECT_EQ(keeper.reportAutoName(), "trace_0001");
+    config->setting("reflNameScheme", "AdvancedParams")->tryChange(QString());
+    EXPECT_EQ(keeper.reportAutoName(), "trace_0001");
 }
 
 TEST_F(Keeping, SavesTheMainTraceUnderItsName)
@@ -195,6 +200,18 @@ TEST_F(Keeping, EachSavedTraceAdvancesTheRunningIndex)
     addMeasured();
     EXPECT_EQ(keeper.doSave(keeper.reportAutoName()), 0);
     EXPECT_EQ(keeper.reportAutoName(), "trace_1550_0002");
+    config->setting("reflIndex", "AdvancedParams")->tryChange(9999);
+    EXPECT_EQ(keeper.doSave(keeper.reportAutoName()), 0);
+    EXPECT_EQ(keeper.reportAutoName(), "trace_1550_0001");
+}
+
+TEST_F(Keeping, EventLoopTurnsDuringASave)
+{
+    refls.addReflFromFile(files.write("a.sor", SorSketch::plain()));
+    bool turned = false;
+    QTimer::singleShot(0, [&turned] { turned = true; });
+    EXPECT_EQ(keeper.doSave("link"), 0);
+    EXPECT_TRUE(turned);
 }
 
 TEST_F(Keeping, FifthTraceIsRefusedBeforeAnyFileIsOpened)
@@ -214,18 +231,42 @@ TEST_F(Keeping, FifthTraceIsRefusedBeforeAnyFileIsOpened)
               "from the \"Reflectograms\" table");
 }
 
+TEST_F(Keeping, LoadsTheFileThatIsPickedInTheStorageDirectory)
+{
+    QDir().mkpath(stored(""));
+    const QString file = files.write("home/otdr/a.sor", SorSketch::plain());
+    const auto pick = [&](bool accept) {
+        QTimer::singleShot(0, [&, accept] {
+            auto* picker = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+            ASSERT_NE(picker, nullptr);
+            EXPECT_EQ(picker->directory().absolutePath(), keeper.storeDir());
+            EXPECT_EQ(picker->nameFilters(), QStringList("*.sor"));
+            picker->selectFile(file);
+            QMetaObject::invokeMethod(picker, accept ? "accept" : "reject");
+        });
+        return keeper.doLoad();
+    };
+    EXPECT_NE(pick(false), 0);
+    EXPECT_EQ(refls.rowCount(), 0);
+    EXPECT_EQ(pick(true), 0);
+    ASSERT_EQ(refls.rowCount(), 1);
+    EXPECT_EQ(refls.refls().first().fileName(), file);
+}
+
 TEST_F(Keeping, SavingIsOffWithoutATraceAndDuringARun)
 {
     EXPECT_FALSE(keeper.isSaveEnabled());
     refls.addReflFromFile(files.write("a.sor", SorSketch::plain()));
     EXPECT_TRUE(keeper.isSaveEnabled());
     const QSignalSpy titles(&keeper, SIGNAL(setTitle( QString )));
-    keeper.started();
+    model.started(QString());
+    EXPECT_TRUE(keeper.measStartDate().isValid());
     EXPECT_FALSE(keeper.isSaveEnabled());
     EXPECT_FALSE(keeper.isLoadEnabled());
     ASSERT_EQ(titles.size(), 1);
     EXPECT_EQ(titles.first().first().toString(), "Waveform");
-    keeper.stopped();
+    model.stopped(QString());
+    EXPECT_TRUE(keeper.measStopDate().isValid());
     EXPECT_TRUE(keeper.isSaveEnabled());
     EXPECT_TRUE(keeper.isLoadEnabled());
     refls.deleteAllRefls();
@@ -268,6 +309,11 @@ TEST_F(Keeping, ConfigurationThatCannotBeWrittenIsLogged)
 {
     EXPECT_FALSE(keeper.saveConfig(files.path("no/such/directory/wf.cfg")));
     EXPECT_TRUE(Keeper::unserialize(files.path("missing")).isEmpty());
+    EXPECT_FALSE(logged("config was not saved"));
+
+    Keeper withoutModel(&card, &refls); // which would name the file
+    withoutModel.stopped();
+    EXPECT_TRUE(logged("config was not saved"));
 }
 
 } // namespace

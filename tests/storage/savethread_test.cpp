@@ -59,10 +59,12 @@ TEST_F(Save, FailureIsToldWithItsReasonInTheLog)
     QObject::connect(&thread, &SaveThread::saved, &thread,
                      [&](const QString&, bool ok) { success = ok; }, Qt::DirectConnection);
     thread.sor = files.path("no/such/directory/out.sor");
+    thread.flashDir = files.path("flash");
     run();
     EXPECT_NE(thread.result, 0);
     EXPECT_FALSE(success);
     EXPECT_TRUE(logged("can not save"));
+    EXPECT_FALSE(logged("can not copy")) << "there was nothing to copy";
     EXPECT_TRUE(logged(thread.sor));
 }
 

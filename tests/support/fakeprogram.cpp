@@ -26,6 +26,7 @@ FakePrograms::~FakePrograms()
 void FakePrograms::make(const QString& name, const QString& script) const
 {
     QFile file(path(name));
+    file.remove(); // a shell that still runs reads on in the old file
     ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
     file.write("#!/bin/sh\n" + script.toUtf8() + "\n");
     file.close();

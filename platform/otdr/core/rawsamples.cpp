@@ -34,7 +34,7 @@ RawSamples RawSamples::fromLittleEndian(gsl::span<const std::byte> bytes)
                                               | std::to_integer<unsigned>(bytes[2 * i + 1]) << 8);
     }
 #endif
-    return RawSamples(std::move(block), size);
+    return {std::move(block), size};
 }
 
 bool operator==(const RawSamples& a, const RawSamples& b)

@@ -79,6 +79,12 @@ Error tooLarge()
             "snapshot: more than " + std::to_string(Snapshot::kMostSamples) + " samples", 8};
 }
 
+/// The error of a file, named by it.
+Error inFile(const std::string& name, const Error& error)
+{
+    return {error.code, name + ": " + error.message, error.offset};
+}
+
 /// What is wrong with the front of a file of this size, if anything.
 std::optional<Error> headerError(const Header& header, std::size_t fileSize)
 {
@@ -159,14 +165,18 @@ Result<Snapshot> readSnapshotFile(const std::filesystem::path& path)
         return Error {ErrorCode::CannotOpen, name + ": cannot be opened", 0};
     }
     if (size > Snapshot::kHeaderSize + 2 * Snapshot::kMostSamples) {
-        return tooLarge();
+        return inFile(name, tooLarge());
     }
     std::vector<std::byte> bytes(static_cast<std::size_t>(size));
     file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
     if (!file) {
         return Error {ErrorCode::CannotRead, name + ": cannot be read", 0};
     }
-    return readSnapshot(bytes);
+    auto snapshot = readSnapshot(bytes);
+    if (!snapshot) {
+        return inFile(name, snapshot.error());
+    }
+    return snapshot;
 }
 
 std::vector<std::byte> encodeSnapshot(const Snapshot& snapshot)

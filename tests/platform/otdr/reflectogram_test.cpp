@@ -8,6 +8,7 @@
 #include <atomic>
 #include <cmath>
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 #include <thread>
 
 namespace {
@@ -198,6 +199,30 @@ TEST(Reflectogram, SnapshotTakesTheParametersOfTheMeasurement)
     EXPECT_LT(refl.endOfFiber(), 0.0);
     EXPECT_EQ(refl.sorData()->keyEvents(), nullptr);
     EXPECT_FLOAT_EQ(refl.powerAtDist(0.0), 45.0F);
+}
+
+TEST(Reflectogram, SnapshotOfParametersThatCannotBeHasADistanceAllTheSame)
+{
+    const TraceFiles files;
+    for (const double impossible : { std::nan(""), HUGE_VAL, -HUGE_VAL, -100.0 }) {
+        WfMeasParams params;
+        params.ior = impossible;
+        params.helix = impossible;
+        const Reflectogram refl = files.measured(TraceBuilder().fibre(3_km), params);
+        EXPECT_EQ(refl.helix(), 0.0) << impossible;
+        EXPECT_NEAR(refl.maxdist(), 3000.0, 50.0) << impossible;
+        EXPECT_EQ(refl.notes().size(), 2) << impossible;
+    }
+}
+
+TEST(Reflectogram, PipeIsRefusedWithoutWaitingForIt)
+{
+    const TraceFiles files;
+    const QString pipe = files.path("pipe");
+    ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    const Reflectogram refl(pipe);
+    EXPECT_FALSE(refl.isValid());
+    EXPECT_TRUE(refl.error().contains(pipe));
 }
 
 TEST(Reflectogram, OpenedSnapshotIsNoMeasurementAndSaysWhatWasAssumed)

@@ -6,11 +6,14 @@
 #include <QThread>
 
 #include <gmock/gmock.h>
+#include <sys/inotify.h>
+#include <unistd.h>
 
+#include <array>
 #include <chrono>
 #include <thread>
 
-// "M {", the snapshots and "M }" of a trace are seen in this order, however busy the reader is.
+// "M {", the snapshots (each behind its tick) and "M }" of a trace are seen in this order, however busy the reader is.
 
 namespace {
 
@@ -24,10 +27,37 @@ void sleep_ms(int time)
     std::this_thread::sleep_for(std::chrono::milliseconds(time));
 }
 
+/// Whether something comes true within two seconds.
+template <typename Condition>
+bool soon(Condition condition)
+{
+    for (int i = 0; i < 200; ++i) {
+        if (condition()) {
+            return true;
+        }
+        sleep_ms(10);
+    }
+    return false;
+}
+
 int wavelengthThere(const RunDirectory& directory)
 {
     const auto snapshot = directory.snapshot();
     return snapshot ? snapshot->wavelength_nm : 0;
+}
+
+/// What the kernel tells who watches a directory since the last call.
+std::vector<std::uint32_t> changesSeen(int watch)
+{
+    std::vector<std::uint32_t> seen;
+    alignas(inotify_event) std::array<char, 4096> bytes {};
+    const ssize_t size = read(watch, bytes.data(), bytes.size());
+    for (ssize_t at = 0; at < size;) {
+        const auto* event = reinterpret_cast<const inotify_event*>(bytes.data() + at);
+        seen.push_back(event->mask);
+        at += static_cast<ssize_t>(sizeof(inotify_event) + event->len);
+    }
+    return seen;
 }
 
 } // namespace
@@ -40,8 +70,9 @@ TEST(Order, ABlockedReaderHoldsTheSnapshotBack)
         sleep_ms(300); // "G {" to "M {" stand in the pipe
         ASSERT_TRUE(gather.hasUnread());
         EXPECT_EQ(wavelengthThere(directory), 0);
-        gather.readTo("M { 1/2"); // the pipe is empty now: the snapshot may come
-        gather.readTo("M *");
+        gather.readTo("M { 1/2");
+        gather.readTo("M *"); // the pipe is empty now: the snapshot may come
+        gather.readTo("M }");
         EXPECT_EQ(wavelengthThere(directory), 1310);
         sleep_ms(300); // the start of the second trace is not read yet
         ASSERT_TRUE(gather.hasUnread());
@@ -104,19 +135,46 @@ TEST(Order, ABusyEventLoopSeesThemInTurn)
 
 TEST(Order, AWatcherSeesOneChangeForEachSnapshot)
 {
-    const RunDirectory directory("[MeasParams]\nduration=6\n[Simulation]\ntimeScale=0.1\n");
+    const RunDirectory directory("[MeasParams]\nduration=4\n[Simulation]\ntimeScale=0.3\n");
     GatherProcess gather(directory);
-    gather.readTo("M {"); // the folder is made, the old snapshot gone
+    gather.next(); // the folder is made, the old snapshot gone; the first one waits for us to read
     QFileSystemWatcher watcher({QString::fromStdString(directory.path(""))});
     int changes = 0;
     QObject::connect(&watcher, &QFileSystemWatcher::directoryChanged, [&changes] { ++changes; });
-    for (int tick = 1; tick <= 6; ++tick) {
+    for (int tick = 1; tick <= 4; ++tick) {
         gather.readTo("M *");
-        QCoreApplication::processEvents(QEventLoop::AllEvents);
+        EXPECT_TRUE(soon([&] {
+            QCoreApplication::processEvents(QEventLoop::AllEvents);
+            return changes >= tick;
+        }));
         EXPECT_EQ(changes, tick);
     }
     gather.rest();
     EXPECT_EQ(gather.wait(), 0);
     QCoreApplication::processEvents(QEventLoop::AllEvents);
-    EXPECT_EQ(changes, 6); // tidying up is not seen
+    EXPECT_EQ(changes, 4); // tidying up is not seen
+}
+
+TEST(Order, ASnapshotIsOneRenameAndNothingElse)
+{
+    const RunDirectory directory("[MeasParams]\nduration=3\n[Simulation]\ntimeScale=0.3\n");
+    GatherProcess gather(directory);
+    gather.next(); // the folder is made, the old snapshot gone; the first one waits for us to read
+    const int watch = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+    constexpr std::uint32_t kChanges =
+        IN_CREATE | IN_DELETE | IN_MOVE | IN_MODIFY | IN_ATTRIB | IN_CLOSE_WRITE;
+    ASSERT_GE(inotify_add_watch(watch, directory.path("").c_str(), kChanges), 0);
+    for (int tick = 1; tick <= 3; ++tick) { // one by one: equal changes would be told as one
+        gather.readTo("M *");
+        std::vector<std::uint32_t> seen;
+        EXPECT_TRUE(soon([&] {
+            seen = changesSeen(watch);
+            return !seen.empty();
+        }));
+        EXPECT_THAT(seen, testing::ElementsAre(IN_MOVED_TO));
+    }
+    gather.rest();
+    EXPECT_EQ(gather.wait(), 0);
+    EXPECT_THAT(changesSeen(watch), testing::IsEmpty());
+    close(watch);
 }

@@ -262,6 +262,17 @@ TEST_F(SnapshotFile, ThatIsEmptyIsNoTrace)
     EXPECT_EQ(readSnapshotFile(write({})).error().code, ErrorCode::NotATrace);
 }
 
+TEST_F(SnapshotFile, ThatCannotBeReadIsNamedInTheError)
+{
+    Bytes bytes = encodeSnapshot(example());
+    bytes.back() = ~bytes.back();
+    const std::filesystem::path path = write(bytes);
+    EXPECT_EQ(readSnapshotFile(path).error().message.find(path.string() + ": "), 0U);
+    EXPECT_EQ(readSnapshotFile(path).error().offset, 44U);
+    const std::filesystem::path missing = folder / "nothing";
+    EXPECT_EQ(readSnapshotFile(missing).error().message.find(missing.string() + ": "), 0U);
+}
+
 TEST_F(SnapshotFile, ThatIsHugeIsRefusedUnread)
 {
     const std::filesystem::path path = write(encodeSnapshot(example()));

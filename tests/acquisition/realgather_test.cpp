@@ -1,0 +1,194 @@
+// The measurement model with the real acquisition program, in order even when the GUI is busy.
+
+#include "acquisition/model.h"
+#include "platform/launcher/cardcontroller.h"
+#include "platform/launcher/zuconfig.h"
+#include "tests/platform/launcher/confighome.h"
+#include "tests/support/acquisitiondir.h"
+#include "tests/support/warnings.h"
+
+#include <QSignalSpy>
+#include <QThread>
+#include <QtTest>
+
+#include <gmock/gmock.h>
+#include <memory>
+
+namespace {
+
+using testing_support::AcquisitionDir;
+using testing_support::ConfigHome;
+using Waveform::Model;
+
+class RunRecorder : public QObject
+{
+    Q_OBJECT
+
+public:
+    RunRecorder(Model* model, unsigned long busy_ms)
+        : busy_ms(busy_ms)
+    {
+        connect(model, SIGNAL(measStarted()), SLOT(traceStarted()));
+        connect(model, SIGNAL(measured( QString, WfMeasParams )),
+                SLOT(measured( QString, WfMeasParams )));
+        connect(model, SIGNAL(measFinished()), SLOT(traceFinished()));
+        connect(model, SIGNAL(analisisStarted()), SLOT(analysisStarted()));
+        connect(model, SIGNAL(eventListReady( EventList )), SLOT(analysisFinished()));
+    }
+
+    /// Runs of the same step are one.
+    QStringList steps;
+    QList<WfMeasParams> params;
+    QList<int> wavelengths;
+
+public slots:
+    void traceStarted() { note("start"); }
+    void measured(QString file, WfMeasParams p)
+    {
+        const Reflectogram refl(file, p);
+        EXPECT_TRUE(refl.isValid()) << qPrintable(refl.error());
+        wavelengths << refl.wavelength();
+        params << p;
+        note("snapshot");
+    }
+    void traceFinished() { note("end"); }
+    void analysisStarted() { note("analysis"); }
+    void analysisFinished() { note("events"); }
+
+private:
+    void note(const QString& step)
+    {
+        if (steps.isEmpty() || steps.last() != step) {
+            steps << step;
+        }
+        QThread::msleep(busy_ms); // a GUI that has something else to do
+    }
+
+    unsigned long busy_ms;
+};
+
+class RealGather : public testing::Test
+{
+protected:
+    RealGather()
+        : programsBefore(qgetenv("WAVEFORM_PROGRAMS"))
+    {
+        qputenv("WAVEFORM_PROGRAMS", WAVEFORM_BIN);
+        set("Simulation", "timeScale", 0);
+        set("Simulation", "seed", 1);
+        set("MeasParams", "duration", 3);
+    }
+
+    ~RealGather() override { qputenv("WAVEFORM_PROGRAMS", programsBefore); }
+
+    static void set(const char* group, const char* key, const QVariant& value)
+    {
+        ZuConfig::setForThisRun("zuotdr", group, key, value);
+    }
+
+    void run(unsigned long busy_ms)
+    {
+        model = std::make_unique<Model>(&card);
+        recorder = std::make_unique<RunRecorder>(model.get(), busy_ms);
+        QSignalSpy stopped(model.get(), SIGNAL(stopped( MeasModel* )));
+        ASSERT_EQ(model->start(0), 0);
+        QThread::msleep(busy_ms);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !stopped.isEmpty(); }, 30'000));
+        EXPECT_EQ(stopped.size(), 1);
+    }
+
+    const AcquisitionDir directory;
+    const ConfigHome home;
+    QByteArray programsBefore;
+    CardController card;
+    std::unique_ptr<Model> model;
+    std::unique_ptr<RunRecorder> recorder;
+};
+
+const QStringList kOneTrace { "start", "snapshot", "end", "analysis", "events" };
+
+TEST_F(RealGather, TraceStartSnapshotAndEndComeInOrder)
+{
+    for (int i = 0; i < 10; ++i) {
+        run(0);
+        EXPECT_EQ(recorder->steps, kOneTrace);
+    }
+}
+
+TEST_F(RealGather, OrderHoldsWhileTheGuiIsBusyFor300Milliseconds)
+{
+    for (int i = 0; i < 3; ++i) {
+        run(300);
+        EXPECT_EQ(recorder->steps, kOneTrace);
+    }
+}
+
+TEST_F(RealGather, BothWavelengthsComeInOrderEachWithItsAnalysis)
+{
+    set("MeasParams", "wavelength", "all");
+    for (const unsigned long busy_ms : { 0UL, 300UL }) {
+        run(busy_ms);
+        EXPECT_EQ(recorder->steps, kOneTrace + kOneTrace);
+        ASSERT_FALSE(recorder->wavelengths.isEmpty());
+        EXPECT_EQ(recorder->wavelengths.first(), 1310);
+        EXPECT_EQ(recorder->wavelengths.last(), 1550);
+    }
+}
+
+TEST_F(RealGather, LastSnapshotTellsTheWholeTimeMeasured)
+{
+    run(0);
+    ASSERT_FALSE(recorder->params.isEmpty());
+    EXPECT_EQ(recorder->params.last().duration, 3);
+}
+
+TEST_F(RealGather, RealtimeRunsUntilItIsStopped)
+{
+    set("MeasParams", "duration", 0);
+    set("Simulation", "timeScale", 1);
+    model = std::make_unique<Model>(&card);
+    recorder = std::make_unique<RunRecorder>(model.get(), 0);
+    QSignalSpy stopped(model.get(), SIGNAL(stopped( MeasModel* )));
+    QSignalSpy ticks(model.get(), SIGNAL(measTick( int, int )));
+    ASSERT_EQ(model->start(0), 0);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return recorder->params.size() >= 3; }, 10'000));
+    ASSERT_FALSE(ticks.isEmpty());
+    EXPECT_EQ(ticks.first().first().toInt(), 0);
+    EXPECT_EQ(stopped.size(), 0);
+    model->stop(QString());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !stopped.isEmpty(); }, 3000));
+    EXPECT_EQ(recorder->steps, kOneTrace);
+}
+
+TEST_F(RealGather, StopInTheMiddleEndsTheTraceProperly)
+{
+    set("MeasParams", "duration", 600);
+    set("MeasParams", "wavelength", "all");
+    set("Simulation", "timeScale", 0.2);
+    model = std::make_unique<Model>(&card);
+    recorder = std::make_unique<RunRecorder>(model.get(), 0);
+    QSignalSpy stopped(model.get(), SIGNAL(stopped( MeasModel* )));
+    ASSERT_EQ(model->start(0), 0);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return recorder->params.size() >= 2; }, 10'000));
+    model->stop(QString());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !stopped.isEmpty(); }, 3000));
+    EXPECT_EQ(recorder->steps, kOneTrace) << "the second wavelength was begun";
+    EXPECT_FALSE(model->running());
+}
+
+TEST_F(RealGather, DirectoryRemovedAndMadeAgainIsWatchedByTheNextRun)
+{
+    run(0);
+    QDir(AcquisitionDir::path()).removeRecursively();
+    QCoreApplication::processEvents();
+    QDir().mkpath(AcquisitionDir::path());
+    QSignalSpy stopped(model.get(), SIGNAL(stopped( MeasModel* )));
+    recorder->steps.clear();
+    ASSERT_EQ(model->start(0), 0);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !stopped.isEmpty(); }, 30'000));
+    EXPECT_EQ(recorder->steps, kOneTrace);
+}
+
+} // namespace
+
+#include "realgather_test.moc"

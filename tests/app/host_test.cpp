@@ -1,0 +1,239 @@
+// The host with the real plugin and the real acquisition program, in one process with the test.
+
+#include "app/host.h"
+
+#include "app/frame.h"
+#include "platform/launcher/abstractkeeper.h"
+#include "platform/launcher/measmodel.h"
+#include "platform/launcher/measwindow.h"
+#include "platform/launcher/nameprompt.h"
+#include "platform/launcher/zuconfig.h"
+#include "tests/platform/launcher/confighome.h"
+#include "tests/support/acquisitiondir.h"
+#include "tests/support/tracefiles.h"
+#include "tests/support/warnings.h"
+
+#include <QCloseEvent>
+#include <QLabel>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QThreadPool>
+#include <QtTest>
+
+#include <atomic>
+#include <gmock/gmock.h>
+#include <memory>
+
+namespace {
+
+using namespace testing_support; // directories and builders
+
+/// Gives a name and says yes.
+class Answer : public NamePrompt
+{
+public:
+    explicit Answer(QString name)
+        : name(std::move(name))
+    {
+    }
+
+    std::optional<QString> askName(const QString& /*proposed*/) override { return name; }
+    bool askOverwrite(const QString& /*name*/) override { return true; }
+
+private:
+    QString name;
+};
+
+class Hosting : public testing::Test
+{
+protected:
+    Hosting()
+        : programsBefore(qgetenv("WAVEFORM_PROGRAMS"))
+        , homeBefore(qgetenv("HOME"))
+    {
+        qputenv("WAVEFORM_PROGRAMS", WAVEFORM_BIN);
+        qputenv("HOME", QFile::encodeName(files.path("home")));
+        ZuConfig::setForThisRun("zuotdr", "Simulation", "timeScale", 0);
+        ZuConfig::setForThisRun("zuotdr", "MeasParams", "duration", 3);
+    }
+
+    ~Hosting() override
+    {
+        host.reset();
+        qputenv("WAVEFORM_PROGRAMS", programsBefore);
+        qputenv("HOME", homeBefore);
+    }
+
+    void load()
+    {
+        expectWarning("No such slot Waveform::Window::rescalePlot( )"); // is not to take
+        host = std::make_unique<Host>();
+        ASSERT_EQ(host->load(), "");
+        host->frame()->resize(800, 480);
+        host->frame()->show();
+        QCoreApplication::processEvents();
+    }
+
+    QPushButton* button(const QString& name) const
+    {
+        return host->frame()->findChild<QPushButton*>(name);
+    }
+
+    QPushButton* action() const
+    {
+        return qobject_cast<MeasWindow*>(host->window())->actionButton();
+    }
+
+    bool measure()
+    {
+        QSignalSpy stopped(host->model(), SIGNAL(stopped( MeasModel* )));
+        QTest::mouseClick(action(), Qt::LeftButton);
+        return QTest::qWaitFor([&] { return !stopped.isEmpty(); }, 30'000);
+    }
+
+    const AcquisitionDir directory;
+    const ConfigHome config;
+    TraceFiles files;
+    QByteArray programsBefore;
+    QByteArray homeBefore;
+    std::unique_ptr<Host> host;
+};
+
+TEST_F(Hosting, ShowsThePluginUnderItsTitle)
+{
+    load();
+    EXPECT_EQ(host->frame()->windowTitle(), "Waveform");
+    EXPECT_TRUE(host->window()->isVisible());
+    EXPECT_EQ(host->frame()->size(), QSize(800, 480)) << "the page does not fit the instrument";
+}
+
+TEST_F(Hosting, ButtonsFollowTheKeeper)
+{
+    load();
+    EXPECT_TRUE(button("loadButton")->isEnabled());
+    EXPECT_FALSE(button("saveButton")->isEnabled());
+    EXPECT_TRUE(host->open({ files.write("a.sor", SorSketch::plain()) }).isEmpty());
+    EXPECT_TRUE(button("saveButton")->isEnabled());
+    for (const char* name : { "loadButton", "saveButton" }) {
+        EXPECT_GE(button(name)->height(), 44) << name;
+    }
+}
+
+TEST_F(Hosting, FileThatIsNoTraceIsNamedWithItsReasonAndTheOthersOpen)
+{
+    load();
+    const QStringList problems
+        = host->open({ files.path("missing.sor"), files.write("a.sor", SorSketch::plain()) });
+    ASSERT_EQ(problems.size(), 1);
+    EXPECT_TRUE(problems.first().contains("missing.sor"));
+    EXPECT_TRUE(button("saveButton")->isEnabled());
+}
+
+TEST_F(Hosting, MeasuresAndSavesAtTheTouchOfTwoButtons)
+{
+    load();
+    ASSERT_TRUE(measure());
+    ASSERT_TRUE(button("saveButton")->isEnabled());
+    host->keeper()->setNamePrompt(std::make_unique<Answer>("link 7"));
+    QTest::mouseClick(button("saveButton"), Qt::LeftButton);
+    const Reflectogram saved(files.path("home/otdr/link 7.sor"));
+    ASSERT_TRUE(saved.isValid()) << qPrintable(saved.error());
+    EXPECT_EQ(saved.parameters().duration, 3);
+}
+
+TEST_F(Hosting, NameThatLeadsElsewhereStaysInTheStorageDirectory)
+{
+    load();
+    ASSERT_TRUE(host->open({ files.write("a.sor", SorSketch::plain()) }).isEmpty());
+    host->keeper()->setNamePrompt(std::make_unique<Answer>("../../outside"));
+    QTest::mouseClick(button("saveButton"), Qt::LeftButton);
+    EXPECT_FALSE(QFile::exists(files.path("outside.sor")));
+    EXPECT_EQ(QDir(files.path("home/otdr")).entryList({ "*.sor" }).size(), 1);
+}
+
+TEST_F(Hosting, LoadAndSaveAreOffDuringARun)
+{
+    ZuConfig::setForThisRun("zuotdr", "Simulation", "timeScale", 1);
+    ZuConfig::setForThisRun("zuotdr", "MeasParams", "duration", 60);
+    load();
+    QTest::mouseClick(action(), Qt::LeftButton);
+    EXPECT_FALSE(button("loadButton")->isEnabled());
+    QSignalSpy stopped(host->model(), SIGNAL(stopped( MeasModel* )));
+    ASSERT_TRUE(QTest::qWaitFor([this] { return action()->isEnabled() && action()->text() != "Stop"; },
+                                10'000));
+    QTest::mouseClick(action(), Qt::LeftButton);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !stopped.isEmpty(); }, 10'000));
+    EXPECT_TRUE(button("loadButton")->isEnabled());
+    EXPECT_TRUE(button("saveButton")->isEnabled());
+}
+
+TEST_F(Hosting, LeavesQuietlyInTheMiddleOfARun)
+{
+    ZuConfig::setForThisRun("zuotdr", "Simulation", "timeScale", 1);
+    load();
+    QTest::mouseClick(action(), Qt::LeftButton);
+    QTest::qWait(300);
+    host->frame()->close();
+    host.reset();
+}
+
+TEST_F(Hosting, LeavesWhenWhatIsComputedInTheBackgroundIsDone)
+{
+    load();
+    std::atomic<bool> done = false;
+    QThreadPool::globalInstance()->start([&done] {
+        QThread::msleep(300);
+        done = true;
+    });
+    host.reset();
+    EXPECT_TRUE(done) << "code of the plugin may run after it was unloaded";
+    QThreadPool::globalInstance()->waitForDone();
+}
+
+TEST_F(Hosting, MayLeaveAndComeBackInOneProcess)
+{
+    load();
+    ASSERT_TRUE(measure());
+    host.reset();
+    load();
+    EXPECT_FALSE(button("saveButton")->isEnabled());
+    ASSERT_TRUE(measure());
+}
+
+/// Closes the window while the save that asks is under way.
+class ClosingPrompt : public NamePrompt
+{
+public:
+    explicit ClosingPrompt(QWidget* window)
+        : window(window)
+    {
+    }
+
+    std::optional<QString> askName(const QString& /*proposed*/) override
+    {
+        window->close();
+        stillOpen = window->isVisible();
+        return "last";
+    }
+    bool askOverwrite(const QString& /*name*/) override { return true; }
+
+    static bool stillOpen;
+
+private:
+    QWidget* window;
+};
+
+bool ClosingPrompt::stillOpen = false;
+
+TEST_F(Hosting, ClosingWaitsForASaveUnderWay)
+{
+    load();
+    ASSERT_TRUE(host->open({ files.write("a.sor", SorSketch::plain()) }).isEmpty());
+    host->keeper()->setNamePrompt(std::make_unique<ClosingPrompt>(host->frame()));
+    QTest::mouseClick(button("saveButton"), Qt::LeftButton);
+    EXPECT_TRUE(ClosingPrompt::stillOpen);
+    EXPECT_TRUE(QFile::exists(files.path("home/otdr/last.sor")));
+    EXPECT_FALSE(host->frame()->isVisible());
+}
+
+} // namespace
