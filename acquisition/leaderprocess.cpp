@@ -2,9 +2,10 @@
 
 #include <QDebug>
 
+#include <unistd.h>
+
 #include <cerrno>
 #include <csignal>
-#include <unistd.h>
 
 LeaderProcess::LeaderProcess(QObject* parent)
     : QProcess(parent)
@@ -24,7 +25,7 @@ void LeaderProcess::setupChildProcess()
     const auto pid = static_cast<pid_t>(processId());
     const int ret = ::setpgid(pid, pid);
     if (ret != 0) {
-        qDebug() << "setupChildProcess" << " : cannot change process group id. ret = " << ret
-                 << " errno = " << errno;
+        qDebug() << "setupChildProcess"
+                 << " : cannot change process group id. ret = " << ret << " errno = " << errno;
     }
 }

@@ -2,7 +2,8 @@
 
 #include <QProcess>
 
-/// A child process that leads a process group of its own, so that it can be ended with all its children.
+/// A child process that leads a process group of its own, so that it can be ended with all its
+/// children.
 class LeaderProcess : public QProcess
 {
 public:

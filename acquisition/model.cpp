@@ -32,7 +32,8 @@ const char* const defWavelength = "1310";
 
 namespace {
 
-// The acquisition program of the instrument works for the user "user"; its directory is watched by this name.
+// The acquisition program of the instrument works for the user "user"; its directory is watched by
+// this name.
 const char* const kWatchedDirectory = "/tmp/user";
 const char* const kWatchedSnapshot = "/tmp/user/wfsnapshot.bin";
 const char* const kPlatformInfo = "/sys/devices/platform/pmmcu.0/info";
@@ -61,10 +62,11 @@ Model::Model(CardController* card)
     cardConnected = card != nullptr && !card->noCard();
     if (card != nullptr) {
         connect(card, SIGNAL(configUpdated( QVariantMap& )), SLOT(configUpdated( QVariantMap& )));
-        connect(card, SIGNAL(connected( CardController* )),
-                SLOT(onCardConnected( CardController* )));
-        connect(card, SIGNAL(disconnected( CardController* )),
-                SLOT(onCardDisconnected( CardController* )));
+        connect(card,
+                SIGNAL(connected( CardController* )), SLOT(onCardConnected( CardController* )));
+        connect(card,
+                SIGNAL(disconnected( CardController* )),
+                       SLOT(onCardDisconnected( CardController* )));
     }
     initWfMeasController();
     preformSupplierParameters(card);
@@ -85,8 +87,8 @@ Model::~Model()
 void Model::initWfMeasController()
 {
     controller = new OtdrMeasController(this);
-    connect(watcher.get(), SIGNAL(directoryChanged( const QString& )),
-            SLOT(directoryChanged( const QString& )));
+    connect(watcher.get(),
+            SIGNAL(directoryChanged( const QString& )), SLOT(directoryChanged( const QString& )));
     connect(controller, SIGNAL(started()), SLOT(onGatherStarted()));
     connect(controller, SIGNAL(measTick( QVariantMap& )), SLOT(updated( QVariantMap& )));
     connect(controller, SIGNAL(finished()), SLOT(onGatherFinished()));
@@ -97,8 +99,9 @@ void Model::initWfMeasController()
     connect(controller, SIGNAL(analisisFinished()), SIGNAL(analisisFinished()));
     connect(controller, SIGNAL(analisisFinished()), SLOT(onAnalisisFinished()));
     connect(controller, SIGNAL(wfEventFound( QString )), SLOT(onEventFound( QString )));
-    connect(controller, SIGNAL(measStarted( int, int, WfMeasParams )),
-            SLOT(onMeasStarted( int, int, WfMeasParams )));
+    connect(controller,
+            SIGNAL(measStarted( int, int, WfMeasParams )),
+                   SLOT(onMeasStarted( int, int, WfMeasParams )));
     connect(controller, SIGNAL(measFinished( int )), SLOT(onMeasFinished( int )));
 }
 
@@ -109,7 +112,8 @@ bool Model::running() const
 
 int Model::start(unsigned int /*mode*/)
 {
-    // After its last message the process of the old run lives on for a moment; its end must not fall into this run.
+    // After its last message the process of the old run lives on for a moment; its end must not
+    // fall into this run.
     controller->waitForEnded(kEndedProcessPatience_ms);
     watchAgain();
 
@@ -122,19 +126,19 @@ int Model::start(unsigned int /*mode*/)
     CardController* card = cardController();
     const int refused = card != nullptr ? card->doCommand(command) : CardController::NoCard;
     if (refused < 0) {
-        qCritical() << "virtual int Waveform::Model::start(unsigned int)" << "can not start"
-                    << command.name();
+        qCritical() << "virtual int Waveform::Model::start(unsigned int)"
+                    << "can not start" << command.name();
         setFailure(tr("The measurement card refused the command \"%1\".").arg(command.name()));
         MeasModel::stopped(QString());
         return refused;
     }
     const int result = controller->start();
     if (result != 0) {
-        qCritical() << "virtual int Waveform::Model::start(unsigned int)" << "can not start"
-                    << controller->program() << "-w" << snapshotName << "-i"
+        qCritical() << "virtual int Waveform::Model::start(unsigned int)"
+                    << "can not start" << controller->program() << "-w" << snapshotName << "-i"
                     << controller->configFile();
-        setFailure(tr("The acquisition program %1 could not be started.")
-                       .arg(controller->program()));
+        setFailure(
+            tr("The acquisition program %1 could not be started.").arg(controller->program()));
     }
     return result;
 }
@@ -145,8 +149,8 @@ void Model::watchAgain()
     static_cast<void>(tempDir()); // makes it where it is missing
     if (!watcher->directories().contains(kWatchedDirectory)
         && !watcher->addPath(kWatchedDirectory)) {
-        qDebug() << "virtual int Waveform::Model::start(unsigned int)" << "can not watch"
-                 << QString(kWatchedDirectory);
+        qDebug() << "virtual int Waveform::Model::start(unsigned int)"
+                 << "can not watch" << QString(kWatchedDirectory);
     }
 }
 
@@ -238,9 +242,11 @@ QDir Model::tempDir() const
 {
     QDir dir(QDir::tempPath() + "/" + qEnvironmentVariable("USER"));
     if (!dir.exists() && !dir.mkdir(dir.absolutePath())) {
-        qDebug() << "tempDir" << ": Can't create directory '" << dir.absolutePath() << "'";
+        qDebug() << "tempDir"
+                 << ": Can't create directory '" << dir.absolutePath() << "'";
         dir.setPath(QDir::tempPath());
-        qDebug() << "tempDir" << ": Using '" << dir.absolutePath() << "' as temporary dir";
+        qDebug() << "tempDir"
+                 << ": Using '" << dir.absolutePath() << "' as temporary dir";
     }
     return dir;
 }
@@ -359,7 +365,8 @@ void Model::onGatherFinished()
 {
     stopped(QString());
     if (!cardConnected) {
-        qDebug() << "void Waveform::Model::onGatherFinished()" << "cadr disconnected";
+        qDebug() << "void Waveform::Model::onGatherFinished()"
+                 << "cadr disconnected";
         cardDisconnected();
     }
 }

@@ -27,17 +27,19 @@ extern const char* const defRBS; ///< dB at 1 ns
 extern const char* const defDuration; ///< s
 extern const char* const defWavelength; ///< nm
 
-/// The measurement: its parameters, its start and stop, the trace it leaves and the events found in it.
+/// The measurement: its parameters, its start and stop, the trace it leaves and the events found in
+/// it.
 ///
-/// Runs the acquisition program through its controller and watches the temporary directory, in which every refresh
-/// of the trace appears as a new snapshot file.
+/// Runs the acquisition program through its controller and watches the temporary directory, in
+/// which every refresh of the trace appears as a new snapshot file.
 class Model : public MeasModel
 {
     Q_OBJECT
 
 public:
     /// What checkWFSnapshot() finds.
-    enum SnapshotCheck {
+    enum SnapshotCheck
+    {
         NewSnapshot = 0,
         SameSnapshot = 1,
         UnreadableSnapshot = 2,
@@ -55,6 +57,7 @@ public:
     int stop(const QString& reason) override;
 
     [[nodiscard]] WfMeasParams currentParams() const { return params; }
+
     [[nodiscard]] const SupParamsBlock& supParams() const { return *supBlock; }
 
     // The configured parameters; the defaults above where nothing is configured.

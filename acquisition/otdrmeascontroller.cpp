@@ -10,7 +10,8 @@ constexpr int kStartTimeout_ms = 1000;
 constexpr int kStopPatience_ms = 5000;
 constexpr int kLastPatience_ms = 500;
 
-/// The first word of a message body, which is removed from it; a null character where there is none.
+/// The first word of a message body, which is removed from it; a null character where there is
+/// none.
 QChar takeMarker(QStringList& body)
 {
     return body.isEmpty() ? QChar() : body.takeFirst().at(0);
@@ -64,8 +65,8 @@ void OtdrMeasController::init()
     process = new QProcess(this);
     process->setProcessChannelMode(QProcess::ForwardedErrorChannel); // there it says why it fails
     connect(process, SIGNAL(readyRead()), SLOT(readGatherOutput()));
-    connect(process, SIGNAL(error( QProcess::ProcessError )),
-            SLOT(onError( QProcess::ProcessError )));
+    connect(process,
+            SIGNAL(error( QProcess::ProcessError )), SLOT(onError( QProcess::ProcessError )));
     connect(process, SIGNAL(finished( int )), SLOT(onFinished()));
 
     killTimer = new QTimer(this);
@@ -83,7 +84,7 @@ QString OtdrMeasController::program() const
 
 QStringList OtdrMeasController::arguments() const
 {
-    return { "-o", snapshotFileName, "-c", configFileName };
+    return {"-o", snapshotFileName, "-c", configFileName};
 }
 
 void OtdrMeasController::waitForEnded(int timeout_ms)

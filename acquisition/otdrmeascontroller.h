@@ -11,8 +11,8 @@
 
 /// Runs the acquisition program and turns its messages into signals.
 ///
-/// Messages are separated by ";". What one read delivers is taken as it is: a message cut by the border between
-/// two reads arrives as two fragments, each judged alone.
+/// Messages are separated by ";". What one read delivers is taken as it is: a message cut by the
+/// border between two reads arrives as two fragments, each judged alone.
 class OtdrMeasController : public QObject
 {
     Q_OBJECT
@@ -29,14 +29,15 @@ public:
     [[nodiscard]] bool running() const { return isRunning; }
 
     [[nodiscard]] QString snapshotFile() const { return snapshotFileName; }
+
     [[nodiscard]] QString configFile() const { return configFileName; }
 
     /// The program that start() runs, with its arguments.
     [[nodiscard]] QString program() const;
     [[nodiscard]] QStringList arguments() const;
 
-    /// Waits until the process of a run that has announced its end is gone, so that the next can start; kills one that
-    /// stays.
+    /// Waits until the process of a run that has announced its end is gone, so that the next can
+    /// start; kills one that stays.
     void waitForEnded(int timeout_ms);
 
 public slots:

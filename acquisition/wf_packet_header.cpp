@@ -10,12 +10,13 @@ void wf_packet_header::initFrom(QString fileName)
     const bool opened = !fileName.isEmpty() && file.open(QIODevice::ReadOnly);
     if (!opened) {
         const auto error = fileName.isEmpty() ? QFile::OpenError : file.error();
-        qDebug() << "void wf_packet_header::initFrom(QString)" << "Can't open reflectogram file '"
-                 << fileName << "'" << "error = " << static_cast<int>(error);
+        qDebug() << "void wf_packet_header::initFrom(QString)"
+                 << "Can't open reflectogram file '" << fileName << "'"
+                 << "error = " << static_cast<int>(error);
         return;
     }
     if (file.read(reinterpret_cast<char*>(this), sizeof(*this)) != sizeof(*this)) {
-        qDebug() << "void wf_packet_header::initFrom(QString)" << "Can't read header from file '"
-                 << fileName << "'";
+        qDebug() << "void wf_packet_header::initFrom(QString)"
+                 << "Can't read header from file '" << fileName << "'";
     }
 }

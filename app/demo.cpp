@@ -21,6 +21,7 @@ class FixedName : public NamePrompt
 {
 public:
     std::optional<QString> askName(const QString& /*proposed*/) override { return "demo"; }
+
     bool askOverwrite(const QString& /*name*/) override { return true; }
 };
 
@@ -44,7 +45,8 @@ void Demo::start()
         leave("the plugin cannot measure");
         return;
     }
-    // What is queued by the end of the run (notifications, the last repaint) comes before the end of the demo.
+    // What is queued by the end of the run (notifications, the last repaint) comes before the end
+    // of the demo.
     connect(model, qOverload<MeasModel*>(&MeasModel::stopped), this, &Demo::finish,
             Qt::QueuedConnection);
     window->actionButton()->click();
@@ -60,7 +62,7 @@ void Demo::finish()
         return;
     }
     savePicture(*host.frame(), dir + "/window.png") ? leave(saveTrace())
-                                                   : leave("cannot write window.png");
+                                                    : leave("cannot write window.png");
 }
 
 QString Demo::saveTrace()
@@ -68,8 +70,7 @@ QString Demo::saveTrace()
     host.keeper()->setNamePrompt(std::make_unique<FixedName>());
     host.keeper()->save();
     QStringList saved;
-    QDirIterator found(QDir::homePath(), { "demo*.sor" }, QDir::Files,
-                       QDirIterator::Subdirectories);
+    QDirIterator found(QDir::homePath(), {"demo*.sor"}, QDir::Files, QDirIterator::Subdirectories);
     while (found.hasNext()) {
         saved << found.next();
     }

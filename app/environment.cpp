@@ -4,10 +4,11 @@
 #include <QFile>
 #include <QFileInfo>
 
-#include <cerrno>
-#include <cstring>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
 
 namespace {
 
@@ -53,7 +54,8 @@ QString Environment::makeDirectory()
     if (::lstat(path.constData(), &info) != 0) {
         return QString("cannot look at %1: %2").arg(temporaryDir(), std::strerror(errno));
     }
-    // Anybody may make things in /tmp: what was made by others, or leads elsewhere, is not ours to write into.
+    // Anybody may make things in /tmp: what was made by others, or leads elsewhere, is not ours to
+    // write into.
     if (S_ISLNK(info.st_mode)) {
         return QString("%1 is a link; remove it").arg(temporaryDir());
     }

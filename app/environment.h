@@ -5,7 +5,8 @@
 
 #include <memory>
 
-/// The instrument's environment, set up on any machine: its user, its temporary directory, its programs.
+/// The instrument's environment, set up on any machine: its user, its temporary directory, its
+/// programs.
 ///
 /// One instance at a time holds the temporary directory.
 class Environment

@@ -14,7 +14,8 @@ class Frame : public QWidget
     Q_OBJECT
 
 public:
-    /// Takes the window in; it stays the plugin's. The keeper may be null, then nothing can be loaded or saved.
+    /// Takes the window in; it stays the plugin's. The keeper may be null, then nothing can be
+    /// loaded or saved.
     Frame(PluginWindow* window, AbstractKeeper* keeper);
 
     /// Lets the plugin's window go.

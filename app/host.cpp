@@ -19,8 +19,8 @@ Host::~Host()
     if (plugin != nullptr) {
         plugin->release();
     }
-    // Nothing of the plugin may run once its code is gone: neither what it computes in the background nor what
-    // waits to be deleted.
+    // Nothing of the plugin may run once its code is gone: neither what it computes in the
+    // background nor what waits to be deleted.
     QThreadPool::globalInstance()->waitForDone();
     QCoreApplication::sendPostedEvents();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -32,7 +32,7 @@ QString Host::pluginPath()
 {
     const QString programs = QCoreApplication::applicationDirPath();
     const QString name = "waveform.so";
-    for (const QString& dir : { programs + "/../lib", programs + "/../lib/waveform" }) {
+    for (const QString& dir : {programs + "/../lib", programs + "/../lib/waveform"}) {
         if (QFileInfo::exists(dir + "/" + name)) {
             return QFileInfo(dir + "/" + name).canonicalFilePath();
         }

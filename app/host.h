@@ -26,6 +26,7 @@ public:
 
     // Only after a good load().
     [[nodiscard]] Frame* frame() const { return outer.get(); }
+
     [[nodiscard]] PluginWindow* window() const;
     [[nodiscard]] PluginModel* model() const;
     [[nodiscard]] AbstractKeeper* keeper() const;

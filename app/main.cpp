@@ -21,7 +21,8 @@ bool unattended(const Options& options)
     return !options.demoDir.isEmpty() || !options.screenshot.isEmpty();
 }
 
-/// Nobody looks at a demo or a screenshot: they need no display, and get the size that they ask for.
+/// Nobody looks at a demo or a screenshot: they need no display, and get the size that they ask
+/// for.
 void chooseScreen(const Options& options)
 {
     if (unattended(options) && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
@@ -41,12 +42,13 @@ void showFrame(Host& host, const Options& options)
     host.frame()->show();
 }
 
-/// What a run with nobody at the screen has to say: warnings, but not what helps to follow the program, not that the
-/// offscreen platform has no use for what every window asks of it, and not the one connection that is not to take.
+/// What a run with nobody at the screen has to say: warnings, but not what helps to follow the
+/// program, not that the offscreen platform has no use for what every window asks of it, and not
+/// the one connection that is not to take.
 void printWarnings(QtMsgType type, const QMessageLogContext& context, const QString& text)
 {
     const bool known = text.startsWith("This plugin does not support")
-        || text.startsWith("QObject::connect: No such slot Waveform::Window::rescalePlot( )");
+        || text.startsWith("QObject::connect: No such slot Waveform::Window::rescalePlot(");
     if (type != QtDebugMsg && !known) {
         QTextStream(stderr) << qFormatLogMessage(type, context, text) << "\n";
     }

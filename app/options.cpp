@@ -28,18 +28,18 @@ struct NumberOption
 constexpr double kMost = std::numeric_limits<int>::max();
 
 const NumberOption kNumbers[] = {
-    { "seed", "N", "Seed of the simulated noise.", "Simulation", "seed", 0, kMost, true },
-    { "time-scale", "X", "Seconds of waiting for a second of measuring; 0: as fast as possible.",
-      "Simulation", "timeScale", 0, 1e6, false },
-    { "duration", "S", "Averaging time in s; 0: realtime.", "MeasParams", "duration", 0, 86400,
-      true },
-    { "pulse", "NS", "Pulse width in ns.", "MeasParams", "pulse", 1, 20000, true },
-    { "distance", "M", "Distance range in m.", "MeasParams", "distance", 1, 500000, true },
+    {"seed", "N", "Seed of the simulated noise.", "Simulation", "seed", 0, kMost, true},
+    {"time-scale", "X", "Seconds of waiting for a second of measuring; 0: as fast as possible.",
+     "Simulation", "timeScale", 0, 1e6, false},
+    {"duration", "S", "Averaging time in s; 0: realtime.", "MeasParams", "duration", 0, 86400,
+     true},
+    {"pulse", "NS", "Pulse width in ns.", "MeasParams", "pulse", 1, 20000, true},
+    {"distance", "M", "Distance range in m.", "MeasParams", "distance", 1, 500000, true},
 };
 
 OptionsText wrong(const QString& text)
 {
-    return { "waveform: " + text + "\n", kWrongUse };
+    return {"waveform: " + text + "\n", kWrongUse};
 }
 
 void addOptions(QCommandLineParser& parser)
@@ -49,16 +49,18 @@ void addOptions(QCommandLineParser& parser)
     parser.addHelpOption();
     parser.addVersionOption();
     parser.addPositionalArgument("files", "Trace files to open, four at most.", "[FILE.sor ...]");
-    parser.addOption({ "demo", "Make one measurement with nobody at the screen and leave its "
-                               "results in DIR.", "DIR" });
-    parser.addOption({ "screenshot", "Open the files, save a picture of the window and leave.",
-                       "PNG" });
-    parser.addOption({ "size", "Size of that picture, such as 800x480.", "WxH" });
-    parser.addOption({ "fibre", "Fibre of the simulated card.", "FILE" });
-    parser.addOption({ "replay", "Trace file that the simulated card measures instead.", "FILE" });
-    parser.addOption({ "wavelength", "Wavelength in nm, or all.", "NM" });
+    parser.addOption({"demo",
+                      "Make one measurement with nobody at the screen and leave its "
+                      "results in DIR.",
+                      "DIR"});
+    parser.addOption(
+        {"screenshot", "Open the files, save a picture of the window and leave.", "PNG"});
+    parser.addOption({"size", "Size of that picture, such as 800x480.", "WxH"});
+    parser.addOption({"fibre", "Fibre of the simulated card.", "FILE"});
+    parser.addOption({"replay", "Trace file that the simulated card measures instead.", "FILE"});
+    parser.addOption({"wavelength", "Wavelength in nm, or all.", "NM"});
     for (const NumberOption& number : kNumbers) {
-        parser.addOption({ number.name, number.help, number.unit });
+        parser.addOption({number.name, number.help, number.unit});
     }
 }
 
@@ -81,17 +83,18 @@ std::optional<OptionsText> readNumbers(const QCommandLineParser& parser, Options
         const double value = parser.value(number.name).toDouble(&ok);
         if (!ok || !(value >= number.least && value <= number.most)
             || (number.whole && value != std::floor(value))) {
-            return wrong(QString("--%1 cannot be \"%2\"").arg(number.name, parser.value(number.name)));
+            return wrong(
+                QString("--%1 cannot be \"%2\"").arg(number.name, parser.value(number.name)));
         }
         const QVariant stored = number.whole ? QVariant(static_cast<int>(value)) : QVariant(value);
-        options.overrides.push_back({ number.section, number.key, stored });
+        options.overrides.push_back({number.section, number.key, stored});
     }
     return std::nullopt;
 }
 
 std::optional<OptionsText> readTexts(const QCommandLineParser& parser, Options& options)
 {
-    for (const char* name : { "fibre", "replay" }) {
+    for (const char* name : {"fibre", "replay"}) {
         if (!parser.isSet(name)) {
             continue;
         }
@@ -99,7 +102,7 @@ std::optional<OptionsText> readTexts(const QCommandLineParser& parser, Options& 
         if (!file.isFile()) {
             return wrong(QString("there is no file \"%1\"").arg(parser.value(name)));
         }
-        options.overrides.push_back({ "Simulation", name, file.absoluteFilePath() });
+        options.overrides.push_back({"Simulation", name, file.absoluteFilePath()});
     }
     if (parser.isSet("wavelength")) {
         const QString text = parser.value("wavelength");
@@ -107,8 +110,8 @@ std::optional<OptionsText> readTexts(const QCommandLineParser& parser, Options& 
         if (text != "all" && (wavelength_nm < 600 || wavelength_nm > 2000)) {
             return wrong(QString("--wavelength cannot be \"%1\"").arg(text));
         }
-        options.overrides.push_back({ "MeasParams", "wavelength",
-                                      text == "all" ? QVariant(text) : QVariant(wavelength_nm) });
+        options.overrides.push_back(
+            {"MeasParams", "wavelength", text == "all" ? QVariant(text) : QVariant(wavelength_nm)});
     }
     return std::nullopt;
 }
@@ -123,10 +126,11 @@ std::variant<Options, OptionsText> parseOptions(const QStringList& arguments)
         return wrong(parser.errorText());
     }
     if (parser.isSet("help")) {
-        return OptionsText { parser.helpText(), 0 };
+        return OptionsText {parser.helpText(), 0};
     }
     if (parser.isSet("version")) {
-        return OptionsText { QString("waveform %1\n").arg(QCoreApplication::applicationVersion()), 0 };
+        return OptionsText {QString("waveform %1\n").arg(QCoreApplication::applicationVersion()),
+                            0};
     }
     Options options;
     options.files = parser.positionalArguments();

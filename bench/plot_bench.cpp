@@ -1,5 +1,5 @@
-// Redrawing four traces on a canvas of 1280 x 720: the curve of this application, whatever the length of its
-// trace, beside plain plot curves that draw all samples.
+// Redrawing four traces on a canvas of 1280 x 720: the curve of this application, whatever the
+// length of its trace, beside plain plot curves that draw all samples.
 
 #include "platform/otdr/core/snapshot.h"
 #include "platform/otdr/decimize.h"
@@ -13,8 +13,9 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-#include <algorithm>
 #include <benchmark/benchmark.h>
+
+#include <algorithm>
 #include <cmath>
 #include <map>
 #include <memory>
@@ -26,7 +27,8 @@ namespace {
 constexpr int kCurves = 4;
 constexpr double kRange_m = 50000.0;
 
-/// A trace as instruments take them: a sloping line with noise, two reflections, then the noise floor.
+/// A trace as instruments take them: a sloping line with noise, two reflections, then the noise
+/// floor.
 std::vector<std::uint16_t> samples(std::size_t count, unsigned int seed)
 {
     std::mt19937 random(seed);
@@ -35,8 +37,8 @@ std::vector<std::uint16_t> samples(std::size_t count, unsigned int seed)
     for (std::size_t i = 0; i < count; ++i) {
         const double place = static_cast<double>(i) / static_cast<double>(count);
         const double line_dB = 40.0 - 15.0 * place - 3.0 * seed;
-        const double level_dB = place < 0.8 ? line_dB + 0.05 * noise(random)
-                                            : std::max(0.0, 8.0 + 3.0 * noise(random));
+        const double level_dB =
+            place < 0.8 ? line_dB + 0.05 * noise(random) : std::max(0.0, 8.0 + 3.0 * noise(random));
         const bool reflection = i == count / 3 || i == count / 2;
         counts[i] = static_cast<std::uint16_t>(65535 - 1000 * (reflection ? 45.0 : level_dB));
     }
@@ -46,7 +48,7 @@ std::vector<std::uint16_t> samples(std::size_t count, unsigned int seed)
 const Reflectogram& trace(std::size_t count, unsigned int seed)
 {
     static std::map<std::pair<std::size_t, unsigned int>, Reflectogram> made;
-    Reflectogram& refl = made[{ count, seed }];
+    Reflectogram& refl = made[{count, seed}];
     if (!refl.isValid()) {
         const QTemporaryDir dir;
         const QString name = dir.filePath("trace.bin");
@@ -123,7 +125,7 @@ void BM_RedrawPlainCurves(benchmark::State& state)
     std::vector<std::unique_ptr<QwtPlotCurve>> curves;
     for (unsigned int i = 0; i < kCurves; ++i) {
         const Reflectogram& refl = trace(static_cast<std::size_t>(state.range(0)), i);
-        const QPolygonF all = Decimize(refl, true)({ 0.0, 2.0 * kRange_m, 1 << 30 });
+        const QPolygonF all = Decimize(refl, true)({0.0, 2.0 * kRange_m, 1 << 30});
         curves.push_back(std::make_unique<QwtPlotCurve>());
         curves.back()->setSamples(all);
         curves.back()->setPen(Qt::darkBlue, 1.0);

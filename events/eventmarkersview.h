@@ -15,8 +15,9 @@ class QwtSymbol;
 
 /// The ticks of a trace's events on its curve.
 ///
-/// Ticks sit on the line as drawn and are made anew whenever the curve is sampled anew. The current event's tick
-/// crosses the canvas; where the current row is a fibre section, the stretch between its neighbours is highlighted.
+/// Ticks sit on the line as drawn and are made anew whenever the curve is sampled anew. The current
+/// event's tick crosses the canvas; where the current row is a fibre section, the stretch between
+/// its neighbours is highlighted.
 class EventMarkersView : public QObject
 {
     Q_OBJECT
@@ -27,7 +28,8 @@ public:
 
     void attach(Waveform::Plot* plot);
 
-    /// The curve whose trace's events are shown; null for none. Not owned; must be taken away before it is deleted.
+    /// The curve whose trace's events are shown; null for none. Not owned; must be taken away
+    /// before it is deleted.
     void setCurve(ReflCurve* curve);
 
     /// The selection whose current row is the current event. Not owned.

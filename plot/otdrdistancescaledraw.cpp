@@ -32,7 +32,8 @@ QwtText OtdrDistanceScaleDraw::label(double value) const
     unsigned int precision = 0;
     unsigned int divisor = 1;
     calcPrecision(&precision, &divisor);
-    return QString("%L1").arg(value / divisor, 0, 'f', static_cast<int>(precision), QLatin1Char(' '));
+    return QString("%L1").arg(value / divisor, 0, 'f', static_cast<int>(precision),
+                              QLatin1Char(' '));
 }
 
 void OtdrDistanceScaleDraw::calcPrecision(unsigned int* precision, unsigned int* divisor) const

@@ -7,10 +7,11 @@
 
 class QwtScaleWidget;
 
-/// The labels of the distance axis: metres or kilometres with as many decimals as the visible span needs.
+/// The labels of the distance axis: metres or kilometres with as many decimals as the visible span
+/// needs.
 ///
-/// A short span near the start reads in whole metres, the same span far along the fibre in kilometres with
-/// enough decimals to keep the metre.
+/// A short span near the start reads in whole metres, the same span far along the fibre in
+/// kilometres with enough decimals to keep the metre.
 class OtdrDistanceScaleDraw : public QObject, public QwtScaleDraw
 {
     Q_OBJECT

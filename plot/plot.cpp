@@ -76,8 +76,8 @@ wf_clip_t Plot::clip()
     updateAxes(); // a scale that was set since the last replot is not in the division yet
     const QwtScaleDiv& division = axisScaleDiv(xBottom);
     const double span = std::abs(division.upperBound() - division.lowerBound());
-    return { division.lowerBound() - span, division.upperBound() + span,
-             3 * canvas()->geometry().width() };
+    return {division.lowerBound() - span, division.upperBound() + span,
+            3 * canvas()->geometry().width()};
 }
 
 bool Plot::newBounds(int axis, int delta, double& min, double& max)
@@ -138,7 +138,8 @@ void Plot::emitTransformMaps()
 void Plot::updateLayout()
 {
     QwtPlot::updateLayout();
-    // Qwt masks out of the distance axis what the level axis overlaps, which would cut the label of 0 m in half.
+    // Qwt masks out of the distance axis what the level axis overlaps, which would cut the label of
+    // 0 m in half.
     axisWidget(xBottom)->clearMask();
 }
 

@@ -28,7 +28,8 @@ public:
     /// The greatest distance of the loaded traces, m; bounds horizontal panning.
     void setMaxX(double maxX_m);
 
-    /// The window to decimate for: the visible range and as much again on either side, a point per pixel.
+    /// The window to decimate for: the visible range and as much again on either side, a point per
+    /// pixel.
     [[nodiscard]] wf_clip_t clip();
 
     /// The bounds of an axis after a drag of so many pixels. False where nothing moves.

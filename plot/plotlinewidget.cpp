@@ -28,16 +28,18 @@ void PlotLineWidget::attach(Waveform::Plot* newPlot)
     }
     plot->updateAxes(); // a scale that was set since the last replot is not in the maps yet
     setTransformMap(plot->canvasMap(QwtPlot::xBottom), plot->canvasMap(QwtPlot::yLeft));
-    connect(plot, SIGNAL(transformMapsChanged(const QwtScaleMap&, const QwtScaleMap&)),
-            SLOT(setTransformMap(const QwtScaleMap&, const QwtScaleMap&)));
+    connect(plot,
+            SIGNAL(transformMapsChanged( const QwtScaleMap&, const QwtScaleMap& )),
+                   SLOT(setTransformMap( const QwtScaleMap&, const QwtScaleMap& )));
 }
 
 void PlotLineWidget::detach()
 {
     if (plot) {
         QObject::disconnect(plot,
-                            SIGNAL(transformMapsChanged(const QwtScaleMap&, const QwtScaleMap&)),
-                            this, SLOT(setTransformMap(const QwtScaleMap&, const QwtScaleMap&)));
+                            SIGNAL(transformMapsChanged( const QwtScaleMap&, const QwtScaleMap& )),
+                                   this,
+                                   SLOT(setTransformMap( const QwtScaleMap&, const QwtScaleMap& )));
     }
 }
 

@@ -28,15 +28,15 @@ void QmMovingMarkers::setEnable(bool enable)
 
 void QmMovingMarkers::close(QmMarker* marker)
 {
-    connect(marker, SIGNAL(checked(QmMarker*)), SLOT(addMarker(QmMarker*)));
-    connect(marker, SIGNAL(unchecked(QmMarker*)), SLOT(removeMarker(QmMarker*)));
+    connect(marker, SIGNAL(checked( QmMarker* )), SLOT(addMarker( QmMarker* )));
+    connect(marker, SIGNAL(unchecked( QmMarker* )), SLOT(removeMarker( QmMarker* )));
 }
 
 void QmMovingMarkers::addMarker(QmMarker* marker)
 {
     markers << marker;
-    connect(marker, SIGNAL(movedBy(QmMarker*, int)), SLOT(markerMoved(QmMarker*, int)));
-    connect(marker, SIGNAL(destroyed(QObject*)), SLOT(forget(QObject*)), Qt::UniqueConnection);
+    connect(marker, SIGNAL(movedBy( QmMarker*, int )), SLOT(markerMoved( QmMarker*, int )));
+    connect(marker, SIGNAL(destroyed( QObject* )), SLOT(forget( QObject* )), Qt::UniqueConnection);
 }
 
 void QmMovingMarkers::removeMarker(QmMarker* marker)

@@ -46,15 +46,16 @@ void QmPlotMarker::attach(Waveform::Plot* newPlot)
     }
     plot->updateAxes(); // a scale that was set since the last replot is not in the map yet
     setTransformMap(plot->canvasMap(QwtPlot::xBottom));
-    connect(plot, SIGNAL(transformMapsChanged(const QwtScaleMap&, const QwtScaleMap&)),
-            SLOT(setTransformMap(const QwtScaleMap&)));
+    connect(plot,
+            SIGNAL(transformMapsChanged( const QwtScaleMap&, const QwtScaleMap& )),
+                   SLOT(setTransformMap( const QwtScaleMap& )));
 }
 
 void QmPlotMarker::detach()
 {
     if (plot) {
         QObject::disconnect(this, nullptr, plot,
-                            SIGNAL(transformMapsChanged(const QwtScaleMap&, const QwtScaleMap&)));
+                            SIGNAL(transformMapsChanged( const QwtScaleMap&, const QwtScaleMap& )));
     }
 }
 

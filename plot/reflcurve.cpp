@@ -78,8 +78,8 @@ void ReflCurve::drawSticks(QPainter* painter, const QwtScaleMap& xMap, const Qwt
         return;
     }
     const double ratio = painter->device()->devicePixelRatioF();
-    const QRect device
-        = QRectF(canvasRect.topLeft() * ratio, canvasRect.size() * ratio).toAlignedRect();
+    const QRect device =
+        QRectF(canvasRect.topLeft() * ratio, canvasRect.size() * ratio).toAlignedRect();
     StickColumns columns(device);
     columns.add(*state, xMap, yMap, ratio);
     const QBrush fill = columns.hasGaps() ? comb(columns, device.width(), ratio) : pen().brush();
@@ -88,7 +88,8 @@ void ReflCurve::drawSticks(QPainter* painter, const QwtScaleMap& xMap, const Qwt
     painter->setRenderHint(QPainter::Antialiasing, false);
     painter->setBrushOrigin(QPointF(device.topLeft()) / ratio);
     for (const QRect& rect : columns.rectangles(yMap.transform(baseline()) * ratio)) {
-        painter->fillRect(QRectF(QPointF(rect.topLeft()) / ratio, QSizeF(rect.size()) / ratio), fill);
+        painter->fillRect(QRectF(QPointF(rect.topLeft()) / ratio, QSizeF(rect.size()) / ratio),
+                          fill);
     }
     painter->restore();
 }

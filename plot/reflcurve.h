@@ -13,8 +13,8 @@ class StickColumns;
 
 /// One drawn trace: filled from 0 dB up to its level, sampled anew for each view.
 ///
-/// The samples come from a decimator, so that their number follows the screen and not the trace. Owned by whoever
-/// made it; the plot it is attached to only draws it.
+/// The samples come from a decimator, so that their number follows the screen and not the trace.
+/// Owned by whoever made it; the plot it is attached to only draws it.
 class ReflCurve : public QObject, public QwtPlotCurve
 {
     Q_OBJECT
@@ -24,6 +24,7 @@ public:
 
     /// Shows another trace; colour and place in the stack stay.
     void setReflectogram(wf_clip_t clip, const Reflectogram& refl);
+
     [[nodiscard]] const Reflectogram& reflectogram() const { return decimator; }
 
     void scale(wf_clip_t clip);
@@ -41,8 +42,9 @@ signals:
     void dataChanged() override;
 
 protected:
-    /// The picture that a stick for each sample of the trace would give, with every column painted once. Decimated
-    /// samples alone would leave gaps: two of them may fall into one pixel column and none into the next.
+    /// The picture that a stick for each sample of the trace would give, with every column painted
+    /// once. Decimated samples alone would leave gaps: two of them may fall into one pixel column
+    /// and none into the next.
     void drawSticks(QPainter* painter, const QwtScaleMap& xMap, const QwtScaleMap& yMap,
                     const QRectF& canvasRect, int from, int to) const override;
 

@@ -54,8 +54,8 @@ void StickColumns::add(const TraceState& state, const QwtScaleMap& xMap, const Q
         }
         const double row = yMap.transform(state.trace->toLevel_dB(sample.raw)) * pixelRatio;
         // Rows far outside would not fit an int.
-        top[column]
-            = std::min(top[column], qRound(std::clamp(row, area.top() - 1.0, area.bottom() + 2.0)));
+        top[column] =
+            std::min(top[column], qRound(std::clamp(row, area.top() - 1.0, area.bottom() + 2.0)));
     }
 }
 
@@ -89,13 +89,15 @@ std::vector<int> StickColumns::closedTop() const
 std::vector<QRect> StickColumns::rectangles(double baseline_px) const
 {
     const std::vector<int> rows = closedTop();
-    const int bottom = std::clamp(qRound(std::clamp(baseline_px, -1e6, 1e6)), area.top() - 1,
-                                  area.bottom());
+    const int bottom =
+        std::clamp(qRound(std::clamp(baseline_px, -1e6, 1e6)), area.top() - 1, area.bottom());
+
     struct Step
     {
         int left;
         int height;
     };
+
     std::vector<QRect> result;
     std::vector<Step> open; // heights grow from the first to the last
     const int columns = static_cast<int>(top.size());
@@ -112,7 +114,7 @@ std::vector<QRect> StickColumns::rectangles(double baseline_px) const
             left = step.left;
         }
         if (height > 0 && (open.empty() || open.back().height < height)) {
-            open.push_back({ left, height });
+            open.push_back({left, height});
         }
     }
     return result;

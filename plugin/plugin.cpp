@@ -56,10 +56,12 @@ AbstractKeeper* Plugin::createKeeper()
     connect(keeper, SIGNAL(loadRefl( QString )), refls, SLOT(addReflFromFile( QString )));
     connect(keeper, SIGNAL(setTitle( QString )), window(), SIGNAL(setTitle( QString )));
     connect(keeper, SIGNAL(setTitle( QString )), window(), SLOT(setWindowTitle( QString )));
-    connect(keeper, SIGNAL(setWaitWindowVisible( bool )), waveformWindow,
-            SLOT(setWaitWindowVisible( bool )));
-    connect(keeper, SIGNAL(showNotification( QString )), waveformWindow->notification(),
-            SLOT(show( QString )), Qt::QueuedConnection);
+    connect(keeper,
+            SIGNAL(setWaitWindowVisible( bool )), waveformWindow,
+                   SLOT(setWaitWindowVisible( bool )));
+    connect(keeper,
+            SIGNAL(showNotification( QString )), waveformWindow->notification(),
+                   SLOT(show( QString )), Qt::QueuedConnection);
     keeper->setMeasModel(waveformModel);
     return keeper;
 }

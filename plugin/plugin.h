@@ -6,7 +6,8 @@ class ZuConfigModel;
 
 namespace Waveform {
 
-/// What the launcher loads: makes the application's model, window and keeper and wires them together.
+/// What the launcher loads: makes the application's model, window and keeper and wires them
+/// together.
 class Plugin : public MeasPlugin
 {
     Q_OBJECT

@@ -15,7 +15,7 @@ namespace Waveform {
 
 namespace {
 
-const QColor colors[4] = { Qt::darkBlue, Qt::black, Qt::darkMagenta, Qt::darkGreen };
+const QColor colors[4] = {Qt::darkBlue, Qt::black, Qt::darkMagenta, Qt::darkGreen};
 
 // Never wound back: the colour of a new trace follows how many were added since the start.
 unsigned int color_idx = 0; // NOLINT(readability-identifier-naming): a given name
@@ -39,7 +39,8 @@ QString dateText(const Reflectogram& refl)
 
 ReflsTableModel::ReflsTableModel(QObject* parent)
     : QAbstractTableModel(parent)
-    , mainRowBrush(PaletteFactory::getPalette("GenericWindow").color(QPalette::Current, QPalette::Button))
+    , mainRowBrush(
+          PaletteFactory::getPalette("GenericWindow").color(QPalette::Current, QPalette::Button))
 {
 }
 
@@ -61,7 +62,7 @@ QList<Reflectogram> ReflsTableModel::association(Reflectogram refl) const
             return associations.at(i);
         }
     }
-    return { refl };
+    return {refl};
 }
 
 bool ReflsTableModel::isNewRefl(QString file) const
@@ -168,7 +169,7 @@ void ReflsTableModel::associate(Reflectogram refl, Reflectogram target)
             return; // a group that exists is left as it is
         }
     }
-    associations.append({ target, refl });
+    associations.append({target, refl});
 }
 
 void ReflsTableModel::update()

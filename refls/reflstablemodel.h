@@ -11,14 +11,24 @@ namespace Waveform {
 
 /// The traces that are loaded at the same time, one row each, with one of them the main one.
 ///
-/// Gives every trace its drawing colour and records which traces were measured together. How many traces may be
-/// loaded is decided before they come here.
+/// Gives every trace its drawing colour and records which traces were measured together. How many
+/// traces may be loaded is decided before they come here.
 class ReflsTableModel : public QAbstractTableModel
 {
     Q_OBJECT
 
 public:
-    enum Column { Name, Date, Wavelength, Distance, Pulse, Orl, TotalLoss, ColumnCount };
+    enum Column
+    {
+        Name,
+        Date,
+        Wavelength,
+        Distance,
+        Pulse,
+        Orl,
+        TotalLoss,
+        ColumnCount
+    };
 
     explicit ReflsTableModel(QObject* parent = nullptr);
 
@@ -53,10 +63,12 @@ public slots:
     void setMainRefl(Reflectogram refl);
     void update();
 
-    /// Opens a file and adds its trace; does nothing for a file that is loaded already or is no trace.
+    /// Opens a file and adds its trace; does nothing for a file that is loaded already or is no
+    /// trace.
     void addReflFromFile(QString file);
 
-    /// Records that refl was measured together with target. Once target is in a group, nothing changes.
+    /// Records that refl was measured together with target. Once target is in a group, nothing
+    /// changes.
     void associate(Reflectogram refl, Reflectogram target);
 
 signals:

@@ -46,8 +46,7 @@ Keeper::Keeper(CardController* card, ReflsTableModel* refls, QObject* parent)
     , refls(refls)
     , nameConverter(std::make_shared<FileNameConverter>())
 {
-    connect(refls, SIGNAL(mainReflChanged( Reflectogram )),
-            SLOT(onChangeMainRefl( Reflectogram )));
+    connect(refls, SIGNAL(mainReflChanged( Reflectogram )), SLOT(onChangeMainRefl( Reflectogram )));
 }
 
 void Keeper::setMeasModel(Model* newModel)
@@ -111,8 +110,8 @@ int Keeper::doSave(const QString& name)
     const QList<Reflectogram> group = refls->association(refls->mainRefl());
     int result = 0;
     for (const Reflectogram& refl : group) {
-        const QString suffix
-            = group.size() > 1 ? "_" + QString::number(refl.wavelength()) + "nm" : QString();
+        const QString suffix =
+            group.size() > 1 ? "_" + QString::number(refl.wavelength()) + "nm" : QString();
         const QString base = storeDir() + "/" + name + suffix;
         const bool ok = saveOne(refl, base);
         emit showNotification(ok ? savedMessage(base + ".sor") : tr("Failed to save reports!"));
@@ -174,8 +173,8 @@ int Keeper::doLoad()
     if (limitReached()) {
         return -1;
     }
-    const QString file
-        = FileDialog::getOpenFileName(nullptr, tr("Open reflectogram"), storeDir(), ".sor");
+    const QString file =
+        FileDialog::getOpenFileName(nullptr, tr("Open reflectogram"), storeDir(), ".sor");
     if (file.isEmpty()) {
         return -1;
     }

@@ -42,7 +42,8 @@ public:
     /// Where the configuration of the last measurement is kept; empty without a model.
     [[nodiscard]] QString configFileName() const;
 
-    /// Writes the configuration of the measurement that just ended. False where the file cannot be written.
+    /// Writes the configuration of the measurement that just ended. False where the file cannot be
+    /// written.
     [[nodiscard]] bool saveConfig(const QString& fileName) const;
 
     /// What saveConfig() wrote; an empty map where the file cannot be read.

@@ -12,8 +12,8 @@
 #include "plot/qmplotzoomer.h"
 #include "plot/reflcurve.h"
 #include "refls/reflstablemodel.h"
-#include "ui_canvas.h"
 #include "window/countdown.h"
+#include "window/ui_canvas.h"
 
 #include <QApplication>
 #include <QGridLayout>
@@ -62,8 +62,8 @@ Window::Window(ZuConfigModel* config, QWidget* parent)
     pageLayout()->setRowStretch(1, 1);
     plot = new Plot(this);
     addWidget(plot);
-    connect(config->setting("helix", "MeasParams"), SIGNAL(changed( double )),
-            SLOT(setHelix( double )));
+    connect(config->setting("helix", "MeasParams"),
+            SIGNAL(changed( double )), SLOT(setHelix( double )));
     setupPlot();
     setupPanner();
     setupZoomer();
@@ -125,9 +125,8 @@ void Window::setupZoomButtons()
         widget->setMinimumHeight(kZoomButtonHeight);
         widget->setPalette(translucent);
         // Keeps the row's height while its button is hidden.
-        canvasUi->zoomLayout->addItem(new QSpacerItem(1, kZoomButtonHeight, QSizePolicy::Fixed,
-                                                      QSizePolicy::Fixed),
-                                      row, 1);
+        canvasUi->zoomLayout->addItem(
+            new QSpacerItem(1, kZoomButtonHeight, QSizePolicy::Fixed, QSizePolicy::Fixed), row, 1);
     }
 }
 
@@ -153,10 +152,9 @@ void Window::setupZoomer()
     connect(canvasUi->zoomOffButton, SIGNAL(clicked()), zoomer, SLOT(zoomOff()));
     connect(canvasUi->zoomInButton, SIGNAL(clicked()), zoomer, SLOT(zoomIn()));
     connect(canvasUi->zoomOutButton, SIGNAL(clicked()), zoomer, SLOT(zoomOut()));
-    connect(zoomer, SIGNAL(disableZoomIn( bool )), canvasUi->zoomInButton,
-            SLOT(setHidden( bool )));
-    connect(zoomer, SIGNAL(disableZoomOut( bool )), canvasUi->zoomOutButton,
-            SLOT(setHidden( bool )));
+    connect(zoomer, SIGNAL(disableZoomIn( bool )), canvasUi->zoomInButton, SLOT(setHidden( bool )));
+    connect(zoomer,
+            SIGNAL(disableZoomOut( bool )), canvasUi->zoomOutButton, SLOT(setHidden( bool )));
     connect(zoomer, SIGNAL(disableZoomOut( bool )), miniPlot, SLOT(setHidden( bool )));
 }
 
@@ -183,7 +181,7 @@ void Window::installEventFilter(QObject* fltObj)
 
 QList<QObject*> Window::eventFilters() const
 {
-    return { const_cast<Window*>(this) };
+    return {const_cast<Window*>(this)};
 }
 
 bool Window::eventFilter(QObject* /*object*/, QEvent* event)
@@ -214,8 +212,8 @@ void Window::setModel(PluginModel* newModel)
 
 void Window::connectModel()
 {
-    connect(model, SIGNAL(measured( QString, WfMeasParams )),
-            SLOT(updateMeased( QString, WfMeasParams )));
+    connect(model,
+            SIGNAL(measured( QString, WfMeasParams )), SLOT(updateMeased( QString, WfMeasParams )));
     connect(model, SIGNAL(measTick( int, int )), SLOT(updateCountdownText( int, int )));
     setDistance(model->distance());
     plot->setAxisScale(QwtPlot::xBottom, 0.0, model->distance());
@@ -223,12 +221,11 @@ void Window::connectModel()
     plot->enableAxis(QwtPlot::xBottom, true);
     plot->enableAxis(QwtPlot::yLeft, true);
     connect(model, SIGNAL(analisisFinished()), SLOT(analyseFinished()));
-    connect(model, SIGNAL(eventListReady( EventList )),
-            SLOT(setEventListToMainRefl( EventList )));
+    connect(model, SIGNAL(eventListReady( EventList )), SLOT(setEventListToMainRefl( EventList )));
     connect(model, SIGNAL(measStarted()), SLOT(oneReflMeasStarted()));
     connect(model, SIGNAL(measFinished()), SLOT(oneReflMeasFinished()));
-    connect(model, SIGNAL(setActionButtonEnabled( bool )), actionButton(),
-            SLOT(setEnabled( bool )));
+    connect(model,
+            SIGNAL(setActionButtonEnabled( bool )), actionButton(), SLOT(setEnabled( bool )));
 }
 
 void Window::setWaitWindowVisible(bool visible)
@@ -276,7 +273,8 @@ void Window::measStarted()
     eventMarkers->setVisible(false);
     eventMarkers->clear();
     MeasWindow::measStarted();
-    const QList<Reflectogram> loaded = reflsModel->refls(); // deleting changes the list and the curves
+    const QList<Reflectogram> loaded =
+        reflsModel->refls(); // deleting changes the list and the curves
     for (const Reflectogram& refl : loaded) {
         if (refl.isMeasured()) {
             reflsModel->deleteRefl(refl);
@@ -341,7 +339,7 @@ void Window::updateMeased(QString reflFileName, WfMeasParams params)
         const Reflectogram refl(reflFileName, params);
         if (!refl.isValid()) {
             qDebug() << "void Waveform::Window::updateMeased(QString, WfMeasParams)"
-                       << refl.error();
+                     << refl.error();
             return;
         }
         reflsModel->addRefl(refl); // comes back through setMainRefl
@@ -492,7 +490,7 @@ void Window::setDistance(double xMax)
 
 void Window::fillMiniPlot(const Reflectogram& refl, double upTo_m)
 {
-    const wf_clip_t whole { 0.0, upTo_m, canvasUi->miniPlot->width() };
+    const wf_clip_t whole {0.0, upTo_m, canvasUi->miniPlot->width()};
     canvasUi->miniPlot->setSamples(Decimize(refl, false)(whole), true);
 }
 
@@ -512,7 +510,7 @@ void Window::rescalePlot(QRectF region)
     const double x = region.x();
     const double width = region.width();
     const double margin = std::abs(width);
-    const wf_clip_t clip { x - margin, x + width + margin, 3 * plot->canvas()->width() };
+    const wf_clip_t clip {x - margin, x + width + margin, 3 * plot->canvas()->width()};
     for (ReflCurve* curve : qAsConst(curves)) {
         curve->scale(clip);
     }

@@ -27,8 +27,8 @@ class ReflsTableModel;
 
 /// The one screen: the chart with the curves of the loaded traces, and the button that measures.
 ///
-/// Owns the curves. Decides which one is the main one, which one a running measurement refreshes, and for which
-/// window they are sampled.
+/// Owns the curves. Decides which one is the main one, which one a running measurement refreshes,
+/// and for which window they are sampled.
 class Window : public MeasWindow
 {
     Q_OBJECT
@@ -38,6 +38,7 @@ public:
     ~Window() override;
 
     void setModel(PluginModel* model) override;
+
     [[nodiscard]] bool isScalable() const override { return true; }
 
     /// Forwards the keys of whatever it watches to the window; for the host's frame.
@@ -45,6 +46,7 @@ public:
     [[nodiscard]] QList<QObject*> eventFilters() const override;
 
     [[nodiscard]] ReflsTableModel* reflsTableModel() const { return reflsModel; }
+
     [[nodiscard]] WarningWindow* notification() const { return warning; }
 
 public slots:
@@ -60,7 +62,9 @@ signals:
     void realtimeParamsValid();
 
 protected slots:
+
     void doUpdate() override { }
+
     void startstop() override;
     void measStarted() override;
     void measStopped() override;

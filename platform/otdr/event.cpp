@@ -38,17 +38,17 @@ bool Event::isKnown(double value)
 
 QString Event::toString() const
 {
-    QStringList words { QString(QLatin1Char(type)), "position", QString::number(position) };
+    QStringList words {QString(QLatin1Char(type)), "position", QString::number(position)};
     const std::pair<const char*, double> values[] = {
-        { "coordinate", coordinate },
-        { "width", width },
-        { "loss", loss },
-        { "reflIn", reflIn },
-        { "reflOut", reflOut },
-        { "reflectance", reflectance },
-        { "orl", orl },
-        { "length", length },
-        { "attenuationBefore", attenuationBefore },
+        {"coordinate", coordinate},
+        {"width", width},
+        {"loss", loss},
+        {"reflIn", reflIn},
+        {"reflOut", reflOut},
+        {"reflectance", reflectance},
+        {"orl", orl},
+        {"length", length},
+        {"attenuationBefore", attenuationBefore},
     };
     for (const auto& [key, value] : values) {
         if (isKnown(value)) {
@@ -56,17 +56,19 @@ QString Event::toString() const
         }
     }
     if (saturated) {
-        words << "saturated" << "1";
+        words << "saturated"
+              << "1";
     }
     return words.join(' ');
 }
 
 bool operator==(const Event& a, const Event& b)
 {
-    return a.type == b.type && a.position == b.position && a.saturated == b.saturated && same(a.coordinate, b.coordinate)
-        && same(a.width, b.width) && same(a.loss, b.loss) && same(a.reflIn, b.reflIn)
-        && same(a.reflOut, b.reflOut) && same(a.reflectance, b.reflectance) && same(a.orl, b.orl)
-        && same(a.length, b.length) && same(a.attenuationBefore, b.attenuationBefore);
+    return a.type == b.type && a.position == b.position && a.saturated == b.saturated
+        && same(a.coordinate, b.coordinate) && same(a.width, b.width) && same(a.loss, b.loss)
+        && same(a.reflIn, b.reflIn) && same(a.reflOut, b.reflOut)
+        && same(a.reflectance, b.reflectance) && same(a.orl, b.orl) && same(a.length, b.length)
+        && same(a.attenuationBefore, b.attenuationBefore);
 }
 
 bool operator<(const Event& a, const Event& b)

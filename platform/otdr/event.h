@@ -11,7 +11,8 @@
 /// A value that was not measured is NaN; see isKnown().
 struct Event
 {
-    enum Type : char {
+    enum Type : char
+    {
         SpanStart = 's',
         Reflective = 'r',
         NonReflective = 'n',
@@ -40,19 +41,23 @@ struct Event
     double attenuationBefore = kUnknown; ///< of the fibre before the event, dB/km
     bool saturated = false; ///< the receiver was: the reflectance is only a lower bound
 
-    /// Attenuation of a fibre section, dB/km: its loss over its length. NaN where either is unknown or the length is 0.
+    /// Attenuation of a fibre section, dB/km: its loss over its length. NaN where either is unknown
+    /// or the length is 0.
     [[nodiscard]] double attenuation() const;
 
-    /// One line that OTDR::createEventFromString reads back; keeps every field. No blank at either end.
+    /// One line that OTDR::createEventFromString reads back; keeps every field. No blank at either
+    /// end.
     [[nodiscard]] QString toString() const;
 
     [[nodiscard]] static bool isKnown(double value);
 
     /// Same type, position and values; unknown equals unknown.
     friend bool operator==(const Event& a, const Event& b);
+
     friend bool operator!=(const Event& a, const Event& b) { return !(a == b); }
 
-    /// Order along the fibre: by coordinate; at one coordinate a span start comes first, a span end last.
+    /// Order along the fibre: by coordinate; at one coordinate a span start comes first, a span end
+    /// last.
     friend bool operator<(const Event& a, const Event& b);
 };
 

@@ -9,9 +9,20 @@ public:
     /// \param position sample index of the event, counted from the sample at 0 m
     LossCalc(long position, const Reflectogram& refl);
 
-    [[nodiscard]] double loss() const { return loss_dB; } ///< dB, positive when power falls; NaN where no line fits
-    [[nodiscard]] double reflIn() const { return in_dB; } ///< level of the line before, at the event, dB
-    [[nodiscard]] double reflOut() const { return out_dB; } ///< level of the line behind, at the event, dB
+    [[nodiscard]] double loss() const
+    {
+        return loss_dB;
+    } ///< dB, positive when power falls; NaN where no line fits
+
+    [[nodiscard]] double reflIn() const
+    {
+        return in_dB;
+    } ///< level of the line before, at the event, dB
+
+    [[nodiscard]] double reflOut() const
+    {
+        return out_dB;
+    } ///< level of the line behind, at the event, dB
 
 private:
     double loss_dB;

@@ -20,7 +20,8 @@ QLineF LSALine::updateLineX1X2(double x1_m, double x2_m)
         const double i2 = state->indexAt(x2_m);
         // Both ends count as inside: a marker on a sample takes it in.
         const double behind = std::max(i1, i2) + 1e-9;
-        if (const auto line = otdr::fitLineBetween(*state->trace, std::min(i1, i2) - 1e-9, behind)) {
+        if (const auto line =
+                otdr::fitLineBetween(*state->trace, std::min(i1, i2) - 1e-9, behind)) {
             current = QLineF(x1_m, line->at(i1), x2_m, line->at(i2));
         }
     }

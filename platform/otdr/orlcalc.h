@@ -4,7 +4,8 @@
 
 #include <mutex>
 
-/// Optical return loss of a stretch of fibre. May be asked from any thread while the trace is exchanged.
+/// Optical return loss of a stretch of fibre. May be asked from any thread while the trace is
+/// exchanged.
 class ORLCalc // NOLINT(readability-identifier-naming): a given name
 {
 public:

@@ -35,8 +35,8 @@ double smpl2meters(long sample, wf_packet_header header, WfMeasParams params)
     if (!isSnapshotHeader(header)) {
         return 0.0;
     }
-    const double time_ns
-        = header.firstSample_ns + static_cast<double>(sample) * header.sampleInterval_ns;
+    const double time_ns =
+        header.firstSample_ns + static_cast<double>(sample) * header.sampleInterval_ns;
     return time_ns * otdr::metresPerNs(params.ior, params.helix);
 }
 
@@ -55,15 +55,15 @@ Event createEventFromString(QString text, Reflectogram refl)
     event.type = static_cast<Event::Type>(words.at(0).at(0).toLatin1());
 
     const std::map<QString, double*> fields = {
-        { "coordinate", &event.coordinate },
-        { "width", &event.width },
-        { "loss", &event.loss },
-        { "reflIn", &event.reflIn },
-        { "reflOut", &event.reflOut },
-        { "reflectance", &event.reflectance },
-        { "orl", &event.orl },
-        { "length", &event.length },
-        { "attenuationBefore", &event.attenuationBefore },
+        {"coordinate", &event.coordinate},
+        {"width", &event.width},
+        {"loss", &event.loss},
+        {"reflIn", &event.reflIn},
+        {"reflOut", &event.reflOut},
+        {"reflectance", &event.reflectance},
+        {"orl", &event.orl},
+        {"length", &event.length},
+        {"attenuationBefore", &event.attenuationBefore},
     };
     bool hasCoordinate = false;
     for (int i = 1; i + 1 < words.size(); i += 2) {
@@ -87,8 +87,8 @@ Event createEventFromString(QString text, Reflectogram refl)
         }
     }
     if (!hasCoordinate) {
-        event.coordinate
-            = smpl2meters(event.position, refl.dataSpacing(), refl.IOR(), refl.helix());
+        event.coordinate =
+            smpl2meters(event.position, refl.dataSpacing(), refl.IOR(), refl.helix());
     }
     return event;
 }

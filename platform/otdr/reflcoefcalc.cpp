@@ -5,7 +5,8 @@
 
 namespace {
 
-/// How far behind the foot of an event its peak is looked for, in pulses: the pulse itself and the receiver's rise.
+/// How far behind the foot of an event its peak is looked for, in pulses: the pulse itself and the
+/// receiver's rise.
 constexpr double kPeakPulses = 1.5;
 
 } // namespace

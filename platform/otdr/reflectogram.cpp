@@ -13,7 +13,8 @@
 #include <mutex>
 #include <utility>
 
-/// The one place where a trace changes: the state is replaced whole, under a lock that is held for no longer.
+/// The one place where a trace changes: the state is replaced whole, under a lock that is held for
+/// no longer.
 class Reflectogram::Shared
 {
 public:
@@ -286,8 +287,8 @@ void Reflectogram::setSupParams(const SupParamsBlock& params)
 {
     if (shared) {
         shared->update([&](TraceState& state) {
-            auto sor = state.sor ? std::make_shared<SorData>(*state.sor)
-                                 : std::make_shared<SorData>();
+            auto sor =
+                state.sor ? std::make_shared<SorData>(*state.sor) : std::make_shared<SorData>();
             sor->setSupParams(params);
             state.sor = std::move(sor);
             state.supParamsChanged = true;
@@ -310,8 +311,8 @@ void Reflectogram::fillOrl()
             if (state.trace != before->trace) {
                 return false;
             }
-            auto sor = state.sor ? std::make_shared<SorData>(*state.sor)
-                                 : std::make_shared<SorData>();
+            auto sor =
+                state.sor ? std::make_shared<SorData>(*state.sor) : std::make_shared<SorData>();
             sor->setKeyEvents(block);
             state.sor = std::move(sor);
             return true;
@@ -335,8 +336,8 @@ int Reflectogram::save(const QString& fileName, QString* saveError) const
     if (!bytes) {
         return fail(bytes.error().message);
     }
-    const auto written
-        = otdr::writeFileAtomically(QFile::encodeName(fileName).toStdString(), *bytes);
+    const auto written =
+        otdr::writeFileAtomically(QFile::encodeName(fileName).toStdString(), *bytes);
     return written ? 0 : fail(written.error().message);
 }
 

@@ -17,27 +17,31 @@ struct TraceState;
 
 /// A handle of one trace: copies share it, and a change through one handle is seen by all holders.
 ///
-/// Every operation may be called from any thread. Queries answer from one consistent state and never wait for
-/// a computation. A default-made handle holds nothing until it is loaded; copies made before do not follow.
+/// Every operation may be called from any thread. Queries answer from one consistent state and
+/// never wait for a computation. A default-made handle holds nothing until it is loaded; copies
+/// made before do not follow.
 class Reflectogram
 {
 public:
     /// Who put the event list on a trace.
-    enum Processing {
+    enum Processing
+    {
         FromFile = 0,
         FromAcquisition = 3,
     };
 
     Reflectogram();
 
-    /// Opens a trace file (.sor, or a snapshot of the acquisition program). Invalid where that fails; see error().
+    /// Opens a trace file (.sor, or a snapshot of the acquisition program). Invalid where that
+    /// fails; see error().
     explicit Reflectogram(const QString& fileName);
 
     /// A trace just measured: opens the snapshot and marks the trace as measurement.
     Reflectogram(const QString& fileName, const WfMeasParams& params);
 
-    /// Loads the file anew into this trace, for all holders. params say what a snapshot cannot; a .sor file's own
-    /// parameters win. Where the file is unusable the trace stays as it was and false is returned.
+    /// Loads the file anew into this trace, for all holders. params say what a snapshot cannot; a
+    /// .sor file's own parameters win. Where the file is unusable the trace stays as it was and
+    /// false is returned.
     bool updateFromFile(const QString& fileName, const WfMeasParams& params);
 
     [[nodiscard]] bool isValid() const;
@@ -54,10 +58,11 @@ public:
     [[nodiscard]] double endOfFiber() const; ///< m; negative where it is not known
     [[nodiscard]] double maxdist() const; ///< distance of the last sample, m; 0 without a trace
     [[nodiscard]] double dataSpacing() const; ///< between samples, ns round trip
-    [[nodiscard]] double smpl2dist(double samples) const; ///< length of so many sample steps, m; 0 without a trace
+    [[nodiscard]] double
+    smpl2dist(double samples) const; ///< length of so many sample steps, m; 0 without a trace
 
-    /// Level at a distance from the start of the fibre, dB, linear between samples; the first and last sample
-    /// continue beyond the trace. 0 without a trace.
+    /// Level at a distance from the start of the fibre, dB, linear between samples; the first and
+    /// last sample continue beyond the trace. 0 without a trace.
     [[nodiscard]] float powerAtDist(double distance_m) const;
 
     [[nodiscard]] double IOR() const; // NOLINT(readability-identifier-naming): a given name
@@ -73,15 +78,17 @@ public:
     /// One line of the measurement parameters, such as "1550 nm, 100 ns, 15 s, IOR 1.4682".
     [[nodiscard]] QString paramsToString() const;
 
-    /// Null where the trace is invalid. A later change of the trace does not change what was returned.
+    /// Null where the trace is invalid. A later change of the trace does not change what was
+    /// returned.
     [[nodiscard]] std::shared_ptr<const SorData> sorData() const;
     void setSupParams(const SupParamsBlock& params);
 
-    /// Computes end-to-end loss and return loss into the key-events data; makes that block in any case.
+    /// Computes end-to-end loss and return loss into the key-events data; makes that block in any
+    /// case.
     void fillOrl();
 
-    /// Writes a version 2 .sor file: whole or not at all. A trace that nobody changed keeps its bytes.
-    /// \return 0 on success, -1 otherwise; the reason is in saveError if given
+    /// Writes a version 2 .sor file: whole or not at all. A trace that nobody changed keeps its
+    /// bytes. \return 0 on success, -1 otherwise; the reason is in saveError if given
     int save(const QString& fileName, QString* saveError = nullptr) const;
 
     /// The samples with their axis, for calculators. Null where the trace is invalid.
@@ -92,6 +99,7 @@ public:
 
     /// The same trace; two empty handles are equal.
     friend bool operator==(const Reflectogram& a, const Reflectogram& b);
+
     friend bool operator!=(const Reflectogram& a, const Reflectogram& b) { return !(a == b); }
 
 private:

@@ -35,10 +35,13 @@ public:
 
     /// Null where nothing is known yet.
     [[nodiscard]] const KeyEventsBlock* keyEvents() const { return key ? &*key : nullptr; }
+
     [[nodiscard]] const SupParamsBlock& supParams() const { return sup; }
 
     void setFxdParams(const FxdParamsBlock& params) { fxd = params; }
+
     void setKeyEvents(const KeyEventsBlock& block) { key = block; }
+
     void setSupParams(const SupParamsBlock& params) { sup = params; }
 
 private:

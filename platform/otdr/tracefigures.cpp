@@ -20,7 +20,8 @@ double indexOf(const TraceState& state, const Event& event)
     return state.indexAt(event.coordinate);
 }
 
-/// The level from which return loss is counted: the line of the fibre behind the start, taken back to it.
+/// The level from which return loss is counted: the line of the fibre behind the start, taken back
+/// to it.
 double referenceLevel_dB(const TraceState& state, double from, double to)
 {
     otdr::EventSite site = siteOf(state, from);
@@ -40,8 +41,8 @@ std::vector<otdr::SaturatedPeak> saturatedPeaks(const TraceState& state)
         }
         const double index = indexOf(state, event);
         if (const auto line = otdr::fibreBefore(*state.trace, siteOf(state, index))) {
-            peaks.push_back({ index, index + kEndTailPulses * state.pulseSamples(), *line,
-                              event.reflectance });
+            peaks.push_back(
+                {index, index + kEndTailPulses * state.pulseSamples(), *line, event.reflectance});
         }
     }
     return peaks;
@@ -49,8 +50,8 @@ std::vector<otdr::SaturatedPeak> saturatedPeaks(const TraceState& state)
 
 double returnLoss_dB(const TraceState& state, double from, double to)
 {
-    const otdr::ReturnLossSection section { from, to, referenceLevel_dB(state, from, to),
-                                            state.backscatter_dB };
+    const otdr::ReturnLossSection section {from, to, referenceLevel_dB(state, from, to),
+                                           state.backscatter_dB};
     const std::vector<otdr::SaturatedPeak> peaks = saturatedPeaks(state);
     return otdr::returnLoss_dB(*state.trace, section, peaks);
 }
@@ -63,11 +64,12 @@ otdr::EventSite siteOf(const TraceState& state, double index)
     otdr::EventSite site;
     site.index = index;
     site.pulse = pulse;
-    site.longestWindow
-        = otdr::kLongestWindow_m / (state.metresPerNs() * state.trace->axis().sampleInterval_ns);
+    site.longestWindow =
+        otdr::kLongestWindow_m / (state.metresPerNs() * state.trace->axis().sampleInterval_ns);
     const double start = state.indexAt(0.0);
     if (start < index - kSameEventPulses * pulse) {
-        // The fibre begins at 0 m, behind the reflection of the port; a launch fibre before it has events.
+        // The fibre begins at 0 m, behind the reflection of the port; a launch fibre before it has
+        // events.
         site.leftLimit = std::max(0.0, start + otdr::kDeadZonePulses * pulse);
     }
     for (const Event& event : state.events) {

@@ -4,13 +4,14 @@
 #include "platform/otdr/sordata.h"
 #include "platform/otdr/tracestate.h"
 
-/// Optical return loss of a stretch of fibre between two distances, in either order, seen from its nearer end, dB.
-/// NaN where it cannot be told.
+/// Optical return loss of a stretch of fibre between two distances, in either order, seen from its
+/// nearer end, dB. NaN where it cannot be told.
 [[nodiscard]] double stretchReturnLoss_dB(const TraceState& state, double a_m, double b_m);
 
-/// End-to-end loss and return loss of a trace, from 0 m to the end of its fibre. Without a known end the loss is
-/// unknown and the return loss is that of the whole record.
+/// End-to-end loss and return loss of a trace, from 0 m to the end of its fibre. Without a known
+/// end the loss is unknown and the return loss is that of the whole record.
 [[nodiscard]] KeyEventsBlock keyFigures(const TraceState& state);
 
-/// The place of an event between its neighbours on the trace, for line fits. index counts samples of the record.
+/// The place of an event between its neighbours on the trace, for line fits. index counts samples
+/// of the record.
 [[nodiscard]] otdr::EventSite siteOf(const TraceState& state, double index);

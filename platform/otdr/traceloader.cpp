@@ -77,12 +77,12 @@ std::shared_ptr<const SorData> sorDataOf(const otdr::sor::File& file, const Trac
     fxd.averagingTime = orElse(otdr::sor::averagingTime_s(file), 0.0);
     fxd.range = state.range_m;
     sor->setFxdParams(fxd);
-    sor->setSupParams({ bytesOf(file.sup.supplier), bytesOf(file.sup.mainframeId),
-                        bytesOf(file.sup.mainframeSerial), bytesOf(file.sup.moduleId),
-                        bytesOf(file.sup.moduleSerial), bytesOf(file.sup.softwareRevision),
-                        bytesOf(file.sup.other) });
+    sor->setSupParams({bytesOf(file.sup.supplier), bytesOf(file.sup.mainframeId),
+                       bytesOf(file.sup.mainframeSerial), bytesOf(file.sup.moduleId),
+                       bytesOf(file.sup.moduleSerial), bytesOf(file.sup.softwareRevision),
+                       bytesOf(file.sup.other)});
     if (file.keyEvents) {
-        sor->setKeyEvents({ otdr::sor::totalLoss_dB(file), otdr::sor::returnLoss_dB(file) });
+        sor->setKeyEvents({otdr::sor::totalLoss_dB(file), otdr::sor::returnLoss_dB(file)});
     }
     return sor;
 }
@@ -106,15 +106,15 @@ otdr::Result<TraceState> loadSor(const QString& fileName)
     const double interval_ns = axis.sampleInterval_ns > 0.0 ? axis.sampleInterval_ns : 1.0;
     state.trace = std::make_shared<const otdr::Trace>(
         file->data.samples, file->data.scaleFactor * otdr::kUsualDbPerCount / 1000.0,
-        otdr::TraceAxis { interval_ns, orElse(axis.firstSample_ns, 0.0) });
+        otdr::TraceAxis {interval_ns, orElse(axis.firstSample_ns, 0.0)});
     state.wavelength_nm = otdr::sor::nominalWavelength_nm(*file);
     state.pulse_ns = orElse(otdr::sor::pulse_ns(*file), 0.0);
-    state.backscatter_dB
-        = orElse(otdr::sor::backscatter_dB(*file), usualBackscatter_dB(state.wavelength_nm));
+    state.backscatter_dB =
+        orElse(otdr::sor::backscatter_dB(*file), usualBackscatter_dB(state.wavelength_nm));
     state.ior = otdr::sor::groupIndex(*file);
     state.range_m = orElse(otdr::sor::range_m(*file), 0.0);
-    state.duration_s
-        = static_cast<int>(std::lround(orElse(otdr::sor::averagingTime_s(*file), 0.0)));
+    state.duration_s =
+        static_cast<int>(std::lround(orElse(otdr::sor::averagingTime_s(*file), 0.0)));
     state.events = eventsOf(*file, state);
     state.processing = Reflectogram::FromFile;
     state.sor = sorDataOf(*file, state);
@@ -131,7 +131,7 @@ otdr::Result<TraceState> loadSnapshot(const QString& fileName, const WfMeasParam
     TraceState state;
     state.trace = std::make_shared<const otdr::Trace>(
         read->samples, read->dbPerCount(),
-        otdr::TraceAxis { read->sampleInterval_ns, read->firstSample_ns });
+        otdr::TraceAxis {read->sampleInterval_ns, read->firstSample_ns});
     state.wavelength_nm = read->wavelength_nm;
     state.pulse_ns = read->pulse_ns;
     if (params != nullptr) {
@@ -143,8 +143,8 @@ otdr::Result<TraceState> loadSnapshot(const QString& fileName, const WfMeasParam
     } else {
         state.backscatter_dB = usualBackscatter_dB(state.wavelength_nm);
         state.ior = otdr::kDefaultGroupIndex;
-        state.range_m = state.trace->distanceAt(static_cast<double>(state.trace->size()),
-                                                state.metresPerNs());
+        state.range_m =
+            state.trace->distanceAt(static_cast<double>(state.trace->size()), state.metresPerNs());
         state.notes << QString("a snapshot tells no group index: %1 assumed").arg(state.ior);
     }
     // A message of the acquisition program may have said anything.
@@ -159,10 +159,9 @@ otdr::Result<TraceState> loadSnapshot(const QString& fileName, const WfMeasParam
         state.helix_percent = 0.0;
     }
     auto sor = std::make_shared<SorData>();
-    sor->setFxdParams({ QDateTime::currentSecsSinceEpoch(),
-                        static_cast<double>(state.wavelength_nm), state.pulse_ns, state.ior,
-                        state.backscatter_dB, read->averages,
-                        static_cast<double>(state.duration_s), state.range_m });
+    sor->setFxdParams({QDateTime::currentSecsSinceEpoch(), static_cast<double>(state.wavelength_nm),
+                       state.pulse_ns, state.ior, state.backscatter_dB, read->averages,
+                       static_cast<double>(state.duration_s), state.range_m});
     state.sor = std::move(sor);
     return state;
 }

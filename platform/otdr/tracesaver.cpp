@@ -17,9 +17,9 @@ Integer rounded(double value)
     if (!std::isfinite(value)) {
         return 0;
     }
-    return static_cast<Integer>(std::llround(
-        std::clamp(value, static_cast<double>(std::numeric_limits<Integer>::min()),
-                   static_cast<double>(std::numeric_limits<Integer>::max()))));
+    return static_cast<Integer>(
+        std::llround(std::clamp(value, static_cast<double>(std::numeric_limits<Integer>::min()),
+                                static_cast<double>(std::numeric_limits<Integer>::max()))));
 }
 
 std::string text(const QByteArray& bytes)
@@ -59,10 +59,10 @@ otdr::sor::KeyEvents keyEventsOf(const TraceState& state)
         encodeCode(event, out);
         const std::int32_t behind = countsOf(state, event.coordinate + deadZone_m);
         const bool last = i + 1 == events.size();
-        const std::int32_t next
-            = last ? behind : countsOf(state, events.at(i + 1).coordinate);
-        out.markers = { i == 0 ? out.position : std::min(block.events.back().markers[2], out.position),
-                        out.position, behind, std::max(behind, next), out.position };
+        const std::int32_t next = last ? behind : countsOf(state, events.at(i + 1).coordinate);
+        out.markers = {i == 0 ? out.position
+                              : std::min(block.events.back().markers[2], out.position),
+                       out.position, behind, std::max(behind, next), out.position};
         out.comment = " ";
         block.events.push_back(out);
     }
@@ -85,9 +85,9 @@ otdr::sor::SpanSummary summaryOf(const TraceState& state)
 
 otdr::sor::SupParams supParamsOf(const SupParamsBlock& sup)
 {
-    return { text(sup.supplierName), text(sup.mainframeId), text(sup.mainframeSerial),
-             text(sup.moduleId),     text(sup.moduleSerial), text(sup.softwareRevision),
-             text(sup.other) };
+    return {text(sup.supplierName), text(sup.mainframeId),  text(sup.mainframeSerial),
+            text(sup.moduleId),     text(sup.moduleSerial), text(sup.softwareRevision),
+            text(sup.other)};
 }
 
 otdr::sor::File newFile(const TraceState& state)
@@ -96,31 +96,31 @@ otdr::sor::File newFile(const TraceState& state)
     const otdr::TraceAxis& axis = state.trace->axis();
     otdr::sor::File file;
     file.gen.wavelength_nm = static_cast<std::uint16_t>(state.wavelength_nm);
-    file.gen.buildCondition = { 'B', 'C' };
-    for (std::string* blank : { &file.gen.cableId, &file.gen.fibreId, &file.gen.locationA,
-                                &file.gen.locationB, &file.gen.cableCode, &file.gen.operatorName,
-                                &file.gen.comment }) {
+    file.gen.buildCondition = {'B', 'C'};
+    for (std::string* blank :
+         {&file.gen.cableId, &file.gen.fibreId, &file.gen.locationA, &file.gen.locationB,
+          &file.gen.cableCode, &file.gen.operatorName, &file.gen.comment}) {
         *blank = " ";
     }
     file.fxd.dateTime_s = rounded<std::uint32_t>(static_cast<double>(fxd.dateTime));
     file.fxd.actualWavelength = rounded<std::uint16_t>(fxd.wavelength * 10.0);
     file.fxd.acquisitionOffset = rounded<std::int32_t>(axis.firstSample_ns / otdr::kCountNs);
     const double step_counts = axis.sampleInterval_ns / otdr::kCountNs;
-    file.fxd.pulses.push_back({ rounded<std::uint16_t>(state.pulse_ns),
-                                rounded<std::uint32_t>(step_counts * 10000.0),
-                                static_cast<std::uint32_t>(state.trace->size()) });
+    file.fxd.pulses.push_back({rounded<std::uint16_t>(state.pulse_ns),
+                               rounded<std::uint32_t>(step_counts * 10000.0),
+                               static_cast<std::uint32_t>(state.trace->size())});
     file.fxd.groupIndex = rounded<std::uint32_t>(state.ior * 1e5);
     file.fxd.backscatter = rounded<std::uint16_t>(-10.0 * state.backscatter_dB);
     file.fxd.averages = fxd.averages;
     file.fxd.averagingTime = rounded<std::uint16_t>(10.0 * fxd.averagingTime);
-    file.fxd.acquisitionRange = rounded<std::uint32_t>(
-        step_counts * static_cast<double>(state.trace->size()));
-    file.fxd.acquisitionRangeDistance
-        = rounded<std::int32_t>(10.0 * static_cast<double>(state.trace->size())
-                                * axis.sampleInterval_ns * state.metresPerNs());
+    file.fxd.acquisitionRange =
+        rounded<std::uint32_t>(step_counts * static_cast<double>(state.trace->size()));
+    file.fxd.acquisitionRangeDistance =
+        rounded<std::int32_t>(10.0 * static_cast<double>(state.trace->size())
+                              * axis.sampleInterval_ns * state.metresPerNs());
     file.fxd.noiseFloorScale = 1000;
-    file.data.scaleFactor
-        = rounded<std::uint16_t>(state.trace->dbPerCount() / otdr::kUsualDbPerCount * 1000.0);
+    file.data.scaleFactor =
+        rounded<std::uint16_t>(state.trace->dbPerCount() / otdr::kUsualDbPerCount * 1000.0);
     file.data.samples = state.trace->samples();
     return file;
 }

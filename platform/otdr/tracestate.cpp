@@ -24,7 +24,8 @@ double TraceState::indexAt(double distance_m) const
 
 double TraceState::endOfFibre_m() const
 {
-    // A file tells the end of the fibre from the end of the record; a list of events alone does not.
+    // A file tells the end of the fibre from the end of the record; a list of events alone does
+    // not.
     if (file && processing == Reflectogram::FromFile && std::isnan(otdr::sor::fibreEnd_m(*file))) {
         return -1.0;
     }

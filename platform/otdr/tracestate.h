@@ -19,7 +19,8 @@ struct TraceState
     bool measured = false;
 
     std::shared_ptr<const otdr::Trace> trace; ///< null where nothing was loaded
-    std::shared_ptr<const otdr::sor::File> file; ///< the trace file it came from; null for a snapshot
+    std::shared_ptr<const otdr::sor::File>
+        file; ///< the trace file it came from; null for a snapshot
 
     int wavelength_nm = 0; ///< nominal
     double pulse_ns = 0.0;

@@ -22,9 +22,10 @@ struct wf_packet_header // NOLINT(readability-identifier-naming): a given name
 
     /// Fills the header from the first 48 bytes of a file.
     ///
-    /// Says nothing about success: a file that cannot be opened leaves the header as it is, a short one
-    /// replaces as many bytes as it has; both are logged at debug level.
+    /// Says nothing about success: a file that cannot be opened leaves the header as it is, a short
+    /// one replaces as many bytes as it has; both are logged at debug level.
     void initFrom(QString fileName);
 };
 
-static_assert(sizeof(wf_packet_header) == 48, "the header is read into memory as it stands in the file");
+static_assert(sizeof(wf_packet_header) == 48,
+              "the header is read into memory as it stands in the file");

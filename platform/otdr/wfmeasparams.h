@@ -20,6 +20,7 @@ struct WfMeasParams
             && a.wavelength == b.wavelength && a.pulse == b.pulse && a.rbs == b.rbs
             && a.duration == b.duration;
     }
+
     friend bool operator!=(const WfMeasParams& a, const WfMeasParams& b) { return !(a == b); }
 };
 

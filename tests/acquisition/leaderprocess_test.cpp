@@ -1,10 +1,10 @@
 #include "acquisition/leaderprocess.h"
-
 #include "tests/support/fakeprogram.h"
 
-#include <csignal>
 #include <gmock/gmock.h>
 #include <unistd.h>
+
+#include <csignal>
 
 namespace {
 

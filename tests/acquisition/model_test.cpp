@@ -1,5 +1,4 @@
 #include "acquisition/model.h"
-
 #include "platform/launcher/cardcontroller.h"
 #include "platform/launcher/dataproxy.h"
 #include "platform/launcher/zuconfigmodel.h"
@@ -14,6 +13,7 @@
 #include <QtTest>
 
 #include <gmock/gmock.h>
+
 #include <memory>
 
 namespace {
@@ -42,17 +42,16 @@ protected:
     void make()
     {
         model = std::make_unique<Model>(&card);
-        measured = std::make_unique<QSignalSpy>(model.get(),
-                                                SIGNAL(measured( QString, WfMeasParams )));
-        started = std::make_unique<QSignalSpy>(model.get(), SIGNAL(started( MeasModel* )));
-        stopped = std::make_unique<QSignalSpy>(model.get(), SIGNAL(stopped( MeasModel* )));
+        measured =
+            std::make_unique<QSignalSpy>(model.get(), SIGNAL(measured(QString, WfMeasParams)));
+        started = std::make_unique<QSignalSpy>(model.get(), SIGNAL(started(MeasModel*)));
+        stopped = std::make_unique<QSignalSpy>(model.get(), SIGNAL(stopped(MeasModel*)));
     }
 
     /// Shell words that put a snapshot of this fibre in place as the acquisition program does.
     QString putSnapshot(const TraceBuilder& builder)
     {
-        const QString made
-            = files.writeSnapshot(QString("made%1.bin").arg(++snapshots), builder);
+        const QString made = files.writeSnapshot(QString("made%1.bin").arg(++snapshots), builder);
         return QString("mkdir -p /tmp/user/.wfgather; cp %1 /tmp/user/.wfgather/new; "
                        "mv /tmp/user/.wfgather/new /tmp/user/wfsnapshot.bin;")
             .arg(made);
@@ -60,14 +59,17 @@ protected:
 
     void put(const TraceBuilder& builder)
     {
-        QProcess::execute("/bin/sh", { "-c", putSnapshot(builder) });
+        QProcess::execute("/bin/sh", {"-c", putSnapshot(builder)});
     }
 
-    bool waitForStop() { return QTest::qWaitFor([this] { return stopped->size() > 0; }, 15000); }
+    bool waitForStop()
+    {
+        return QTest::qWaitFor([this] { return stopped->size() > 0; }, 15000);
+    }
 
     QStringList leftSettings()
     {
-        return QDir(QDir::tempPath()).entryList({ "otdrcfg-*" }, QDir::Files);
+        return QDir(QDir::tempPath()).entryList({"otdrcfg-*"}, QDir::Files);
     }
 
     const AcquisitionDir directory;
@@ -156,8 +158,8 @@ TEST_F(Measurement, WavelengthIsRoundedPulseIsTruncatedAndBothWavelengthsReadZer
 
 TEST_F(Measurement, ConfiguredNonsenseStaysWithinSixteenBits)
 {
-    const std::pair<const char*, int> cases[]
-        = { { "1e9", 65535 }, { "-5", 0 }, { "nan", 0 }, { "blue", 0 }, { "65535", 65535 } };
+    const std::pair<const char*, int> cases[] = {
+        {"1e9", 65535}, {"-5", 0}, {"nan", 0}, {"blue", 0}, {"65535", 65535}};
     for (const auto& [text, number] : cases) {
         ZuConfig("zuotdr", "MeasParams", "pulse").store(text);
         ZuConfig("zuotdr", "MeasParams", "wavelength").store(text);
@@ -246,13 +248,14 @@ TEST_F(Measurement, EmptySnapshotIsNotAnnounced)
 
 TEST_F(Measurement, RunAnnouncesItsTraceWithItsParameters)
 {
-    programs.make("wfgather", QString("printf '1 G {;'; sleep 0.1; %1 sleep 0.2; %2 sleep 0.2; "
-                                      "printf '3 M * RT 14 ET 1;'; sleep 0.1; "
-                                      "printf '4 M };5 A {;6 A };7 G };'")
-                                  .arg(kTraceStart, putSnapshot(TraceBuilder().fibre(2_km))));
-    QSignalSpy events(model.get(), SIGNAL(eventListReady( EventList )));
-    QSignalSpy ticks(model.get(), SIGNAL(measTick( int, int )));
-    QSignalSpy button(model.get(), SIGNAL(setActionButtonEnabled( bool )));
+    programs.make("wfgather",
+                  QString("printf '1 G {;'; sleep 0.1; %1 sleep 0.2; %2 sleep 0.2; "
+                          "printf '3 M * RT 14 ET 1;'; sleep 0.1; "
+                          "printf '4 M };5 A {;6 A };7 G };'")
+                      .arg(kTraceStart, putSnapshot(TraceBuilder().fibre(2_km))));
+    QSignalSpy events(model.get(), SIGNAL(eventListReady(EventList)));
+    QSignalSpy ticks(model.get(), SIGNAL(measTick(int, int)));
+    QSignalSpy button(model.get(), SIGNAL(setActionButtonEnabled(bool)));
     ASSERT_EQ(model->start(0), 0);
     EXPECT_TRUE(model->running());
     ASSERT_TRUE(waitForStop());
@@ -267,7 +270,7 @@ TEST_F(Measurement, RunAnnouncesItsTraceWithItsParameters)
     EXPECT_EQ(params.duration, 0); // no second had been measured yet
     EXPECT_EQ(events.size(), 1);
     ASSERT_EQ(ticks.size(), 1);
-    EXPECT_EQ(ticks.first(), QVariantList({ 14, 1550 }));
+    EXPECT_EQ(ticks.first(), QVariantList({14, 1550}));
     EXPECT_EQ(model->duration(), 1);
     ASSERT_EQ(button.size(), 1);
     EXPECT_FALSE(button.first().first().toBool());
@@ -278,10 +281,12 @@ TEST_F(Measurement, EventsOfTheLastAnalysisComeAsOneList)
 {
     programs.make(
         "wfgather",
-        QString("printf '1 G {;1 A {;1 A * n position 7;'; %1 sleep 0.1; %2 sleep 0.1; printf '4 M };5 A {;"
-                "6 A * s position 0;7 A * r position 1000 loss 0.25 reflectance -45.5;8 A };9 G };'")
+        QString(
+            "printf '1 G {;1 A {;1 A * n position 7;'; %1 sleep 0.1; %2 sleep 0.1; printf '4 M };5 "
+            "A {;"
+            "6 A * s position 0;7 A * r position 1000 loss 0.25 reflectance -45.5;8 A };9 G };'")
             .arg(kTraceStart, putSnapshot(TraceBuilder().fibre(2_km))));
-    QSignalSpy lists(model.get(), SIGNAL(eventListReady( EventList )));
+    QSignalSpy lists(model.get(), SIGNAL(eventListReady(EventList)));
     ASSERT_EQ(model->start(0), 0);
     ASSERT_TRUE(waitForStop());
     ASSERT_EQ(lists.size(), 1);
@@ -306,8 +311,9 @@ TEST_F(Measurement, SnapshotOutsideARunIsNotAnnounced)
 
 TEST_F(Measurement, ChangeOfTheDirectoryWithoutASnapshotIsOnlyLogged)
 {
-    programs.make("wfgather", "printf '1 G {;'; sleep 0.1; touch /tmp/user/other; sleep 0.2; "
-                              "rm /tmp/user/other; printf '2 G };'");
+    programs.make("wfgather",
+                  "printf '1 G {;'; sleep 0.1; touch /tmp/user/other; sleep 0.2; "
+                  "rm /tmp/user/other; printf '2 G };'");
     ASSERT_EQ(model->start(0), 0);
     ASSERT_TRUE(waitForStop());
     EXPECT_TRUE(logged("no refl file"));
@@ -319,8 +325,9 @@ TEST_F(Measurement, DirectoryRemovedBetweenRunsIsMadeAndWatchedAgain)
     QDir(AcquisitionDir::path()).removeRecursively();
     ASSERT_TRUE(QTest::qWaitFor([] { return !QDir(AcquisitionDir::path()).exists(); }, 1000));
     QTest::qWait(50); // until the watcher knows
-    programs.make("wfgather", QString("printf '1 G {;'; %1 sleep 0.1; %2 sleep 0.2; printf '7 G };'")
-                                  .arg(kTraceStart, putSnapshot(TraceBuilder().fibre(2_km))));
+    programs.make("wfgather",
+                  QString("printf '1 G {;'; %1 sleep 0.1; %2 sleep 0.2; printf '7 G };'")
+                      .arg(kTraceStart, putSnapshot(TraceBuilder().fibre(2_km))));
     ASSERT_EQ(model->start(0), 0);
     ASSERT_TRUE(waitForStop());
     EXPECT_EQ(measured->size(), 1);
@@ -406,11 +413,10 @@ TEST_F(Measurement, TicksReachTheObserversOfTheCard)
     DataProxy proxy;
     card.registerProxy("I", &proxy);
     QVariantMap seen;
-    QObject::connect(&proxy, &DataProxy::updated,
-                     [&](QVariantMap& map, const QString& channel) {
-                         EXPECT_EQ(channel, "I");
-                         seen = map;
-                     });
+    QObject::connect(&proxy, &DataProxy::updated, [&](QVariantMap& map, const QString& channel) {
+        EXPECT_EQ(channel, "I");
+        seen = map;
+    });
     programs.make("wfgather", "printf '1 G {;2 M * RT 3 X 4;3 G };'");
     ASSERT_EQ(model->start(0), 0);
     ASSERT_TRUE(waitForStop());
@@ -420,8 +426,9 @@ TEST_F(Measurement, TicksReachTheObserversOfTheCard)
 TEST_F(Measurement, CardPulledDuringARunStopsItAndIsReportedOnce)
 {
     QSignalSpy lost(model.get(), SIGNAL(cardLost()));
-    programs.make("wfgather", "trap 'printf \"9 G };\"; exit 0' TERM; printf '1 G {;'; "
-                              "while true; do sleep 0.05; done");
+    programs.make("wfgather",
+                  "trap 'printf \"9 G };\"; exit 0' TERM; printf '1 G {;'; "
+                  "while true; do sleep 0.05; done");
     ASSERT_EQ(model->start(0), 0);
     QTest::qWait(200);
     card.unplug();

@@ -1,5 +1,4 @@
 #include "acquisition/otdrmeascontroller.h"
-
 #include "tests/support/fakeprogram.h"
 #include "tests/support/warnings.h"
 
@@ -25,14 +24,15 @@ public:
     explicit GatherListener(OtdrMeasController* controller)
     {
         connect(controller, SIGNAL(started()), SLOT(started()));
-        connect(controller, SIGNAL(trailsPrepared( int )), SLOT(trailsPrepared( int )));
-        connect(controller, SIGNAL(measStarted( int, int, WfMeasParams )),
-                SLOT(measStarted( int, int, WfMeasParams )));
-        connect(controller, SIGNAL(measTick( int, int )), SLOT(measTick( int, int )));
-        connect(controller, SIGNAL(measTick( QVariantMap& )), SLOT(measTick( QVariantMap& )));
-        connect(controller, SIGNAL(measFinished( int )), SLOT(measFinished( int )));
+        connect(controller, SIGNAL(trailsPrepared(int)), SLOT(trailsPrepared(int)));
+        connect(controller,
+                SIGNAL(measStarted(int, int, WfMeasParams)),
+                       SLOT(measStarted(int, int, WfMeasParams)));
+        connect(controller, SIGNAL(measTick(int, int)), SLOT(measTick(int, int)));
+        connect(controller, SIGNAL(measTick(QVariantMap&)), SLOT(measTick(QVariantMap&)));
+        connect(controller, SIGNAL(measFinished(int)), SLOT(measFinished(int)));
         connect(controller, SIGNAL(analisisStarted()), SLOT(analisisStarted()));
-        connect(controller, SIGNAL(wfEventFound( QString )), SLOT(wfEventFound( QString )));
+        connect(controller, SIGNAL(wfEventFound(QString)), SLOT(wfEventFound(QString)));
         connect(controller, SIGNAL(analisisFinished()), SLOT(analisisFinished()));
         connect(controller, SIGNAL(finished()), SLOT(finished()));
         connect(controller, SIGNAL(error()), SLOT(error()));
@@ -43,27 +43,38 @@ public:
     QVariantMap map;
 
 public slots:
+
     void started() { log << "started"; }
+
     void trailsPrepared(int count) { log << QString("prepared %1").arg(count); }
+
     void measStarted(int num, int from, WfMeasParams p)
     {
         log << QString("trace %1/%2").arg(num).arg(from);
         params = p;
     }
+
     void measTick(int rTime, int wavelength)
     {
         log << QString("tick %1 %2").arg(rTime).arg(wavelength);
     }
+
     void measTick(QVariantMap& data)
     {
         log << "map";
         map = data;
     }
+
     void measFinished(int num) { log << QString("trace end %1").arg(num); }
+
     void analisisStarted() { log << "analysis"; }
+
     void wfEventFound(QString event) { log << "event " + event; }
+
     void analisisFinished() { log << "analysis end"; }
+
     void finished() { log << "finished"; }
+
     void error() { log << "error"; }
 };
 
@@ -99,12 +110,13 @@ protected:
 
 TEST_F(Gather, WholeRunBecomesSignalsInOrder)
 {
-    run("1 G {;\n2 C * 3;\n3 M { 1/3 wavelength 1310 duration 15 ior 1.4677 helix 0.5 distance 10000 "
+    run("1 G {;\n2 C * 3;\n3 M { 1/3 wavelength 1310 duration 15 ior 1.4677 helix 0.5 distance "
+        "10000 "
         "pulse 100 rbs -66.3;\n4 M * RT 14;5 M };6 A {;7 A * r position 5;8 A };\n9 G };");
-    EXPECT_EQ(listener.log,
-              QStringList({ "started", "prepared 3", "trace 1/3", "tick 14 1310", "map",
-                            "trace end 1", "analysis", "event r position 5", "analysis end",
-                            "finished", "finished" }));
+    EXPECT_EQ(
+        listener.log,
+        QStringList({"started", "prepared 3", "trace 1/3", "tick 14 1310", "map", "trace end 1",
+                     "analysis", "event r position 5", "analysis end", "finished", "finished"}));
     EXPECT_EQ(listener.params.wavelength, 1310);
     EXPECT_EQ(listener.params.duration, 15);
     EXPECT_EQ(listener.params.ior, 1.4677);
@@ -136,15 +148,15 @@ TEST_F(Gather, TickCarriesItsPairsAsText)
 {
     run("1 M { 1/1 wavelength 1550 duration 1;5 M * RT 7 X 2;");
     EXPECT_TRUE(listener.log.contains("tick 7 1550"));
-    EXPECT_EQ(listener.map, QVariantMap({ { "RT", "7" }, { "X", "2" } }));
+    EXPECT_EQ(listener.map, QVariantMap({{"RT", "7"}, {"X", "2"}}));
     EXPECT_EQ(listener.log.indexOf("map"), listener.log.indexOf("tick 7 1550") + 1);
 }
 
 TEST_F(Gather, TickWithoutRemainingTimeCarriesOnlyTheMap)
 {
     run("5 M * X 2 X 3 odd;");
-    EXPECT_EQ(listener.log, QStringList({ "map", "finished" }));
-    EXPECT_EQ(listener.map, QVariantMap({ { "X", "3" } }));
+    EXPECT_EQ(listener.log, QStringList({"map", "finished"}));
+    EXPECT_EQ(listener.map, QVariantMap({{"X", "3"}}));
 }
 
 TEST_F(Gather, MissingParameterTakesTheFirstRemainingWord)
@@ -168,20 +180,20 @@ TEST_F(Gather, MissingParameterReadsTheFirstWordAsItsNumber)
 TEST_F(Gather, TraceStartWithoutFurtherWordsIsIgnoredAndWithoutParametersReadsZero)
 {
     run("1 M {;2 M { 3/;");
-    EXPECT_EQ(listener.log, QStringList({ "trace 3/0", "finished" }));
+    EXPECT_EQ(listener.log, QStringList({"trace 3/0", "finished"}));
     EXPECT_EQ(listener.params.wavelength, 0);
 }
 
 TEST_F(Gather, ClassAndMarkerAreKnownByTheirFirstCharacter)
 {
     run("1 Gather {start;2 Measurement }end;3 Config *all 2;");
-    EXPECT_EQ(listener.log, QStringList({ "started", "trace end 0", "prepared 2", "finished" }));
+    EXPECT_EQ(listener.log, QStringList({"started", "trace end 0", "prepared 2", "finished"}));
 }
 
 TEST_F(Gather, MalformedMessagesAreDropped)
 {
     run("alone;;; ;\n\r;1 X {;2 G;3 M;4 A;5 C;6 G ?;7 M ?;8 A ?;9 C {;");
-    EXPECT_EQ(listener.log, QStringList({ "finished" }));
+    EXPECT_EQ(listener.log, QStringList({"finished"}));
 }
 
 TEST_F(Gather, TextEndsAtTheFirstZeroByte)
@@ -189,7 +201,7 @@ TEST_F(Gather, TextEndsAtTheFirstZeroByte)
     programs.make("wfgather", "printf '1 G {;\\0002 A {;'");
     ASSERT_EQ(controller.start(), 0);
     waitForEnd();
-    EXPECT_EQ(listener.log, QStringList({ "started", "finished" }));
+    EXPECT_EQ(listener.log, QStringList({"started", "finished"}));
 }
 
 TEST_F(Gather, MessageCutByAReadIsTwoFragments)
@@ -204,10 +216,11 @@ TEST_F(Gather, MessageCutByAReadIsTwoFragments)
 TEST_F(Gather, OneByteAtATimeIsDroppedAndNeverJoined)
 {
     programs.make("wfgather",
-                  "for c in 1 ' ' G ' ' '{' ';' 2 ' ' A ' ' '{' ';'; do printf '%s' \"$c\"; sleep 0.05; done");
+                  "for c in 1 ' ' G ' ' '{' ';' 2 ' ' A ' ' '{' ';'; do printf '%s' \"$c\"; sleep "
+                  "0.05; done");
     ASSERT_EQ(controller.start(), 0);
     waitForEnd();
-    EXPECT_EQ(listener.log, QStringList({ "finished" }));
+    EXPECT_EQ(listener.log, QStringList({"finished"}));
 }
 
 TEST_F(Gather, GarbageDoesNoHarm)
@@ -224,7 +237,7 @@ TEST_F(Gather, MissingProgramFailsTheStart)
     expectWarning("int OtdrMeasController::start()");
     EXPECT_EQ(controller.start(), -1);
     EXPECT_FALSE(controller.running());
-    EXPECT_EQ(listener.log, QStringList({ "error", "finished" }));
+    EXPECT_EQ(listener.log, QStringList({"error", "finished"}));
 }
 
 TEST_F(Gather, ProgramThatDiesIsAnErrorAndAnEnd)
@@ -234,14 +247,15 @@ TEST_F(Gather, ProgramThatDiesIsAnErrorAndAnEnd)
     EXPECT_TRUE(controller.running());
     expectWarning("void OtdrMeasController::onError(QProcess::ProcessError)");
     ASSERT_TRUE(QTest::qWaitFor([&] { return listener.log.contains("finished"); }, 5000));
-    EXPECT_EQ(listener.log, QStringList({ "started", "error", "finished" }));
+    EXPECT_EQ(listener.log, QStringList({"started", "error", "finished"}));
     EXPECT_FALSE(controller.running());
 }
 
 TEST_F(Gather, StopAsksTheProgramToEnd)
 {
-    programs.make("wfgather", "trap 'printf \"2 G };\"; exit 0' TERM; printf '1 G {;'; "
-                              "while true; do sleep 0.05; done");
+    programs.make("wfgather",
+                  "trap 'printf \"2 G };\"; exit 0' TERM; printf '1 G {;'; "
+                  "while true; do sleep 0.05; done");
     ASSERT_EQ(controller.start(), 0);
     ASSERT_TRUE(QTest::qWaitFor([&] { return listener.log.contains("started"); }, 5000));
     controller.stop();

@@ -12,6 +12,7 @@
 #include <QtTest>
 
 #include <gmock/gmock.h>
+
 #include <memory>
 
 namespace {
@@ -29,11 +30,11 @@ public:
         : busy_ms(busy_ms)
     {
         connect(model, SIGNAL(measStarted()), SLOT(traceStarted()));
-        connect(model, SIGNAL(measured( QString, WfMeasParams )),
-                SLOT(measured( QString, WfMeasParams )));
+        connect(model,
+                SIGNAL(measured(QString, WfMeasParams)), SLOT(measured(QString, WfMeasParams)));
         connect(model, SIGNAL(measFinished()), SLOT(traceFinished()));
         connect(model, SIGNAL(analisisStarted()), SLOT(analysisStarted()));
-        connect(model, SIGNAL(eventListReady( EventList )), SLOT(analysisFinished()));
+        connect(model, SIGNAL(eventListReady(EventList)), SLOT(analysisFinished()));
     }
 
     /// Runs of the same step are one.
@@ -42,7 +43,9 @@ public:
     QList<int> wavelengths;
 
 public slots:
+
     void traceStarted() { note("start"); }
+
     void measured(QString file, WfMeasParams p)
     {
         const Reflectogram refl(file, p);
@@ -51,8 +54,11 @@ public slots:
         params << p;
         note("snapshot");
     }
+
     void traceFinished() { note("end"); }
+
     void analysisStarted() { note("analysis"); }
+
     void analysisFinished() { note("events"); }
 
 private:
@@ -90,7 +96,7 @@ protected:
     {
         model = std::make_unique<Model>(&card);
         recorder = std::make_unique<RunRecorder>(model.get(), busy_ms);
-        QSignalSpy stopped(model.get(), SIGNAL(stopped( MeasModel* )));
+        QSignalSpy stopped(model.get(), SIGNAL(stopped(MeasModel*)));
         ASSERT_EQ(model->start(0), 0);
         QThread::msleep(busy_ms);
         ASSERT_TRUE(QTest::qWaitFor([&] { return !stopped.isEmpty(); }, 30'000));
@@ -105,7 +111,7 @@ protected:
     std::unique_ptr<RunRecorder> recorder;
 };
 
-const QStringList kOneTrace { "start", "snapshot", "end", "analysis", "events" };
+const QStringList kOneTrace {"start", "snapshot", "end", "analysis", "events"};
 
 TEST_F(RealGather, TraceStartSnapshotAndEndComeInOrder)
 {
@@ -126,7 +132,7 @@ TEST_F(RealGather, OrderHoldsWhileTheGuiIsBusyFor300Milliseconds)
 TEST_F(RealGather, BothWavelengthsComeInOrderEachWithItsAnalysis)
 {
     set("MeasParams", "wavelength", "all");
-    for (const unsigned long busy_ms : { 0UL, 300UL }) {
+    for (const unsigned long busy_ms : {0UL, 300UL}) {
         run(busy_ms);
         EXPECT_EQ(recorder->steps, kOneTrace + kOneTrace);
         ASSERT_FALSE(recorder->wavelengths.isEmpty());
@@ -148,8 +154,8 @@ TEST_F(RealGather, RealtimeRunsUntilItIsStopped)
     set("Simulation", "timeScale", 1);
     model = std::make_unique<Model>(&card);
     recorder = std::make_unique<RunRecorder>(model.get(), 0);
-    QSignalSpy stopped(model.get(), SIGNAL(stopped( MeasModel* )));
-    QSignalSpy ticks(model.get(), SIGNAL(measTick( int, int )));
+    QSignalSpy stopped(model.get(), SIGNAL(stopped(MeasModel*)));
+    QSignalSpy ticks(model.get(), SIGNAL(measTick(int, int)));
     ASSERT_EQ(model->start(0), 0);
     ASSERT_TRUE(QTest::qWaitFor([&] { return recorder->params.size() >= 3; }, 10'000));
     ASSERT_FALSE(ticks.isEmpty());
@@ -167,7 +173,7 @@ TEST_F(RealGather, StopInTheMiddleEndsTheTraceProperly)
     set("Simulation", "timeScale", 0.2);
     model = std::make_unique<Model>(&card);
     recorder = std::make_unique<RunRecorder>(model.get(), 0);
-    QSignalSpy stopped(model.get(), SIGNAL(stopped( MeasModel* )));
+    QSignalSpy stopped(model.get(), SIGNAL(stopped(MeasModel*)));
     ASSERT_EQ(model->start(0), 0);
     ASSERT_TRUE(QTest::qWaitFor([&] { return recorder->params.size() >= 2; }, 10'000));
     model->stop(QString());
@@ -182,7 +188,7 @@ TEST_F(RealGather, DirectoryRemovedAndMadeAgainIsWatchedByTheNextRun)
     QDir(AcquisitionDir::path()).removeRecursively();
     QCoreApplication::processEvents();
     QDir().mkpath(AcquisitionDir::path());
-    QSignalSpy stopped(model.get(), SIGNAL(stopped( MeasModel* )));
+    QSignalSpy stopped(model.get(), SIGNAL(stopped(MeasModel*)));
     recorder->steps.clear();
     ASSERT_EQ(model->start(0), 0);
     ASSERT_TRUE(QTest::qWaitFor([&] { return !stopped.isEmpty(); }, 30'000));

@@ -1,12 +1,12 @@
 #include "platform/otdr/wf_packet_header.h"
-
 #include "tests/support/warnings.h"
 
 #include <QFile>
 #include <QTemporaryDir>
 
-#include <cstring>
 #include <gmock/gmock.h>
+
+#include <cstring>
 
 namespace {
 

@@ -1,5 +1,4 @@
 #include "app/environment.h"
-
 #include "tests/support/acquisitiondir.h"
 
 #include <QDir>

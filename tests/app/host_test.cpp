@@ -1,8 +1,7 @@
 // The host with the real plugin and the real acquisition program, in one process with the test.
 
-#include "app/host.h"
-
 #include "app/frame.h"
+#include "app/host.h"
 #include "platform/launcher/abstractkeeper.h"
 #include "platform/launcher/measmodel.h"
 #include "platform/launcher/measwindow.h"
@@ -20,8 +19,9 @@
 #include <QThreadPool>
 #include <QtTest>
 
-#include <atomic>
 #include <gmock/gmock.h>
+
+#include <atomic>
 #include <memory>
 
 namespace {
@@ -38,6 +38,7 @@ public:
     }
 
     std::optional<QString> askName(const QString& /*proposed*/) override { return name; }
+
     bool askOverwrite(const QString& /*name*/) override { return true; }
 
 private:
@@ -66,7 +67,7 @@ protected:
 
     void load()
     {
-        expectWarning("No such slot Waveform::Window::rescalePlot( )"); // is not to take
+        expectWarning("No such slot Waveform::Window::rescalePlot("); // is not to take
         host = std::make_unique<Host>();
         ASSERT_EQ(host->load(), "");
         host->frame()->resize(800, 480);
@@ -86,7 +87,7 @@ protected:
 
     bool measure()
     {
-        QSignalSpy stopped(host->model(), SIGNAL(stopped( MeasModel* )));
+        QSignalSpy stopped(host->model(), SIGNAL(stopped(MeasModel*)));
         QTest::mouseClick(action(), Qt::LeftButton);
         return QTest::qWaitFor([&] { return !stopped.isEmpty(); }, 30'000);
     }
@@ -112,9 +113,9 @@ TEST_F(Hosting, ButtonsFollowTheKeeper)
     load();
     EXPECT_TRUE(button("loadButton")->isEnabled());
     EXPECT_FALSE(button("saveButton")->isEnabled());
-    EXPECT_TRUE(host->open({ files.write("a.sor", SorSketch::plain()) }).isEmpty());
+    EXPECT_TRUE(host->open({files.write("a.sor", SorSketch::plain())}).isEmpty());
     EXPECT_TRUE(button("saveButton")->isEnabled());
-    for (const char* name : { "loadButton", "saveButton" }) {
+    for (const char* name : {"loadButton", "saveButton"}) {
         EXPECT_GE(button(name)->height(), 44) << name;
     }
 }
@@ -122,8 +123,8 @@ TEST_F(Hosting, ButtonsFollowTheKeeper)
 TEST_F(Hosting, FileThatIsNoTraceIsNamedWithItsReasonAndTheOthersOpen)
 {
     load();
-    const QStringList problems
-        = host->open({ files.path("missing.sor"), files.write("a.sor", SorSketch::plain()) });
+    const QStringList problems =
+        host->open({files.path("missing.sor"), files.write("a.sor", SorSketch::plain())});
     ASSERT_EQ(problems.size(), 1);
     EXPECT_TRUE(problems.first().contains("missing.sor"));
     EXPECT_TRUE(button("saveButton")->isEnabled());
@@ -144,11 +145,11 @@ TEST_F(Hosting, MeasuresAndSavesAtTheTouchOfTwoButtons)
 TEST_F(Hosting, NameThatLeadsElsewhereStaysInTheStorageDirectory)
 {
     load();
-    ASSERT_TRUE(host->open({ files.write("a.sor", SorSketch::plain()) }).isEmpty());
+    ASSERT_TRUE(host->open({files.write("a.sor", SorSketch::plain())}).isEmpty());
     host->keeper()->setNamePrompt(std::make_unique<Answer>("../../outside"));
     QTest::mouseClick(button("saveButton"), Qt::LeftButton);
     EXPECT_FALSE(QFile::exists(files.path("outside.sor")));
-    EXPECT_EQ(QDir(files.path("home/otdr")).entryList({ "*.sor" }).size(), 1);
+    EXPECT_EQ(QDir(files.path("home/otdr")).entryList({"*.sor"}).size(), 1);
 }
 
 TEST_F(Hosting, LoadAndSaveAreOffDuringARun)
@@ -158,9 +159,9 @@ TEST_F(Hosting, LoadAndSaveAreOffDuringARun)
     load();
     QTest::mouseClick(action(), Qt::LeftButton);
     EXPECT_FALSE(button("loadButton")->isEnabled());
-    QSignalSpy stopped(host->model(), SIGNAL(stopped( MeasModel* )));
-    ASSERT_TRUE(QTest::qWaitFor([this] { return action()->isEnabled() && action()->text() != "Stop"; },
-                                10'000));
+    QSignalSpy stopped(host->model(), SIGNAL(stopped(MeasModel*)));
+    ASSERT_TRUE(QTest::qWaitFor(
+        [this] { return action()->isEnabled() && action()->text() != "Stop"; }, 10'000));
     QTest::mouseClick(action(), Qt::LeftButton);
     ASSERT_TRUE(QTest::qWaitFor([&] { return !stopped.isEmpty(); }, 10'000));
     EXPECT_TRUE(button("loadButton")->isEnabled());
@@ -215,6 +216,7 @@ public:
         stillOpen = window->isVisible();
         return "last";
     }
+
     bool askOverwrite(const QString& /*name*/) override { return true; }
 
     static bool stillOpen;
@@ -228,7 +230,7 @@ bool ClosingPrompt::stillOpen = false;
 TEST_F(Hosting, ClosingWaitsForASaveUnderWay)
 {
     load();
-    ASSERT_TRUE(host->open({ files.write("a.sor", SorSketch::plain()) }).isEmpty());
+    ASSERT_TRUE(host->open({files.write("a.sor", SorSketch::plain())}).isEmpty());
     host->keeper()->setNamePrompt(std::make_unique<ClosingPrompt>(host->frame()));
     QTest::mouseClick(button("saveButton"), Qt::LeftButton);
     EXPECT_TRUE(ClosingPrompt::stillOpen);

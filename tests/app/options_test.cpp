@@ -38,31 +38,30 @@ QVariant overridden(const Options& options, const QString& section, const QStrin
 
 TEST(CommandLine, FilesAreOpenedInTheirOrder)
 {
-    EXPECT_EQ(good({ "b.sor", "a.sor" }).files, QStringList({ "b.sor", "a.sor" }));
+    EXPECT_EQ(good({"b.sor", "a.sor"}).files, QStringList({"b.sor", "a.sor"}));
     EXPECT_TRUE(good({}).files.isEmpty());
 }
 
 TEST(CommandLine, ScreenshotHasAFileAndASize)
 {
-    const Options options = good({ "--screenshot", "x.png", "--size", "800x480", "a.sor" });
+    const Options options = good({"--screenshot", "x.png", "--size", "800x480", "a.sor"});
     EXPECT_EQ(options.screenshot, "x.png");
     EXPECT_EQ(options.size, QSize(800, 480));
-    EXPECT_EQ(good({ "--screenshot", "x.png", "a.sor" }).size, QSize(1280, 800));
+    EXPECT_EQ(good({"--screenshot", "x.png", "a.sor"}).size, QSize(1280, 800));
 }
 
 TEST(CommandLine, ConfigurationIsSetForThisRun)
 {
-    const Options options
-        = good({ "--seed", "7", "--time-scale", "0", "--duration", "30", "--pulse", "1000",
-                 "--distance", "5000", "--wavelength", "1550" });
+    const Options options = good({"--seed", "7", "--time-scale", "0", "--duration", "30", "--pulse",
+                                  "1000", "--distance", "5000", "--wavelength", "1550"});
     EXPECT_EQ(overridden(options, "Simulation", "seed"), QVariant(7));
     EXPECT_EQ(overridden(options, "Simulation", "timeScale"), QVariant(0.0));
     EXPECT_EQ(overridden(options, "MeasParams", "duration"), QVariant(30));
-    EXPECT_EQ(overridden(good({ "--duration", "0" }), "MeasParams", "duration"), QVariant(0));
+    EXPECT_EQ(overridden(good({"--duration", "0"}), "MeasParams", "duration"), QVariant(0));
     EXPECT_EQ(overridden(options, "MeasParams", "pulse"), QVariant(1000));
     EXPECT_EQ(overridden(options, "MeasParams", "distance"), QVariant(5000));
     EXPECT_EQ(overridden(options, "MeasParams", "wavelength"), QVariant(1550));
-    EXPECT_EQ(overridden(good({ "--wavelength", "all" }), "MeasParams", "wavelength"),
+    EXPECT_EQ(overridden(good({"--wavelength", "all"}), "MeasParams", "wavelength"),
               QVariant("all"));
 }
 
@@ -70,7 +69,7 @@ TEST(CommandLine, FibreAndReplayNameFilesByTheirWholePath)
 {
     QTemporaryFile file;
     ASSERT_TRUE(file.open());
-    const Options options = good({ "--fibre", file.fileName(), "--replay", file.fileName() });
+    const Options options = good({"--fibre", file.fileName(), "--replay", file.fileName()});
     EXPECT_EQ(overridden(options, "Simulation", "fibre"), QVariant(file.fileName()));
     EXPECT_EQ(overridden(options, "Simulation", "replay"), QVariant(file.fileName()));
 }
@@ -78,28 +77,28 @@ TEST(CommandLine, FibreAndReplayNameFilesByTheirWholePath)
 TEST(CommandLine, WrongUseIsRefusedWithOneLineAndCodeTwo)
 {
     for (const QStringList& wrong : QList<QStringList> {
-             { "--nonsense" },
-             { "--seed", "x" },
-             { "--seed", "-1" },
-             { "--seed", "1.5" },
-             { "--pulse", "0" },
-             { "--pulse", "nan" },
-             { "--time-scale", "inf" },
-             { "--duration", "1e99" },
-             { "--wavelength", "blue" },
-             { "--wavelength", "12" },
-             { "--size", "800" },
-             { "--size", "0x0" },
-             { "--size", "800x480x2" },
-             { "--size", "99999x99999" },
-             { "--screenshot", "x.png" },
-             { "--screenshot", "" },
-             { "--screenshot", "", "a.sor" },
-             { "--demo", "" },
-             { "--demo", "d", "--duration", "0" },
-             { "--demo", "d", "--screenshot", "x.png", "a.sor" },
-             { "--fibre", "/no/such/file" },
-             { "--replay", "/tmp" },
+             {"--nonsense"},
+             {"--seed", "x"},
+             {"--seed", "-1"},
+             {"--seed", "1.5"},
+             {"--pulse", "0"},
+             {"--pulse", "nan"},
+             {"--time-scale", "inf"},
+             {"--duration", "1e99"},
+             {"--wavelength", "blue"},
+             {"--wavelength", "12"},
+             {"--size", "800"},
+             {"--size", "0x0"},
+             {"--size", "800x480x2"},
+             {"--size", "99999x99999"},
+             {"--screenshot", "x.png"},
+             {"--screenshot", ""},
+             {"--screenshot", "", "a.sor"},
+             {"--demo", ""},
+             {"--demo", "d", "--duration", "0"},
+             {"--demo", "d", "--screenshot", "x.png", "a.sor"},
+             {"--fibre", "/no/such/file"},
+             {"--replay", "/tmp"},
          }) {
         const OptionsText text = refused(wrong);
         EXPECT_EQ(text.exitCode, 2) << qPrintable(wrong.join(' '));
@@ -109,14 +108,14 @@ TEST(CommandLine, WrongUseIsRefusedWithOneLineAndCodeTwo)
 
 TEST(CommandLine, HelpNamesEveryOptionAndSucceeds)
 {
-    const OptionsText help = refused({ "--help" });
+    const OptionsText help = refused({"--help"});
     EXPECT_EQ(help.exitCode, 0);
-    for (const char* option : { "--demo", "--screenshot", "--size", "--fibre", "--replay", "--seed",
-                                "--time-scale", "--duration", "--pulse", "--distance",
-                                "--wavelength", "--version" }) {
+    for (const char* option :
+         {"--demo", "--screenshot", "--size", "--fibre", "--replay", "--seed", "--time-scale",
+          "--duration", "--pulse", "--distance", "--wavelength", "--version"}) {
         EXPECT_TRUE(help.text.contains(option)) << option;
     }
-    EXPECT_EQ(refused({ "--version" }).exitCode, 0);
+    EXPECT_EQ(refused({"--version"}).exitCode, 0);
 }
 
 } // namespace

@@ -38,8 +38,8 @@ protected:
         process.setProcessEnvironment(environment);
         process.start(program(), arguments);
         EXPECT_TRUE(process.waitForFinished(90'000));
-        return { process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
-                 process.readAllStandardOutput(), process.readAllStandardError() };
+        return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
+                process.readAllStandardOutput(), process.readAllStandardError()};
     }
 
     const AcquisitionDir directory;
@@ -50,9 +50,9 @@ protected:
 TEST_F(Application, TakesAScreenshotOfATraceInTheSizeAskedFor)
 {
     const QString picture = dir.filePath("picture.png");
-    for (const QString& size : { QString("800x480"), QString("1280x800") }) {
-        const Outcome outcome = run({ "--screenshot", picture, "--size", size,
-                                      files.write("a.sor", SorSketch::plain()) });
+    for (const QString& size : {QString("800x480"), QString("1280x800")}) {
+        const Outcome outcome = run(
+            {"--screenshot", picture, "--size", size, files.write("a.sor", SorSketch::plain())});
         EXPECT_EQ(outcome.code, 0) << qPrintable(outcome.err);
         EXPECT_EQ(outcome.err, "");
         const QImage image(picture);
@@ -63,7 +63,7 @@ TEST_F(Application, TakesAScreenshotOfATraceInTheSizeAskedFor)
 TEST_F(Application, ScreenshotShowsTheTrace)
 {
     const QString with = dir.filePath("with.png");
-    ASSERT_EQ(run({ "--screenshot", with, files.write("a.sor", SorSketch::plain()) }).code, 0);
+    ASSERT_EQ(run({"--screenshot", with, files.write("a.sor", SorSketch::plain())}).code, 0);
     const QImage image(with);
     int blue = 0;
     for (int x = 0; x < image.width(); ++x) {
@@ -76,7 +76,7 @@ TEST_F(Application, ScreenshotShowsTheTrace)
 TEST_F(Application, FileThatIsNoTraceIsOneClearLine)
 {
     const QString picture = dir.filePath("picture.png");
-    const Outcome outcome = run({ "--screenshot", picture, dir.filePath("missing.sor") });
+    const Outcome outcome = run({"--screenshot", picture, dir.filePath("missing.sor")});
     EXPECT_EQ(outcome.code, 1);
     EXPECT_EQ(outcome.err.count('\n'), 1) << qPrintable(outcome.err);
     EXPECT_EQ(outcome.err.count("missing.sor"), 1) << qPrintable(outcome.err);
@@ -86,7 +86,7 @@ TEST_F(Application, FileThatIsNoTraceIsOneClearLine)
 TEST_F(Application, DemoMeasuresSavesAndLeavesAPicture)
 {
     const QString demo = dir.filePath("demo");
-    const Outcome outcome = run({ "--demo", demo, "--time-scale", "0", "--seed", "1" });
+    const Outcome outcome = run({"--demo", demo, "--time-scale", "0", "--seed", "1"});
     ASSERT_EQ(outcome.code, 0) << qPrintable(outcome.err);
     EXPECT_EQ(outcome.err, "");
     const Reflectogram refl(demo + "/demo.sor");
@@ -102,7 +102,7 @@ TEST_F(Application, SameSeedMeasuresTheSameTrace)
 {
     const auto samples = [this](const QString& name, const QString& seed) {
         const QString demo = dir.filePath(name);
-        EXPECT_EQ(run({ "--demo", demo, "--time-scale", "0", "--seed", seed }).code, 0);
+        EXPECT_EQ(run({"--demo", demo, "--time-scale", "0", "--seed", seed}).code, 0);
         return Reflectogram(demo + "/demo.sor").trace()->samples();
     };
     const auto first = samples("one", "5");
@@ -113,14 +113,14 @@ TEST_F(Application, SameSeedMeasuresTheSameTrace)
 TEST_F(Application, DemoOfBothWavelengthsSavesBoth)
 {
     const QString demo = dir.filePath("demo");
-    ASSERT_EQ(run({ "--demo", demo, "--time-scale", "0", "--wavelength", "all" }).code, 0);
+    ASSERT_EQ(run({"--demo", demo, "--time-scale", "0", "--wavelength", "all"}).code, 0);
     EXPECT_EQ(Reflectogram(demo + "/demo_1310nm.sor").wavelength(), 1310);
     EXPECT_EQ(Reflectogram(demo + "/demo_1550nm.sor").wavelength(), 1550);
 }
 
 TEST_F(Application, DemoWithoutTheAcquisitionProgramFailsWithWords)
 {
-    const Outcome outcome = run({ "--demo", dir.filePath("demo") }, dir.filePath("nowhere"));
+    const Outcome outcome = run({"--demo", dir.filePath("demo")}, dir.filePath("nowhere"));
     EXPECT_EQ(outcome.code, 1);
     EXPECT_TRUE(outcome.err.contains("waveform: ")) << qPrintable(outcome.err);
 }
@@ -128,16 +128,16 @@ TEST_F(Application, DemoWithoutTheAcquisitionProgramFailsWithWords)
 TEST_F(Application, DemoTellsWhyTheAcquisitionProgramFailed)
 {
     const QString junk = files.write("junk.sor", Bytes(100));
-    const Outcome outcome = run({ "--demo", dir.filePath("demo"), "--replay", junk });
+    const Outcome outcome = run({"--demo", dir.filePath("demo"), "--replay", junk});
     EXPECT_EQ(outcome.code, 1);
     EXPECT_TRUE(outcome.err.contains("junk.sor")) << qPrintable(outcome.err);
 }
 
 TEST_F(Application, WrongCommandLineIsCodeTwo)
 {
-    EXPECT_EQ(run({ "--nonsense" }).code, 2);
-    EXPECT_EQ(run({ "--help" }).code, 0);
-    EXPECT_TRUE(run({ "--version" }).out.startsWith("waveform "));
+    EXPECT_EQ(run({"--nonsense"}).code, 2);
+    EXPECT_EQ(run({"--help"}).code, 0);
+    EXPECT_TRUE(run({"--version"}).out.startsWith("waveform "));
 }
 
 } // namespace

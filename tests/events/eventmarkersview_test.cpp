@@ -1,5 +1,4 @@
 #include "events/eventmarkersview.h"
-
 #include "plot/plot.h"
 #include "plot/reflcurve.h"
 #include "tests/support/paintcounter.h"
@@ -13,8 +12,9 @@
 #include <QStandardItemModel>
 #include <QtTest>
 
-#include <functional>
 #include <gmock/gmock.h>
+
+#include <functional>
 #include <memory>
 
 namespace {
@@ -33,7 +33,7 @@ class EventTicks : public testing::Test
 protected:
     EventTicks()
         : refl(files.plain())
-        , curve({ 0.0, 5000.0, 10000 }, refl, Qt::darkBlue)
+        , curve({0.0, 5000.0, 10000}, refl, Qt::darkBlue)
         , view(std::make_unique<EventMarkersView>(nullptr))
         , table(5, 1)
         , selection(&table)
@@ -83,7 +83,10 @@ protected:
         return nullptr;
     }
 
-    void choose(int row) { selection.setCurrentIndex(table.index(row, 0), QItemSelectionModel::Select); }
+    void choose(int row)
+    {
+        selection.setCurrentIndex(table.index(row, 0), QItemSelectionModel::Select);
+    }
 
     TraceFiles files;
     Reflectogram refl;
@@ -96,8 +99,8 @@ protected:
 
 TEST_F(EventTicks, StandOnTheLineAtTheirEvents)
 {
-    show({ eventAt(Event::SpanStart, 0), eventAt(Event::NonReflective, 1000),
-           eventAt(Event::SpanEnd, 3000) });
+    show({eventAt(Event::SpanStart, 0), eventAt(Event::NonReflective, 1000),
+          eventAt(Event::SpanEnd, 3000)});
     ASSERT_EQ(ticks().size(), 3);
     for (const QwtPlotMarker* tick : ticks()) {
         EXPECT_NEAR(tick->yValue(), refl.powerAtDist(tick->xValue()), 1e-4);
@@ -111,8 +114,8 @@ TEST_F(EventTicks, StandOnTheLineAtTheirEvents)
 
 TEST_F(EventTicks, EventBetweenDrawnSamplesStandsOnTheOneBefore)
 {
-    curve.scale({ 0.0, 5000.0, 40 }, false);
-    show({ eventAt(Event::NonReflective, 1234) });
+    curve.scale({0.0, 5000.0, 40}, false);
+    show({eventAt(Event::NonReflective, 1234)});
     const double distance = refl.smpl2dist(1234.0);
     ASSERT_EQ(ticks().size(), 1);
     const double x = ticks()[0]->xValue();
@@ -126,17 +129,17 @@ TEST_F(EventTicks, EventBetweenDrawnSamplesStandsOnTheOneBefore)
 
 TEST_F(EventTicks, EventOnADrawnSampleStandsThereWithinACentimetre)
 {
-    show({ eventAt(Event::NonReflective, 500) });
+    show({eventAt(Event::NonReflective, 500)});
     EXPECT_DOUBLE_EQ(ticks()[0]->xValue(), curve.sample(500).x());
     const double step = refl.smpl2dist(1.0);
-    curve.scale({ 499.9 * step, 600.0 * step, 1000 }, false);
+    curve.scale({499.9 * step, 600.0 * step, 1000}, false);
     view->placeMarkers();
     EXPECT_DOUBLE_EQ(ticks()[0]->xValue(), curve.sample(0).x());
 }
 
 TEST_F(EventTicks, EventAHairBeforeADrawnSampleStandsOnItFromACentimetreOn)
 {
-    show({ eventAt(Event::NonReflective, 500) });
+    show({eventAt(Event::NonReflective, 500)});
     const double x = curve.sample(500).x();
     const double ior = refl.IOR();
     refl.setIOR(ior * x / (x - 0.009)); // the curve is drawn as it was
@@ -149,27 +152,26 @@ TEST_F(EventTicks, EventAHairBeforeADrawnSampleStandsOnItFromACentimetreOn)
 
 TEST_F(EventTicks, EventBeyondTheLastDrawnSampleStandsOnThat)
 {
-    show({ eventAt(Event::SpanEnd, 999999) });
+    show({eventAt(Event::SpanEnd, 999999)});
     EXPECT_DOUBLE_EQ(ticks()[0]->xValue(), refl.maxdist());
 }
 
 TEST_F(EventTicks, EventBeforeTheFirstDrawnSampleStandsOnThat)
 {
-    curve.scale({ 1000.0, 2000.0, 10000 }, false);
-    show({ eventAt(Event::SpanStart, 0) });
+    curve.scale({1000.0, 2000.0, 10000}, false);
+    show({eventAt(Event::SpanStart, 0)});
     EXPECT_DOUBLE_EQ(ticks()[0]->xValue(), curve.sample(0).x());
 }
 
 TEST_F(EventTicks, FibreSectionsHaveNone)
 {
-    show({ eventAt(Event::SpanStart, 0), eventAt(Event::Fiber, 0),
-           eventAt(Event::SpanEnd, 3000) });
+    show({eventAt(Event::SpanStart, 0), eventAt(Event::Fiber, 0), eventAt(Event::SpanEnd, 3000)});
     EXPECT_EQ(ticks().size(), 2);
 }
 
 TEST_F(EventTicks, AreHiddenUntilShown)
 {
-    show({ eventAt(Event::SpanEnd, 3000) });
+    show({eventAt(Event::SpanEnd, 3000)});
     EXPECT_FALSE(ticks()[0]->isVisible());
     view->setVisible(true);
     EXPECT_TRUE(ticks()[0]->isVisible());
@@ -181,27 +183,27 @@ TEST_F(EventTicks, AreHiddenUntilShown)
 
 TEST_F(EventTicks, CurrentEventCrossesTheCanvas)
 {
-    show({ eventAt(Event::SpanStart, 0), eventAt(Event::NonReflective, 1000),
-           eventAt(Event::SpanEnd, 3000) });
+    show({eventAt(Event::SpanStart, 0), eventAt(Event::NonReflective, 1000),
+          eventAt(Event::SpanEnd, 3000)});
     choose(1);
-    EXPECT_EQ(heights(), QList<int>({ 100, 1000, 100 }));
+    EXPECT_EQ(heights(), QList<int>({100, 1000, 100}));
     choose(2);
-    EXPECT_EQ(heights(), QList<int>({ 100, 100, 1000 }));
+    EXPECT_EQ(heights(), QList<int>({100, 100, 1000}));
     view->clear();
     EXPECT_TRUE(ticks().isEmpty());
     view->placeMarkers();
-    EXPECT_EQ(heights(), QList<int>({ 100, 100, 100 })) << "none is current any more";
+    EXPECT_EQ(heights(), QList<int>({100, 100, 100})) << "none is current any more";
 }
 
 TEST_F(EventTicks, SelectionThatWasTakenAwayIsNotFollowed)
 {
-    show({ eventAt(Event::SpanStart, 0), eventAt(Event::SpanEnd, 3000) });
+    show({eventAt(Event::SpanStart, 0), eventAt(Event::SpanEnd, 3000)});
     QItemSelectionModel other(&table);
     view->setSelectionModel(&other);
     choose(1);
-    EXPECT_EQ(heights(), QList<int>({ 100, 100 }));
+    EXPECT_EQ(heights(), QList<int>({100, 100}));
     other.setCurrentIndex(table.index(1, 0), QItemSelectionModel::Select);
-    EXPECT_EQ(heights(), QList<int>({ 100, 1000 }));
+    EXPECT_EQ(heights(), QList<int>({100, 1000}));
     view->setSelectionModel(nullptr);
 }
 
@@ -211,7 +213,7 @@ TEST_F(EventTicks, ChoiceAndPlacingOnDemandArePainted)
     plot.show();
     testing_support::PaintCounter item;
     item.attach(&plot);
-    show({ eventAt(Event::SpanStart, 0), eventAt(Event::SpanEnd, 3000) });
+    show({eventAt(Event::SpanStart, 0), eventAt(Event::SpanEnd, 3000)});
     const auto isPainted = [&](const std::function<void()>& deed) {
         plot.replot();
         QCoreApplication::processEvents();
@@ -229,18 +231,17 @@ TEST_F(EventTicks, ChoiceAndPlacingOnDemandArePainted)
 
 TEST_F(EventTicks, CurrentEventKeepsItsTallTickWhenTheCurveIsSampledAnew)
 {
-    show({ eventAt(Event::SpanStart, 0), eventAt(Event::NonReflective, 1000) });
+    show({eventAt(Event::SpanStart, 0), eventAt(Event::NonReflective, 1000)});
     choose(1);
-    curve.scale({ 0.0, 2000.0, 50 });
-    EXPECT_EQ(heights(), QList<int>({ 100, 1000 }));
+    curve.scale({0.0, 2000.0, 50});
+    EXPECT_EQ(heights(), QList<int>({100, 1000}));
     ASSERT_EQ(ticks().size(), 2);
     EXPECT_NEAR(ticks()[1]->yValue(), refl.powerAtDist(ticks()[1]->xValue()), 1e-4);
 }
 
 TEST_F(EventTicks, FibreSectionIsABandBetweenItsNeighbours)
 {
-    show({ eventAt(Event::SpanStart, 0), eventAt(Event::Fiber, 0),
-           eventAt(Event::SpanEnd, 3000) });
+    show({eventAt(Event::SpanStart, 0), eventAt(Event::Fiber, 0), eventAt(Event::SpanEnd, 3000)});
     EXPECT_EQ(band(), nullptr);
     choose(1);
     ASSERT_NE(band(), nullptr);
@@ -250,15 +251,14 @@ TEST_F(EventTicks, FibreSectionIsABandBetweenItsNeighbours)
     EXPECT_EQ(band()->pen().color().blue(), QColor(Qt::darkBlue).blue());
     EXPECT_EQ(band()->sample(0), ticks()[0]->value());
     EXPECT_EQ(band()->sample(static_cast<int>(band()->dataSize()) - 1), ticks()[1]->value());
-    EXPECT_EQ(heights(), QList<int>({ 100, 100 }));
+    EXPECT_EQ(heights(), QList<int>({100, 100}));
     choose(0);
     EXPECT_EQ(band(), nullptr);
 }
 
 TEST_F(EventTicks, FibreSectionAtAnEndOfTheListHasNoBand)
 {
-    show({ eventAt(Event::Fiber, 0), eventAt(Event::NonReflective, 1000),
-           eventAt(Event::Fiber, 0) });
+    show({eventAt(Event::Fiber, 0), eventAt(Event::NonReflective, 1000), eventAt(Event::Fiber, 0)});
     choose(0);
     EXPECT_EQ(band(), nullptr);
     choose(2);
@@ -267,7 +267,7 @@ TEST_F(EventTicks, FibreSectionAtAnEndOfTheListHasNoBand)
 
 TEST_F(EventTicks, BandFromAnEventToItselfIsNone)
 {
-    show({ eventAt(Event::SpanStart, 0), eventAt(Event::SpanEnd, 3000) });
+    show({eventAt(Event::SpanStart, 0), eventAt(Event::SpanEnd, 3000)});
     view->setActiveFiber(1, 1);
     EXPECT_EQ(band(), nullptr);
     view->setActiveFiber(0, 1);
@@ -276,37 +276,38 @@ TEST_F(EventTicks, BandFromAnEventToItselfIsNone)
 
 TEST_F(EventTicks, RowBeyondTheListDoesNoHarm)
 {
-    show({ eventAt(Event::SpanStart, 0) });
+    show({eventAt(Event::SpanStart, 0)});
     choose(4);
-    EXPECT_EQ(heights(), QList<int>({ 100 }));
+    EXPECT_EQ(heights(), QList<int>({100}));
     show({});
     EXPECT_TRUE(ticks().isEmpty());
 }
 
 TEST_F(EventTicks, TraceWithoutDrawnSamplesHasNone)
 {
-    curve.scale({ 1e6, 2e6, 100 }, false);
-    show({ eventAt(Event::SpanEnd, 3000) });
+    curve.scale({1e6, 2e6, 100}, false);
+    show({eventAt(Event::SpanEnd, 3000)});
     EXPECT_TRUE(ticks().isEmpty());
 }
 
 TEST_F(EventTicks, AnotherCurveIsNotFollowedAnyMore)
 {
-    show({ eventAt(Event::SpanEnd, 3000) });
+    show({eventAt(Event::SpanEnd, 3000)});
     view->setCurve(nullptr);
     EXPECT_TRUE(ticks().isEmpty());
-    curve.scale({ 0.0, 2000.0, 50 });
+    curve.scale({0.0, 2000.0, 50});
     EXPECT_TRUE(ticks().isEmpty());
-    EXPECT_FALSE(QObject::disconnect(&curve, SIGNAL(dataChanged()), view.get(), SLOT(placeMarkers())));
+    EXPECT_FALSE(
+        QObject::disconnect(&curve, SIGNAL(dataChanged()), view.get(), SLOT(placeMarkers())));
 }
 
 TEST(EventTicksOfADeadPlot, AreNotDeletedTwice)
 {
     const TraceFiles files;
     Reflectogram refl = files.plain();
-    refl.setEventList({ eventAt(Event::SpanStart, 0), eventAt(Event::Fiber, 0),
-                        eventAt(Event::SpanEnd, 3000) });
-    ReflCurve curve({ 0.0, 5000.0, 1000 }, refl, Qt::black);
+    refl.setEventList(
+        {eventAt(Event::SpanStart, 0), eventAt(Event::Fiber, 0), eventAt(Event::SpanEnd, 3000)});
+    ReflCurve curve({0.0, 5000.0, 1000}, refl, Qt::black);
     EventMarkersView view(nullptr);
     auto plot = std::make_unique<Waveform::Plot>();
     view.attach(plot.get());

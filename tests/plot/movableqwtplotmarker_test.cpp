@@ -125,7 +125,9 @@ TEST_F(MovableMarker, DetachedMarkerIsLetGoAndCannotBeGrabbed)
 TEST_F(MovableMarker, MarkerOnAnotherPlotNoLongerWatchesTheFirst)
 {
     Waveform::Plot other;
+    EXPECT_TRUE(marker->processClickPos(300));
     marker->attach(&other);
+    EXPECT_FALSE(marker->moveMarkerIfNeccessary(400.0));
     EXPECT_EQ(marker->plot(), &other);
     EXPECT_FALSE(consumes(QEvent::MouseButtonPress, 300));
     marker->attach(nullptr);

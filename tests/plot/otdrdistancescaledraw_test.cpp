@@ -1,5 +1,4 @@
 #include "plot/otdrdistancescaledraw.h"
-
 #include "plot/plot.h"
 
 #include <qwt_scale_div.h>

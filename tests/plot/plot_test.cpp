@@ -1,6 +1,5 @@
-#include "plot/plot.h"
-
 #include "plot/otdrdistancescaledraw.h"
+#include "plot/plot.h"
 
 #include <qwt_plot_grid.h>
 #include <qwt_plot_layout.h>
@@ -42,11 +41,12 @@ protected:
     {
         const QwtScaleDiv& x = plot.axisScaleDiv(QwtPlot::xBottom);
         const QwtScaleDiv& y = plot.axisScaleDiv(QwtPlot::yLeft);
-        return { x.lowerBound(), y.lowerBound(), x.upperBound() - x.lowerBound(),
-                 y.upperBound() - y.lowerBound() };
+        return {x.lowerBound(), y.lowerBound(), x.upperBound() - x.lowerBound(),
+                y.upperBound() - y.lowerBound()};
     }
 
     int width() { return plot.canvas()->geometry().width(); }
+
     int height() { return plot.canvas()->geometry().height(); }
 
     Plot plot;
@@ -65,7 +65,7 @@ TEST_F(Chart, IsBuiltAsTheScreenWantsIt)
     EXPECT_EQ(frame->frameShadow(), QFrame::Plain);
     EXPECT_EQ(frame->frameShape(), QFrame::StyledPanel);
     EXPECT_NE(dynamic_cast<OtdrDistanceScaleDraw*>(plot.axisScaleDraw(QwtPlot::xBottom)), nullptr);
-    for (const int axis : { QwtPlot::xBottom, QwtPlot::yLeft }) {
+    for (const int axis : {QwtPlot::xBottom, QwtPlot::yLeft}) {
         const QFont font = plot.axisWidget(axis)->font();
         EXPECT_EQ(font.family(), "Liberation Sans");
         EXPECT_EQ(font.pointSize(), 16);
@@ -101,13 +101,13 @@ TEST(NewChart, StartsWithoutVisibleAxes)
 TEST_F(Chart, GridIsDottedAndAttachedOnce)
 {
     ASSERT_EQ(plot.itemList(QwtPlotItem::Rtti_PlotGrid).size(), 1);
-    const auto* grid
-        = dynamic_cast<QwtPlotGrid*>(plot.itemList(QwtPlotItem::Rtti_PlotGrid).first());
+    const auto* grid =
+        dynamic_cast<QwtPlotGrid*>(plot.itemList(QwtPlotItem::Rtti_PlotGrid).first());
     ASSERT_NE(grid, nullptr);
     EXPECT_TRUE(grid->xMinEnabled());
     EXPECT_TRUE(grid->yMinEnabled());
     EXPECT_EQ(grid->z(), 20.0);
-    for (const QPen& pen : { grid->majorPen(), grid->minorPen() }) {
+    for (const QPen& pen : {grid->majorPen(), grid->minorPen()}) {
         EXPECT_EQ(pen.style(), Qt::DotLine);
         EXPECT_EQ(pen.width(), 0);
         EXPECT_EQ(pen.capStyle(), Qt::SquareCap);
@@ -158,7 +158,7 @@ TEST_F(Chart, ClipOfAReversedAxisStillWidens)
 
 TEST_F(Chart, DragMovesBothAxesByItsPixels)
 {
-    const QSignalSpy scaled(&plot, SIGNAL(scaledTo( QRectF )));
+    const QSignalSpy scaled(&plot, SIGNAL(scaledTo(QRectF)));
     const double dx = 50.0 * 2000.0 / width();
     const double dy = -30.0 * 20.0 / height();
     plot.shiftScale(QPoint(50, 30));
@@ -173,7 +173,7 @@ TEST_F(Chart, DragMovesBothAxesByItsPixels)
 
 TEST_F(Chart, DragOfNothingIsSilent)
 {
-    const QSignalSpy scaled(&plot, SIGNAL(scaledTo( QRectF )));
+    const QSignalSpy scaled(&plot, SIGNAL(scaledTo(QRectF)));
     plot.shiftScale(QPoint(0, 0));
     EXPECT_EQ(scaled.size(), 0);
 }
@@ -181,7 +181,7 @@ TEST_F(Chart, DragOfNothingIsSilent)
 TEST_F(Chart, DragAtTheStopIsSilent)
 {
     view(-1000.0, 1000.0, -10.0, 10.0); // half a screen before 0 on both axes
-    const QSignalSpy scaled(&plot, SIGNAL(scaledTo( QRectF )));
+    const QSignalSpy scaled(&plot, SIGNAL(scaledTo(QRectF)));
     plot.shiftScale(QPoint(-20, 20));
     EXPECT_EQ(scaled.size(), 0);
     EXPECT_EQ(shown(), QRectF(-1000.0, -10.0, 2000.0, 20.0));
@@ -207,7 +207,7 @@ TEST_F(Chart, DragBeyondAStopIsClampedAndKeepsTheSpan)
 TEST_F(Chart, OneAxisAtItsStopLetsTheOtherMove)
 {
     view(-1000.0, 1000.0, 10.0, 30.0);
-    const QSignalSpy scaled(&plot, SIGNAL(scaledTo( QRectF )));
+    const QSignalSpy scaled(&plot, SIGNAL(scaledTo(QRectF)));
     plot.shiftScale(QPoint(-20, -20));
     EXPECT_EQ(scaled.size(), 1);
     EXPECT_EQ(shown().x(), -1000.0);
@@ -226,7 +226,7 @@ TEST_F(Chart, NewBoundsTellsTheBoundsEvenWhereNothingMoves)
 TEST_F(Chart, ResizeAndPanTellTheOverlaysTheMaps)
 {
     qRegisterMetaType<QwtScaleMap>("QwtScaleMap");
-    QSignalSpy maps(&plot, SIGNAL(transformMapsChanged( QwtScaleMap, QwtScaleMap )));
+    QSignalSpy maps(&plot, SIGNAL(transformMapsChanged(QwtScaleMap, QwtScaleMap)));
     QSignalSpy resized(&plot, SIGNAL(resized()));
     plot.resize(900, 500);
     QCoreApplication::processEvents();
@@ -245,6 +245,7 @@ public:
     QwtScaleMap y;
 
 public slots:
+
     void take(const QwtScaleMap& xMap, const QwtScaleMap& yMap)
     {
         x = xMap;
@@ -255,8 +256,9 @@ public slots:
 TEST_F(Chart, MapsComeWithTheDistanceFirst)
 {
     MapRecorder recorder;
-    QObject::connect(&plot, SIGNAL(transformMapsChanged( QwtScaleMap, QwtScaleMap )), &recorder,
-                     SLOT(take( QwtScaleMap, QwtScaleMap )));
+    QObject::connect(&plot,
+                     SIGNAL(transformMapsChanged(QwtScaleMap, QwtScaleMap)), &recorder,
+                            SLOT(take(QwtScaleMap, QwtScaleMap)));
     plot.emitTransformMaps();
     EXPECT_EQ(recorder.x.s1(), 2000.0);
     EXPECT_EQ(recorder.x.s2(), 4000.0);

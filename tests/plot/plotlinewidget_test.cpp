@@ -86,6 +86,7 @@ TEST_F(PlotLine, AttachKnowsAScaleThatWasJustSet)
     plot.setAxisScale(QwtPlot::xBottom, 1000.0, 8000.0);
     widget.setLine(line);
     widget.attach(&plot);
+    plot.updateAxes();
     EXPECT_TRUE(isAt(line));
 }
 

@@ -108,6 +108,14 @@ protected:
         finger.release();
     }
 
+    /// A move that the marker gets without having got the press.
+    void moveFingerTo(QPoint at)
+    {
+        QMouseEvent event(QEvent::MouseMove, at, marker.mapToGlobal(at), Qt::LeftButton,
+                          Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(&marker, &event);
+    }
+
     QWidget window;
     QWidget canvas {&window};
     ClockedMarker marker;
@@ -282,9 +290,7 @@ TEST_F(Marker, FingerThatSlidesBelowTheParentIsTold)
 
 TEST_F(Marker, MoveWithoutPressIsNothing)
 {
-    QMouseEvent event(QEvent::MouseMove, QPointF(14.0, 400.0), QPointF(300.0, 600.0), Qt::NoButton,
-                      Qt::NoButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(&marker, &event);
+    moveFingerTo(QPoint(60, 400));
     EXPECT_THAT(listener.take(), IsEmpty());
     EXPECT_EQ(marker.x(), 186);
 }
@@ -348,15 +354,26 @@ TEST_F(Marker, StoppedTimerMakesNoLongTap)
     EXPECT_THAT(listener.take(), IsEmpty());
 }
 
+TEST_F(Marker, HidingCancelsTheLongTap)
+{
+    finger.press(marker, knob());
+    marker.hide();
+    marker.show();
+    QTest::qWait(1100);
+    EXPECT_THAT(listener.take(), IsEmpty());
+}
+
 TEST_F(Marker, FingerOnAMarkerThatIsHiddenIsLetGo)
 {
     finger.press(marker, knob());
     finger.moveBy(15);
     marker.hide();
     marker.show();
-    QTest::qWait(1100);
+    moveFingerTo(QPoint(60, 100));
+    EXPECT_EQ(marker.x(), 201);
     EXPECT_THAT(listener.take(), ElementsAre("movedBy 15"));
-    finger.moveBy(15);
+    finger.press(marker, knob());
+    finger.moveBy(5); // a new drag, which has not started yet
     EXPECT_EQ(marker.x(), 201);
 }
 

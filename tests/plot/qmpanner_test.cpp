@@ -44,7 +44,7 @@ protected:
     Panner()
         : panner(new QmPanner(&canvas))
         , moving(panner, SIGNAL(moving(QPoint)))
-        , moved(panner, SIGNAL(moved(QPoint)))
+                 , moved(panner, SIGNAL(moved(QPoint)))
     {
         canvas.resize(400, 300);
         canvas.show();

@@ -29,7 +29,7 @@ protected:
     PlotMarker()
         : marker(plot.canvas())
         , movedTo(&marker, SIGNAL(movedTo(QmPlotMarker*, double)))
-        , finger(plot)
+                  , finger(plot)
     {
         plot.enableAxis(QwtPlot::xBottom, true);
         plot.enableAxis(QwtPlot::yLeft, true);

@@ -1,6 +1,5 @@
-#include "plot/reflcurve.h"
-
 #include "plot/plot.h"
+#include "plot/reflcurve.h"
 #include "tests/support/tracefiles.h"
 
 #include <qwt_plot_canvas.h>
@@ -27,7 +26,7 @@ protected:
 
     TraceFiles files;
     Reflectogram refl;
-    const wf_clip_t whole { 0.0, 5000.0, 600 };
+    const wf_clip_t whole {0.0, 5000.0, 600};
     ReflCurve curve;
 };
 
@@ -54,9 +53,9 @@ TEST_F(Curve, IsBuiltToBeFilledFromTheBaseline)
 TEST_F(Curve, SaysWhenItsSamplesWereReplaced)
 {
     const QSignalSpy changed(&curve, SIGNAL(dataChanged()));
-    curve.scale({ 0.0, 100.0, 50 });
+    curve.scale({0.0, 100.0, 50});
     EXPECT_EQ(changed.size(), 1);
-    curve.scale({ 0.0, 200.0, 50 }, true);
+    curve.scale({0.0, 200.0, 50}, true);
     EXPECT_EQ(changed.size(), 2);
 }
 
@@ -64,7 +63,7 @@ TEST_F(Curve, IsSilentWhereAskedToBe)
 {
     const QSignalSpy changed(&curve, SIGNAL(dataChanged()));
     const auto before = curve.dataSize();
-    curve.scale({ 0.0, 100.0, 5 }, false);
+    curve.scale({0.0, 100.0, 5}, false);
     EXPECT_EQ(changed.size(), 0);
     EXPECT_NE(curve.dataSize(), before);
 }
@@ -87,9 +86,9 @@ TEST_F(Curve, AnotherTraceKeepsColourAndPlaceInTheStack)
 
 TEST_F(Curve, LimitRaisesOnlyWhatIsBelow)
 {
-    QPolygonF points(QVector<QPointF> { { 1.0, -3.0 }, { 2.0, 0.0 }, { 3.0, 7.0 } });
+    QPolygonF points(QVector<QPointF> {{1.0, -3.0}, {2.0, 0.0}, {3.0, 7.0}});
     curve.limitYBy(points, 0.0);
-    EXPECT_EQ(points, QPolygonF(QVector<QPointF> { { 1.0, 0.0 }, { 2.0, 0.0 }, { 3.0, 7.0 } }));
+    EXPECT_EQ(points, QPolygonF(QVector<QPointF> {{1.0, 0.0}, {2.0, 0.0}, {3.0, 7.0}}));
 }
 
 TEST_F(Curve, DarkestSampleLiesOnTheBaseline)
@@ -176,7 +175,7 @@ TEST_F(Curve, StandsInTheRowsOfItsLevel)
     const QRgb blue = QColor(Qt::darkBlue).rgb();
     const QwtScaleMap xMap = plot.canvasMap(QwtPlot::xBottom);
     const QwtScaleMap yMap = plot.canvasMap(QwtPlot::yLeft);
-    for (const double distance : { 500.0, 1500.0, 2500.0 }) {
+    for (const double distance : {500.0, 1500.0, 2500.0}) {
         const int x = qRound(xMap.transform(distance));
         const int y = qRound(yMap.transform(refl.powerAtDist(xMap.invTransform(x))));
         EXPECT_EQ(image.pixel(x, y + 2), blue) << distance;

@@ -1,12 +1,12 @@
-#include "plot/stickcolumns.h"
-
 #include "platform/otdr/core/trace.h"
 #include "platform/otdr/tracestate.h"
+#include "plot/stickcolumns.h"
 #include "tests/support/tracefiles.h"
 
 #include <qwt_scale_map.h>
 
 #include <gmock/gmock.h>
+
 #include <random>
 
 namespace {
@@ -51,8 +51,8 @@ std::vector<std::string> slowPicture(const TraceState& state, const QRect& area,
                                   std::string(static_cast<std::size_t>(area.width()), '.'));
     const int base = std::min(qRound(yMap.transform(0.0) * ratio), area.bottom());
     for (std::size_t i = 0; i < state.trace->size(); ++i) {
-        const double distance
-            = state.trace->distanceAt(static_cast<double>(i), state.metresPerNs());
+        const double distance =
+            state.trace->distanceAt(static_cast<double>(i), state.metresPerNs());
         const int x = qRound(xMap.transform(distance) * ratio);
         if (x < area.left() || x > area.right()) {
             continue;
@@ -60,8 +60,7 @@ std::vector<std::string> slowPicture(const TraceState& state, const QRect& area,
         const int top = qRound(yMap.transform(state.trace->level_dB(i)) * ratio);
         for (int y = std::max(top, area.top()); y <= base; ++y) {
             rows[static_cast<std::size_t>(y - area.top())]
-                [static_cast<std::size_t>(x - area.left())]
-                = '#';
+                [static_cast<std::size_t>(x - area.left())] = '#';
         }
     }
     return rows;
@@ -76,7 +75,7 @@ TraceState stateOf(const std::vector<double>& levels_dB, double interval_ns)
     }
     TraceState state;
     state.trace = std::make_shared<const otdr::Trace>(otdr::RawSamples(counts), 0.001,
-                                                      otdr::TraceAxis { interval_ns, 0.0 });
+                                                      otdr::TraceAxis {interval_ns, 0.0});
     return state;
 }
 
@@ -91,10 +90,10 @@ TEST(StickColumns, SticksReachFromTheBaselineToTheirLevelBothIncluded)
 {
     const QRect area(0, 0, 5, 6);
     StickColumns columns(area);
-    columns.add(metreSteps({ 1.0, 4.0, 0.0, 2.0, 2.0 }), map(0.0, 4.0, 0.0, 4.0),
+    columns.add(metreSteps({1.0, 4.0, 0.0, 2.0, 2.0}), map(0.0, 4.0, 0.0, 4.0),
                 map(0.0, 5.0, 5.0, 0.0), 1.0);
     EXPECT_EQ(picture(columns, area, 5.0),
-              (std::vector<std::string> { ".....", ".#...", ".#...", ".#.##", "##.##", "#####" }));
+              (std::vector<std::string> {".....", ".#...", ".#...", ".#.##", "##.##", "#####"}));
     EXPECT_FALSE(columns.hasGaps());
 }
 
@@ -102,21 +101,20 @@ TEST(StickColumns, TallestStickOfAColumnCoversTheOthers)
 {
     const QRect area(0, 0, 2, 6);
     StickColumns columns(area);
-    columns.add(metreSteps({ 1.0, 4.0, 2.0, 1.0 }), map(0.0, 3.0, 0.0, 1.0),
-                map(0.0, 5.0, 5.0, 0.0), 1.0);
+    columns.add(metreSteps({1.0, 4.0, 2.0, 1.0}), map(0.0, 3.0, 0.0, 1.0), map(0.0, 5.0, 5.0, 0.0),
+                1.0);
     EXPECT_EQ(picture(columns, area, 5.0),
-              (std::vector<std::string> { "..", "#.", "#.", "##", "##", "##" }));
+              (std::vector<std::string> {"..", "#.", "#.", "##", "##", "##"}));
 }
 
 TEST(StickColumns, ColumnsBetweenSticksApartStayFree)
 {
     const QRect area(0, 0, 7, 4);
     StickColumns columns(area);
-    columns.add(metreSteps({ 1.0, 3.0, 2.0 }), map(0.0, 2.0, 0.0, 6.0), map(0.0, 3.0, 3.0, 0.0),
-                1.0);
+    columns.add(metreSteps({1.0, 3.0, 2.0}), map(0.0, 2.0, 0.0, 6.0), map(0.0, 3.0, 3.0, 0.0), 1.0);
     EXPECT_TRUE(columns.hasGaps());
     EXPECT_EQ(picture(columns, area, 3.0),
-              (std::vector<std::string> { "...#...", "...#..#", "#..#..#", "#..#..#" }));
+              (std::vector<std::string> {"...#...", "...#..#", "#..#..#", "#..#..#"}));
     // Where neighbours share rows they share a rectangle across the gap.
     EXPECT_EQ(columns.rectangles(3.0).size(), 3U);
 }
@@ -128,22 +126,22 @@ TEST(StickColumns, WhatLiesOutsideTheAreaIsCutOff)
     columns.add(metreSteps(std::vector<double>(40, 60.0)), map(0.0, 39.0, 0.0, 39.0),
                 map(0.0, 5.0, 100.0, 0.0), 1.0);
     EXPECT_EQ(picture(columns, area, 100.0),
-              (std::vector<std::string> { "###", "###", "###", "###" }));
+              (std::vector<std::string> {"###", "###", "###", "###"}));
 }
 
 TEST(StickColumns, BaselineAboveTheAreaLeavesItFree)
 {
     const QRect area(0, 0, 3, 4);
     StickColumns columns(area);
-    columns.add(metreSteps({ 1.0, 1.0, 1.0 }), map(0.0, 2.0, 0.0, 2.0),
-                map(0.0, 5.0, -10.0, -60.0), 1.0);
+    columns.add(metreSteps({1.0, 1.0, 1.0}), map(0.0, 2.0, 0.0, 2.0), map(0.0, 5.0, -10.0, -60.0),
+                1.0);
     EXPECT_TRUE(columns.rectangles(-10.0).empty());
 }
 
 TEST(StickColumns, EmptyTraceAndEmptyAreaCoverNothing)
 {
     StickColumns none(QRect(0, 0, 0, 0));
-    none.add(metreSteps({ 1.0 }), map(0.0, 1.0, 0.0, 1.0), map(0.0, 1.0, 1.0, 0.0), 1.0);
+    none.add(metreSteps({1.0}), map(0.0, 1.0, 0.0, 1.0), map(0.0, 1.0, 1.0, 0.0), 1.0);
     EXPECT_TRUE(none.rectangles(0.0).empty());
     StickColumns columns(QRect(0, 0, 5, 5));
     columns.add(TraceState(), map(0.0, 1.0, 0.0, 1.0), map(0.0, 1.0, 1.0, 0.0), 1.0);
@@ -153,7 +151,7 @@ TEST(StickColumns, EmptyTraceAndEmptyAreaCoverNothing)
 TEST(StickColumns, AxisWithoutSpanDoesNoHarm)
 {
     StickColumns columns(QRect(0, 0, 5, 5));
-    columns.add(metreSteps({ 1.0, 2.0 }), map(3.0, 3.0, 0.0, 4.0), map(0.0, 0.0, 4.0, 0.0), 1.0);
+    columns.add(metreSteps({1.0, 2.0}), map(3.0, 3.0, 0.0, 4.0), map(0.0, 0.0, 4.0, 0.0), 1.0);
     for (const QRect& rect : columns.rectangles(4.0)) {
         EXPECT_TRUE(QRect(0, 0, 5, 5).contains(rect));
     }
@@ -205,14 +203,14 @@ TEST_P(StickPicture, IsThatOfAllSamples)
 }
 
 INSTANTIATE_TEST_SUITE_P(Views, StickPicture,
-                         testing::Values(View { "Full", 0.0, 20000.0, 50.0, 1.0 },
-                                         View { "WiderThanTheTrace", -9000.0, 31000.0, 50.0, 1.0 },
-                                         View { "Zoomed", 4000.0, 9123.4, 50.0, 1.0 },
-                                         View { "SampleAPixel", 5000.0, 5640.0, 50.0, 1.0 },
-                                         View { "SticksApart", 5000.0, 5100.0, 50.0, 1.0 },
-                                         View { "LevelsCutOff", 0.0, 20000.0, 12.0, 1.0 },
-                                         View { "DenseScreen", 0.0, 20000.0, 50.0, 2.0 },
-                                         View { "DenseScreenSticksApart", 700.0, 900.0, 50.0, 1.5 }),
+                         testing::Values(View {"Full", 0.0, 20000.0, 50.0, 1.0},
+                                         View {"WiderThanTheTrace", -9000.0, 31000.0, 50.0, 1.0},
+                                         View {"Zoomed", 4000.0, 9123.4, 50.0, 1.0},
+                                         View {"SampleAPixel", 5000.0, 5640.0, 50.0, 1.0},
+                                         View {"SticksApart", 5000.0, 5100.0, 50.0, 1.0},
+                                         View {"LevelsCutOff", 0.0, 20000.0, 12.0, 1.0},
+                                         View {"DenseScreen", 0.0, 20000.0, 50.0, 2.0},
+                                         View {"DenseScreenSticksApart", 700.0, 900.0, 50.0, 1.5}),
                          [](const auto& info) { return info.param.name; });
 
 } // namespace

@@ -1,8 +1,7 @@
-#include "plugin/plugin.h"
-
 #include "acquisition/model.h"
 #include "platform/launcher/pluginwindow.h"
 #include "platform/launcher/warningwindow.h"
+#include "plugin/plugin.h"
 #include "refls/reflstablemodel.h"
 #include "storage/keeper.h"
 #include "tests/platform/launcher/confighome.h"
@@ -27,7 +26,7 @@ using Waveform::Plugin;
 using Waveform::Window;
 
 // The one connection that is not to take: the end of a drag has nothing left to do.
-const char* const kUntakenConnection = "No such slot Waveform::Window::rescalePlot( )";
+const char* const kUntakenConnection = "No such slot Waveform::Window::rescalePlot(";
 
 class PluginTest : public testing::Test
 {
@@ -81,7 +80,7 @@ TEST_F(PluginTest, KeeperSpeaksThroughTheWindow)
     Plugin plugin;
     auto* keeper = qobject_cast<Keeper*>(plugin.myKeeper());
     auto* window = qobject_cast<Window*>(plugin.window());
-    const QSignalSpy titles(window, SIGNAL(setTitle( QString )));
+    const QSignalSpy titles(window, SIGNAL(setTitle(QString)));
     emit keeper->setTitle("A title");
     ASSERT_EQ(titles.size(), 1);
     EXPECT_EQ(titles.first().first().toString(), "A title");
@@ -102,8 +101,9 @@ TEST_F(PluginTest, LoadedFilesReachTheSetOfTraces)
     auto* window = qobject_cast<Window*>(plugin.window());
     emit keeper->loadRefl("/no/such/file.sor");
     EXPECT_EQ(window->reflsTableModel()->rowCount(), 0);
-    EXPECT_TRUE(QObject::disconnect(keeper, SIGNAL(loadRefl( QString )), window->reflsTableModel(),
-                                    SLOT(addReflFromFile( QString ))));
+    EXPECT_TRUE(QObject::disconnect(keeper,
+                                    SIGNAL(loadRefl(QString)), window->reflsTableModel(),
+                                           SLOT(addReflFromFile(QString))));
 }
 
 class ForeignWindow : public Plugin
@@ -143,11 +143,12 @@ TEST_F(PluginTest, LibraryTellsTheQtItWasBuiltFor)
     QLibrary library(WAVEFORM_PLUGIN);
     ASSERT_TRUE(library.load());
     using Query = const char* (*)();
-    const auto query
-        = reinterpret_cast<Query>(library.resolve("qt_plugin_query_verification_data"));
+    const auto query =
+        reinterpret_cast<Query>(library.resolve("qt_plugin_query_verification_data"));
     ASSERT_NE(query, nullptr);
     const QString data = query();
-    EXPECT_TRUE(data.startsWith("pattern=QT_PLUGIN_VERIFICATION_DATA\nversion=" QT_VERSION_STR "\n"))
+    EXPECT_TRUE(
+        data.startsWith("pattern=QT_PLUGIN_VERIFICATION_DATA\nversion=" QT_VERSION_STR "\n"))
         << qPrintable(data);
     EXPECT_TRUE(data.contains("\ndebug="));
     EXPECT_TRUE(data.contains("\nbuildkey="));

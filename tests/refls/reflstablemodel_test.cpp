@@ -1,6 +1,5 @@
-#include "refls/reflstablemodel.h"
-
 #include "platform/launcher/palettefactory.h"
+#include "refls/reflstablemodel.h"
 #include "tests/support/tracefiles.h"
 
 #include <QAbstractItemModelTester>
@@ -8,8 +7,9 @@
 #include <QSignalSpy>
 #include <QtTest>
 
-#include <ctime>
 #include <gmock/gmock.h>
+
+#include <ctime>
 
 namespace {
 
@@ -22,11 +22,11 @@ class TraceSet : public testing::Test
 protected:
     TraceSet()
         : tester(&model, QAbstractItemModelTester::FailureReportingMode::Warning)
-        , mainChanged(&model, SIGNAL(mainReflChanged( Reflectogram )))
-        , deleted(&model, SIGNAL(reflDeleted( Reflectogram )))
-        , allDeleted(&model, SIGNAL(allReflsDeleted()))
-        , resized(&model, SIGNAL(resize()))
-        , resets(&model, SIGNAL(modelReset()))
+        , mainChanged(&model, SIGNAL(mainReflChanged(Reflectogram)))
+                      , deleted(&model, SIGNAL(reflDeleted(Reflectogram)))
+                                , allDeleted(&model, SIGNAL(allReflsDeleted()))
+                                             , resized(&model, SIGNAL(resize()))
+                                                       , resets(&model, SIGNAL(modelReset()))
     {
     }
 
@@ -39,7 +39,7 @@ protected:
 
     void forgetSignals()
     {
-        for (QSignalSpy* spy : { &mainChanged, &deleted, &allDeleted, &resized, &resets }) {
+        for (QSignalSpy* spy : {&mainChanged, &deleted, &allDeleted, &resized, &resets}) {
             spy->clear();
         }
     }
@@ -79,8 +79,9 @@ TEST_F(TraceSet, HasSevenColumnsEvenWhenEmpty)
     for (int column = 0; column < 7; ++column) {
         headers << model.headerData(column, Qt::Horizontal, Qt::DisplayRole).toString();
     }
-    EXPECT_EQ(headers, QStringList({ "Name", "Date", QString(QChar(0x03BB)), "Distance", "Pulse",
-                                     "ORL", "Total loss" }));
+    EXPECT_EQ(headers,
+              QStringList({"Name", "Date", QString(QChar(0x03BB)), "Distance", "Pulse", "ORL",
+                           "Total loss"}));
     EXPECT_EQ(model.headerData(3, Qt::Vertical, Qt::DisplayRole).toInt(), 4);
 }
 
@@ -121,7 +122,7 @@ TEST_F(TraceSet, DateIsThatOfUniversalTimeWhereverOneIs)
 TEST_F(TraceSet, FibreThatEndsAtTheStartHasADistance)
 {
     Reflectogram refl = files.plain();
-    refl.setEventList({ Event(Event::SpanEnd, 0, 10) });
+    refl.setEventList({Event(Event::SpanEnd, 0, 10)});
     model.addRefl(refl);
     EXPECT_EQ(text(0, 3), "0.00");
 }
@@ -160,7 +161,7 @@ TEST_F(TraceSet, TellsOfTheAdditionBeforeTheNewMainTrace)
     QObject::connect(&model, &ReflsTableModel::resize, [&] { order << "resize"; });
     QObject::connect(&model, &ReflsTableModel::mainReflChanged, [&] { order << "main"; });
     add("a.sor");
-    EXPECT_EQ(order, QStringList({ "resize", "main" }));
+    EXPECT_EQ(order, QStringList({"resize", "main"}));
 }
 
 TEST_F(TraceSet, SameFileIsLoadedOnce)
@@ -184,7 +185,7 @@ TEST_F(TraceSet, UnreadableFileAddsNothingAndSaysNothing)
 TEST_F(TraceSet, ColoursFollowTheNumberOfTracesEverAdded)
 {
     // Other tests of this process have added traces: find where the cycle stands.
-    const QList<QColor> cycle { Qt::darkBlue, Qt::black, Qt::darkMagenta, Qt::darkGreen };
+    const QList<QColor> cycle {Qt::darkBlue, Qt::black, Qt::darkMagenta, Qt::darkGreen};
     const Reflectogram first = add("0.sor");
     const int start = cycle.indexOf(model.getColor(first));
     ASSERT_GE(start, 0);
@@ -215,9 +216,9 @@ TEST_F(TraceSet, NameIsWrittenInTheTracesColourAndTheMainRowInWhite)
     EXPECT_FALSE(model.data(model.index(0, 0), Qt::BackgroundRole).isValid());
     for (int column = 0; column < 7; ++column) {
         EXPECT_EQ(colour(1, column, Qt::ForegroundRole), QColor(Qt::white));
-        EXPECT_EQ(colour(1, column, Qt::BackgroundRole),
-                  PaletteFactory::getPalette("GenericWindow")
-                      .color(QPalette::Current, QPalette::Button));
+        EXPECT_EQ(
+            colour(1, column, Qt::BackgroundRole),
+            PaletteFactory::getPalette("GenericWindow").color(QPalette::Current, QPalette::Button));
     }
 }
 
@@ -289,7 +290,7 @@ TEST_F(TraceSet, DeletingTheOnlyTraceTellsOfNoMainTraceFirst)
     QObject::connect(&model, &ReflsTableModel::reflDeleted, [&] { order << "deleted"; });
     QObject::connect(&model, &ReflsTableModel::modelReset, [&] { order << "reset"; });
     model.deleteRefl(only);
-    EXPECT_EQ(order, QStringList({ "main", "reset", "deleted" }));
+    EXPECT_EQ(order, QStringList({"main", "reset", "deleted"}));
     EXPECT_EQ(newMain(), Reflectogram());
     EXPECT_EQ(model.rowCount(), 0);
 }
@@ -324,7 +325,7 @@ TEST_F(TraceSet, DeletingAllSaysSoOnceAndNamesNoMainTrace)
     QObject::connect(&model, &ReflsTableModel::allReflsDeleted, [&] { order << "deleted"; });
     QObject::connect(&model, &ReflsTableModel::modelReset, [&] { order << "reset"; });
     model.deleteAllRefls();
-    EXPECT_EQ(order, QStringList({ "deleted", "reset" }));
+    EXPECT_EQ(order, QStringList({"deleted", "reset"}));
     EXPECT_EQ(allDeleted.size(), 1);
     EXPECT_EQ(mainChanged.size(), 0);
     EXPECT_EQ(deleted.size(), 0);
@@ -336,9 +337,9 @@ TEST_F(TraceSet, TracesMeasuredTogetherBelongTogether)
 {
     const Reflectogram first = add("a.sor");
     const Reflectogram second = add("b.sor");
-    EXPECT_EQ(model.association(first), QList<Reflectogram> { first });
+    EXPECT_EQ(model.association(first), QList<Reflectogram> {first});
     model.associate(second, first);
-    const QList<Reflectogram> both { first, second };
+    const QList<Reflectogram> both {first, second};
     EXPECT_EQ(model.association(first), both);
     EXPECT_EQ(model.association(second), both);
 }
@@ -351,9 +352,9 @@ TEST_F(TraceSet, GroupThatExistsIsNotExtended)
     model.associate(second, first);
     model.associate(third, first);
     EXPECT_EQ(model.association(first).size(), 2);
-    EXPECT_EQ(model.association(third), QList<Reflectogram> { third });
+    EXPECT_EQ(model.association(third), QList<Reflectogram> {third});
     model.associate(first, third); // the newer group is found first
-    EXPECT_EQ(model.association(first), QList<Reflectogram>({ third, first }));
+    EXPECT_EQ(model.association(first), QList<Reflectogram>({third, first}));
 }
 
 TEST_F(TraceSet, GroupOfOneIsDissolved)
@@ -362,12 +363,12 @@ TEST_F(TraceSet, GroupOfOneIsDissolved)
     const Reflectogram second = add("b.sor");
     model.associate(second, first);
     model.deleteRefl(second);
-    EXPECT_EQ(model.association(first), QList<Reflectogram> { first });
+    EXPECT_EQ(model.association(first), QList<Reflectogram> {first});
     const Reflectogram third = add("c.sor");
     model.associate(third, first); // in no group any more, so it founds one
-    EXPECT_EQ(model.association(first), QList<Reflectogram>({ first, third }));
+    EXPECT_EQ(model.association(first), QList<Reflectogram>({first, third}));
     model.deleteAllRefls();
-    EXPECT_EQ(model.association(first), QList<Reflectogram> { first });
+    EXPECT_EQ(model.association(first), QList<Reflectogram> {first});
 }
 
 TEST_F(TraceSet, UnknownFibreEndShowsAsDash)
@@ -383,7 +384,7 @@ TEST_F(TraceSet, UnknownFibreEndShowsAsDash)
 TEST_F(TraceSet, ReturnLossIsComputedInTheBackgroundWhereTheFileHasNone)
 {
     SorSketch sketch = SorSketch::plain();
-    sketch.leftOut = { "KeyEvents" };
+    sketch.leftOut = {"KeyEvents"};
     model.addReflFromFile(files.write("new.sor", sketch));
     forgetSignals();
     EXPECT_EQ(text(0, 6), "-");

@@ -1,10 +1,9 @@
-#include "storage/keeper.h"
-
 #include "acquisition/model.h"
 #include "platform/launcher/cardcontroller.h"
 #include "platform/launcher/zuconfigmodel.h"
 #include "platform/launcher/zulauncherconfig.h"
 #include "refls/reflstablemodel.h"
+#include "storage/keeper.h"
 #include "tests/platform/launcher/confighome.h"
 #include "tests/support/acquisitiondir.h"
 #include "tests/support/tracefiles.h"
@@ -33,15 +32,15 @@ protected:
         , config(ZuConfigModel::instance(&card, "zuotdr"))
         , keeper(&card, &refls)
         , model(&card)
-        , notified(&keeper, SIGNAL(showNotification( QString )))
-        , saved(&keeper, SIGNAL(saved( QString )))
-        , waits(&keeper, SIGNAL(setWaitWindowVisible( bool )))
+        , notified(&keeper, SIGNAL(showNotification(QString)))
+                   , saved(&keeper, SIGNAL(saved(QString)))
+                           , waits(&keeper, SIGNAL(setWaitWindowVisible(bool)))
     {
         qputenv("HOME", QFile::encodeName(files.path("home")));
         keeper.setConfig(config);
         keeper.setMeasModel(&model);
-        QObject::connect(&keeper, SIGNAL(loadRefl( QString )), &refls,
-                         SLOT(addReflFromFile( QString )));
+        QObject::connect(&keeper,
+                         SIGNAL(loadRefl(QString)), &refls, SLOT(addReflFromFile(QString)));
     }
 
     ~Keeping() override
@@ -220,7 +219,7 @@ TEST_F(Keeping, FifthTraceIsRefusedBeforeAnyFileIsOpened)
         keeper.doLoadFile(files.write(QString("%1.sor").arg(i), SorSketch::plain()));
     }
     EXPECT_EQ(refls.rowCount(), 4);
-    const QSignalSpy loads(&keeper, SIGNAL(loadRefl( QString )));
+    const QSignalSpy loads(&keeper, SIGNAL(loadRefl(QString)));
     EXPECT_EQ(keeper.doLoadFile(files.write("5.sor", SorSketch::plain())), -1);
     EXPECT_EQ(keeper.doLoad(), -1); // a picker would wait for an answer here
     EXPECT_EQ(loads.size(), 0);
@@ -258,7 +257,7 @@ TEST_F(Keeping, SavingIsOffWithoutATraceAndDuringARun)
     EXPECT_FALSE(keeper.isSaveEnabled());
     refls.addReflFromFile(files.write("a.sor", SorSketch::plain()));
     EXPECT_TRUE(keeper.isSaveEnabled());
-    const QSignalSpy titles(&keeper, SIGNAL(setTitle( QString )));
+    const QSignalSpy titles(&keeper, SIGNAL(setTitle(QString)));
     model.started(QString());
     EXPECT_TRUE(keeper.measStartDate().isValid());
     EXPECT_FALSE(keeper.isSaveEnabled());

@@ -1,5 +1,4 @@
 #include "storage/savethread.h"
-
 #include "tests/support/tracefiles.h"
 #include "tests/support/warnings.h"
 
@@ -32,19 +31,22 @@ protected:
 TEST_F(Save, WritesTheTraceAndSaysSo)
 {
     QList<QVariantList> saved;
-    QObject::connect(&thread, &SaveThread::saved, &thread,
-                     [&](const QString& sor, bool success) { saved << QVariantList { sor, success }; },
-                     Qt::DirectConnection);
+    QObject::connect(
+        &thread, &SaveThread::saved, &thread,
+        [&](const QString& sor, bool success) {
+            saved << QVariantList {sor, success};
+        },
+        Qt::DirectConnection);
     thread.sor = files.path("out.sor");
     run();
     EXPECT_EQ(thread.result, 0);
-    EXPECT_EQ(saved, QList<QVariantList>({ { files.path("out.sor"), true } }));
+    EXPECT_EQ(saved, QList<QVariantList>({{files.path("out.sor"), true}}));
     EXPECT_TRUE(Reflectogram(files.path("out.sor")).isValid());
 }
 
 TEST_F(Save, InvalidTraceIsNeverSavedAndSaysNothing)
 {
-    const QSignalSpy saved(&thread, SIGNAL(saved( QString, bool )));
+    const QSignalSpy saved(&thread, SIGNAL(saved(QString, bool)));
     thread.refl = Reflectogram();
     thread.sor = files.path("out.sor");
     run();
@@ -56,8 +58,9 @@ TEST_F(Save, InvalidTraceIsNeverSavedAndSaysNothing)
 TEST_F(Save, FailureIsToldWithItsReasonInTheLog)
 {
     bool success = true;
-    QObject::connect(&thread, &SaveThread::saved, &thread,
-                     [&](const QString&, bool ok) { success = ok; }, Qt::DirectConnection);
+    QObject::connect(
+        &thread, &SaveThread::saved, &thread, [&](const QString&, bool ok) { success = ok; },
+        Qt::DirectConnection);
     thread.sor = files.path("no/such/directory/out.sor");
     thread.flashDir = files.path("flash");
     run();

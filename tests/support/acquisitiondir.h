@@ -6,8 +6,8 @@
 
 namespace testing_support {
 
-/// The instrument's environment for a test: user "user", its temporary directory there and free of snapshots. Tests
-/// that use it must not run at the same time.
+/// The instrument's environment for a test: user "user", its temporary directory there and free of
+/// snapshots. Tests that use it must not run at the same time.
 class AcquisitionDir
 {
 public:
@@ -30,6 +30,7 @@ public:
     AcquisitionDir& operator=(const AcquisitionDir&) = delete;
 
     static QString path() { return "/tmp/user"; }
+
     static QString snapshot() { return path() + "/wfsnapshot.bin"; }
 
 private:

@@ -5,11 +5,16 @@
 
 #include <gmock/gmock.h>
 
-// The offscreen platform plugin keeps a few hundred bytes for ever; without this, test discovery under
-// AddressSanitizer fails on them.
+// The offscreen platform plugin keeps a few hundred bytes for ever; without this, test discovery
+// under AddressSanitizer fails on them. The programs that tests start have it from cmake/lsan.supp.
 extern "C" const char* __lsan_default_suppressions() // NOLINT(bugprone-reserved-identifier)
 {
     return "leak:libqoffscreen\nleak:libfontconfig\n";
+}
+
+extern "C" const char* __lsan_default_options() // NOLINT(bugprone-reserved-identifier)
+{
+    return "print_suppressions=0";
 }
 
 int main(int argc, char** argv)

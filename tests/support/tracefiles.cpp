@@ -54,7 +54,7 @@ QStringList realTraces()
 {
     QStringList files;
     const QDir traces(WAVEFORM_TRACES);
-    for (const QString& name : traces.entryList({ "*.sor" }, QDir::Files, QDir::Name)) {
+    for (const QString& name : traces.entryList({"*.sor"}, QDir::Files, QDir::Name)) {
         files << traces.filePath(name);
     }
     return files;

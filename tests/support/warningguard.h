@@ -4,7 +4,8 @@
 
 namespace testing_support {
 
-/// Fails a test on any Qt warning that it did not announce; a connection that does not take is such a warning.
+/// Fails a test on any Qt warning that it did not announce; a connection that does not take is such
+/// a warning.
 class WarningGuard : public testing::EmptyTestEventListener
 {
 public:

@@ -66,9 +66,10 @@ TEST_F(Measuring, RealtimeWithALongerPulseIsRefused)
     ZuConfig("zuotdr", "MeasParams", "pulse").store(276);
     press();
     EXPECT_FALSE(model->running());
-    EXPECT_EQ(warning(),
-              "In realtime mode you need sets pulse 275 ns or lesser. \n Also you must choose one of "
-              "wavelength, not both in same time ");
+    EXPECT_EQ(
+        warning(),
+        "In realtime mode you need sets pulse 275 ns or lesser. \n Also you must choose one of "
+        "wavelength, not both in same time ");
 }
 
 TEST_F(Measuring, RealtimeWithBothWavelengthsIsRefusedAtAnyPulse)
@@ -83,8 +84,9 @@ TEST_F(Measuring, RealtimeWithBothWavelengthsIsRefusedAtAnyPulse)
 
 TEST_F(Measuring, PressThatCouldStartNothingDoesNotStopARun)
 {
-    programs.make("wfgather", "trap 'printf \"9 G };\"; exit 0' TERM; printf '1 G {;2 M * RT 1;'; "
-                              "while true; do sleep 0.05; done");
+    programs.make("wfgather",
+                  "trap 'printf \"9 G };\"; exit 0' TERM; printf '1 G {;2 M * RT 1;'; "
+                  "while true; do sleep 0.05; done");
     press();
     QTest::qWait(200);
     ASSERT_TRUE(model->running());
@@ -101,10 +103,10 @@ TEST_F(Measuring, PressThatCouldStartNothingDoesNotStopARun)
 
 TEST_F(Measuring, RunShowsItsTraceInThePlotAndOnTheButton)
 {
-    programs.make("wfgather",
-                  QString(kOneTrace)
-                      .arg(traceStart(1, 1, 1550), snapshot(TraceBuilder().fibre(2_km)))
-                      + "; sleep 0.2");
+    programs.make(
+        "wfgather",
+        QString(kOneTrace).arg(traceStart(1, 1, 1550), snapshot(TraceBuilder().fibre(2_km)))
+            + "; sleep 0.2");
     press();
     ASSERT_TRUE(QTest::qWaitFor([this] { return action()->text() == "1550 nm\n14"; }, 5000))
         << qPrintable(action()->text());
@@ -202,15 +204,14 @@ TEST_F(Measuring, ReturnLossOfAMeasuredTraceIsComputed)
 {
     runToEnd(QString(kOneTrace).arg(traceStart(1, 1, 1550), snapshot(TraceBuilder().fibre(2_km))));
     const Reflectogram refl = refls()->mainRefl();
-    EXPECT_TRUE(
-        QTest::qWaitFor([&] { return refl.sorData()->keyEvents() != nullptr; }, 5000));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return refl.sorData()->keyEvents() != nullptr; }, 5000));
 }
 
 TEST_F(Measuring, NextRunReplacesMeasuredTracesAndKeepsLoadedOnes)
 {
     const Reflectogram loaded = load("a.sor");
-    const QString script
-        = QString(kOneTrace).arg(traceStart(1, 1, 1550), snapshot(TraceBuilder().fibre(2_km)));
+    const QString script =
+        QString(kOneTrace).arg(traceStart(1, 1, 1550), snapshot(TraceBuilder().fibre(2_km)));
     runToEnd(script);
     const Reflectogram first = refls()->mainRefl();
     stopped->clear();
@@ -237,9 +238,10 @@ TEST_F(Measuring, OnlyTheMeasuredCurveIsShownDuringARun)
 
 TEST_F(Measuring, EventsOfTheRunStandOnItsTrace)
 {
-    runToEnd("printf '1 G {;'; sleep 0.1;" + traceStart(1, 1, 1550)
-             + snapshot(TraceBuilder().fibre(2_km))
-             + "printf '4 M };5 A {;6 A * s position 0;7 A * n position 900 loss 0.1;8 A };9 G };'");
+    runToEnd(
+        "printf '1 G {;'; sleep 0.1;" + traceStart(1, 1, 1550)
+        + snapshot(TraceBuilder().fibre(2_km))
+        + "printf '4 M };5 A {;6 A * s position 0;7 A * n position 900 loss 0.1;8 A };9 G };'");
     EXPECT_EQ(refls()->mainRefl().getEventList().size(), 2);
     EXPECT_EQ(shownTicks(), 2);
 }
@@ -258,7 +260,8 @@ TEST_F(Measuring, BrokenSnapshotIsNoTraceAndHarmsNoLoadedOne)
 
 TEST_F(Measuring, TraceDeletedDuringItsRunIsNotMissed)
 {
-    programs.make("wfgather", "printf '1 G {;'; sleep 0.1;" + traceStart(1, 1, 1550)
+    programs.make("wfgather",
+                  "printf '1 G {;'; sleep 0.1;" + traceStart(1, 1, 1550)
                       + snapshot(TraceBuilder().fibre(2_km))
                       + "sleep 0.5; printf '4 M };5 A {;6 A };7 G };'");
     press();
@@ -306,8 +309,9 @@ TEST_F(Measuring, RefusedFibreCheckWarnsAndIsIdleAgain)
 
 TEST_F(Measuring, CardPulledDuringARunIsTold)
 {
-    programs.make("wfgather", "trap 'printf \"9 G };\"; exit 0' TERM; printf '1 G {;'; "
-                              "while true; do sleep 0.05; done");
+    programs.make("wfgather",
+                  "trap 'printf \"9 G };\"; exit 0' TERM; printf '1 G {;'; "
+                  "while true; do sleep 0.05; done");
     press();
     QTest::qWait(200);
     card.unplug();
@@ -319,7 +323,8 @@ TEST_F(Measuring, CardPulledDuringARunIsTold)
 
 TEST_F(Measuring, SaysNothingOfParametersThatCannotBeAndShowsTheTrace)
 {
-    runToEnd("printf '1 G {;2 M { 1/1 wavelength 1550 ior inf helix nan distance inf pulse 100 rbs nan;';"
+    runToEnd("printf '1 G {;2 M { 1/1 wavelength 1550 ior inf helix nan distance inf pulse 100 rbs "
+             "nan;';"
              "sleep 0.1;"
              + snapshot(TraceBuilder().fibre(2_km)) + "printf '4 M };9 G };'");
     ASSERT_EQ(refls()->rowCount(), 1);

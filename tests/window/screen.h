@@ -22,6 +22,7 @@
 #include <QtTest>
 
 #include <gmock/gmock.h>
+
 #include <memory>
 
 namespace testing_support {
@@ -39,14 +40,14 @@ protected:
         : config(ZuConfigModel::instance(&card, "zuotdr"))
     {
         // The one connection that is not to take: the end of a drag has nothing left to do.
-        expectWarning("No such slot Waveform::Window::rescalePlot( )");
+        expectWarning("No such slot Waveform::Window::rescalePlot(");
         window = std::make_unique<Window>(config);
         model = std::make_unique<Model>(&card);
         window->setModel(model.get());
         window->resize(800, 480);
         window->show();
         QCoreApplication::processEvents();
-        stopped = std::make_unique<QSignalSpy>(model.get(), SIGNAL(stopped( MeasModel* )));
+        stopped = std::make_unique<QSignalSpy>(model.get(), SIGNAL(stopped(MeasModel*)));
     }
 
     ~Screen() override
@@ -57,8 +58,11 @@ protected:
     }
 
     Plot* plot() const { return window->findChild<Plot*>(); }
+
     ReflsTableModel* refls() const { return window->reflsTableModel(); }
+
     QPushButton* action() const { return window->actionButton(); }
+
     QString warning() const { return window->notification()->text(); }
 
     QList<ReflCurve*> shownCurves() const
@@ -86,8 +90,8 @@ protected:
         plot()->updateAxes();
         const QwtScaleDiv& x = plot()->axisScaleDiv(QwtPlot::xBottom);
         const QwtScaleDiv& y = plot()->axisScaleDiv(QwtPlot::yLeft);
-        return { x.lowerBound(), y.lowerBound(), x.upperBound() - x.lowerBound(),
-                 y.upperBound() - y.lowerBound() };
+        return {x.lowerBound(), y.lowerBound(), x.upperBound() - x.lowerBound(),
+                y.upperBound() - y.lowerBound()};
     }
 
     Reflectogram load(const QString& name, const SorSketch& sketch = SorSketch::plain())

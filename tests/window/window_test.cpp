@@ -1,8 +1,7 @@
-#include "window/window.h"
-
 #include "platform/launcher/controlbottompanel.h"
 #include "tests/support/paintcounter.h"
 #include "tests/window/screen.h"
+#include "window/window.h"
 
 #include <QProgressBar>
 
@@ -102,7 +101,7 @@ TEST_F(Screen, PanAndResizeSampleTheCurvesAnewAndTellTheOverlays)
 {
     qRegisterMetaType<QwtScaleMap>("QwtScaleMap");
     load("a.sor");
-    const QSignalSpy maps(plot(), SIGNAL(transformMapsChanged( QwtScaleMap, QwtScaleMap )));
+    const QSignalSpy maps(plot(), SIGNAL(transformMapsChanged(QwtScaleMap, QwtScaleMap)));
     const QSignalSpy sampled(shownCurves()[0], SIGNAL(dataChanged()));
     plot()->shiftScale(QPoint(20, 0));
     EXPECT_EQ(sampled.size(), 1);
@@ -115,7 +114,7 @@ TEST_F(Screen, PanAndResizeSampleTheCurvesAnewAndTellTheOverlays)
 TEST_F(Screen, NewMainTraceTellsTheOverlays)
 {
     qRegisterMetaType<QwtScaleMap>("QwtScaleMap");
-    const QSignalSpy maps(plot(), SIGNAL(transformMapsChanged( QwtScaleMap, QwtScaleMap )));
+    const QSignalSpy maps(plot(), SIGNAL(transformMapsChanged(QwtScaleMap, QwtScaleMap)));
     load("a.sor");
     EXPECT_FALSE(maps.isEmpty());
     const int before = maps.size();

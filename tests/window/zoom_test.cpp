@@ -13,10 +13,7 @@ class Zooming : public Screen
 protected:
     Zooming() { refl = load("a.sor"); }
 
-    QPushButton* button(const QString& name) const
-    {
-        return window->findChild<QPushButton*>(name);
-    }
+    QPushButton* button(const QString& name) const { return window->findChild<QPushButton*>(name); }
 
     QmMiniPlot* miniPlot() const { return window->findChild<QmMiniPlot*>(); }
 
@@ -46,7 +43,7 @@ TEST_F(Zooming, FullViewOffersToZoomInOnly)
     EXPECT_FALSE(button("zoomOutButton")->isVisible());
     EXPECT_FALSE(miniPlot()->isVisible());
     EXPECT_EQ(button("zoomOutButton")->text(), QString(QChar(0x2013)));
-    for (const char* name : { "zoomOffButton", "zoomInButton" }) {
+    for (const char* name : {"zoomOffButton", "zoomInButton"}) {
         EXPECT_GE(button(name)->height(), 52) << name;
         EXPECT_EQ(button(name)->font().pointSize(), 28) << name;
         EXPECT_TRUE(button(name)->font().bold()) << name;
@@ -124,7 +121,7 @@ TEST_F(Zooming, ArrowKeysZoomOneAxisWhereverTheFocusIs)
 TEST_F(Zooming, KeysOfTheFrameReachTheWindow)
 {
     QWidget frame;
-    ASSERT_EQ(window->eventFilters(), QList<QObject*> { window.get() });
+    ASSERT_EQ(window->eventFilters(), QList<QObject*> {window.get()});
     frame.installEventFilter(window->eventFilters().first());
     const QRectF before = view();
     QTest::keyClick(&frame, Qt::Key_Right);

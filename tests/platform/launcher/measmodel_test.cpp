@@ -149,8 +149,8 @@ TEST(MeasModel, ParsesAConfigurationThatTheCardAnnounces)
 {
     CardController card;
     OpenModel model(&card);
-    ASSERT_TRUE(QObject::connect(&card, SIGNAL(configUpdated(QVariantMap&)), &model,
-                                 SLOT(configUpdated(QVariantMap&))));
+    ASSERT_TRUE(QObject::connect(
+        &card, SIGNAL(configUpdated(QVariantMap&)), &model, SLOT(configUpdated(QVariantMap&))));
     QVariantMap map {{"MeasParams/pulse", 5}};
     card.updateConfig(map);
     EXPECT_EQ(model.parsed, map);

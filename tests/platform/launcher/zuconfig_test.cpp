@@ -61,7 +61,7 @@ TEST(ZuConfig, RoundTripsAwkwardTexts)
 {
     const ConfigHome home;
     const QStringList texts {"a,b",
-                             "/home/u/Трасса 1.json",
+                             "/media/u/Трасса 1.json",
                              "semi;colon",
                              "quote\"s",
                              "back\\slash",

@@ -41,9 +41,9 @@ struct Changes
 {
     explicit Changes(ZuSetting* setting)
         : variants(setting, SIGNAL(changed(QVariant)))
-        , ints(setting, SIGNAL(changed(int)))
-        , doubles(setting, SIGNAL(changed(double)))
-        , texts(setting, SIGNAL(changed(QString)))
+                   , ints(setting, SIGNAL(changed(int)))
+                          , doubles(setting, SIGNAL(changed(double)))
+                                    , texts(setting, SIGNAL(changed(QString)))
     {
     }
 

@@ -6,9 +6,10 @@
 #include "platform/otdr/reflcoefcalc.h"
 #include "tests/support/tracefiles.h"
 
+#include <gmock/gmock.h>
+
 #include <atomic>
 #include <cmath>
-#include <gmock/gmock.h>
 #include <thread>
 
 namespace {
@@ -26,8 +27,8 @@ WfMeasParams fibre()
 TEST(LossCalc, MeasuresASpliceFromTheLinesOnBothSides)
 {
     const TraceFiles files;
-    const Reflectogram refl
-        = files.measured(TraceBuilder().fibre(4_km).splice(2_km, 0.3_dB), fibre());
+    const Reflectogram refl =
+        files.measured(TraceBuilder().fibre(4_km).splice(2_km, 0.3_dB), fibre());
     const long position = std::lround(2000.0 / refl.smpl2dist(1.0));
     const LossCalc calc(position, refl);
     EXPECT_NEAR(calc.loss(), 0.3, 0.002); // counts are whole thousandths
@@ -51,7 +52,7 @@ TEST(LossCalc, KeepsItsLinesClearOfNeighbouringEvents)
         TraceBuilder().fibre(6_km).splice(2_km, 0.3_dB).splice(3_km, 1.0_dB), fibre());
     Event first(Event::NonReflective, 2000, 10);
     Event second(Event::NonReflective, 3000, 10);
-    refl.setEventList({ first, second });
+    refl.setEventList({first, second});
     const LossCalc calc(std::lround(2000.0 / refl.smpl2dist(1.0)), refl);
     EXPECT_NEAR(calc.loss(), 0.3, 0.002);
 }
@@ -68,8 +69,8 @@ TEST(ReflcoefCalc, FindsTheReflectanceThatMadeThePeak)
 {
     const double height_dB = otdr::peakHeight_dB(-45.0, -81.9, 100.0);
     const TraceFiles files;
-    const Reflectogram refl = files.measured(
-        TraceBuilder().fibre(4_km).reflection(2_km, Decibels { height_dB }), fibre());
+    const Reflectogram refl =
+        files.measured(TraceBuilder().fibre(4_km).reflection(2_km, Decibels {height_dB}), fibre());
     const double base_dB = 45.0 - 0.4;
     double peak_dB = 0.0;
     EXPECT_NEAR(ReflcoefCalc(refl)(2000.0, base_dB, peak_dB), -45.0, 0.01);
@@ -95,8 +96,8 @@ TEST(OrlCalc, AgreesWithTheClosedFormOfUniformFibre)
     const double metresPerNs = refl.smpl2dist(1.0) / refl.dataSpacing();
     const double perMetre = 0.2 / 4342.9;
     const auto closedForm = [&](double length_m) {
-        const double sum_ns = (1.0 - std::exp(-2.0 * perMetre * length_m)) / (2.0 * perMetre)
-            / metresPerNs;
+        const double sum_ns =
+            (1.0 - std::exp(-2.0 * perMetre * length_m)) / (2.0 * perMetre) / metresPerNs;
         return -10.0 * std::log10(std::pow(10.0, -8.19) * sum_ns);
     };
     ORLCalc calc(refl);
@@ -107,21 +108,21 @@ TEST(OrlCalc, AgreesWithTheClosedFormOfUniformFibre)
 
 TEST(OrlCalc, IsUnknownWithoutATrace)
 {
-    ORLCalc calc { Reflectogram() };
+    ORLCalc calc {Reflectogram()};
     EXPECT_TRUE(std::isnan(calc.recalculate(0.0, 100.0)));
 }
 
 TEST(OrlCalc, TakesTheStatedReflectanceForASaturatedPeak)
 {
     const TraceFiles files;
-    Reflectogram refl
-        = files.measured(TraceBuilder().fibre(6_km).reflection(3_km, 15.0_dB), fibre());
+    Reflectogram refl =
+        files.measured(TraceBuilder().fibre(6_km).reflection(3_km, 15.0_dB), fibre());
     ORLCalc calc(refl);
     const double seen = calc.recalculate(1000.0, 5000.0);
     Event clipped(Event::Reflective, 3000, 10);
     clipped.reflectance = -20.0;
     clipped.saturated = true;
-    refl.setEventList({ clipped });
+    refl.setEventList({clipped});
     const double stated = calc.recalculate(1000.0, 5000.0);
     EXPECT_LT(stated, seen);
     EXPECT_NEAR(stated, 20.0 + 2 * 2 * 0.2, 0.3); // the peak behind 2 km there and back governs
@@ -134,7 +135,7 @@ TEST(OrlCalc, MayComputeWhileTheTraceIsExchanged)
     const Reflectogram one = files.measured(TraceBuilder().fibre(3_km), fibre());
     const Reflectogram two = files.plain();
     ORLCalc calc(one);
-    std::atomic<bool> done { false };
+    std::atomic<bool> done {false};
     std::thread worker([&] {
         while (!done) {
             EXPECT_FALSE(std::isnan(calc.recalculate(100.0, 900.0)));
@@ -163,8 +164,7 @@ TEST(LsaLine, ReproducesAStraightFibre)
 TEST(LsaLine, AgreesWithAStraightSumOverNoisySamples)
 {
     const TraceFiles files;
-    const Reflectogram refl
-        = files.measured(TraceBuilder().fibre(6_km).noise(0.05_dB, 3), fibre());
+    const Reflectogram refl = files.measured(TraceBuilder().fibre(6_km).noise(0.05_dB, 3), fibre());
     const QLineF line = LSALine(1000.0, 5000.0, refl).line();
 
     const double step = refl.smpl2dist(1.0);

@@ -1,5 +1,4 @@
 #include "platform/otdr/event.h"
-
 #include "platform/otdr/otdr.h"
 #include "platform/otdr/reflectogram.h"
 
@@ -59,8 +58,8 @@ TEST(Event, TextIsOneLineOfWordsWithoutTheMessageSeparator)
 
 TEST(Event, DamagedTextGivesAnEventWithUnknownValues)
 {
-    for (const char* text : { "", "x", "reflective position 3", "z position 4", "r position",
-                              "r position x loss nan reflectance inf length 1e999" }) {
+    for (const char* text : {"", "x", "reflective position 3", "z position 4", "r position",
+                             "r position x loss nan reflectance inf length 1e999"}) {
         const Event event = OTDR::createEventFromString(text, Reflectogram());
         EXPECT_EQ(event.position, 0) << text;
         EXPECT_FALSE(Event::isKnown(event.loss)) << text;
@@ -82,9 +81,9 @@ TEST(Event, EqualNeedsTheSamePositionAndTreatsUnknownAsEqual)
 
 TEST(Event, OrderIsThatAlongTheFibreWithStartFirstAndEndLast)
 {
-    EventList list { Event(Event::SpanEnd, 100, 10), Event(Event::Reflective, 100, 10),
-                     Event(Event::NonReflective, 50, 10), Event(Event::Reflective, 0, 10),
-                     Event(Event::SpanStart, 0, 10) };
+    EventList list {Event(Event::SpanEnd, 100, 10), Event(Event::Reflective, 100, 10),
+                    Event(Event::NonReflective, 50, 10), Event(Event::Reflective, 0, 10),
+                    Event(Event::SpanStart, 0, 10)};
     std::sort(list.begin(), list.end());
     QString kinds;
     for (const Event& event : list) {

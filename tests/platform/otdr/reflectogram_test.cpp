@@ -1,14 +1,14 @@
-#include "platform/otdr/reflectogram.h"
-
 #include "platform/otdr/core/trace.h"
+#include "platform/otdr/reflectogram.h"
 #include "tests/support/tracefiles.h"
 
 #include <QFile>
 
-#include <atomic>
-#include <cmath>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
+
+#include <atomic>
+#include <cmath>
 #include <thread>
 
 namespace {
@@ -142,10 +142,10 @@ TEST(Reflectogram, ChangesAreSeenByAllHolders)
     EXPECT_EQ(other.IOR(), 1.5);
     one.setHelix(2.0);
     EXPECT_EQ(other.helix(), 2.0);
-    one.setEventList({ Event(Event::SpanEnd, 77, 1) });
+    one.setEventList({Event(Event::SpanEnd, 77, 1)});
     EXPECT_EQ(other.getEventList().size(), 1);
     EXPECT_EQ(other.endOfFiber(), 77.0);
-    one.setSupParams({ "S", "", "", "", "", "", "" });
+    one.setSupParams({"S", "", "", "", "", "", ""});
     EXPECT_EQ(other.sorData()->supParams().supplierName, "S");
 }
 
@@ -170,7 +170,7 @@ TEST(Reflectogram, RefusesAGroupIndexThatCannotBe)
 {
     const TraceFiles files;
     Reflectogram refl = files.plain();
-    for (const double ior : { 0.0, -1.5, 0.99, std::nan(""), HUGE_VAL }) {
+    for (const double ior : {0.0, -1.5, 0.99, std::nan(""), HUGE_VAL}) {
         refl.setIOR(ior);
         EXPECT_NEAR(refl.IOR(), 1.468, 1e-12);
     }
@@ -204,7 +204,7 @@ TEST(Reflectogram, SnapshotTakesTheParametersOfTheMeasurement)
 TEST(Reflectogram, SnapshotOfParametersThatCannotBeHasADistanceAllTheSame)
 {
     const TraceFiles files;
-    for (const double impossible : { std::nan(""), HUGE_VAL, -HUGE_VAL, -100.0 }) {
+    for (const double impossible : {std::nan(""), HUGE_VAL, -HUGE_VAL, -100.0}) {
         WfMeasParams params;
         params.ior = impossible;
         params.helix = impossible;
@@ -240,7 +240,7 @@ TEST(Reflectogram, RefreshReplacesTheTraceForAllHoldersAndForgetsWhatWasComputed
     Reflectogram refl = files.measured(TraceBuilder().fibre(3_km));
     const Reflectogram holder = refl;
     refl.fillOrl();
-    refl.setEventList({ Event(Event::SpanEnd, 3000, 10) });
+    refl.setEventList({Event(Event::SpanEnd, 3000, 10)});
     ASSERT_NE(holder.sorData()->keyEvents(), nullptr);
 
     const QString file = files.writeSnapshot("wfsnapshot.bin", TraceBuilder().fibre(2_km));
@@ -273,7 +273,7 @@ TEST(Reflectogram, FileThatIsNoTraceIsInvalidWithAReason)
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write("The quick brown fox jumps over the lazy dog.");
     file.close();
-    for (const QString& name : { text, files.path(""), files.path("missing.sor") }) {
+    for (const QString& name : {text, files.path(""), files.path("missing.sor")}) {
         const Reflectogram refl(name);
         EXPECT_FALSE(refl.isValid());
         EXPECT_FALSE(refl.error().isEmpty()) << qPrintable(name);
@@ -294,12 +294,12 @@ TEST(Reflectogram, SavedChangesAreReadBack)
     const TraceFiles files;
     Reflectogram refl = files.plain();
     refl.setIOR(1.475);
-    refl.setSupParams({ "Supplier", "Main", "1", "Module", "2", "3.0", "other" });
+    refl.setSupParams({"Supplier", "Main", "1", "Module", "2", "3.0", "other"});
     Event end(Event::SpanEnd, 2500, 10);
     end.position = 2462;
     end.coordinate = 2500.0;
     end.reflectance = -30.5;
-    refl.setEventList({ end });
+    refl.setEventList({end});
     ASSERT_EQ(refl.save(files.path("changed.sor")), 0);
 
     const Reflectogram read(files.path("changed.sor"));
@@ -356,7 +356,7 @@ TEST(Reflectogram, FillOrlMakesTheKeyEventsBlockEvenWhereNothingCanBeComputed)
 {
     const TraceFiles files;
     SorSketch sketch = SorSketch::plain();
-    sketch.leftOut = { "KeyEvents" };
+    sketch.leftOut = {"KeyEvents"};
     sketch.samples.assign(20, 65535);
     Reflectogram refl(files.write("dark.sor", sketch));
     ASSERT_TRUE(refl.isValid()) << qPrintable(refl.error());
@@ -382,7 +382,7 @@ TEST(Reflectogram, MayBeReadWhileItIsRefreshedAndComputed)
     const TraceFiles files;
     Reflectogram refl = files.measured(TraceBuilder().fibre(3_km));
     const QString file = refl.fileName();
-    std::atomic<bool> done { false };
+    std::atomic<bool> done {false};
     std::thread worker([&] {
         Reflectogram copy = refl;
         while (!done) {
@@ -392,7 +392,7 @@ TEST(Reflectogram, MayBeReadWhileItIsRefreshedAndComputed)
     for (int i = 0; i < 50; ++i) {
         refl.updateFromFile(file, WfMeasParams());
         refl.setIOR(1.4 + 0.001 * i);
-        refl.setEventList({ Event(Event::SpanEnd, 2900 + i, 10) });
+        refl.setEventList({Event(Event::SpanEnd, 2900 + i, 10)});
         EXPECT_GT(refl.maxdist(), 0.0);
         EXPECT_GT(refl.powerAtDist(500.0), 0.0F);
         EXPECT_EQ(refl.getEventList().size(), 1);
@@ -417,8 +417,8 @@ TEST(Reflectogram, RealTracesOpenWithTheirEventsInOrderAndOnTheTrace)
         for (const Event& event : refl.getEventList()) {
             EXPECT_GE(event.coordinate, before) << qPrintable(file);
             before = event.coordinate;
-            EXPECT_NEAR(static_cast<double>(event.position) * refl.smpl2dist(1.0),
-                        event.coordinate, 0.5 * refl.smpl2dist(1.0) + 1e-6)
+            EXPECT_NEAR(static_cast<double>(event.position) * refl.smpl2dist(1.0), event.coordinate,
+                        0.5 * refl.smpl2dist(1.0) + 1e-6)
                 << qPrintable(file);
         }
     }

@@ -13,7 +13,8 @@
 #include <chrono>
 #include <thread>
 
-// "M {", the snapshots (each behind its tick) and "M }" of a trace are seen in this order, however busy the reader is.
+// "M {", the snapshots (each behind its tick) and "M }" of a trace are seen in this order, however
+// busy the reader is.
 
 namespace {
 
