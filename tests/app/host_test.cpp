@@ -14,6 +14,7 @@
 
 #include <QCloseEvent>
 #include <QLabel>
+#include <QPointer>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QThreadPool>
@@ -44,6 +45,18 @@ public:
 private:
     QString name;
 };
+
+TEST(FrameOfAWindow, LetsItGoAtItsEnd)
+{
+    const QPointer<PluginWindow> window = new PluginWindow;
+    {
+        const Frame frame(window, nullptr);
+        EXPECT_EQ(window->parentWidget(), &frame);
+    }
+    ASSERT_FALSE(window.isNull()) << "the plugin's window was deleted with the frame";
+    EXPECT_EQ(window->parentWidget(), nullptr);
+    delete window.data();
+}
 
 class Hosting : public testing::Test
 {

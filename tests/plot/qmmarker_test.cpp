@@ -539,6 +539,26 @@ TEST_F(MarkerPicture, SymbolStandsInTheMiddleOfTheKnob)
     EXPECT_EQ(dark(picture(), QRect(20, 266, 3, 17)), 0);
 }
 
+TEST_F(MarkerPicture, SymbolStandsInTheMiddleInAnyFont)
+{
+    const auto isInTheMiddle = [this] {
+        const QImage image = picture();
+        return dark(image, QRect(12, 262, 5, 25)) > 20 && dark(image, QRect(4, 266, 6, 17)) == 0
+            && dark(image, QRect(19, 266, 6, 17)) == 0;
+    };
+    QFont font = marker.font();
+    font.setPixelSize(22);
+    marker.setFont(font);
+    marker.setSymbol(QChar('l'));
+    EXPECT_TRUE(isInTheMiddle());
+    font.setPixelSize(11);
+    marker.setFont(font);
+    (void)picture();
+    font.setPixelSize(22);
+    marker.setFont(font);
+    EXPECT_TRUE(isInTheMiddle());
+}
+
 TEST_F(MarkerPicture, PixmapIsShownWhereThereIsNoCharacter)
 {
     QPixmap pixmap(5, 5);
