@@ -28,6 +28,7 @@ QmMarker::QmMarker(QWidget* parent)
     setFocusPolicy(Qt::ClickFocus);
     setGeometry(0, 0, markergeometry::kWidth, parent->height());
     text.setTextFormat(Qt::PlainText);
+    text.prepare(QTransform(), font()); // from now on it knows its size
     parent->installEventFilter(this);
 }
 
@@ -130,7 +131,6 @@ void QmMarker::moveBy(int dx)
 void QmMarker::setSymbol(const QChar& character)
 {
     text.setText(character.isNull() ? QString() : QString(character));
-    text.prepare(QTransform(), font());
     update();
 }
 

@@ -23,7 +23,8 @@ class QmMarker : public QWidget
 
 public:
     /// Column of the line inside the marker.
-    static constexpr int markerBorder = markergeometry::kLine;
+    static constexpr int markerBorder // NOLINT(readability-identifier-naming)
+        = markergeometry::kLine;
 
     /// At the left edge of the parent, as high as it.
     explicit QmMarker(QWidget* parent);

@@ -10,6 +10,7 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -474,11 +475,13 @@ protected:
     }
 
     /// The marker alone, on nothing.
-    [[nodiscard]] QImage picture()
+    [[nodiscard]] QImage picture() { return picture(marker); }
+
+    [[nodiscard]] static QImage picture(QmMarker& shown)
     {
-        QImage image(marker.size(), QImage::Format_ARGB32);
+        QImage image(shown.size(), QImage::Format_ARGB32);
         image.fill(Qt::transparent);
-        marker.render(&image, QPoint(), QRegion(), QWidget::RenderFlags());
+        shown.render(&image, QPoint(), QRegion(), QWidget::RenderFlags());
         return image;
     }
 
@@ -541,22 +544,23 @@ TEST_F(MarkerPicture, SymbolStandsInTheMiddleOfTheKnob)
 
 TEST_F(MarkerPicture, SymbolStandsInTheMiddleInAnyFont)
 {
-    const auto isInTheMiddle = [this] {
-        const QImage image = picture();
-        return dark(image, QRect(12, 262, 5, 25)) > 20 && dark(image, QRect(4, 266, 6, 17)) == 0
-            && dark(image, QRect(19, 266, 6, 17)) == 0;
+    const auto isInTheMiddle = [](const QImage& image) {
+        int left = 0;
+        int right = 28;
+        for (; left < right && dark(image, QRect(left, 262, 1, 25)) == 0; ++left) { }
+        for (; left < right && dark(image, QRect(right, 262, 1, 25)) == 0; --right) { }
+        return right - left >= 5 && std::abs(left + right - 28) <= 2;
     };
-    QFont font = marker.font();
-    font.setPixelSize(22);
-    marker.setFont(font);
-    marker.setSymbol(QChar('l'));
-    EXPECT_TRUE(isInTheMiddle());
-    font.setPixelSize(11);
-    marker.setFont(font);
-    (void)picture();
-    font.setPixelSize(22);
-    marker.setFont(font);
-    EXPECT_TRUE(isInTheMiddle());
+    QFont font = canvas.font();
+    font.setPixelSize(24);
+    canvas.setFont(font);
+    QmMarker large(&canvas); // has the font from its parent
+    large.setPalette(marker.palette());
+    large.setSymbol(QChar('H'));
+    EXPECT_TRUE(isInTheMiddle(picture(large)));
+    font.setPixelSize(14);
+    large.setFont(font);
+    EXPECT_TRUE(isInTheMiddle(picture(large)));
 }
 
 TEST_F(MarkerPicture, PixmapIsShownWhereThereIsNoCharacter)
