@@ -10,10 +10,13 @@ class ORLCalc // NOLINT(readability-identifier-naming): a given name
 {
 public:
     explicit ORLCalc(const Reflectogram& refl);
+    virtual ~ORLCalc() = default;
+    ORLCalc(const ORLCalc&) = delete;
+    ORLCalc& operator=(const ORLCalc&) = delete;
     void setReflectogram(Reflectogram refl);
 
     /// Return loss between two distances, in either order, dB; NaN where it cannot be told.
-    [[nodiscard]] double recalculate(double a_m, double b_m);
+    [[nodiscard]] virtual double recalculate(double a_m, double b_m);
 
 private:
     std::mutex mutex;

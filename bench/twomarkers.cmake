@@ -1,0 +1,1 @@
+waveform_bench(twomarkers_bench SOURCES twomarkers_bench.cpp DEPENDS twomarkers)

@@ -1,0 +1,151 @@
+// Moving a marker by a pixel, with the fitted line on and the return loss computed in the
+// background: everything but painting the screen. The cost is that of the widgets, whatever the
+// length of the trace.
+
+#include "platform/otdr/core/snapshot.h"
+#include "plot/plot.h"
+#include "plot/qmplotmarker.h"
+#include "twomarkers/twomarkersmodel.h"
+#include "twomarkers/twomarkersview.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QThreadPool>
+
+#include <benchmark/benchmark.h>
+
+#include <cmath>
+#include <cstdint>
+#include <map>
+#include <random>
+#include <vector>
+
+namespace {
+
+constexpr double kRange_m = 50000.0;
+
+/// A sloping line with noise.
+std::vector<std::uint16_t> samples(std::size_t count)
+{
+    std::mt19937 random(1);
+    std::normal_distribution<double> noise;
+    std::vector<std::uint16_t> counts(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        const double place = static_cast<double>(i) / static_cast<double>(count);
+        const double level_dB = 40.0 - 15.0 * place + 0.05 * noise(random);
+        counts[i] = static_cast<std::uint16_t>(std::lround(65535.0 - 1000.0 * level_dB));
+    }
+    return counts;
+}
+
+const Reflectogram& trace(std::size_t count)
+{
+    static std::map<std::size_t, Reflectogram> made;
+    Reflectogram& refl = made[count];
+    if (!refl.isValid()) {
+        const QTemporaryDir dir;
+        const QString name = dir.filePath("trace.bin");
+        otdr::Snapshot snapshot;
+        snapshot.sampleInterval_ns = kRange_m / 0.1 / static_cast<double>(count);
+        snapshot.wavelength_nm = 1550;
+        snapshot.pulse_ns = 100;
+        snapshot.samples = otdr::RawSamples(samples(count));
+        const std::vector<std::byte> bytes = otdr::encodeSnapshot(snapshot);
+        QFile file(name);
+        file.open(QIODevice::WriteOnly);
+        file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<qint64>(bytes.size()));
+        file.close();
+        refl = Reflectogram(name, WfMeasParams());
+    }
+    return refl;
+}
+
+/// The chart as the window shows it, with the markers over a stretch of 40 km.
+struct Chart
+{
+    explicit Chart(std::size_t count)
+        : view(true, plot.canvas())
+        , model(true, nullptr)
+    {
+        plot.enableAxis(QwtPlot::xBottom, true);
+        plot.enableAxis(QwtPlot::yLeft, true);
+        plot.setAxisScale(QwtPlot::xBottom, 0.0, kRange_m);
+        plot.setAxisScale(QwtPlot::yLeft, 0.0, 50.0);
+        view.attachToPlot(&plot);
+        view.setModel(&model);
+        plot.resize(1280, 720);
+        plot.show();
+        plot.replot();
+        plot.emitTransformMaps();
+        const auto markers = plot.canvas()->findChildren<QmPlotMarker*>();
+        left = markers.first();
+        right = markers.last();
+        left->setXValue(2000.0);
+        right->setXValue(42000.0);
+        model.setReflectogram(trace(count));
+        QApplication::processEvents();
+    }
+
+    Waveform::Plot plot;
+    Waveform::TwoMarkersView view;
+    Waveform::TwoMarkersModel model;
+    QmPlotMarker* left = nullptr;
+    QmPlotMarker* right = nullptr;
+};
+
+void BM_MoveMarker(benchmark::State& state)
+{
+    Chart chart(static_cast<std::size_t>(state.range(0)));
+    int dx = 1;
+    for (auto _ : state) {
+        chart.left->moveBy(dx);
+        dx = -dx;
+    }
+}
+
+/// The same with the return loss waited for and shown.
+void BM_MoveMarkerTillReturnLoss(benchmark::State& state)
+{
+    Chart chart(static_cast<std::size_t>(state.range(0)));
+    int dx = 1;
+    for (auto _ : state) {
+        chart.left->moveBy(dx);
+        dx = -dx;
+        QThreadPool::globalInstance()->waitForDone();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::FutureCallOut);
+    }
+}
+
+/// What the model alone takes of it.
+void BM_Measure(benchmark::State& state)
+{
+    Chart chart(static_cast<std::size_t>(state.range(0)));
+    chart.view.hide();
+    chart.model.disconnect();
+    for (auto _ : state) {
+        chart.model.calculate();
+    }
+}
+
+constexpr int k16Thousand = 16'000;
+constexpr int k10Million = 10'000'000;
+
+BENCHMARK(BM_MoveMarker)->Arg(k16Thousand)->Arg(k10Million)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_MoveMarkerTillReturnLoss)
+    ->Arg(k16Thousand)
+    ->Arg(k10Million)
+    ->Unit(benchmark::kMicrosecond)
+    ->UseRealTime();
+BENCHMARK(BM_Measure)->Arg(k16Thousand)->Arg(k10Million)->Unit(benchmark::kMicrosecond);
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
