@@ -15,8 +15,13 @@ LossCalc::LossCalc(long position, const Reflectogram& refl)
         return;
     }
     const double index = state->indexAt(0.0) + static_cast<double>(position);
-    const otdr::EventLoss loss = otdr::eventLoss(*state->trace, siteOf(*state, index));
-    loss_dB = loss.loss_dB;
-    in_dB = loss.in_dB;
-    out_dB = loss.out_dB;
+    const otdr::EventSite site = siteOf(*state, index);
+    // Each level needs its own line only: an end of the fibre has one before it and none behind.
+    if (const auto before = otdr::fibreBefore(*state->trace, site)) {
+        in_dB = before->at(index);
+    }
+    if (const auto behind = otdr::fibreBehind(*state->trace, site)) {
+        out_dB = behind->at(index);
+    }
+    loss_dB = in_dB - out_dB;
 }

@@ -12,17 +12,17 @@ public:
     [[nodiscard]] double loss() const
     {
         return loss_dB;
-    } ///< dB, positive when power falls; NaN where no line fits
+    } ///< dB, positive when power falls; NaN where one of the levels is
 
     [[nodiscard]] double reflIn() const
     {
         return in_dB;
-    } ///< level of the line before, at the event, dB
+    } ///< level of the line before, at the event, dB; NaN where none fits
 
     [[nodiscard]] double reflOut() const
     {
         return out_dB;
-    } ///< level of the line behind, at the event, dB
+    } ///< level of the line behind, at the event, dB; NaN where none fits
 
 private:
     double loss_dB;

@@ -57,6 +57,17 @@ TEST(LossCalc, KeepsItsLinesClearOfNeighbouringEvents)
     EXPECT_NEAR(calc.loss(), 0.3, 0.002);
 }
 
+TEST(LossCalc, KnowsTheLevelBeforeTheEndThoughNoneIsBehind)
+{
+    const TraceFiles files;
+    const Reflectogram refl = files.measured(
+        TraceBuilder().fibre(4_km).behind(4000).noise(0.001_dB, 5).noiseFloor(10_dB), fibre());
+    const LossCalc calc(std::lround(4000.0 / refl.smpl2dist(1.0)), refl);
+    EXPECT_NEAR(calc.reflIn(), 45.0 - 0.8, 0.002);
+    EXPECT_TRUE(std::isnan(calc.reflOut()));
+    EXPECT_TRUE(std::isnan(calc.loss()));
+}
+
 TEST(LossCalc, IsUnknownWithoutATrace)
 {
     const LossCalc calc(100, Reflectogram());

@@ -1,0 +1,72 @@
+#include "events/eventstableview.h"
+
+#include "events/eventcelldelegate.h"
+#include "events/eventstablemodel.h"
+
+#include <QHeaderView>
+#include <QHelpEvent>
+#include <QScrollBar>
+#include <QToolTip>
+
+#include <memory>
+
+namespace Waveform {
+
+namespace {
+
+// For a fingertip, and yet five rows in the strip below the plot.
+constexpr int kRowHeight_px = 34;
+constexpr int kScrollBarWidth_px = 24;
+
+} // namespace
+
+EventsTableView::EventsTableView(QWidget* parent)
+    : QTableView(parent)
+{
+    setWindowTitle(tr("Events"));
+    horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    horizontalHeader()->setSectionsMovable(false);
+    horizontalHeader()->setSectionsClickable(false);
+    horizontalHeader()->setHighlightSections(false);
+    verticalHeader()->hide();
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    verticalHeader()->setDefaultSectionSize(kRowHeight_px);
+    verticalScrollBar()->setStyleSheet(
+        QString("QScrollBar:vertical { width: %1px; }").arg(kScrollBarWidth_px));
+    setVerticalScrollMode(ScrollPerPixel);
+    setSelectionMode(SingleSelection);
+    setSelectionBehavior(SelectRows);
+    setAlternatingRowColors(true);
+    setTabKeyNavigation(false); // Tab leads on to the next control
+    setWordWrap(false);
+    setItemDelegate(new EventCellDelegate(this));
+}
+
+void EventsTableView::setModel(QAbstractItemModel* model)
+{
+    QTableView::setModel(model);
+    const auto* events = qobject_cast<EventsTableModel*>(model);
+    if (events != nullptr && events->selectionModel() != selectionModel()) {
+        const std::unique_ptr<QItemSelectionModel> replaced(selectionModel());
+        setSelectionModel(events->selectionModel());
+    }
+}
+
+bool EventsTableView::viewportEvent(QEvent* event)
+{
+    const auto* events = qobject_cast<EventsTableModel*>(model());
+    if (event->type() != QEvent::ToolTip || events == nullptr) {
+        return QTableView::viewportEvent(event);
+    }
+    const auto* help = static_cast<QHelpEvent*>(event);
+    const QModelIndex index = indexAt(help->pos());
+    if (index.column() == EventsTableModel::Type) {
+        QToolTip::showText(help->globalPos(), events->typeName(index), viewport(),
+                           visualRect(index));
+    } else {
+        QToolTip::hideText();
+    }
+    return true;
+}
+
+} // namespace Waveform
