@@ -132,6 +132,6 @@ int main(int argc, char** argv)
         qunsetenv("XDG_CONFIG_HOME");
     }
     QApplication application(argc, argv);
-    QApplication::setPalette(PaletteFactory::getPalette("GenericWindow"));
+    QApplication::setPalette(PaletteFactory::getPalette("Application"));
     return run(options);
 }

@@ -9,7 +9,7 @@ void setAll(QPalette& palette, QPalette::ColorRole role, QRgb colour)
     palette.setColor(QPalette::All, role, QColor(colour));
 }
 
-QPalette genericWindow()
+QPalette application()
 {
     QPalette palette;
     setAll(palette, QPalette::Window, 0xfff2f4f6);
@@ -41,9 +41,21 @@ QPalette genericWindow()
     return palette;
 }
 
+/// Its Button role is the ground of the marked table row, whose text is white, and the colour of
+/// the markers' lines on the chart: dark enough for both, yet light enough for a dark letter on it.
+QPalette genericWindow()
+{
+    QPalette palette = application();
+    for (const QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive}) {
+        palette.setColor(group, QPalette::Button, QColor(0xff527698));
+        palette.setColor(group, QPalette::ButtonText, QColor(0xffffffff));
+    }
+    return palette;
+}
+
 QPalette chart()
 {
-    QPalette palette = genericWindow();
+    QPalette palette = application();
     setAll(palette, QPalette::Window, 0xffffffff);
     setAll(palette, QPalette::Mid, 0xffc6d0d9);
     return palette;
@@ -51,7 +63,7 @@ QPalette chart()
 
 QPalette criticalButton()
 {
-    QPalette palette = genericWindow();
+    QPalette palette = application();
     setAll(palette, QPalette::Button, 0xffb3261e);
     setAll(palette, QPalette::ButtonText, 0xffffffff);
     return palette;
@@ -61,6 +73,9 @@ QPalette criticalButton()
 
 QPalette PaletteFactory::getPalette(const QString& name)
 {
+    if (name == QLatin1String("Application")) {
+        return application();
+    }
     if (name == QLatin1String("chart")) {
         return chart();
     }

@@ -1,0 +1,152 @@
+#include "refls/reflstableview.h"
+
+#include "refls/multilineddelegate.h"
+#include "refls/reflstablemodel.h"
+#include "refls/refltablemenu.h"
+
+#include <QHeaderView>
+#include <QMouseEvent>
+#include <QTimerEvent>
+
+namespace Waveform {
+
+namespace {
+
+constexpr int kLongTap_ms = 500;
+constexpr int kTouchHeight = 44;
+
+} // namespace
+
+ReflsTableView::ReflsTableView(QWidget* parent)
+    : QTableView(parent)
+    , menu(new ReflTableMenu(this))
+{
+    setWindowTitle(tr("Reflectograms"));
+    setupHeaders();
+    setItemDelegate(new MultilinedDelegate(this));
+    setSelectionMode(QAbstractItemView::NoSelection);
+    setFocusPolicy(Qt::NoFocus);
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    // As high as its rows where there is room, so that a short set leaves it to the plot.
+    setSizeAdjustPolicy(QAbstractScrollArea::AdjustToContents);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Maximum);
+    connect(menu, SIGNAL(clicked( int )), SLOT(clicked( int )));
+}
+
+void ReflsTableView::setupHeaders()
+{
+    horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    horizontalHeader()->setSectionsMovable(false);
+    horizontalHeader()->setSectionsClickable(false);
+    horizontalHeader()->setHighlightSections(false);
+    verticalHeader()->setMinimumSectionSize(kTouchHeight);
+    verticalHeader()->setDefaultSectionSize(kTouchHeight);
+    verticalHeader()->hide();
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff); // the columns share the width
+}
+
+void ReflsTableView::setModel(QAbstractItemModel* newModel)
+{
+    if (auto* before = qobject_cast<ReflsTableModel*>(model())) {
+        before->disconnect(SIGNAL(resize()), this, SLOT(resize()));
+        disconnect(SIGNAL(deleteAllRefls()), before, SLOT(deleteAllRefls()));
+        disconnect(SIGNAL(deleteRefl( int )), before, SLOT(deleteRefl( int )));
+        disconnect(SIGNAL(mainReflChanged( int )), before, SLOT(setMainRefl( int )));
+    }
+    QTableView::setModel(newModel);
+    if (auto* refls = qobject_cast<ReflsTableModel*>(newModel)) {
+        connect(refls, SIGNAL(resize()), SLOT(resize()));
+        connect(this, SIGNAL(deleteAllRefls()), refls, SLOT(deleteAllRefls()));
+        connect(this, SIGNAL(deleteRefl( int )), refls, SLOT(deleteRefl( int )));
+        connect(this, SIGNAL(mainReflChanged( int )), refls, SLOT(setMainRefl( int )));
+    }
+}
+
+void ReflsTableView::resize()
+{
+    resizeRowsToContents();
+}
+
+void ReflsTableView::setMenuDisabled(bool disabled)
+{
+    menuEnabled = !disabled;
+}
+
+void ReflsTableView::clicked(int id)
+{
+    switch (id) {
+    case ReflTableMenu::SetAsMain:
+        emit mainReflChanged(menuRow);
+        break;
+    case ReflTableMenu::Delete:
+        emit deleteRefl(menuRow);
+        break;
+    case ReflTableMenu::DeleteAll:
+        emit deleteAllRefls();
+        break;
+    default:
+        break;
+    }
+}
+
+void ReflsTableView::mousePressEvent(QMouseEvent* event)
+{
+    stopLongTapTimer(); // of another button that is still down
+    longTapTimer = startTimer(kLongTap_ms);
+    pressPosition = event->pos();
+    QTableView::mousePressEvent(event);
+}
+
+void ReflsTableView::mouseReleaseEvent(QMouseEvent* event)
+{
+    stopLongTapTimer();
+    QTableView::mouseReleaseEvent(event);
+}
+
+void ReflsTableView::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    showMenu(event->pos());
+    QTableView::mouseDoubleClickEvent(event);
+}
+
+void ReflsTableView::timerEvent(QTimerEvent* event)
+{
+    if (longTapTimer >= 0 && event->timerId() == longTapTimer) {
+        stopLongTapTimer();
+        longTap();
+        return;
+    }
+    QTableView::timerEvent(event);
+}
+
+void ReflsTableView::longTap()
+{
+    showMenu(pressPosition);
+}
+
+void ReflsTableView::showMenu(QPoint pos)
+{
+    if (!menuEnabled) {
+        return;
+    }
+    const bool isChoice = model() != nullptr && model()->rowCount() >= 2;
+    menu->setButtonEnabled(isChoice, ReflTableMenu::DeleteAll);
+    menu->setButtonEnabled(isChoice, ReflTableMenu::SetAsMain);
+    const QModelIndex index = indexAt(pos);
+    if (!index.isValid()) {
+        return;
+    }
+    menuRow = index.row();
+    // The position counts from below the header, the view from above it.
+    menu->show(mapToGlobal(pos + QPoint(0, horizontalHeader()->height())));
+}
+
+void ReflsTableView::stopLongTapTimer()
+{
+    if (longTapTimer >= 0) {
+        killTimer(longTapTimer);
+        longTapTimer = -1;
+    }
+}
+
+} // namespace Waveform
