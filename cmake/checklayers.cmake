@@ -27,7 +27,7 @@ set(layers
     "programs/otdrreport        platform/otdr platform/otdr/core plot"
     "programs/otdrinfo          platform/otdr platform/otdr/core"
     "tests/support              platform/otdr platform/otdr/core"
-    "bench                      platform/otdr platform/otdr/core plot twomarkers tests/support"
+    "bench                      platform/otdr platform/otdr/core programs/wfgather plot twomarkers tests/support"
     "fuzz                       platform/otdr platform/otdr/core programs/wfgather tests/support")
 # The tests of a folder include what the folder may, the folder, other tests, and the core to compare with.
 

@@ -306,9 +306,9 @@ void Reflectogram::fillOrl()
     while (!done) {
         const auto before = shared->get();
         const KeyEventsBlock block = keyFigures(*before);
-        // A trace that was refreshed meanwhile wants its own figures.
+        // A trace that was refreshed or got other events meanwhile wants its own figures.
         done = shared->update([&](TraceState& state) {
-            if (state.trace != before->trace) {
+            if (state.trace != before->trace || state.events != before->events) {
                 return false;
             }
             auto sor =

@@ -1,0 +1,535 @@
+// What the detection finds on simulated links whose truth is known, as a table.
+//
+//   detection_accuracy [TRACES]
+//
+// TRACES links are drawn for each row (25 without it), always the same ones. What is told of events
+// is told of those that the row's noise lets be seen: steps of eight standard errors of the lines
+// beside them, and of no less than the smallest loss that is listed; peaks of six standard
+// deviations of a sample above the fibre; the end of the fibre where the fibre stands 3 dB above
+// the noise there. "alone" are events with nothing else within four dead zones.
+
+#include "platform/otdr/core/constants.h"
+#include "platform/otdr/core/eventdetection.h"
+#include "platform/otdr/core/reflectance.h"
+#include "platform/otdr/core/returnloss.h"
+#include "platform/otdr/core/trace.h"
+#include "programs/wfgather/fibre.h"
+#include "programs/wfgather/receiver.h"
+#include "programs/wfgather/simulatedtrace.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+using gather::TruthEvent;
+using otdr::DetectedEvent;
+
+constexpr int kWavelength_nm = 1550;
+constexpr double kBackscatter_dB = -81.9;
+constexpr double kIor = 1.4683;
+constexpr double kMeasuring_s = 15.0;
+constexpr double kNoiseLevel_dB = 6.0; // of the simulated instrument
+constexpr double kDbPerRelative = 2.1715; // 5 / ln 10
+constexpr double kRounding_dB = 0.00029; // counts of 0.001 dB
+
+/// Links of one kind, measured in one way.
+struct Row
+{
+    const char* name;
+    double pulse_ns;
+    double length_km;
+    int events;
+    double dynamicRange_dB; // from the backscatter at the port down to the RMS noise
+    double shortest_m; // between two events
+};
+
+const Row kRows[] = {
+    {"access 10 ns", 10.0, 2.0, 6, 15.0, 60.0},
+    {"access 30 ns", 30.0, 5.0, 6, 15.0, 120.0},
+    {"metro 100 ns", 100.0, 15.0, 7, 15.0, 500.0},
+    {"metro 500 ns", 500.0, 30.0, 8, 16.0, 1200.0},
+    {"long haul 1 us", 1000.0, 40.0, 8, 17.0, 2500.0},
+    {"long haul 2.5 us", 2500.0, 60.0, 8, 19.0, 4000.0},
+    {"long haul 20 us", 20000.0, 120.0, 5, 30.0, 14000.0},
+    {"clean 30 ns", 30.0, 5.0, 6, 28.0, 120.0},
+    {"clean 500 ns", 500.0, 40.0, 10, 28.0, 1200.0},
+    {"clean 2.5 us", 2500.0, 80.0, 10, 32.0, 4000.0},
+    {"noisy 100 ns", 100.0, 12.0, 5, 9.0, 800.0},
+    {"noisy 1 us", 1000.0, 30.0, 5, 11.0, 3000.0},
+};
+
+/// Sums over the links of a row.
+struct Figures
+{
+    int steps = 0;
+    int stepsFound = 0;
+    int peaks = 0;
+    int peaksFound = 0;
+    int ends = 0;
+    int endsFound = 0;
+    int extra = 0;
+    int ghosts = 0;
+    int ghostsKnown = 0;
+    std::vector<double> peakOff; // samples
+    std::vector<double> stepOff; // by the bound
+    std::vector<double> lossOff_dB;
+    std::vector<double> lossOff; // by the bound
+    std::vector<double> reflectanceOff_dB;
+    std::vector<double> returnLossOff_dB;
+    std::vector<double> sumOff_dB;
+};
+
+double draw(std::mt19937_64& random, double from, double to)
+{
+    return from + (to - from) * std::uniform_real_distribution<double>()(random);
+}
+
+gather::FibreEvent drawEvent(std::mt19937_64& random, double at_m)
+{
+    gather::FibreEvent event;
+    event.at_m = at_m;
+    const double kind = draw(random, 0.0, 1.0);
+    if (kind < 0.3) {
+        event.kind = "connector";
+        event.loss_dB = gather::Spectrum(draw(random, 0.05, 0.5));
+        event.reflectance_dB = gather::Spectrum(draw(random, -65.0, -35.0));
+    } else if (kind < 0.45) {
+        event.kind = "bend";
+        event.loss_dB = gather::Spectrum(draw(random, 0.05, 0.5));
+    } else {
+        event.kind = "splice";
+        event.loss_dB = gather::Spectrum(0.02 * std::pow(25.0, draw(random, 0.0, 1.0)));
+    }
+    return event;
+}
+
+gather::Fibre drawLink(const Row& row, std::mt19937_64& random)
+{
+    gather::Fibre fibre;
+    fibre.name = row.name;
+    fibre.ior = gather::Spectrum(kIor);
+    // The simulator is told what the range would be with 20 us and 3 minutes.
+    fibre.dynamicRange_dB = gather::Spectrum(
+        row.dynamicRange_dB - gather::dynamicRange_dB(0.0, row.pulse_ns, kMeasuring_s));
+    const double length_m = row.length_km * 1000.0 * draw(random, 0.6, 0.9);
+    std::vector<double> places;
+    for (int tries = 0; tries < 100 && static_cast<int>(places.size()) < row.events; ++tries) {
+        const double at_m = draw(random, row.shortest_m, length_m - row.shortest_m);
+        const bool isFree = std::all_of(places.begin(), places.end(), [&](double other) {
+            return std::abs(other - at_m) > row.shortest_m;
+        });
+        if (isFree) {
+            places.push_back(at_m);
+        }
+    }
+    std::sort(places.begin(), places.end());
+    double sectionFrom_m = 0.0;
+    double scatter_dB = kBackscatter_dB;
+    for (const double at_m : places) {
+        gather::FibreEvent event = drawEvent(random, at_m);
+        if (event.kind == "splice"
+            && draw(random, 0.0, 1.0) < 0.25) { // another fibre: maybe a gainer
+            fibre.sections.push_back({at_m - sectionFrom_m,
+                                      gather::Spectrum(draw(random, 0.18, 0.21)),
+                                      gather::Spectrum(scatter_dB)});
+            scatter_dB = kBackscatter_dB + draw(random, -0.3, 0.3);
+            sectionFrom_m = at_m;
+        }
+        fibre.events.push_back(event);
+    }
+    fibre.sections.push_back({length_m - sectionFrom_m, gather::Spectrum(draw(random, 0.18, 0.21)),
+                              gather::Spectrum(scatter_dB)});
+    const double end = draw(random, 0.0, 1.0);
+    if (end < 0.4) { // open; else cut at an angle, or absorbed
+        fibre.endReflectance_dB = gather::Spectrum(-14.7);
+    } else if (end < 0.7) {
+        fibre.endReflectance_dB = gather::Spectrum(draw(random, -60.0, -30.0));
+    }
+    return fibre;
+}
+
+/// One link, its trace, what is on it and what was found.
+class Link
+{
+public:
+    Link(const Row& row, std::uint64_t seed)
+        : row(row)
+        , random(seed)
+        , fibre(drawLink(row, random))
+        , source(fibre, requestFor(row, seed))
+    {
+        source.measure(kMeasuring_s);
+        const otdr::Snapshot snapshot = source.snapshot();
+        trace = std::make_unique<otdr::Trace>(
+            snapshot.samples, snapshot.dbPerCount(),
+            otdr::TraceAxis {snapshot.sampleInterval_ns, snapshot.firstSample_ns});
+        interval_ns = snapshot.sampleInterval_ns;
+        truth = gather::truthOf(fibre, kWavelength_nm);
+        found =
+            otdr::detectEvents(*trace, {row.pulse_ns, otdr::metresPerNs(kIor), kBackscatter_dB});
+        pulse = row.pulse_ns / interval_ns;
+        const double tau = gather::timeConstant_ns(row.pulse_ns);
+        const double alike = std::exp(-interval_ns / tau);
+        correlation = (1.0 + alike) / (1.0 - alike);
+        gap = 1.5 * pulse + 2.0;
+    }
+
+    void count(Figures& figures, bool prints)
+    {
+        std::vector<bool> isTrue(found.events.size(), false);
+        const double limit = endOf();
+        for (std::size_t k = 0; k < truth.size(); ++k) {
+            const TruthEvent& event = truth[k];
+            const DetectedEvent* nearest = nearestTo(event, isTrue);
+            if (event.ghost) {
+                countGhost(event, nearest, figures);
+            } else if (event.end) {
+                countEnd(event, nearest, figures, prints);
+            } else if (event.time_ns / interval_ns < limit) {
+                countEvent(k, nearest, figures, prints);
+            }
+        }
+        double sum = 0.0;
+        for (std::size_t i = 0; i < found.events.size(); ++i) {
+            const DetectedEvent& event = found.events[i];
+            const bool counts = !isTrue[i] && !event.echo
+                && event.kind != DetectedEvent::Kind::Start
+                && event.evidence != DetectedEvent::Evidence::Range;
+            figures.extra += counts ? 1 : 0;
+            if (counts && prints) {
+                std::printf("  extra at %.1f: loss %.4f T %.1f Tp %.1f R %.1f (end %.1f)\n",
+                            event.index, event.loss_dB, event.stepStatistic, event.peakStatistic,
+                            event.reflectance_dB, limit);
+            }
+            sum += std::isnan(event.loss_dB) || event.echo ? 0.0 : event.loss_dB;
+        }
+        for (const otdr::DetectedSection& section : found.sections) {
+            sum += std::isnan(section.loss_dB) ? 0.0 : section.loss_dB;
+        }
+        if (!std::isnan(found.spanLoss_dB)) {
+            figures.sumOff_dB.push_back(sum - found.spanLoss_dB);
+        }
+        countReturnLoss(figures);
+    }
+
+    void dump() const
+    {
+        for (const auto& e : truth)
+            std::printf("  true %.1f loss %.4f R %.1f%s%s level %.2f\n", indexOf(e),
+                        e.apparentLoss_dB, e.reflectance_dB, e.ghost ? " ghost" : "",
+                        e.end ? " end" : "", levelBefore(indexOf(e)));
+        for (const auto& e : found.events)
+            std::printf("  found %.1f loss %.4f+-%.4f R %.1f H %.3f T %.1f Tp %.1f behind %.1f%s\n",
+                        e.index, e.loss_dB, e.lossError_dB, e.reflectance_dB, e.height_dB,
+                        e.stepStatistic, e.peakStatistic, e.behindFrom, e.echo ? " echo" : "");
+        FILE* f = std::fopen("/tmp/link.csv", "w");
+        for (std::size_t i = 0; i < trace->size(); ++i)
+            std::fprintf(f, "%zu,%.3f\n", i, trace->level_dB(i));
+        std::fclose(f);
+    }
+
+private:
+    static gather::SimulationRequest requestFor(const Row& row, std::uint64_t seed)
+    {
+        gather::SimulationRequest request;
+        request.params.wavelength_nm = kWavelength_nm;
+        request.params.ior = kIor;
+        request.params.distance_m = row.length_km * 1000.0;
+        request.params.pulse_ns = static_cast<int>(row.pulse_ns);
+        request.params.backscatter_dB = kBackscatter_dB;
+        request.seed = seed;
+        return request;
+    }
+
+    [[nodiscard]] double indexOf(const TruthEvent& event) const
+    {
+        return event.time_ns / interval_ns;
+    }
+
+    [[nodiscard]] double endOf() const
+    {
+        for (const TruthEvent& event : truth) {
+            if (event.end) {
+                return indexOf(event);
+            }
+        }
+        return static_cast<double>(trace->size());
+    }
+
+    /// The found event within a pulse of a true one; marks all there as true.
+    [[nodiscard]] const DetectedEvent* nearestTo(const TruthEvent& event,
+                                                 std::vector<bool>& isTrue) const
+    {
+        const DetectedEvent* nearest = nullptr;
+        for (std::size_t i = 0; i < found.events.size(); ++i) {
+            const double off = std::abs(found.events[i].index - indexOf(event));
+            if (off <= std::max(pulse, 2.0)) {
+                isTrue[i] = true;
+                const bool isNearer =
+                    nearest == nullptr || off < std::abs(nearest->index - indexOf(event));
+                nearest = isNearer && found.events[i].kind != DetectedEvent::Kind::Start
+                    ? &found.events[i]
+                    : nearest;
+            }
+        }
+        return nearest;
+    }
+
+    /// Level of the fibre just before a place, free of noise, dB.
+    [[nodiscard]] double levelBefore(double index) const
+    {
+        double level = source.launchLevel_dB();
+        double at_m = 0.0;
+        for (const gather::Section& section : fibre.sections) {
+            const double to_m = std::min(at_m + section.length_m, metresOf(index));
+            level -= section.attenuation_dBPerKm.at(kWavelength_nm) * (to_m - at_m) / 1000.0;
+            at_m = to_m;
+        }
+        for (const TruthEvent& event : truth) {
+            level -=
+                !event.ghost && !event.end && indexOf(event) < index ? event.apparentLoss_dB : 0.0;
+        }
+        return level;
+    }
+
+    [[nodiscard]] double metresOf(double index) const
+    {
+        return index * interval_ns * otdr::metresPerNs(kIor);
+    }
+
+    /// Standard deviation of a sample at a level.
+    [[nodiscard]] static double sigmaAt(double level_dB)
+    {
+        return std::hypot(kDbPerRelative * std::pow(10.0, (kNoiseLevel_dB - level_dB) / 5.0),
+                          kRounding_dB);
+    }
+
+    /// Samples of undisturbed fibre on both sides of a true event.
+    struct Sides
+    {
+        double left = 0.0;
+        double right = 0.0;
+    };
+
+    [[nodiscard]] Sides sidesOf(std::size_t k) const
+    {
+        const double at = indexOf(truth[k]);
+        double from = 0.0;
+        double to = endOf();
+        for (std::size_t i = 0; i < truth.size(); ++i) {
+            const double other = indexOf(truth[i]);
+            if (i != k && std::abs(other - at) < 1e-6) {
+                continue; // at one place
+            }
+            from = i != k && other < at ? std::max(from, other) : from;
+            to = i != k && other > at ? std::min(to, other) : to;
+        }
+        const double longest = 5000.0 / metresOf(1.0);
+        return {std::min(longest, at - from - gap), std::min(longest, to - at - gap)};
+    }
+
+    /// Standard error of the loss by the two lines that the fibre allows.
+    [[nodiscard]] double boundOf(std::size_t k, const Sides& sides) const
+    {
+        const double level = levelBefore(indexOf(truth[k]));
+        const auto variance = [&](double n, double away, double at_dB) {
+            const double s = sigmaAt(at_dB);
+            const double d = n / 2.0 + away;
+            return s * s * correlation * (1.0 / n + 12.0 * d * d / (n * n * n));
+        };
+        return std::sqrt(variance(sides.left, 0.0, level)
+                         + variance(sides.right, gap, level - truth[k].apparentLoss_dB));
+    }
+
+    void countEvent(std::size_t k, const DetectedEvent* nearest, Figures& figures,
+                    bool prints) const
+    {
+        const TruthEvent& event = truth[k];
+        const Sides sides = sidesOf(k);
+        if (indexOf(event) < 3.0 * gap || sides.left < 2.0 * gap || sides.right < 2.0 * gap) {
+            return;
+        }
+        const double level = levelBefore(indexOf(event));
+        const double sigma = sigmaAt(level);
+        const double bound = boundOf(k, sides);
+        const double height = std::isnan(event.reflectance_dB)
+            ? 0.0
+            : otdr::peakHeight_dB(event.reflectance_dB, kBackscatter_dB, row.pulse_ns);
+        const bool isStep = std::abs(event.apparentLoss_dB) >= 8.0 * bound
+            && std::abs(event.apparentLoss_dB) >= 0.02;
+        const bool isPeak = height >= 6.0 * sigma && level > kNoiseLevel_dB + 3.0;
+        if (!isStep && !isPeak) {
+            return;
+        }
+        (isPeak ? figures.peaks : figures.steps) += 1;
+        if (nearest == nullptr) {
+            if (prints) {
+                std::printf("  missed at %.1f: loss %.4f (%.1f bounds) height %.3f (%.1f sigma), "
+                            "level %.1f\n",
+                            indexOf(event), event.apparentLoss_dB, event.apparentLoss_dB / bound,
+                            height, height / sigma, level);
+            }
+            return;
+        }
+        (isPeak ? figures.peaksFound : figures.stepsFound) += 1;
+        const double off = nearest->index - indexOf(event);
+        if (isPeak) {
+            figures.peakOff.push_back(off);
+            const bool isWhole = height + level < source.launchLevel_dB() + gather::kSaturation_dB;
+            if (isWhole && height > 20.0 * sigma) {
+                figures.reflectanceOff_dB.push_back(nearest->reflectance_dB - event.reflectance_dB);
+            }
+        } else {
+            const double least =
+                sigma * std::sqrt(pulse * correlation) / std::abs(event.apparentLoss_dB);
+            figures.stepOff.push_back(off / least);
+        }
+        if (!std::isnan(nearest->loss_dB)) {
+            figures.lossOff_dB.push_back(nearest->loss_dB - event.apparentLoss_dB);
+            figures.lossOff.push_back((nearest->loss_dB - event.apparentLoss_dB) / bound);
+            if (prints && std::abs(figures.lossOff.back()) > 5.0) {
+                std::printf("  loss at %.1f: %.4f for %.4f, bound %.5f, off %.2f samples, h %.2f\n",
+                            indexOf(event), nearest->loss_dB, event.apparentLoss_dB, bound, off,
+                            height);
+            }
+        }
+    }
+
+    void countEnd(const TruthEvent& event, const DetectedEvent* nearest, Figures& figures,
+                  bool prints) const
+    {
+        if (levelBefore(indexOf(event)) < kNoiseLevel_dB + 3.0) {
+            return;
+        }
+        ++figures.ends;
+        const bool isFound = nearest != nullptr && nearest->kind == DetectedEvent::Kind::End;
+        figures.endsFound += isFound ? 1 : 0;
+        if (!isFound && prints) {
+            std::printf("  end at %.1f missed, level %.1f; found %.1f\n", indexOf(event),
+                        levelBefore(indexOf(event)), found.end);
+        }
+    }
+
+    void countGhost(const TruthEvent& event, const DetectedEvent* nearest, Figures& figures) const
+    {
+        if (nearest != nullptr && nearest->kind == DetectedEvent::Kind::Reflective
+            && indexOf(event) < endOf()) {
+            ++figures.ghosts;
+            figures.ghostsKnown += nearest->echo ? 1 : 0;
+        }
+    }
+
+    /// Against the same sum over the trace without noise would need that trace: the true levels do.
+    void countReturnLoss(Figures& figures) const
+    {
+        double sum = 0.0;
+        const double end = endOf();
+        const double unit = std::pow(10.0, kBackscatter_dB / 10.0) * interval_ns;
+        for (double i = 0.5; i < end; i += 1.0) {
+            sum += unit * std::pow(10.0, (levelBefore(i) - source.launchLevel_dB()) / 5.0);
+            i += std::floor(end / 4000.0);
+            sum += std::floor(end / 4000.0) * unit
+                * std::pow(10.0, (levelBefore(i) - source.launchLevel_dB()) / 5.0);
+        }
+        bool isWhole = true;
+        for (const TruthEvent& event : truth) {
+            if (event.ghost || std::isnan(event.reflectance_dB)) {
+                continue;
+            }
+            const double index = indexOf(event);
+            const double lost = source.launchLevel_dB() - levelBefore(index);
+            const double height =
+                otdr::peakHeight_dB(event.reflectance_dB, kBackscatter_dB, row.pulse_ns);
+            isWhole = isWhole && height - lost < gather::kSaturation_dB;
+            sum += std::pow(10.0, (event.reflectance_dB - 2.0 * lost) / 10.0);
+        }
+        if (isWhole && !std::isnan(found.returnLoss_dB)) {
+            figures.returnLossOff_dB.push_back(found.returnLoss_dB + 10.0 * std::log10(sum));
+        }
+    }
+
+    Row row;
+    std::mt19937_64 random;
+    gather::Fibre fibre;
+    gather::SimulatedTrace source;
+    std::unique_ptr<otdr::Trace> trace;
+    std::vector<TruthEvent> truth;
+    otdr::Detection found;
+    double interval_ns = 1.0;
+    double pulse = 1.0;
+    double correlation = 1.0;
+    double gap = 1.0;
+};
+
+double meanOf(const std::vector<double>& values)
+{
+    double sum = 0.0;
+    for (const double value : values) {
+        sum += value;
+    }
+    return values.empty() ? 0.0 : sum / static_cast<double>(values.size());
+}
+
+double rmsOf(const std::vector<double>& values)
+{
+    double sum = 0.0;
+    for (const double value : values) {
+        sum += value * value;
+    }
+    return values.empty() ? 0.0 : std::sqrt(sum / static_cast<double>(values.size()));
+}
+
+double worstOf(const std::vector<double>& values)
+{
+    double worst = 0.0;
+    for (const double value : values) {
+        worst = std::max(worst, std::abs(value));
+    }
+    return worst;
+}
+
+void printRow(const char* name, const Figures& figures, int traces)
+{
+    std::printf("%-17s %4d/%-4d %4d/%-4d %3d/%-3d  %5.2f %3d/%-3d  %5.2f  %5.2f  %6.2f %5.2f  "
+                "%5.2f  %5.2f  %5.2f\n",
+                name, figures.stepsFound, figures.steps, figures.peaksFound, figures.peaks,
+                figures.endsFound, figures.ends, static_cast<double>(figures.extra) / traces,
+                figures.ghostsKnown, figures.ghosts, rmsOf(figures.peakOff), rmsOf(figures.stepOff),
+                1000.0 * meanOf(figures.lossOff_dB), rmsOf(figures.lossOff),
+                rmsOf(figures.reflectanceOff_dB), worstOf(figures.returnLossOff_dB),
+                1000.0 * worstOf(figures.sumOff_dB));
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const int traces = argc > 1 ? std::max(1, std::atoi(argv[1])) : 25;
+    const bool prints = argc > 2;
+    std::printf("                   steps     peaks     ends     extra  echoes  peak    step    "
+                "loss mdB       refl.  ORL    sum\n"
+                "                   found/all                   /trace known   at, smp by CRB  "
+                "bias  by LSB  dB rms worst  mdB\n");
+    for (const Row& row : kRows) {
+        Figures figures;
+        for (int i = 0; i < traces; ++i) {
+            if (argc > 3 && (row.name != std::string(argv[2]) || i != std::atoi(argv[3])))
+                continue;
+            Link link(row, static_cast<std::uint64_t>(i + 1));
+            if (argc > 3)
+                link.dump();
+            if (prints)
+                std::printf(" seed %d\n", i);
+            link.count(figures, prints);
+        }
+        printRow(row.name, figures, traces);
+    }
+    return 0;
+}

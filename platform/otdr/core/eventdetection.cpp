@@ -1,0 +1,289 @@
+#include "platform/otdr/core/eventdetection.h"
+
+#include "platform/otdr/core/echoes.h"
+#include "platform/otdr/core/eventfit.h"
+#include "platform/otdr/core/eventsearch.h"
+#include "platform/otdr/core/reflectance.h"
+#include "platform/otdr/core/returnloss.h"
+#include "platform/otdr/core/trace.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <optional>
+
+namespace otdr {
+
+namespace {
+
+/// Return loss counts what the receiver still shows of the end this many pulses behind its foot.
+constexpr double kEndTailPulses = 2.5;
+
+/// A launch that stands less than this above the fibre is not listed as a reflection.
+constexpr double kLaunchPeak_dB = 0.3;
+
+/// A trace of fewer pulses tells nothing.
+constexpr double kFewestPulses = 8.0;
+
+/// Tells what a search has found, in the words of a Detection.
+class Listing
+{
+public:
+    Listing(const Trace& trace, const Measurement& measurement, const EventSearch& search)
+        : trace(trace)
+        , measurement(measurement)
+        , fibre(search.trace())
+        , extent(search.extent())
+        , sites(search.places())
+    {
+    }
+
+    [[nodiscard]] Detection make()
+    {
+        list();
+        markEchoes(result.events, fibre.scale().pulse, launchIndex());
+        addSections();
+        addSpan();
+        return std::move(result);
+    }
+
+private:
+    /// Where both sides of a place are seen, see EventSites.
+    [[nodiscard]] double seenAt(double index) const { return index + fibre.shape().centre(); }
+
+    [[nodiscard]] double reflectanceOf(double height_dB) const
+    {
+        return reflectance_dB(height_dB, measurement.backscatter_dB, measurement.pulse_ns);
+    }
+
+    [[nodiscard]] double startIndex() const
+    {
+        const double zero = -trace.axis().firstSample_ns / trace.axis().sampleInterval_ns;
+        return std::clamp(zero, 0.0, static_cast<double>(trace.size() - 1));
+    }
+
+    [[nodiscard]] double launchIndex() const { return std::min(extent.launch, startIndex()); }
+
+    void list()
+    {
+        listStart();
+        int group = 0;
+        for (const Site& site : sites.sites()) {
+            listSite(site, ++group);
+        }
+        listEnd(++group);
+        std::stable_sort(
+            result.events.begin(), result.events.end(),
+            [](const DetectedEvent& a, const DetectedEvent& b) { return a.index < b.index; });
+        nameStart();
+    }
+
+    void listStart()
+    {
+        DetectedEvent start;
+        start.kind = DetectedEvent::Kind::Start;
+        start.evidence = DetectedEvent::Evidence::Place;
+        start.index = startIndex();
+        start.behindFrom = std::max(extent.first, start.index);
+        const auto line = sites.fibre(0);
+        if (line && std::abs(start.index - extent.launch) < fibre.gap()) {
+            start.behind = line->line;
+            launchPeak(start);
+        }
+        result.events.push_back(start);
+    }
+
+    /// The reflection of the port, where it stands above the fibre behind it.
+    void launchPeak(DetectedEvent& start) const
+    {
+        const auto peak = peakAbove(trace, start.index, start.index + fibre.gap(),
+                                    start.behind.at(start.index) + kLaunchPeak_dB);
+        if (peak) {
+            start.height_dB = peak->level_dB - start.behind.at(start.index);
+            start.reflectance_dB = reflectanceOf(start.height_dB);
+        }
+    }
+
+    void listSite(const Site& site, int group)
+    {
+        const std::size_t feet = site.peak ? site.peak->feet.size() : 1;
+        for (std::size_t i = 0; i < feet; ++i) {
+            DetectedEvent event;
+            event.group = group;
+            event.index = site.peak ? site.peak->feet[i] : site.at;
+            event.behindFrom = site.behind;
+            event.peakStatistic = site.peakStatistic;
+            if (site.left) {
+                event.before = site.left->line;
+            }
+            if (site.right) {
+                event.behind = site.right->line;
+            }
+            if (i == 0) {
+                event.loss_dB = site.loss_dB;
+                event.lossError_dB = site.error_dB;
+                event.stepStatistic = site.statistic();
+            }
+            if (site.peak) {
+                event.kind = DetectedEvent::Kind::Reflective;
+                event.evidence =
+                    i == 0 ? DetectedEvent::Evidence::Peak : DetectedEvent::Evidence::Foot;
+                event.height_dB = site.peak->heights_dB[i];
+                event.reflectance_dB = reflectanceOf(event.height_dB);
+                event.saturated = site.peak->saturated;
+            } else if (site.loss_dB < 0.0) {
+                event.kind = DetectedEvent::Kind::Gain;
+            }
+            result.events.push_back(event);
+        }
+    }
+
+    void listEnd(int group)
+    {
+        DetectedEvent end;
+        end.kind = DetectedEvent::Kind::End;
+        end.group = group;
+        end.index = extent.end;
+        end.behindFrom = extent.lastOfNoise;
+        const auto line = sites.fibre(sites.sites().size());
+        if (line) {
+            end.before = line->line;
+        }
+        if (extent.kind == FibreExtent::End::OutOfRange) {
+            end.evidence = DetectedEvent::Evidence::Range;
+            result.events.push_back(end);
+            return;
+        }
+        end.evidence = DetectedEvent::Evidence::Fall;
+        const double w = fibre.scale().pulse;
+        const double sigma = fibre.noise().sigma_dB(extent.end - w);
+        const auto top = line ? peakAbove(trace, extent.end, extent.end + 2.0 * w,
+                                          end.before.at(extent.end) + std::max(0.1, 6.0 * sigma))
+                              : std::nullopt;
+        if (top) {
+            const PeakGroup peak = measurePeak(
+                fibre, extent.end, end.before.samples > 4 ? end.before.centre : extent.first,
+                extent.end + 4.0 * w);
+            end.index = peak.feet.front();
+            end.height_dB = peak.heights_dB.front();
+            end.reflectance_dB = reflectanceOf(end.height_dB);
+            end.saturated = peak.saturated;
+        } else if (line) {
+            end.index = footOfFall(fibre, extent.end - 2.0, end.before);
+        }
+        result.end = end.index;
+        result.events.push_back(end);
+    }
+
+    /// What stands at 0 m is the start of the span.
+    void nameStart()
+    {
+        auto& events = result.events;
+        const auto start = std::find_if(events.begin(), events.end(), [](const auto& event) {
+            return event.kind == DetectedEvent::Kind::Start;
+        });
+        const double reach = fibre.gap();
+        const auto same = std::find_if(events.begin(), events.end(), [&](const auto& event) {
+            return event.kind != DetectedEvent::Kind::Start
+                && event.kind != DetectedEvent::Kind::End
+                && std::abs(event.index - start->index) < reach;
+        });
+        if (same == events.end()) {
+            return;
+        }
+        same->kind = DetectedEvent::Kind::Start;
+        events.erase(start);
+    }
+
+    void addSections()
+    {
+        const auto& events = result.events;
+        std::size_t from = 0;
+        for (std::size_t to = 1; to < events.size(); ++to) {
+            if (events[to].echo
+                || (events[to].group != 0 && events[to].group == events[from].group)) {
+                continue;
+            }
+            DetectedSection section;
+            section.from = events[from].index;
+            section.to = events[to].index;
+            measureSection(events[from], events[to], section);
+            result.sections.push_back(section);
+            from = to;
+        }
+    }
+
+    void measureSection(const DetectedEvent& from, const DetectedEvent& to,
+                        DetectedSection& section) const
+    {
+        const Line& near = from.behind;
+        const Line& far = to.before;
+        const auto line = fibre.fit(std::max(from.behindFrom, section.from), section.to - 1.0);
+        if (line && line->line.samples > 2 && measurement.metresPerNs > 0.0
+            && std::isfinite(line->slopeError_dB)) {
+            section.attenuation_dBPerKm = -line->line.slope_dB * fibre.scale().kilometre;
+        }
+        if (near.samples > 0 && far.samples > 0) {
+            section.loss_dB = near.at(seenAt(section.from)) - far.at(seenAt(section.to));
+            section.returnLoss_dB = returnLoss_dB(
+                trace,
+                {from.behindFrom, section.to, near.at(section.from), measurement.backscatter_dB});
+        }
+    }
+
+    void addSpan()
+    {
+        const auto& events = result.events;
+        result.noiseFloor_dB = fibre.noise().rms_dB();
+        const auto start = std::find_if(events.begin(), events.end(), [](const auto& event) {
+            return event.kind == DetectedEvent::Kind::Start;
+        });
+        if (start == events.end() || start->behind.samples == 0) {
+            return;
+        }
+        const DetectedEvent& last = events.back();
+        if (last.before.samples > 0) {
+            result.spanLoss_dB =
+                start->behind.at(seenAt(start->index)) - last.before.at(seenAt(last.index));
+        }
+        std::vector<SaturatedPeak> saturated;
+        const double tail = kEndTailPulses * fibre.scale().pulse;
+        for (const DetectedEvent& event : events) {
+            if (event.saturated && event.before.samples > 0 && event.index > start->index) {
+                saturated.push_back({event.index, std::max(event.index + tail, event.behindFrom),
+                                     event.before, event.reflectance_dB});
+            }
+        }
+        const ReturnLossSection span {start->index, last.index + tail,
+                                      start->behind.at(start->index), measurement.backscatter_dB};
+        result.returnLoss_dB = returnLoss_dB(trace, span, saturated);
+    }
+
+    const Trace& trace;
+    const Measurement& measurement;
+    const FibreTrace& fibre;
+    const FibreExtent& extent;
+    const EventSites& sites;
+    Detection result;
+};
+
+} // namespace
+
+Detection detectEvents(const Trace& trace, const Measurement& measurement,
+                       const DetectionSettings& settings)
+{
+    const double interval_ns = trace.axis().sampleInterval_ns;
+    if (trace.size() < 16 || !(measurement.pulse_ns > 0.0) || !(interval_ns > 0.0)
+        || !std::isfinite(measurement.pulse_ns / interval_ns)
+        || !std::isfinite(trace.axis().firstSample_ns)) {
+        return {};
+    }
+    const double pulse = measurement.pulse_ns / interval_ns;
+    if (kFewestPulses * pulse > static_cast<double>(trace.size())) {
+        return {};
+    }
+    const EventSearch search(trace, measurement, settings);
+    return Listing(trace, measurement, search).make();
+}
+
+} // namespace otdr

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "platform/otdr/core/fibretrace.h"
+
+namespace otdr {
+
+/// Where the level goes over from one line to the other.
+struct StepFit
+{
+    double foot = 0.0; ///< index at which the change begins
+    double squares = 0.0; ///< what the fit leaves, dB squared
+};
+
+/// The place within `reach` samples of `at` at which the ramp of a pulse fits best between two
+/// lines. Good to about s sqrt(w) / step samples.
+[[nodiscard]] StepFit fitStep(const FibreTrace& trace, const PulseShape& shape, double at,
+                              double reach, const Line& before, const Line& behind);
+
+/// A reflection on fibre that goes over from one line to another.
+struct PeakFit
+{
+    double foot = 0.0; ///< index at which it begins
+    double height_dB = 0.0; ///< above the fibre before it
+    double error_dB = 0.0; ///< standard error of the height
+    double scatter_dB = 0.0; ///< of the samples about the fit
+};
+
+/// The place near `at`, within a pulse, at which the shape of a pulse on the ramp between two lines
+/// fits best, with its height. For low reflections, whose levels add: 1.5 dB at most.
+[[nodiscard]] PeakFit fitPeak(const FibreTrace& trace, double at, const Line& before,
+                              const Line& behind);
+
+/// The foot of the end of the fibre near `at`, where light falls without a reflection.
+[[nodiscard]] double footOfFall(const FibreTrace& trace, double at, const Line& before);
+
+} // namespace otdr

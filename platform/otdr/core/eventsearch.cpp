@@ -1,0 +1,285 @@
+#include "platform/otdr/core/eventsearch.h"
+
+#include "platform/otdr/core/eventfit.h"
+#include "platform/otdr/core/eventscan.h"
+#include "platform/otdr/core/reflectance.h"
+#include "platform/otdr/core/trace.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <optional>
+
+namespace otdr {
+
+namespace {
+
+/// Scans offer more than is kept.
+constexpr double kScanPart = 0.8;
+
+/// Rounds of scanning what lies between the events found so far.
+constexpr int kRounds = 3;
+
+/// A receiver slower than usual by this factor is believed.
+constexpr double kSlowReceiver = 2.0;
+
+/// Losses that stand out by this many standard errors show the receiver; a few of them do. Another
+/// time constant is taken if it leaves a tenth less.
+constexpr double kClear = 20.0;
+constexpr std::size_t kMostClear = 4;
+constexpr double kTrialFactor = 1.8;
+constexpr double kSlowestPulses = 3.5;
+constexpr double kClearlyBetter = 0.1;
+constexpr double kLeastSquares = 1e-12;
+
+/// Reflections from this height on need no closer look; lower ones must have the shape of a pulse
+/// between lines of so many dead zones, but for so many sigmas or this part of their height.
+constexpr double kHigh_dB = 1.5;
+constexpr double kBesideGaps = 2.0;
+constexpr double kMisfit = 2.0;
+constexpr double kMisfitPart = 0.1;
+
+/// However weak a reflection may be that is listed, it stands as high as this: fibre is not even.
+constexpr double kLeastPeak_dB = 0.02;
+
+SearchScale scaleOf(const Trace& trace, const Measurement& measurement,
+                    const DetectionSettings& settings)
+{
+    const double interval_ns = trace.axis().sampleInterval_ns;
+    const double spacing_m = interval_ns * measurement.metresPerNs;
+    SearchScale scale;
+    scale.pulse = std::max(1.0, measurement.pulse_ns / interval_ns);
+    scale.timeConstant = std::max(PulseShape::kUsualTimeConstant * scale.pulse,
+                                  PulseShape::kShortestTimeConstant_ns / interval_ns);
+    scale.kilometre = spacing_m > 0.0 ? 1000.0 / spacing_m : 0.0;
+    const auto size = static_cast<double>(trace.size());
+    scale.longestWindow =
+        spacing_m > 0.0 ? std::min(size, settings.longestWindow_m / spacing_m) : size;
+    return scale;
+}
+
+double heightOf(const PeakGroup& peak)
+{
+    return *std::max_element(peak.heights_dB.begin(), peak.heights_dB.end());
+}
+
+} // namespace
+
+EventSearch::EventSearch(const Trace& trace, const Measurement& measurement,
+                         const DetectionSettings& settings)
+    : measurement(measurement)
+    , settings(settings)
+    , fibre(trace, scaleOf(trace, measurement, settings))
+    , ends(findFibre(fibre, settings.end_dB))
+    , sites(fibre, ends.first, ends.end)
+{
+    fibre.endNoiseAt(ends.end);
+    learnFromPeaks();
+    findAll();
+    if (learnFromSteps()) {
+        findAll();
+    }
+}
+
+/// The receiver as the reflections of the trace show it, where they do.
+void EventSearch::learnFromPeaks()
+{
+    std::vector<double> constants;
+    for (const Site& site : peaks(ends.first, ends.end)) {
+        const auto before = fibre.fit(site.at - 6.0 * fibre.gap(), site.at - 1.0);
+        const auto one = before ? timeConstantOf(fibre, *site.peak, before->line) : std::nullopt;
+        if (one) {
+            constants.push_back(*one);
+        }
+    }
+    if (constants.empty()) {
+        return;
+    }
+    // A receiver that recovers from an overload is slower than it is.
+    const double fastest = *std::min_element(constants.begin(), constants.end());
+    if (fastest > kSlowReceiver * fibre.scale().timeConstant) {
+        beginWith(fastest);
+    }
+}
+
+/// Begins anew with another time constant of the receiver, samples.
+void EventSearch::beginWith(double timeConstant)
+{
+    fibre.setTimeConstant(timeConstant);
+    ends = findFibre(fibre, settings.end_dB);
+    sites = EventSites(fibre, ends.first, ends.end);
+}
+
+/// Whether there are receivers of such a time constant, samples.
+bool EventSearch::isReceiver(double timeConstant) const
+{
+    const double pulse = fibre.scale().pulse;
+    return timeConstant > PulseShape::kUsualTimeConstant * pulse
+        && timeConstant < kSlowestPulses * pulse;
+}
+
+/// What the ramps at the clearest losses leave with a time constant: mean logarithm of squares.
+double EventSearch::misfit(const std::vector<const Site*>& clear, double timeConstant) const
+{
+    const PulseShape shape(fibre.scale().pulse, timeConstant);
+    double sum = 0.0;
+    for (const Site* site : clear) {
+        const StepFit fit =
+            fitStep(fibre, shape, site->at, fibre.gap(), site->left->line, site->right->line);
+        sum += std::log(std::max(fit.squares, kLeastSquares));
+    }
+    return sum / static_cast<double>(clear.size());
+}
+
+/// The receiver as the clearest losses show it: the time constant with which the ramps fit
+/// best. False where it is the one in use.
+bool EventSearch::learnFromSteps()
+{
+    std::vector<const Site*> clear;
+    for (const Site& site : sites.sites()) {
+        if (!site.peak && site.left && site.right && site.statistic() > kClear) {
+            clear.push_back(&site);
+        }
+    }
+    std::sort(clear.begin(), clear.end(),
+              [](const Site* a, const Site* b) { return a->statistic() > b->statistic(); });
+    clear.resize(std::min(clear.size(), kMostClear));
+    if (clear.empty()) {
+        return false;
+    }
+    // The misfit has one least: beyond it, it only grows.
+    const double now = fibre.scale().timeConstant;
+    double best = now;
+    const double before = misfit(clear, now);
+    double least = before;
+    const auto follow = [&](double factor) {
+        for (double trial = now * factor; isReceiver(trial); trial *= factor) {
+            const double left = misfit(clear, trial);
+            if (!(left < least)) {
+                break;
+            }
+            least = left;
+            best = trial;
+        }
+    };
+    follow(kTrialFactor);
+    follow(1.0 / kTrialFactor);
+    const bool isBetter = least < before - kClearlyBetter;
+    if (isBetter) {
+        beginWith(best);
+    }
+    return isBetter;
+}
+
+/// Reflections between two indices, strongest first, each as far as the next one lets it be
+/// seen.
+std::vector<Site> EventSearch::peaks(double begin, double end) const
+{
+    std::vector<Site> found;
+    const double w = fibre.scale().pulse;
+    for (const Candidate& one : scanPeaks(fibre, begin, end, settings.significance)) {
+        const bool isKnown = std::any_of(found.begin(), found.end(), [&](const Site& site) {
+            return one.at > site.at - w && one.at < site.behind + w;
+        });
+        if (isKnown) {
+            continue;
+        }
+        double from = begin;
+        double to = end;
+        for (const Site& site : found) {
+            from = site.behind <= one.at ? std::max(from, site.behind) : from;
+            to = site.at > one.at ? std::min(to, site.at) : to;
+        }
+        Site site;
+        site.peak = measurePeak(fibre, one.at, from, to);
+        site.at = site.peak->feet.front();
+        site.behind = site.peak->behind;
+        site.peakStatistic = one.statistic;
+        if (heightOf(*site.peak) > kHigh_dB || isLowPeak(site, from, to)) {
+            found.push_back(site);
+        }
+    }
+    return found;
+}
+
+/// Whether the shape of a pulse between two short lines is what stands at a place with a low
+/// peak; takes its foot and height.
+bool EventSearch::isLowPeak(Site& site, double from, double to) const
+{
+    const double gap = fibre.gap();
+    const auto before = fibre.fit(std::max(from, site.at - kBesideGaps * gap), site.at - 1.0);
+    const auto behind = fibre.fit(site.at + gap, std::min(to, site.at + (1.0 + kBesideGaps) * gap));
+    if (!before || !behind || before->line.samples < 4 || behind->line.samples < 4) {
+        return false;
+    }
+    const PeakFit fit = fitPeak(fibre, site.at, before->line, behind->line);
+    const double sigma = fibre.noise().sigma_dB(site.at);
+    const bool fits = fit.scatter_dB < std::max(kMisfit * sigma, kMisfitPart * fit.height_dB);
+    if (!fits || fit.height_dB < leastHeight_dB()
+        || fit.height_dB < settings.significance * fit.error_dB || fit.foot <= from) {
+        return false;
+    }
+    site.at = fit.foot;
+    site.behind = std::max(site.behind, fit.foot + gap);
+    site.peak = PeakGroup {{fit.foot}, {fit.height_dB}, site.behind, false};
+    return true;
+}
+
+/// Reflections between the places found so far.
+void EventSearch::addPeaks()
+{
+    std::vector<Site> found;
+    for (std::size_t k = 0; k <= sites.sites().size(); ++k) {
+        const std::vector<Site> some = peaks(sites.fibreFrom(k), sites.fibreTo(k));
+        found.insert(found.end(), some.begin(), some.end());
+    }
+    sites.add(found);
+}
+
+/// Height of the weakest reflection that is listed.
+double EventSearch::leastHeight_dB() const
+{
+    return std::isnan(measurement.backscatter_dB)
+        ? kLeastPeak_dB
+        : std::max(kLeastPeak_dB,
+                   peakHeight_dB(settings.reflectance_dB, measurement.backscatter_dB,
+                                 measurement.pulse_ns));
+}
+
+/// What the scans offer between the places found so far.
+void EventSearch::addSteps()
+{
+    std::vector<Site> found;
+    for (std::size_t k = 0; k <= sites.sites().size(); ++k) {
+        for (const Candidate& one : scanSteps(fibre, sites.fibreFrom(k), sites.fibreTo(k),
+                                              kScanPart * settings.significance)) {
+            Site site;
+            site.at = one.at;
+            site.behind = one.at + fibre.gap();
+            found.push_back(site);
+        }
+    }
+    sites.add(found);
+}
+
+/// What the scans offer is added, and dropped again unless it holds between its neighbours.
+void EventSearch::findAll()
+{
+    addPeaks();
+    for (int round = 0; round < kRounds; ++round) {
+        const std::size_t before = sites.sites().size();
+        addSteps();
+        sites.dropUnlikely(settings.loss_dB, kScanPart * settings.significance);
+        sites.refine(fibre.gap());
+        sites.findReflections(leastHeight_dB(), settings.significance);
+        addPeaks();
+        sites.refine(0.5 * fibre.scale().pulse);
+        sites.dropLowPeaks(leastHeight_dB());
+        sites.dropUnlikely(settings.loss_dB, settings.significance);
+        if (sites.sites().size() == before) {
+            break;
+        }
+    }
+}
+
+} // namespace otdr

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "platform/otdr/core/eventdetection.h"
+#include "platform/otdr/core/eventsites.h"
+#include "platform/otdr/core/fibreend.h"
+#include "platform/otdr/core/fibretrace.h"
+
+#include <vector>
+
+namespace otdr {
+
+/// The search for the places of a trace where something happens.
+///
+/// First the ends of the fibre, then what stands above it, then what changes its level; between the
+/// places found so far it is repeated until nothing is added. What the clearest reflections and
+/// losses tell of the receiver is used for the others.
+class EventSearch
+{
+public:
+    /// Searches at once. The trace must outlive it.
+    EventSearch(const Trace& trace, const Measurement& measurement,
+                const DetectionSettings& settings);
+
+    [[nodiscard]] const FibreTrace& trace() const { return fibre; }
+
+    [[nodiscard]] const FibreExtent& extent() const { return ends; }
+
+    [[nodiscard]] const EventSites& places() const { return sites; }
+
+private:
+    void learnFromPeaks();
+    bool learnFromSteps();
+    void beginWith(double timeConstant);
+    [[nodiscard]] bool isReceiver(double timeConstant) const;
+    [[nodiscard]] double misfit(const std::vector<const Site*>& clear, double timeConstant) const;
+
+    [[nodiscard]] std::vector<Site> peaks(double begin, double end) const;
+    [[nodiscard]] bool isLowPeak(Site& site, double from, double to) const;
+    [[nodiscard]] double leastHeight_dB() const;
+    void addPeaks();
+    void addSteps();
+    void findAll();
+
+    Measurement measurement;
+    DetectionSettings settings;
+    FibreTrace fibre;
+    FibreExtent ends;
+    EventSites sites;
+};
+
+} // namespace otdr

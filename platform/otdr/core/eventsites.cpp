@@ -1,0 +1,245 @@
+#include "platform/otdr/core/eventsites.h"
+
+#include "platform/otdr/core/eventfit.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+
+namespace otdr {
+
+namespace {
+
+/// Shortest stretch that tells its own slope, pulses, and samples.
+constexpr double kOwnSlopePulses = 1.0;
+constexpr double kOwnSlopeSamples = 8.0;
+
+/// Shortest stretch that tells a level.
+constexpr double kOwnLevelSamples = 3.0;
+
+/// Slopes of fibres of one link differ by about this much, dB/km, and where no kilometre is known
+/// by this part.
+constexpr double kSlopeSpread_dBPerKm = 0.03;
+constexpr double kSlopeSpreadPart = 0.15;
+
+/// The foot of an event without a reflection is known to about a sample: what may lie behind it is
+/// not taken for the fibre before it.
+constexpr double kFootMargin = 1.0;
+
+/// Lines on both sides stray; they average over more than a pulse or two.
+constexpr double kWanders = 1.0;
+
+/// Reflections up to this height are placed by their whole shape, higher ones by their edge.
+constexpr double kLow_dB = 1.5;
+
+} // namespace
+
+double Site::statistic() const
+{
+    return error_dB > 0.0 ? std::abs(loss_dB) / error_dB : 0.0;
+}
+
+EventSites::EventSites(const FibreTrace& trace, double first, double end)
+    : fibreTrace(&trace)
+    , first(first)
+    , end(end)
+{
+    findUsualSlope();
+}
+
+void EventSites::findUsualSlope()
+{
+    const double length = std::max(4.0 * fibreTrace->gap(), 64.0);
+    const double step = std::max(length, (end - first) / 1000.0);
+    std::vector<double> slopes;
+    for (double at = first; at + 2.0 * length <= end; at += step) {
+        slopes.push_back((fibreTrace->mean_dB(at + length, at + 2.0 * length)
+                          - fibreTrace->mean_dB(at, at + length))
+                         / length);
+    }
+    if (!slopes.empty()) {
+        const auto middle = slopes.begin() + static_cast<std::ptrdiff_t>(slopes.size() / 2);
+        std::nth_element(slopes.begin(), middle, slopes.end());
+        usualSlope_dB = *middle;
+    }
+    const double kilometre = fibreTrace->scale().kilometre;
+    slopeSpread_dB = kilometre > 0.0 ? kSlopeSpread_dBPerKm / kilometre
+                                     : kSlopeSpreadPart * std::abs(usualSlope_dB);
+}
+
+double EventSites::fibreFrom(std::size_t k) const
+{
+    return k == 0 ? first : places[k - 1].behind;
+}
+
+double EventSites::fibreTo(std::size_t k) const
+{
+    const bool isFoot = k < places.size();
+    const double foot = isFoot ? places[k].at : end;
+    return foot - (isFoot && places[k].peak ? 0.0 : kFootMargin);
+}
+
+std::optional<SideLine> EventSites::fibre(std::size_t k) const
+{
+    return side(fibreFrom(k), fibreTo(k));
+}
+
+void EventSites::add(const std::vector<Site>& more)
+{
+    for (const Site& one : more) {
+        const auto next =
+            std::lower_bound(places.begin(), places.end(), one.at,
+                             [](const Site& site, double at) { return site.at < at; });
+        const bool isFree = (next == places.begin() || std::prev(next)->behind <= one.at + 1.0)
+            && (next == places.end() || one.behind <= next->at + 1.0);
+        if (isFree) {
+            places.insert(next, one);
+        }
+    }
+}
+
+std::optional<SideLine> EventSites::side(double from, double to) const
+{
+    const double samples = to - from;
+    if (samples < kOwnLevelSamples) {
+        return std::nullopt;
+    }
+    if (samples >= std::max(kOwnSlopeSamples, kOwnSlopePulses * fibreTrace->scale().pulse)) {
+        const auto own = fibreTrace->fit(from, to);
+        if (own && own->slopeError_dB < slopeSpread_dB) {
+            return own;
+        }
+    }
+    return fibreTrace->fitWithSlope(from, to, usualSlope_dB, slopeSpread_dB);
+}
+
+void EventSites::measure(std::size_t k)
+{
+    Site& site = places[k];
+    const double longest = fibreTrace->scale().longestWindow;
+    const double to = fibreTo(k);
+    site.left = side(std::max(fibreFrom(k), to - longest), to);
+    site.right = side(site.behind, std::min(fibreTo(k + 1), site.behind + longest));
+    site.loss_dB = std::numeric_limits<double>::quiet_NaN();
+    site.error_dB = site.loss_dB;
+    if (site.left && site.right) {
+        // A sample shows the fibre half a pulse before it: there the event is seen from both sides,
+        // also where they fall differently.
+        const double seen = site.at + fibreTrace->shape().centre();
+        site.loss_dB = site.left->at(seen) - site.right->at(seen);
+        site.error_dB = std::hypot(site.left->errorAt_dB(seen), site.right->errorAt_dB(seen));
+    }
+}
+
+void EventSites::measure()
+{
+    for (std::size_t k = 0; k < places.size(); ++k) {
+        measure(k);
+    }
+}
+
+void EventSites::dropUnlikely(double loss_dB, double significance)
+{
+    measure();
+    const auto doubt = [&](const Site& site) {
+        if (site.peak) {
+            return std::numeric_limits<double>::infinity();
+        }
+        const double byLoss = std::abs(site.loss_dB) / loss_dB;
+        // A step within what the fibre itself strays by is none, however little noise there is.
+        const double byChance = std::abs(site.loss_dB)
+            / std::hypot(site.error_dB, kWanders * fibreTrace->noise().wander_dB()) / significance;
+        return std::isnan(byLoss) ? 0.0 : std::min(byLoss, byChance);
+    };
+    while (!places.empty()) {
+        const auto weakest =
+            std::min_element(places.begin(), places.end(),
+                             [&](const Site& a, const Site& b) { return doubt(a) < doubt(b); });
+        if (doubt(*weakest) >= 1.0) {
+            break;
+        }
+        const auto k = static_cast<std::size_t>(weakest - places.begin());
+        places.erase(weakest);
+        if (k > 0) {
+            measure(k - 1);
+        }
+        if (k < places.size()) {
+            measure(k);
+        }
+    }
+}
+
+void EventSites::refine(double reach)
+{
+    for (std::size_t k = 0; k < places.size(); ++k) {
+        Site& site = places[k];
+        if (!site.left || !site.right) {
+            continue;
+        }
+        const double least = fibreFrom(k) + kOwnLevelSamples;
+        const double most = (k + 1 < places.size() ? places[k + 1].at : end) - fibreTrace->gap();
+        if (site.peak) {
+            refinePeak(site, least, most);
+            continue;
+        }
+        const double foot = fitStep(*fibreTrace, fibreTrace->shape(), site.at, reach,
+                                    site.left->line, site.right->line)
+                                .foot;
+        if (foot > least && foot < most) {
+            site.at = foot;
+            site.behind = foot + fibreTrace->gap();
+        }
+    }
+    measure();
+}
+
+void EventSites::dropLowPeaks(double leastHeight_dB)
+{
+    for (Site& site : places) {
+        const bool isLow = site.peak && site.peak->feet.size() == 1
+            && site.peak->heights_dB.front() < leastHeight_dB;
+        if (isLow) {
+            site.peak.reset();
+            site.peakStatistic = 0.0;
+        }
+    }
+}
+
+void EventSites::findReflections(double leastHeight_dB, double significance)
+{
+    for (std::size_t k = 0; k < places.size(); ++k) {
+        Site& site = places[k];
+        if (site.peak || !site.left || !site.right) {
+            continue;
+        }
+        const PeakFit fit = fitPeak(*fibreTrace, site.at, site.left->line, site.right->line);
+        const double statistic = fit.height_dB / fit.error_dB;
+        const double most = (k + 1 < places.size() ? places[k + 1].at : end) - fibreTrace->gap();
+        if (fit.height_dB > leastHeight_dB && statistic > significance && fit.foot < most
+            && fit.foot > fibreFrom(k) + kOwnLevelSamples) {
+            site.at = fit.foot;
+            site.behind = fit.foot + fibreTrace->gap();
+            site.peak = PeakGroup {{fit.foot}, {fit.height_dB}, site.behind, false};
+            site.peakStatistic = statistic;
+        }
+    }
+    measure();
+}
+
+void EventSites::refinePeak(Site& site, double least, double most)
+{
+    PeakGroup& peak = *site.peak;
+    if (peak.feet.size() > 1 || peak.saturated || peak.heights_dB.front() > kLow_dB) {
+        return;
+    }
+    const PeakFit fit = fitPeak(*fibreTrace, site.at, site.left->line, site.right->line);
+    if (fit.foot > least && fit.foot < most && fit.height_dB > 0.0) {
+        site.at = fit.foot;
+        peak.feet.front() = fit.foot;
+        peak.heights_dB.front() = fit.height_dB;
+        peak.behind = std::max(peak.behind, fit.foot + fibreTrace->gap());
+        site.behind = peak.behind;
+    }
+}
+
+} // namespace otdr

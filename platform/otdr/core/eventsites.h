@@ -1,0 +1,81 @@
+#pragma once
+
+#include "platform/otdr/core/fibretrace.h"
+#include "platform/otdr/core/peakgroup.h"
+
+#include <limits>
+#include <optional>
+#include <vector>
+
+namespace otdr {
+
+/// A place of the fibre where something may be: one event, or a group within one dead zone.
+struct Site
+{
+    double at = 0.0; ///< index of its foot
+    double behind = 0.0; ///< from here on the fibre is undisturbed
+    std::optional<PeakGroup> peak;
+    double peakStatistic = 0.0;
+
+    std::optional<SideLine> left; ///< the fibre before it
+    std::optional<SideLine> right; ///< the fibre behind it
+    double loss_dB = std::numeric_limits<double>::quiet_NaN();
+    double error_dB = std::numeric_limits<double>::quiet_NaN();
+
+    /// The loss over its standard error; 0 where it is not known.
+    [[nodiscard]] double statistic() const;
+};
+
+/// The places of one fibre, in order, each measured between its neighbours.
+class EventSites
+{
+public:
+    /// The fibre is undisturbed from `first` and ends at `end`, both indices.
+    EventSites(const FibreTrace& trace, double first, double end);
+
+    [[nodiscard]] const std::vector<Site>& sites() const { return places; }
+
+    /// Adds places; those that fall into the dead zone of one that is there are left out.
+    void add(const std::vector<Site>& more);
+
+    /// Fits the lines beside every place.
+    void measure();
+
+    /// Drops the places that a line through both sides explains, the weakest first: those whose
+    /// loss is below loss_dB or below `significance` standard errors, and that reflect nothing.
+    void dropUnlikely(double loss_dB, double significance);
+
+    /// Moves the places, by so many samples at most, to where the ramp of the pulse or the shape of
+    /// a low reflection fits best, and measures all anew.
+    void refine(double reach);
+
+    /// Takes a reflection that turned out lower than this, dB, for none.
+    void dropLowPeaks(double leastHeight_dB);
+
+    /// Looks at every place without a reflection whether one stands on its ramp, by so many
+    /// standard errors at least and higher than leastHeight_dB, and measures all anew.
+    void findReflections(double leastHeight_dB, double significance);
+
+    /// The undisturbed fibre between two places: from behind place k - 1 (the launch for 0) to the
+    /// foot of place k (the end for one more than there are).
+    [[nodiscard]] double fibreFrom(std::size_t k) const;
+    [[nodiscard]] double fibreTo(std::size_t k) const;
+
+    /// The line through the fibre between them. Empty where there are too few samples.
+    [[nodiscard]] std::optional<SideLine> fibre(std::size_t k) const;
+
+private:
+    void measure(std::size_t k);
+    void refinePeak(Site& site, double least, double most);
+    [[nodiscard]] std::optional<SideLine> side(double from, double to) const;
+    void findUsualSlope();
+
+    const FibreTrace* fibreTrace;
+    double first;
+    double end;
+    std::vector<Site> places;
+    double usualSlope_dB = 0.0; ///< by the sample
+    double slopeSpread_dB = 0.0; ///< by how much fibres differ from it
+};
+
+} // namespace otdr

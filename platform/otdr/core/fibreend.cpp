@@ -1,0 +1,245 @@
+#include "platform/otdr/core/fibreend.h"
+
+#include "platform/otdr/core/trace.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+namespace otdr {
+
+namespace {
+
+/// The launch may disturb the receiver for this long, pulses.
+constexpr double kLongestLaunchPulses = 30.0;
+
+/// Light that stands less than this above the RMS noise is taken for noise.
+constexpr double kVisible_dB = 0.0;
+constexpr double kFibreAboveNoise_dB = 4.0;
+
+/// The launch is over where less than this is left of its peak, and its tail has gone.
+constexpr double kLaunchFall_dB = 3.0;
+
+constexpr double kLongestOverloadPulses = 6.0;
+
+/// Lines beside the first event bear this much of the launch, dB: fibre close to it is worth more.
+constexpr double kLaunchTail_dB = 0.01;
+
+/// A receiver that was overloaded comes down within so many pulses.
+constexpr double kLongestPeakPulses = 12.0;
+
+/// Fibres of one link fall alike: steeper than so many dB/km, and by this factor, is a tail.
+constexpr double kSlope_dBPerKm = 1.0;
+constexpr double kSteeper = 3.0;
+
+/// Behind a peak, a stretch that falls by less than this is fibre with the last of a tail.
+constexpr double kSteepFall_dB = 0.2;
+
+/// A fall is looked for across two pulses; the fibre behind it in ten.
+constexpr double kFallPulses = 2.0;
+constexpr double kBehindPulses = 10.0;
+constexpr double kFewestBehind = 64.0;
+constexpr double kLongestTailPulses = 30.0;
+
+/// Halves of a straight line agree within this many standard errors.
+constexpr double kChance = 5.0;
+
+/// The deviation that shows the foot of the end: in sigma and dB.
+constexpr double kFootSigmas = 6.0;
+constexpr double kFoot_dB = 0.08;
+
+/// The fibre before the end is taken from so many pulses, from half of them where it does not fit.
+constexpr double kFootFitPulses = 6.0;
+constexpr double kMisfit = 3.0;
+
+class EndSearch
+{
+public:
+    EndSearch(const FibreTrace& trace, double threshold_dB)
+        : trace(trace)
+        , w(trace.scale().pulse)
+        , threshold_dB(threshold_dB)
+    {
+    }
+
+    [[nodiscard]] FibreExtent find()
+    {
+        FibreExtent extent;
+        extent.launch = trace.launch();
+        extent.first = launchOver();
+        extent.lastOfNoise = lastVisible(extent.first);
+        extent.end = extent.lastOfNoise;
+        const double step = std::max(1.0, std::floor(w / 2.0));
+        for (double at = extent.first + w; at < extent.lastOfNoise + w; at += step) {
+            if (!falls(at) && !rises(at)) {
+                continue;
+            }
+            // What falls or rises here does so not before the windows that it was seen with.
+            const double from = at + 0.5 * w;
+            at = behindPeak(at);
+            for (; at < extent.lastOfNoise + w && falls(at); at += step) { }
+            const double fibreFrom = std::max(extent.first, from - 20.0 * w);
+            if (trace.mean_dB(at, at + w) > trace.mean_dB(from - w, from) + threshold_dB
+                || fibreFollows(fibreFrom, from, at)) {
+                continue;
+            }
+            extent.end = foot(from, at, fibreFrom);
+            extent.kind = FibreExtent::End::Found;
+            extent.first = std::min(extent.first, extent.end);
+            break;
+        }
+        return extent;
+    }
+
+private:
+    /// Where the reflection of the port and its tail are over.
+    [[nodiscard]] double launchOver() const
+    {
+        const double launch = trace.launch();
+        const double last = launch + kLongestOverloadPulses * w;
+        double top = 0.0;
+        for (double i = launch; i < launch + trace.gap(); i += 1.0) {
+            top = std::max(top, trace.mean_dB(i, i + 1.0));
+        }
+        double fallen = launch;
+        while (fallen < last && trace.mean_dB(fallen, fallen + 1.0) < top) {
+            fallen += 1.0;
+        }
+        // Held at its top by an overload; what rises still further is another reflection.
+        for (; fallen < last; fallen += 1.0) {
+            const double level = trace.mean_dB(fallen, fallen + 1.0);
+            if (level > top + kLaunchFall_dB) {
+                fallen = last;
+            } else if (level < top - kLaunchFall_dB) {
+                break;
+            }
+        }
+        const double from = launch + trace.gap();
+        return trace.settledFrom(fallen < last ? std::max(from, fallen) : from,
+                                 kLongestLaunchPulses * w, kLaunchTail_dB);
+    }
+
+    [[nodiscard]] bool rises(double at) const
+    {
+        return trace.mean_dB(at + kFallPulses * w, at + (kFallPulses + 1.0) * w)
+            - trace.mean_dB(at - w, at)
+            > threshold_dB;
+    }
+
+    /// Behind the top of a peak that rises near an index, where light has come down again; the
+    /// index itself where nothing rises.
+    [[nodiscard]] double behindPeak(double at) const
+    {
+        const double base = trace.mean_dB(at - w, at);
+        double last = at;
+        for (double i = at; i < at + kLongestPeakPulses * w; i += 1.0) {
+            last = trace.mean_dB(i, i + 1.0) > base + threshold_dB ? i : last;
+        }
+        return last;
+    }
+
+    /// The last stretch whose median stands above the noise, of those that follow each other.
+    [[nodiscard]] double lastVisible(double from) const
+    {
+        const double length = std::max(32.0, std::ceil(w));
+        const double least = trace.noise().rms_dB() + kVisible_dB;
+        const std::size_t stride = std::max<std::size_t>(1, static_cast<std::size_t>(length / 64));
+        std::vector<double> levels;
+        double last = from;
+        int missing = 0;
+        for (double at = from; at + length <= trace.size() && missing < 4; at += length) {
+            levels.clear();
+            const auto begin = static_cast<std::size_t>(at);
+            for (std::size_t i = 0; i < static_cast<std::size_t>(length); i += stride) {
+                levels.push_back(trace.samples().level_dB(begin + i));
+            }
+            const auto middle = levels.begin() + static_cast<std::ptrdiff_t>(levels.size() / 2);
+            std::nth_element(levels.begin(), middle, levels.end());
+            missing = *middle > least ? 0 : missing + 1;
+            last = missing == 0 ? at + length : last;
+        }
+        return last + 2.0 * length > trace.size() ? trace.size() - 1.0 : last;
+    }
+
+    /// Whether the level falls by the threshold across the two pulses behind an index.
+    [[nodiscard]] bool falls(double at) const
+    {
+        const double before = trace.mean_dB(at - w, at);
+        const double behind = trace.mean_dB(at + kFallPulses * w, at + (kFallPulses + 1.0) * w);
+        return before - behind > threshold_dB && before > trace.noise().rms_dB() + 1.0;
+    }
+
+    /// Whether what lies behind a fall is fibre again.
+    [[nodiscard]] bool fibreFollows(double fibreFrom, double from, double to) const
+    {
+        const double start = trace.settledFrom(to + kFallPulses * w, kLongestTailPulses * w);
+        const double length = std::max(kFewestBehind, kBehindPulses * w);
+        const auto line = trace.fit(start, start + length);
+        const auto half = trace.fit(start, start + length / 2.0);
+        const auto rest = trace.fit(start + length / 2.0, start + length);
+        if (!line || !half || !rest || line->line.samples < 16) {
+            return false;
+        }
+        const double level = line->at(start);
+        if (level < trace.noise().rms_dB() + kFibreAboveNoise_dB) {
+            return false;
+        }
+        if (trace.mean_dB(from - w, from) - level < threshold_dB) { // the fall was that of a peak
+            return !trace.isSteep(*line) || -line->line.slope_dB * length < kSteepFall_dB;
+        }
+        const double bend = half->line.slope_dB - rest->line.slope_dB;
+        return !isSteeper(*line, trace.fit(fibreFrom, from))
+            && std::abs(bend) < kChance * std::hypot(half->slopeError_dB, rest->slopeError_dB);
+    }
+
+    /// Whether a line falls as no fibre does, or far more steeply than the fibre before it.
+    [[nodiscard]] bool isSteeper(const SideLine& line, const std::optional<SideLine>& before) const
+    {
+        const double kilometre = trace.scale().kilometre;
+        if (trace.isSteep(line) || !before || kilometre <= 0.0) {
+            return trace.isSteep(line);
+        }
+        const double usual = std::abs(before->line.slope_dB) + 3.0 * before->slopeError_dB;
+        const double most = std::max(kSlope_dBPerKm / kilometre, kSteeper * usual);
+        return -line.line.slope_dB > most + 3.0 * line.slopeError_dB;
+    }
+
+    /// The first sample behind `from` that leaves the fibre before it, upwards or downwards.
+    [[nodiscard]] double foot(double from, double to, double fibreFrom) const
+    {
+        auto line = trace.fit(std::max(fibreFrom, from - kFootFitPulses * w), from);
+        if (line && line->line.sigma_dB > kMisfit * line->sigma_dB) {
+            line = trace.fit(std::max(fibreFrom, from - 0.5 * kFootFitPulses * w), from);
+        }
+        const auto last =
+            static_cast<std::size_t>(std::min(trace.size(), to + kFallPulses * w + 2.0));
+        int outside = 0;
+        for (auto i = static_cast<std::size_t>(std::max(0.0, from)); i < last; ++i) {
+            const auto index = static_cast<double>(i);
+            const double fibre =
+                line && line->line.samples > 4 ? line->at(index) : trace.mean_dB(from - w, from);
+            const double sigma = line ? line->line.sigma_dB : trace.noise().sigma_dB(from - w);
+            const double off = std::abs(trace.samples().level_dB(i) - fibre);
+            outside = off > std::max(kFoot_dB, kFootSigmas * sigma) ? outside + 1 : 0;
+            if (outside == 2) {
+                return index - 1.5;
+            }
+        }
+        return from + w;
+    }
+
+    const FibreTrace& trace;
+    double w;
+    double threshold_dB;
+};
+
+} // namespace
+
+FibreExtent findFibre(const FibreTrace& trace, double endThreshold_dB)
+{
+    return EndSearch(trace, endThreshold_dB).find();
+}
+
+} // namespace otdr

@@ -1,0 +1,181 @@
+#include "platform/otdr/core/fibretrace.h"
+
+#include "platform/otdr/core/samplerange.h"
+#include "platform/otdr/core/trace.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <vector>
+
+namespace otdr {
+
+namespace {
+
+/// Beyond the end of its ramp an event is given this much more, in samples: sampling is not
+/// synchronous with it.
+constexpr double kGapMargin = 2.0;
+
+/// The dead zone of an event without a reflection ends where so much of the edge is over.
+constexpr double kRisen = 0.99;
+
+/// Tails are followed in steps of half a pulse: what lies there, by itself and with more behind it,
+/// is compared with the fibre that follows, of some times its length, less where an event comes
+/// next.
+constexpr double kStepPulses = 0.5;
+constexpr double kChunkPulses[] = {0.5, 1.5};
+constexpr double kBehindLengths[] = {6.0, 1.5};
+constexpr double kFewestSamples = 4.0;
+
+/// What no fibre exceeds, dB/km.
+constexpr double kSteepest_dBPerKm = 5.0;
+
+/// A tail has ended where it is no higher than chance (in standard errors) makes it.
+constexpr double kChance = 2.5;
+
+/// Light begins where it first comes within this much of what a quarter of the record's beginning
+/// exceeds: fibre, and not its reflections.
+constexpr double kLaunch_dB = 8.0;
+constexpr double kLaunchPulses = 30.0;
+constexpr double kLaunchSamples = 1000.0;
+
+double launchOf(const Trace& trace, double pulse)
+{
+    const auto stretch = static_cast<std::size_t>(
+        std::min(static_cast<double>(trace.size()), kLaunchSamples + kLaunchPulses * pulse));
+    std::vector<std::uint16_t> counts(trace.samples().begin(), trace.samples().begin() + stretch);
+    if (counts.empty()) {
+        return 0.0;
+    }
+    // Counts grow as light gets weaker.
+    const auto bright = counts.begin() + static_cast<std::ptrdiff_t>(counts.size() / 4);
+    std::nth_element(counts.begin(), bright, counts.end());
+    const double least = trace.toLevel_dB(*bright) - kLaunch_dB;
+    for (std::size_t i = 0; i < stretch; ++i) {
+        if (trace.level_dB(i) > least) {
+            return static_cast<double>(i);
+        }
+    }
+    return 0.0;
+}
+
+} // namespace
+
+double SideLine::errorAt_dB(double index) const
+{
+    const auto n = static_cast<double>(line.samples);
+    return std::hypot(sigma_dB * std::sqrt(weight / n), slopeError_dB * (index - line.centre));
+}
+
+FibreTrace::FibreTrace(const Trace& trace, const SearchScale& scale)
+    : trace(&trace)
+    , limits(scale)
+    , begin(launchOf(trace, scale.pulse))
+    , scatter(trace, scale.pulse, static_cast<std::size_t>(begin), trace.size())
+    , pulseShape(scale.pulse, scale.timeConstant)
+    , deadZone(pulseShape.riseTo(kRisen) + scale.pulse + kGapMargin)
+{
+}
+
+void FibreTrace::endNoiseAt(double index)
+{
+    scatter = NoiseProfile(*trace, limits.pulse, static_cast<std::size_t>(begin),
+                           static_cast<std::size_t>(std::clamp(index, begin, size())));
+}
+
+void FibreTrace::setTimeConstant(double samples)
+{
+    limits.timeConstant = samples;
+    pulseShape = PulseShape(limits.pulse, samples);
+    deadZone = pulseShape.riseTo(kRisen) + limits.pulse + kGapMargin;
+}
+
+double FibreTrace::size() const
+{
+    return static_cast<double>(trace->size());
+}
+
+std::optional<SideLine> FibreTrace::fit(double from, double to) const
+{
+    const std::optional<Line> line = fitLineBetween(*trace, from, to);
+    if (!line) {
+        return std::nullopt;
+    }
+    const double sigma = scatter.sigma_dB(line->centre);
+    const double alike = scatter.correlation();
+    const auto n = static_cast<double>(line->samples);
+    return SideLine {*line, sigma, alike, sigma * std::sqrt(12.0 * alike / (n * (n * n - 1.0)))};
+}
+
+std::optional<SideLine> FibreTrace::fitWithSlope(double from, double to, double slope_dB,
+                                                 double slopeError_dB) const
+{
+    const SampleRange range = samplesBetween(from, to, trace->size());
+    if (range.empty()) {
+        return std::nullopt;
+    }
+    Line line;
+    line.samples = range.count();
+    line.centre = 0.5 * static_cast<double>(range.first + range.last - 1);
+    line.level_dB = mean_dB(from, to);
+    line.slope_dB = slope_dB;
+    line.sigma_dB = scatter.sigma_dB(line.centre);
+    return SideLine {line, line.sigma_dB, scatter.correlation(), slopeError_dB};
+}
+
+double FibreTrace::mean_dB(double from, double to) const
+{
+    const SampleRange range = samplesBetween(from, to, trace->size());
+    const LineSums sums = trace->sums().sums(range.first, range.last);
+    if (sums.samples == 0) {
+        return std::numeric_limits<double>::quiet_NaN();
+    }
+    return trace->toLevel_dB(static_cast<double>(sums.base)
+                             + static_cast<double>(sums.y) / static_cast<double>(sums.samples));
+}
+
+bool FibreTrace::isSteep(const SideLine& line) const
+{
+    return limits.kilometre > 0.0
+        && -line.line.slope_dB * limits.kilometre
+        > kSteepest_dBPerKm + 3.0 * line.slopeError_dB * limits.kilometre;
+}
+
+double FibreTrace::settledFrom(double from, double longest, double tolerance_dB) const
+{
+    const double step = std::max(kFewestSamples, kStepPulses * limits.pulse);
+    double at = from;
+    const auto isTailHere = [&] {
+        return std::any_of(std::begin(kChunkPulses), std::end(kChunkPulses), [&](double pulses) {
+            const double chunk = std::max(kFewestSamples, pulses * limits.pulse);
+            return isTail(at, at + chunk, tolerance_dB);
+        });
+    };
+    while (at < from + longest && isTailHere()) {
+        at += step;
+    }
+    return std::min(at, from + longest);
+}
+
+bool FibreTrace::isTail(double from, double to, double tolerance_dB) const
+{
+    const double mean = mean_dB(from, to);
+    const double centre = 0.5 * (from + to - 1.0);
+    const double own = scatter.sigma_dB(centre) * std::sqrt(scatter.correlation() / (to - from));
+    for (const double lengths : kBehindLengths) {
+        const std::optional<SideLine> behind =
+            fit(to, to + std::max(4.0 * kFewestSamples, lengths * (to - from)));
+        if (!behind || std::isnan(mean)) {
+            return false;
+        }
+        const double error = std::hypot(own, behind->errorAt_dB(centre));
+        const bool isAbove = mean - behind->at(centre) > std::max(tolerance_dB, kChance * error);
+        if (!isAbove && !isSteep(*behind)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace otdr

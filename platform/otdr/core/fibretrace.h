@@ -1,0 +1,98 @@
+#pragma once
+
+#include "platform/otdr/core/linefit.h"
+#include "platform/otdr/core/noise.h"
+#include "platform/otdr/core/pulseshape.h"
+
+#include <optional>
+
+namespace otdr {
+
+class Trace;
+
+/// What limits and weighs the search for events on one trace.
+struct SearchScale
+{
+    double pulse = 1.0; ///< width of the pulse, samples
+    double timeConstant = 0.0; ///< of the receiver, samples
+    double longestWindow = 0.0; ///< of a line beside an event, samples
+    double kilometre = 0.0; ///< samples in a kilometre; 0 where it is not known
+};
+
+/// A line through the fibre on one side of an event, with its standard error.
+struct SideLine
+{
+    Line line;
+    double sigma_dB = 0.0; ///< of a sample about it
+    double weight = 1.0; ///< by how much the noise of neighbours is alike, see NoiseProfile
+    double slopeError_dB = 0.0; ///< standard error of the slope, by the sample
+
+    [[nodiscard]] double at(double index) const { return line.at(index); }
+
+    /// Standard error of the line at an index, dB: that of its middle, s sqrt(m / N), and that of
+    /// its slope, s sqrt(m / Sxx), times the distance from there.
+    [[nodiscard]] double errorAt_dB(double index) const;
+};
+
+/// A trace with its noise and the shape of its pulse: what every step of the search asks.
+class FibreTrace
+{
+public:
+    /// Refers to the trace, which must outlive it.
+    FibreTrace(const Trace& trace, const SearchScale& scale);
+
+    [[nodiscard]] const Trace& samples() const { return *trace; }
+
+    [[nodiscard]] const NoiseProfile& noise() const { return scatter; }
+
+    [[nodiscard]] const PulseShape& shape() const { return pulseShape; }
+
+    [[nodiscard]] const SearchScale& scale() const { return limits; }
+
+    [[nodiscard]] double size() const;
+
+    /// Index at which light begins.
+    [[nodiscard]] double launch() const { return begin; }
+
+    /// Takes the noise from what lies before this index.
+    void endNoiseAt(double index);
+
+    /// Takes another time constant of the receiver, samples.
+    void setTimeConstant(double samples);
+
+    /// Whether a line falls more steeply than any fibre, chance considered: it is the tail of
+    /// something.
+    [[nodiscard]] bool isSteep(const SideLine& line) const;
+
+    /// Samples behind the foot of an event without a reflection until the fibre is undisturbed.
+    [[nodiscard]] double gap() const { return deadZone; }
+
+    /// The line through from <= i < to. Empty with fewer than two samples.
+    [[nodiscard]] std::optional<SideLine> fit(double from, double to) const;
+
+    /// The same with a slope known from elsewhere and its standard error, for stretches too short
+    /// to tell their own. Empty without samples.
+    [[nodiscard]] std::optional<SideLine> fitWithSlope(double from, double to, double slope_dB,
+                                                       double slopeError_dB) const;
+
+    /// Mean level of from <= i < to, dB; NaN without samples.
+    [[nodiscard]] double mean_dB(double from, double to) const;
+
+    /// The first index behind `from` at which the trace has come down to the fibre that follows it,
+    /// but for so much, dB, or what chance makes it; at most `longest` samples behind it.
+    [[nodiscard]] double settledFrom(double from, double longest,
+                                     double tolerance_dB = 0.001) const;
+
+private:
+    /// Whether a stretch lies above the fibre that follows it.
+    [[nodiscard]] bool isTail(double from, double to, double tolerance_dB) const;
+
+    const Trace* trace;
+    SearchScale limits;
+    double begin;
+    NoiseProfile scatter;
+    PulseShape pulseShape;
+    double deadZone;
+};
+
+} // namespace otdr

@@ -1,0 +1,225 @@
+#include "platform/otdr/core/noise.h"
+
+#include "platform/otdr/core/linefit.h"
+#include "platform/otdr/core/trace.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace otdr {
+
+namespace {
+
+constexpr std::size_t kShortestBlock = 256;
+constexpr std::size_t kMostBlocks = 512;
+
+/// An event disturbs the second differences over three pulses: too few to move the median of these.
+constexpr double kBlockPulses = 10.0;
+constexpr std::size_t kDifferencesPerBlock = 256;
+constexpr std::size_t kFewestDifferences = 64;
+
+/// Counts of 0.001 dB scatter by 0.29 thousandths; a receiver has more.
+constexpr double kLeastSigma_dB = 0.0003;
+
+/// Scatter beyond which the logarithm of noisy light says nothing.
+constexpr double kMostSigma_dB = 5.0;
+
+/// A normal distribution: its median of absolute values, and what lies below one sigma.
+constexpr double kMedianOfNormal = 0.6745;
+constexpr double kBelowOneSigma = 0.8413;
+
+/// The noise floor is sought in the last tenth of a record.
+constexpr std::size_t kFloorPart = 10;
+
+/// Of pure noise, the level that 16 % exceed and the median lie far apart; of light with noise,
+/// close together. 1 dB: light of 1.7 times the noise.
+constexpr double kLeastSpread_dB = 1.0;
+
+/// Fibre that tells the noise scatters less than this, and stands so much above the least level.
+constexpr double kFibreSigma_dB = 0.15;
+constexpr double kLight_dB = 3.0;
+
+/// Decibels of the trace for a relative change of power, 5 / ln 10.
+constexpr double kDbPerRelative = 2.1715;
+
+/// Correlation shows in means over so many pulses, and samples: receivers and filters make
+/// neighbours alike, no further ones.
+constexpr double kMeanPulses = 2.0;
+constexpr double kShortestMean = 32.0;
+constexpr std::size_t kFewestBends = 48;
+
+/// Beyond this scatter the logarithm of noisy light has a shape of its own, dB.
+constexpr double kLogarithmic_dB = 0.3;
+
+/// Median of the square of a standard normal variable.
+constexpr double kMedianOfSquare = 0.4549;
+
+double meanLevel(const Trace& trace, std::size_t first, std::size_t last)
+{
+    const LineSums sums = trace.sums().sums(first, last);
+    return trace.toLevel_dB(static_cast<double>(sums.base)
+                            + static_cast<double>(sums.y) / static_cast<double>(sums.samples));
+}
+
+double medianOf(std::vector<double>& values)
+{
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
+
+} // namespace
+
+NoiseProfile::NoiseProfile(const Trace& trace, double pulse, std::size_t first, std::size_t last)
+    : first(std::min(first, trace.size()))
+    , last(std::clamp(last, this->first, trace.size()))
+{
+    measureScatter(trace, pulse);
+    if (!sigmas.empty()) {
+        levelOut(trace);
+    }
+    measureFloor(trace);
+    measureCorrelation(trace, pulse);
+}
+
+void NoiseProfile::measureScatter(const Trace& trace, double pulse)
+{
+    const std::size_t n = last - first;
+    blockSize =
+        std::max({kShortestBlock, n / kMostBlocks, static_cast<std::size_t>(kBlockPulses * pulse)});
+    const std::size_t lag = std::clamp<std::size_t>(static_cast<std::size_t>(std::lround(pulse)), 1,
+                                                    std::max<std::size_t>(1, n / 8));
+    const std::size_t stride = std::max<std::size_t>(1, blockSize / kDifferencesPerBlock);
+    std::vector<double> differences;
+    for (std::size_t begin = first; begin < last; begin += blockSize) {
+        differences.clear();
+        const std::size_t end = std::min(last, begin + blockSize);
+        // A short last block looks further back.
+        const std::size_t from = end - std::min(end - first, blockSize);
+        for (std::size_t i = std::max(from, first + lag); i < end && i + lag < last; i += stride) {
+            differences.push_back(std::abs(trace.level_dB(i - lag) - 2.0 * trace.level_dB(i)
+                                           + trace.level_dB(i + lag)));
+        }
+        double sigma = sigmas.empty() ? kLeastSigma_dB : sigmas.back();
+        if (differences.size() >= kFewestDifferences || sigmas.empty()) {
+            sigma = differences.empty()
+                ? kLeastSigma_dB
+                : medianOf(differences) / (kMedianOfNormal * std::sqrt(6.0));
+        }
+        sigmas.push_back(std::clamp(sigma, kLeastSigma_dB, kMostSigma_dB));
+    }
+}
+
+/// Stronger light scatters less, in decibels: where a nearer block, with more light, scatters more
+/// than the next one, that is the launch or an event and no noise.
+void NoiseProfile::levelOut(const Trace& trace)
+{
+    for (std::size_t block = sigmas.size() - 1; block-- > 0;) {
+        const std::size_t begin = first + block * blockSize;
+        const std::size_t end = std::min(last, begin + 2 * blockSize);
+        const std::size_t middle = begin + blockSize;
+        const bool isNoise = sigmas[block + 1] > 2.0 * kLeastSigma_dB;
+        if (isNoise && sigmas[block] > sigmas[block + 1]
+            && meanLevel(trace, begin, middle) >= meanLevel(trace, middle, end)) {
+            sigmas[block] = sigmas[block + 1];
+        }
+    }
+}
+
+double NoiseProfile::sigma_dB(double index) const
+{
+    if (sigmas.empty()) {
+        return kMostSigma_dB;
+    }
+    const double place =
+        (index - static_cast<double>(first)) / static_cast<double>(blockSize) - 0.5;
+    if (!(place > 0.0)) {
+        return sigmas.front();
+    }
+    const auto block = static_cast<std::size_t>(place);
+    if (block + 1 >= sigmas.size()) {
+        return sigmas.back();
+    }
+    const double part = place - static_cast<double>(block);
+    return (1.0 - part) * sigmas[block] + part * sigmas[block + 1];
+}
+
+void NoiseProfile::measureFloor(const Trace& trace)
+{
+    const std::size_t n = trace.size();
+    std::vector<double> levels;
+    const std::size_t from = n - n / kFloorPart;
+    const std::size_t stride = std::max<std::size_t>(1, (n - from) / (64 * kDifferencesPerBlock));
+    for (std::size_t i = from; i < n; i += stride) {
+        levels.push_back(trace.level_dB(i));
+    }
+    if (levels.empty()) {
+        return;
+    }
+    const auto high = levels.begin()
+        + static_cast<std::ptrdiff_t>(kBelowOneSigma * static_cast<double>(levels.size() - 1));
+    std::nth_element(levels.begin(), high, levels.end());
+    rms = *high;
+    const double median = medianOf(levels);
+    if (rms - median < kLeastSpread_dB) {
+        rms = median + 5.0 * std::log10(sigmas.back() / kDbPerRelative);
+    }
+    // Whatever light scatters by is no less than the noise makes it. Where samples stand at the
+    // least that the record can hold there is no light.
+    const double least = *std::min_element(levels.begin(), levels.end());
+    std::vector<double> limits;
+    for (std::size_t block = 0; block < sigmas.size(); ++block) {
+        const std::size_t begin = first + block * blockSize;
+        const double level = meanLevel(trace, begin, std::min(last, begin + blockSize));
+        if (sigmas[block] > 2.0 * kLeastSigma_dB && sigmas[block] < kFibreSigma_dB
+            && level > least + kLight_dB) {
+            limits.push_back(level + 5.0 * std::log10(sigmas[block] / kDbPerRelative));
+        }
+    }
+    if (limits.size() >= 4) {
+        rms = std::min(rms, medianOf(limits) + 1.0);
+    }
+}
+
+std::vector<NoiseProfile::Bend> NoiseProfile::bendsOf(const Trace& trace, std::size_t length) const
+{
+    std::vector<Bend> bends;
+    const std::size_t stride =
+        std::max<std::size_t>(1, length * (1 + (last - first) / length / 4096) / 2);
+    for (std::size_t i = first + length; i + 2 * length <= last; i += stride) {
+        const double sigma = sigma_dB(static_cast<double>(i + length / 2));
+        if (sigma < kLogarithmic_dB) {
+            const double bend = meanLevel(trace, i - length, i)
+                - 2.0 * meanLevel(trace, i, i + length)
+                + meanLevel(trace, i + length, i + 2 * length);
+            bends.push_back({sigma, bend * bend / 6.0});
+        }
+    }
+    std::sort(bends.begin(), bends.end(),
+              [](const Bend& a, const Bend& b) { return a.sigma < b.sigma; });
+    return bends;
+}
+
+void NoiseProfile::measureCorrelation(const Trace& trace, double pulse)
+{
+    const double length = std::max(kShortestMean, std::ceil(kMeanPulses * pulse));
+    const std::vector<Bend> bends = bendsOf(trace, static_cast<std::size_t>(length));
+    if (bends.size() < kFewestBends) {
+        return;
+    }
+    std::vector<double> values;
+    for (auto bend = bends.end() - static_cast<std::ptrdiff_t>(bends.size() / 3);
+         bend != bends.end(); ++bend) {
+        values.push_back(bend->square / (bend->sigma * bend->sigma / length));
+    }
+    alike = std::clamp(medianOf(values) / kMedianOfSquare, 1.0, length);
+    values.clear();
+    for (auto bend = bends.begin();
+         bend != bends.begin() + static_cast<std::ptrdiff_t>(bends.size() / 3); ++bend) {
+        values.push_back(bend->square
+                         - kMedianOfSquare * alike * bend->sigma * bend->sigma / length);
+    }
+    wander = std::sqrt(std::max(0.0, medianOf(values) / kMedianOfSquare));
+}
+
+} // namespace otdr

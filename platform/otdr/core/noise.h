@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+namespace otdr {
+
+class Trace;
+
+/// The noise of a trace, estimated from its own samples.
+///
+/// Scatter is told per sample, for a trace without its events and slopes: the median of second
+/// differences over one pulse knows neither. Cost: a few hundred thousand steps at most, whatever
+/// the length of the trace.
+class NoiseProfile
+{
+public:
+    /// Of the samples first .. last - 1; noise before the light comes or after it has ended is no
+    /// scatter of the fibre. pulse: width in samples, > 0.
+    NoiseProfile(const Trace& trace, double pulse, std::size_t first, std::size_t last);
+
+    /// Standard deviation of a single sample about the fibre at an index, dB.
+    [[nodiscard]] double sigma_dB(double index) const;
+
+    /// By how much the variance of a mean over n samples exceeds sigma^2 / n: neighbours that pass
+    /// the same receiver are alike. At least 1.
+    [[nodiscard]] double correlation() const { return alike; }
+
+    /// What a mean over a pulse or two strays from the straight line by beyond its noise, dB: fibre
+    /// is not quite even, and receivers are not quite linear.
+    [[nodiscard]] double wander_dB() const { return wander; }
+
+    /// Level of light as strong as the RMS noise (SNR = 1), dB. Where the record does not reach the
+    /// noise it follows from the scatter of its last part.
+    [[nodiscard]] double rms_dB() const { return rms; }
+
+private:
+    /// How far three means in a row are from a straight line.
+    struct Bend
+    {
+        double sigma; ///< of a sample there
+        double square; ///< variance of a mean that it tells
+    };
+
+    /// In order of the scatter.
+    [[nodiscard]] std::vector<Bend> bendsOf(const Trace& trace, std::size_t length) const;
+    void measureScatter(const Trace& trace, double pulse);
+    void levelOut(const Trace& trace);
+    void measureFloor(const Trace& trace);
+    void measureCorrelation(const Trace& trace, double pulse);
+
+    std::size_t first;
+    std::size_t last;
+    std::size_t blockSize = 1;
+    std::vector<double> sigmas; ///< of each block
+    double alike = 1.0;
+    double wander = 0.0;
+    double rms = 0.0;
+};
+
+} // namespace otdr

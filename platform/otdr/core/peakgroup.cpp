@@ -1,0 +1,253 @@
+#include "platform/otdr/core/peakgroup.h"
+
+#include "platform/otdr/core/trace.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+
+namespace otdr {
+
+namespace {
+
+/// A sample shows an edge when it leaves the fibre by this much.
+constexpr double kEdgeSigmas = 4.0;
+constexpr double kEdge_dB = 0.02;
+constexpr double kEdgePart = 0.02; // of the height: receivers ring a little before a high peak
+
+/// Parts of the height between which an edge tells its place well.
+constexpr double kLowPart = 0.05;
+constexpr double kHighPart = 0.7;
+
+/// A second reflection in a dead zone rises by this much within a third of a pulse.
+constexpr double kSecondRise_dB = 0.3;
+constexpr double kSecondRiseSigmas = 10.0;
+constexpr double kSecondRisePulses = 0.35;
+
+/// A receiver without overload stays within 0.1 dB of its highest for one pulse at most.
+constexpr double kTop_dB = 0.1;
+constexpr double kLongTopPulses = 1.05;
+
+/// The flank of a peak, dB below its height, and what a time constant takes off, 5 log10(e).
+constexpr double kHighFlank_dB = 3.5;
+constexpr double kLowFlank_dB = 9.0;
+constexpr double kLeastFlank_dB = 4.5;
+constexpr double kLongestFlankPulses = 20.0;
+constexpr double kDbPerTimeConstant = 2.1715;
+
+/// How long a tail may be, pulses: 1.5 and 0.8 for each decibel of the peak.
+constexpr double kTailPulses = 1.5;
+constexpr double kTailPulsesPerDb = 0.8;
+
+double power(double level_dB)
+{
+    return std::pow(10.0, level_dB / 5.0);
+}
+
+class PeakMeasurement
+{
+public:
+    PeakMeasurement(const FibreTrace& trace, double from, double to)
+        : trace(trace)
+        , w(trace.scale().pulse)
+        , from(from)
+        , to(to)
+    {
+    }
+
+    [[nodiscard]] PeakGroup measure(double at)
+    {
+        fitFibre(at);
+        const std::size_t top = highest(at - w, at + w + trace.gap());
+        PeakGroup group;
+        const double height = level(top) - fibre(top);
+        const double edge = std::max({kEdge_dB, kEdgeSigmas * sigma, kEdgePart * height});
+        std::size_t first = top;
+        while (first > lowest() && level(first - 1) - fibre(first - 1) > edge) {
+            --first;
+        }
+        const double rough = static_cast<double>(first) - 0.5;
+        const double longest = w * (kTailPulses + kTailPulsesPerDb * std::max(0.0, height));
+        const double fallen = fallenFrom(top, std::min(1.0, 0.5 * height));
+        group.behind =
+            std::min(trace.settledFrom(std::max(rough, fallen - w) + trace.gap(), longest), to);
+        addRises(rough, group);
+        for (std::size_t i = 0; i < group.feet.size(); ++i) {
+            const double next = i + 1 < group.feet.size() ? group.feet[i + 1] : group.behind;
+            const std::size_t peak =
+                highest(group.feet[i], std::min(next, group.feet[i] + 2.0 * w));
+            group.heights_dB.push_back(plateau(group.feet[i], next, peak));
+        }
+        group.saturated = hasLongTop(top);
+        group.feet.front() =
+            edgeOf(rough, top, group.saturated ? level(top) : fibre(top) + group.heights_dB[0]);
+        return group;
+    }
+
+private:
+    [[nodiscard]] double level(std::size_t i) const { return trace.samples().level_dB(i); }
+
+    [[nodiscard]] double fibre(std::size_t i) const { return line.at(static_cast<double>(i)); }
+
+    [[nodiscard]] std::size_t lowest() const
+    {
+        return static_cast<std::size_t>(std::max(1.0, from));
+    }
+
+    void fitFibre(double at)
+    {
+        sigma = trace.noise().sigma_dB(at);
+        const double end = std::max(from + 2.0, at - 0.5 * w);
+        const auto fitted = trace.fit(std::max(from, end - 6.0 * trace.gap()), end);
+        if (fitted && fitted->line.samples >= 4) {
+            line = fitted->line;
+        } else {
+            line.level_dB = trace.mean_dB(end - 2.0, end);
+            line.centre = end;
+        }
+    }
+
+    [[nodiscard]] std::size_t highest(double begin, double end) const
+    {
+        const double last = trace.size() - 1.0;
+        auto top = static_cast<std::size_t>(std::clamp(begin, 0.0, last));
+        for (std::size_t i = top; static_cast<double>(i) <= std::min(end, last); ++i) {
+            top = level(i) > level(top) ? i : top;
+        }
+        return top;
+    }
+
+    /// The first index behind the top that lies this much below it.
+    [[nodiscard]] double fallenFrom(std::size_t top, double by_dB) const
+    {
+        std::size_t i = top;
+        while (i + 1 < trace.samples().size() && level(i) > level(top) - by_dB) {
+            ++i;
+        }
+        return static_cast<double>(i);
+    }
+
+    /// Height of a peak: the mean over the flat part of its top, which noise does not raise.
+    [[nodiscard]] double plateau(double foot, double next, std::size_t top) const
+    {
+        const double begin = std::ceil(foot + trace.shape().riseTo(0.985));
+        const double end = std::floor(std::min(foot + w, next));
+        if (end - begin >= 2.0) {
+            const double mean = trace.mean_dB(begin, end + 0.5);
+            const double centre = 0.5 * (begin + end);
+            const double high = level(top) - fibre(top);
+            const double flat = mean - line.at(centre);
+            // A pulse that is not as long as stated has no flat top there.
+            return high - flat < std::max(0.2, 4.0 * sigma) ? flat : high;
+        }
+        return level(top) - fibre(top);
+    }
+
+    void addRises(double first, PeakGroup& group) const
+    {
+        group.feet.push_back(first);
+        const auto lag = static_cast<std::size_t>(std::max(1.0, std::round(kSecondRisePulses * w)));
+        const double least = std::max(kSecondRise_dB, kSecondRiseSigmas * sigma);
+        const auto end = static_cast<std::size_t>(
+            std::clamp(group.behind, 0.0, trace.size() - 1.0 - static_cast<double>(lag)));
+        auto i = static_cast<std::size_t>(std::max(
+            0.0, first + std::max(trace.shape().riseTo(0.99), 0.5 * w) + static_cast<double>(lag)));
+        for (; i < end; ++i) {
+            if (level(i + lag) - level(i) < least || level(i) - level(i - lag) > 0.25 * least) {
+                continue;
+            }
+            std::size_t foot = i + lag;
+            while (foot > i && level(foot - 1) - level(i) > 0.25 * least) {
+                --foot;
+            }
+            group.feet.push_back(static_cast<double>(foot) - 0.5);
+            i = foot + lag + static_cast<std::size_t>(0.5 * w);
+        }
+    }
+
+    [[nodiscard]] bool hasLongTop(std::size_t top) const
+    {
+        const double least = level(top) - kTop_dB;
+        std::size_t first = top;
+        std::size_t last = top;
+        while (first > 0 && level(first - 1) >= least) {
+            --first;
+        }
+        while (last + 1 < trace.samples().size() && level(last + 1) >= least) {
+            ++last;
+        }
+        return static_cast<double>(last - first) > kLongTopPulses * w + 1.0;
+    }
+
+    /// Each sample of the rising edge tells by its part of the height how far behind the foot it
+    /// is; where the edge is too steep for that, the foot lies half a sample before it.
+    [[nodiscard]] double edgeOf(double rough, std::size_t top, double top_dB) const
+    {
+        const auto begin = static_cast<std::size_t>(std::max(0.0, rough));
+        double sum = 0.0;
+        double weights = 0.0;
+        for (std::size_t i = begin; i <= top; ++i) {
+            const double base = fibre(i);
+            const double part = (power(level(i) - base) - 1.0) / (power(top_dB - base) - 1.0);
+            if (part > kHighPart) {
+                break;
+            }
+            if (part > kLowPart) {
+                const double weight = part * (1.0 - part);
+                sum += weight * (static_cast<double>(i) - trace.shape().riseTo(part));
+                weights += weight;
+            }
+        }
+        const double found = weights > 0.0 ? sum / weights : rough;
+        return std::clamp(found, rough - trace.shape().riseTo(kHighPart) - 1.0, rough + 1.0);
+    }
+
+    const FibreTrace& trace;
+    double w;
+    double from;
+    double to;
+    double sigma = 0.0;
+    Line line;
+};
+
+} // namespace
+
+PeakGroup measurePeak(const FibreTrace& trace, double at, double from, double to)
+{
+    return PeakMeasurement(trace, from, to).measure(at);
+}
+
+std::optional<double> timeConstantOf(const FibreTrace& trace, const PeakGroup& peak,
+                                     const Line& before)
+{
+    const double height = peak.heights_dB.front();
+    if (peak.saturated || peak.feet.size() > 1 || height < kLeastFlank_dB) {
+        return std::nullopt;
+    }
+    // Behind the pulse its light falls as exp(-t / tau): 5 log10(e) dB of the trace for each.
+    const double full = 5.0 * std::log10(power(height) - 1.0);
+    const double high = full - kHighFlank_dB;
+    const double low = std::max(full - kLowFlank_dB, 0.0);
+    std::optional<double> from;
+    double fromLevel = 0.0;
+    const auto last = static_cast<std::size_t>(
+        std::min(peak.feet.front() + kLongestFlankPulses * trace.shape().pulse(), trace.size()));
+    auto i =
+        static_cast<std::size_t>(std::max(0.0, peak.feet.front() + 0.5 * trace.shape().pulse()));
+    for (; i < last; ++i) {
+        const auto index = static_cast<double>(i);
+        const double ratio = power(trace.samples().level_dB(i) - before.at(index)) - 1.0;
+        const double over = ratio > 0.0 ? 5.0 * std::log10(ratio) : low - 1.0;
+        if (over > high) {
+            from.reset();
+        } else if (!from) {
+            from = index;
+            fromLevel = over;
+        } else if (over < low) {
+            return (index - *from) / std::max(0.5, fromLevel - over) * kDbPerTimeConstant;
+        }
+    }
+    return std::nullopt;
+}
+
+} // namespace otdr

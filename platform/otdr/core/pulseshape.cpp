@@ -1,0 +1,78 @@
+#include "platform/otdr/core/pulseshape.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+
+namespace otdr {
+
+namespace {
+
+constexpr double kEdgePulses = 0.1;
+constexpr double kLongestTimeConstantPulses = 20.0;
+
+/// Entries of the tables for one width of the pulse.
+constexpr std::size_t kCells = 200;
+
+/// The tables end so many time constants behind the edges of the pulse: exp(-9) = 1e-4 is left.
+constexpr double kTimeConstants = 9.0;
+
+/// Running mean over the `width` entries before each.
+std::vector<double> meanOver(const std::vector<double>& values, std::size_t width)
+{
+    std::vector<double> means(values.size());
+    double sum = 0.0;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const double before = i > 0 ? values[i - 1] : 0.0;
+        sum += 0.5 * (before + values[i]);
+        if (i >= width) {
+            const double old = i > width ? values[i - width - 1] : 0.0;
+            sum -= 0.5 * (old + values[i - width]);
+        }
+        means[i] = sum / static_cast<double>(width);
+    }
+    return means;
+}
+
+} // namespace
+
+PulseShape::PulseShape(double pulse, double timeConstant)
+    : width(pulse)
+    , cell(pulse / kCells)
+    , cellsPerSample(kCells / pulse)
+{
+    const double tau = std::clamp(timeConstant / pulse, 0.01, kLongestTimeConstantPulses) * kCells;
+    const auto edge = static_cast<std::size_t>(kEdgePulses * kCells);
+    const auto size = kCells + 2 * edge + static_cast<std::size_t>(kTimeConstants * tau) + 2;
+
+    const std::vector<double> sharp(size, 1.0);
+    rises = meanOver(meanOver(sharp, edge), edge);
+    const double gain = -std::expm1(-1.0 / tau);
+    double level = 0.0;
+    double before = 0.0;
+    for (double& value : rises) {
+        level += gain * (0.5 * (before + value) - level);
+        before = value;
+        value = level;
+    }
+    steps = meanOver(rises, kCells);
+    length = static_cast<double>(size) * cell;
+    half = static_cast<double>(std::lower_bound(steps.begin(), steps.end(), 0.5) - steps.begin())
+        * cell;
+}
+
+double PulseShape::riseTo(double part) const
+{
+    const auto above = std::lower_bound(rises.begin(), rises.end(), part);
+    if (above == rises.begin()) {
+        return 0.0;
+    }
+    if (above == rises.end()) {
+        return length;
+    }
+    const double step = *above - *(above - 1);
+    const auto index = static_cast<double>(above - rises.begin());
+    return (index - (step > 0.0 ? (*above - part) / step : 0.0)) * cell;
+}
+
+} // namespace otdr

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+namespace otdr {
+
+/// What a receiver makes of a rectangular pulse, by the sample: how the trace goes over from one
+/// level to another behind a loss, and how it rises and falls at a reflection.
+///
+/// The edges of the pulse are rounded by two boxes of a tenth of its width each and by the single
+/// pole of the receiver. Nothing changes before the event itself.
+class PulseShape
+{
+public:
+    /// Time constant of a receiver whose bandwidth suits the pulse, pulses, and the least there is.
+    static constexpr double kUsualTimeConstant = 0.08;
+    static constexpr double kShortestTimeConstant_ns = 1.0;
+
+    /// pulse: width in samples, > 0; timeConstant: of the receiver, samples.
+    PulseShape(double pulse, double timeConstant);
+
+    /// Width in samples.
+    [[nodiscard]] double pulse() const { return width; }
+
+    /// Part of a change of level that shows `behind` samples behind the event; 0 before it, 1 far
+    /// behind it.
+    [[nodiscard]] double step(double behind) const { return at(steps, behind); }
+
+    /// Part of the height of a reflection that shows `behind` samples behind the reflector.
+    [[nodiscard]] double peak(double behind) const
+    {
+        return at(rises, behind) - at(rises, behind - width);
+    }
+
+    /// Where the rising edge of a reflection reaches this part (0 .. 1) of its height, samples
+    /// behind the reflector.
+    [[nodiscard]] double riseTo(double part) const;
+
+    /// Where half of a change of level shows, samples behind the event: as far as the fibre lies
+    /// before a sample that it is seen in.
+    [[nodiscard]] double centre() const { return half; }
+
+    /// Behind an event by so many samples, 99.9 % of it are over.
+    [[nodiscard]] double extent() const { return length; }
+
+private:
+    [[nodiscard]] double at(const std::vector<double>& table, double behind) const
+    {
+        if (!(behind > 0.0)) {
+            return 0.0;
+        }
+        const double place = behind * cellsPerSample;
+        const auto index = static_cast<std::size_t>(place);
+        if (index + 1 >= table.size()) {
+            return 1.0;
+        }
+        const double part = place - static_cast<double>(index);
+        return table[index] + part * (table[index + 1] - table[index]);
+    }
+
+    double width;
+    double cell; ///< samples between two entries of the tables
+    double cellsPerSample;
+    double length = 0.0;
+    double half = 0.0;
+    std::vector<double> rises; ///< the edge: what a step of the light becomes
+    std::vector<double> steps; ///< its mean over the pulse
+};
+
+} // namespace otdr

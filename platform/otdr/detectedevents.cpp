@@ -1,0 +1,115 @@
+#include "platform/otdr/detectedevents.h"
+
+#include <cmath>
+
+namespace {
+
+Event::Type typeOf(otdr::DetectedEvent::Kind kind)
+{
+    using Kind = otdr::DetectedEvent::Kind;
+    switch (kind) {
+    case Kind::Start:
+        return Event::SpanStart;
+    case Kind::Reflective:
+        return Event::Reflective;
+    case Kind::Gain:
+        return Event::Positive;
+    case Kind::End:
+        return Event::SpanEnd;
+    case Kind::NonReflective:
+        break;
+    }
+    return Event::NonReflective;
+}
+
+/// Indices of the record as places on the fibre.
+class Places
+{
+public:
+    explicit Places(const TraceState& state)
+        : state(state)
+        , zero(state.indexAt(0.0))
+    {
+    }
+
+    void put(Event& event, double index) const
+    {
+        event.position = std::lround(index - zero);
+        event.coordinate = metres(index);
+        event.width = state.pulse_ns * state.metresPerNs();
+    }
+
+    [[nodiscard]] double metres(double index) const
+    {
+        return state.trace->distanceAt(index, state.metresPerNs());
+    }
+
+private:
+    const TraceState& state;
+    double zero;
+};
+
+Event eventOf(const otdr::DetectedEvent& found, const Places& places)
+{
+    Event event;
+    event.type = typeOf(found.kind);
+    places.put(event, found.index);
+    event.loss = found.loss_dB;
+    event.reflectance = found.reflectance_dB;
+    event.saturated = found.saturated;
+    if (found.before.samples > 0) {
+        event.reflIn = found.before.at(found.index);
+    }
+    if (found.behind.samples > 0) {
+        event.reflOut = found.behind.at(found.index);
+    }
+    return event;
+}
+
+Event fibreOf(const otdr::DetectedSection& section, const Places& places)
+{
+    Event event;
+    event.type = Event::Fiber;
+    places.put(event, section.from);
+    event.length = places.metres(section.to) - places.metres(section.from);
+    event.loss = section.loss_dB;
+    event.orl = section.returnLoss_dB;
+    return event;
+}
+
+} // namespace
+
+otdr::Detection detectionOf(const TraceState& state)
+{
+    if (!state.trace) {
+        return {};
+    }
+    return otdr::detectEvents(*state.trace,
+                              {state.pulse_ns, state.metresPerNs(), state.backscatter_dB});
+}
+
+EventList eventListOf(const otdr::Detection& detection, const TraceState& state)
+{
+    EventList events;
+    if (!state.trace) {
+        return events;
+    }
+    const Places places(state);
+    auto section = detection.sections.begin();
+    for (const otdr::DetectedEvent& found : detection.events) {
+        const bool isRange = found.evidence == otdr::DetectedEvent::Evidence::Range;
+        if (found.echo || isRange) {
+            continue;
+        }
+        Event event = eventOf(found, places);
+        while (section != detection.sections.end() && section->to <= found.index) {
+            event.attenuationBefore = section->attenuation_dBPerKm;
+            ++section;
+        }
+        events << event;
+        if (section != detection.sections.end() && section->from == found.index) {
+            events << fibreOf(*section, places);
+        }
+    }
+    return events;
+}
