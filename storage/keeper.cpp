@@ -3,6 +3,7 @@
 #include "acquisition/model.h"
 #include "platform/launcher/cardcontroller.h"
 #include "platform/launcher/filedialog.h"
+#include "platform/launcher/zuconfig.h"
 #include "platform/launcher/zuconfigmodel.h"
 #include "platform/launcher/zulauncherconfig.h"
 #include "platform/otdrconfig/otdrconfig.h"
@@ -15,12 +16,17 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QLocale>
+#include <QPointer>
 
 namespace Waveform {
 
 namespace {
 
 constexpr unsigned long kSavePoll_ms = 5;
+
+/// How long a user who wants to quit waits for a report.
+constexpr int kLeaveAfter_ms = 5000;
 
 QString subPath()
 {
@@ -72,8 +78,9 @@ QString Keeper::flashcardDir() const
     return ZuLauncherConfig("flash", "dir").toString() + "/" + subPath();
 }
 
-bool Keeper::fileExists(const QString& name) const
+bool Keeper::fileExists(const QString& typed) const
 {
+    const QString name = nameConverter->convert(typed);
     const auto isThere = [&name](const QString& dir) {
         return QFile::exists(dir + "/" + name + ".sor")
             || QFile::exists(dir + "/" + name + ".html");
@@ -105,46 +112,92 @@ QString Keeper::reportAutoName() const
     return name;
 }
 
+QString Keeper::auxFileName(const QString& fileName, const QString& extension)
+{
+    const QFileInfo file(fileName);
+    return file.path() + "/" + file.completeBaseName() + "." + extension;
+}
+
+QString Keeper::reportTemplate(const QString& localeName)
+{
+    const QString language = localeName.size() < 5 ? QString() : QString(localeName).remove(3, 3);
+    QString path = ZuConfig("zuotdr", "report", language + "template").toString();
+    if (!QFile::exists(path)) {
+        path = ZuConfig("zuotdr", "report", "template").toString();
+    }
+    return path;
+}
+
 int Keeper::doSave(const QString& name)
 {
+    const QString fileName = nameConverter->convert(name);
     const QList<Reflectogram> group = refls->association(refls->mainRefl());
+    if (fileName.isEmpty() || group.isEmpty()) {
+        return -1;
+    }
+    const QPointer<Keeper> alive(this);
+    if (!leaveBy.isForever()) {
+        leaveBy = QDeadlineTimer(kLeaveAfter_ms); // the name was asked for meanwhile
+    }
     int result = 0;
     for (const Reflectogram& refl : group) {
         const QString suffix =
             group.size() > 1 ? "_" + QString::number(refl.wavelength()) + "nm" : QString();
-        const QString base = storeDir() + "/" + name + suffix;
+        const QString base = storeDir() + "/" + fileName + suffix;
         const bool ok = saveOne(refl, base);
-        emit showNotification(ok ? savedMessage(base + ".sor") : tr("Failed to save reports!"));
+        if (!alive) {
+            return -1;
+        }
+        emit showNotification(ok ? savedMessage(base) : tr("Failed to save reports!"));
         if (ok) {
             saveComplied(base);
         } else {
             result = -1;
         }
     }
+    leaveBy = QDeadlineTimer(QDeadlineTimer::Forever);
     return result;
 }
 
+/// Saves one trace while the event loop turns, in which even the keeper may go.
 bool Keeper::saveOne(const Reflectogram& refl, const QString& base)
 {
+    const QPointer<Keeper> alive(this);
     SaveThread thread;
     thread.refl = refl;
     thread.sor = base + ".sor";
+    thread.html = auxFileName(thread.sor, "html");
+    thread.templ = reportTemplate(QLocale::system().name());
     if (copiesToFlash()) {
         thread.flashDir = flashcardDir();
     }
     emit setWaitWindowVisible(true);
     thread.start();
     while (!thread.isFinished()) {
+        if (!alive || leaveBy.hasExpired()) {
+            thread.requestInterruption();
+        }
         QCoreApplication::processEvents();
         thread.wait(kSavePoll_ms);
     }
-    emit setWaitWindowVisible(false);
+    if (alive) {
+        emit setWaitWindowVisible(false);
+    }
     return thread.result == 0;
 }
 
-QString Keeper::savedMessage(const QString& sor) const
+void Keeper::quitWanted()
 {
-    QString message = tr("Reports was saved to:\n") + shownPath(sor) + "\n";
+    if (leaveBy.isForever()) {
+        leaveBy = QDeadlineTimer(kLeaveAfter_ms);
+    }
+}
+
+QString Keeper::savedMessage(const QString& base) const
+{
+    const QString sor = base + ".sor";
+    QString message = tr("Reports was saved to:\n") + shownPath(sor) + "\n"
+        + shownPath(auxFileName(sor, "html")) + "\n";
     if (copiesToFlash()) {
         message += tr("\nReports automatically copied to USB-flash:\n") + flashcardDir();
     }

@@ -5,6 +5,7 @@
 #include "platform/otdr/reflectogram.h"
 #include "platform/otdr/wfmeasparams.h"
 
+#include <QDeadlineTimer>
 #include <QString>
 #include <QVariantMap>
 
@@ -32,12 +33,26 @@ public:
     int doSave(const QString& name) override;
     int doLoad() override;
     int doLoadFile(const QString& file) override;
+
+    /// A report that hangs must not keep the user here for ever: after 5 s it is given up; the
+    /// traces are saved all the same.
+    void quitWanted() override;
     [[nodiscard]] bool fileExists(const QString& name) const override;
     [[nodiscard]] QString reportAutoName() const override;
 
     /// The directory of saved traces; made where it is missing.
     [[nodiscard]] QString storeDir() const;
     [[nodiscard]] QString flashcardDir() const;
+
+    /// A file that goes with a saved one: beside it, under its name, with another extension.
+    [[nodiscard]] static QString auxFileName(const QString& fileName, const QString& extension);
+
+    /// The path of the report's template for a locale such as "ru_RU": that configured for its
+    /// language, or else for any. May be empty.
+    [[nodiscard]] static QString reportTemplate(const QString& localeName);
+
+    /// Between the start and the stop of a measurement.
+    [[nodiscard]] bool isMeasuring() const { return measRunning; }
 
     /// Where the configuration of the last measurement is kept; empty without a model.
     [[nodiscard]] QString configFileName() const;
@@ -72,7 +87,7 @@ signals:
 private:
     [[nodiscard]] bool limitReached();
     [[nodiscard]] bool saveOne(const Reflectogram& refl, const QString& base);
-    [[nodiscard]] QString savedMessage(const QString& sor) const;
+    [[nodiscard]] QString savedMessage(const QString& base) const;
     void saveComplied(const QString& fileName);
 
     CardController* card;
@@ -81,6 +96,7 @@ private:
     bool measRunning = false;
     bool eventsFinding = false;
     int maxRefls = 4;
+    QDeadlineTimer leaveBy {QDeadlineTimer::Forever}; ///< of a save under way
     std::shared_ptr<FileNameConverter> nameConverter;
 };
 

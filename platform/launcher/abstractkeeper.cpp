@@ -94,6 +94,8 @@ int AbstractKeeper::doLoadFile(const QString& /*file*/)
     return -1;
 }
 
+void AbstractKeeper::quitWanted() { }
+
 void AbstractKeeper::whileBusy(bool allowed, const std::function<void()>& work)
 {
     if (!allowed) {

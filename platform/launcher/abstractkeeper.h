@@ -58,6 +58,10 @@ public:
     void enableLoad(bool enable);
 
 public slots:
+    /// The user wants to leave while a save or a load is under way, and waits for its end; what may
+    /// take for ever is to end soon. In the base nothing is.
+    virtual void quitWanted();
+
     /// The buttons were pressed. Nothing happens while the button is off.
     ///
     /// A save proposes reportAutoName(), asks for a name until it is free or may be replaced, then

@@ -6,6 +6,7 @@
 #include "storage/keeper.h"
 #include "tests/platform/launcher/confighome.h"
 #include "tests/support/acquisitiondir.h"
+#include "tests/support/fakeprogram.h"
 #include "tests/support/tracefiles.h"
 #include "tests/support/warnings.h"
 
@@ -37,6 +38,7 @@ protected:
                            , waits(&keeper, SIGNAL(setWaitWindowVisible(bool)))
     {
         qputenv("HOME", QFile::encodeName(files.path("home")));
+        makeReport("echo report > \"$4\"; echo picture > \"${4%.html}.png\"");
         keeper.setConfig(config);
         keeper.setMeasModel(&model);
         QObject::connect(&keeper,
@@ -49,6 +51,9 @@ protected:
         config->freeLater();
     }
 
+    /// The report generator of this test, in the place of the real one.
+    void makeReport(const QString& script) const { programs.make("otdrreport", script); }
+
     QString stored(const QString& name) const { return files.path("home/otdr/" + name); }
 
     Reflectogram addMeasured()
@@ -60,6 +65,7 @@ protected:
 
     const AcquisitionDir directory;
     const ConfigHome configHome;
+    const FakePrograms programs;
     QByteArray homeBefore;
     TraceFiles files;
     CardController card;
@@ -147,7 +153,8 @@ TEST_F(Keeping, SavesTheMainTraceUnderItsName)
     EXPECT_EQ(keeper.doSave("link"), 0);
     EXPECT_TRUE(Reflectogram(stored("link.sor")).isValid());
     ASSERT_EQ(notified.size(), 1);
-    EXPECT_EQ(notified.first().first().toString(), "Reports was saved to:\notdr/link.sor\n");
+    EXPECT_EQ(notified.first().first().toString(),
+              "Reports was saved to:\notdr/link.sor\notdr/link.html\n");
     ASSERT_EQ(saved.size(), 1);
     EXPECT_EQ(saved.first().first().toString(), stored("link"));
     ASSERT_EQ(waits.size(), 2);
@@ -166,9 +173,13 @@ TEST_F(Keeping, SavesTracesMeasuredTogetherWithTheirWavelengths)
     EXPECT_EQ(keeper.doSave("link"), 0);
     EXPECT_EQ(Reflectogram(stored("link_1550nm.sor")).wavelength(), 1550);
     EXPECT_EQ(Reflectogram(stored("link_1310nm.sor")).wavelength(), 1310);
-    EXPECT_FALSE(QFile::exists(stored("link.sor")));
+    EXPECT_EQ(QDir(stored("")).entryList(QDir::Files),
+              QStringList({"link_1310nm.html", "link_1310nm.png", "link_1310nm.sor",
+                           "link_1550nm.html", "link_1550nm.png", "link_1550nm.sor"}));
     EXPECT_EQ(saved.size(), 2);
-    EXPECT_EQ(notified.size(), 2);
+    ASSERT_EQ(notified.size(), 2);
+    EXPECT_EQ(notified.at(0).first().toString().count("_1550nm.html"), 1);
+    EXPECT_EQ(notified.at(1).first().toString().count("_1310nm.html"), 1);
 }
 
 TEST_F(Keeping, TellsOfTheCopyOnTheFlashDrive)
@@ -178,9 +189,12 @@ TEST_F(Keeping, TellsOfTheCopyOnTheFlashDrive)
     QDir().mkpath(files.path("stick/otdr"));
     refls.addReflFromFile(files.write("a.sor", SorSketch::plain()));
     EXPECT_EQ(keeper.doSave("link"), 0);
-    EXPECT_TRUE(QFile::exists(files.path("stick/otdr/link.sor")));
+    for (const char* name : {"link.sor", "link.html", "link.png"}) {
+        EXPECT_TRUE(QFile::exists(files.path("stick/otdr/") + name)) << name;
+    }
     EXPECT_EQ(notified.first().first().toString(),
-              "Reports was saved to:\notdr/link.sor\n\nReports automatically copied to USB-flash:\n"
+              "Reports was saved to:\notdr/link.sor\notdr/link.html\n"
+              "\nReports automatically copied to USB-flash:\n"
                   + files.path("stick/otdr"));
 }
 
@@ -202,6 +216,125 @@ TEST_F(Keeping, EachSavedTraceAdvancesTheRunningIndex)
     config->setting("reflIndex", "AdvancedParams")->tryChange(9999);
     EXPECT_EQ(keeper.doSave(keeper.reportAutoName()), 0);
     EXPECT_EQ(keeper.reportAutoName(), "trace_1550_0001");
+}
+
+TEST_F(Keeping, FailedReportIsAFailedSaveAndTheTraceStays)
+{
+    makeReport("exit 3");
+    addMeasured();
+    const QString name = keeper.reportAutoName();
+    EXPECT_NE(keeper.doSave(name), 0);
+    ASSERT_EQ(notified.size(), 1);
+    EXPECT_EQ(notified.first().first().toString(), "Failed to save reports!");
+    EXPECT_EQ(saved.size(), 0);
+    EXPECT_EQ(keeper.reportAutoName(), name) << "the index stands";
+    EXPECT_TRUE(Reflectogram(stored(name + ".sor")).isValid());
+    EXPECT_FALSE(waits.last().first().toBool());
+}
+
+TEST_F(Keeping, OneFailedReportOfAGroupDoesNotKeepTheOthersFromBeingSaved)
+{
+    makeReport("case \"$4\" in *_1550nm.html) exit 3;; esac; echo > \"$4\"");
+    SorSketch other = SorSketch::plain();
+    other.gen.wavelength_nm = 1310;
+    other.fxd.actualWavelength = 13100;
+    refls.addReflFromFile(files.write("a.sor", SorSketch::plain()));
+    refls.addReflFromFile(files.write("b.sor", other));
+    refls.associate(refls.refls()[1], refls.refls()[0]);
+    EXPECT_NE(keeper.doSave("link"), 0);
+    EXPECT_TRUE(QFile::exists(stored("link_1550nm.sor")));
+    ASSERT_EQ(saved.size(), 1);
+    EXPECT_EQ(saved.first().first().toString(), stored("link_1310nm"));
+    EXPECT_EQ(notified.size(), 2);
+}
+
+TEST_F(Keeping, WithoutATraceNothingIsSaved)
+{
+    EXPECT_NE(keeper.doSave("link"), 0);
+    EXPECT_EQ(saved.size(), 0);
+    EXPECT_EQ(notified.last().first().toString(), "Failed to save reports!");
+    EXPECT_TRUE(QDir(stored("")).isEmpty());
+}
+
+TEST_F(Keeping, NameCannotLeaveTheStorageDirectory)
+{
+    refls.addReflFromFile(files.write("a.sor", SorSketch::plain()));
+    EXPECT_EQ(keeper.doSave("../../outside"), 0);
+    EXPECT_FALSE(QFile::exists(files.path("outside.sor")));
+    ASSERT_EQ(saved.size(), 1);
+    EXPECT_EQ(QFileInfo(saved.first().first().toString()).path(), files.path("home/otdr"));
+    EXPECT_TRUE(keeper.fileExists("../../outside"));
+    EXPECT_NE(keeper.doSave("..."), 0) << "nothing usable is left of it";
+}
+
+TEST_F(Keeping, FilesThatGoTogetherDifferInTheirExtension)
+{
+    EXPECT_EQ(Keeper::auxFileName("/a/b/north.2.sor", "html"), "/a/b/north.2.html");
+    EXPECT_EQ(Keeper::auxFileName("/a/b/north.sor", "png"), "/a/b/north.png");
+}
+
+TEST_F(Keeping, TemplateIsThatOfTheLanguageIfItIsThere)
+{
+    EXPECT_EQ(Keeper::reportTemplate("ru_RU"), "");
+    const QString plain = files.write("plain.html", Bytes(1));
+    ZuConfig("zuotdr", "report", "template").store(plain);
+    ZuConfig("zuotdr", "report", "ru_template").store(files.path("ru.html"));
+    EXPECT_EQ(Keeper::reportTemplate("ru_RU"), plain) << "that file does not exist";
+    const QString russian = files.write("ru.html", Bytes(1));
+    EXPECT_EQ(Keeper::reportTemplate("ru_RU"), russian);
+    EXPECT_EQ(Keeper::reportTemplate("de_DE"), plain);
+    EXPECT_EQ(Keeper::reportTemplate("C"), plain) << "it has no language";
+    EXPECT_EQ(Keeper::reportTemplate(""), plain);
+}
+
+TEST_F(Keeping, TemplateIsHandedToTheGenerator)
+{
+    makeReport("echo \"$5 $6\" > \"$4\"");
+    const QString own = files.write("own.html", Bytes(1));
+    ZuConfig("zuotdr", "report", "template").store(own);
+    refls.addReflFromFile(files.write("a.sor", SorSketch::plain()));
+    EXPECT_EQ(keeper.doSave("link"), 0);
+    QFile report(stored("link.html"));
+    ASSERT_TRUE(report.open(QIODevice::ReadOnly));
+    EXPECT_EQ(QString::fromUtf8(report.readAll()), "-t " + own + "\n");
+}
+
+TEST_F(Keeping, HangingReportKeepsTheScreenAliveAndIsGivenUpAfterAQuit)
+{
+    makeReport("echo > \"$4\"; exec sleep 60");
+    refls.addReflFromFile(files.write("a.sor", SorSketch::plain()));
+    int turns = 0;
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, [&] {
+        if (++turns == 20) {
+            keeper.quitWanted();
+        }
+    });
+    timer.start(10);
+    EXPECT_NE(keeper.doSave("link"), 0);
+    EXPECT_GT(turns, 20) << "it had no time left to finish";
+    EXPECT_TRUE(Reflectogram(stored("link.sor")).isValid()) << "the trace was lost";
+    EXPECT_EQ(notified.last().first().toString(), "Failed to save reports!");
+    EXPECT_FALSE(waits.last().first().toBool());
+}
+
+TEST_F(Keeping, QuitLeavesAReportTheTimeThatItNeeds)
+{
+    makeReport("sleep 1; echo > \"$4\"");
+    refls.addReflFromFile(files.write("a.sor", SorSketch::plain()));
+    QTimer::singleShot(0, &keeper, [this] { keeper.quitWanted(); });
+    EXPECT_EQ(keeper.doSave("link"), 0);
+    EXPECT_TRUE(QFile::exists(stored("link.html")));
+}
+
+TEST_F(Keeping, KeeperMayGoDuringASave)
+{
+    makeReport("exec sleep 60");
+    refls.addReflFromFile(files.write("a.sor", SorSketch::plain()));
+    auto* passing = new Keeper(&card, &refls);
+    QTimer::singleShot(50, passing, [passing] { delete passing; });
+    EXPECT_NE(passing->doSave("link"), 0);
+    EXPECT_TRUE(Reflectogram(stored("link.sor")).isValid());
 }
 
 TEST_F(Keeping, EventLoopTurnsDuringASave)
@@ -258,13 +391,16 @@ TEST_F(Keeping, SavingIsOffWithoutATraceAndDuringARun)
     refls.addReflFromFile(files.write("a.sor", SorSketch::plain()));
     EXPECT_TRUE(keeper.isSaveEnabled());
     const QSignalSpy titles(&keeper, SIGNAL(setTitle(QString)));
+    EXPECT_FALSE(keeper.isMeasuring());
     model.started(QString());
+    EXPECT_TRUE(keeper.isMeasuring());
     EXPECT_TRUE(keeper.measStartDate().isValid());
     EXPECT_FALSE(keeper.isSaveEnabled());
     EXPECT_FALSE(keeper.isLoadEnabled());
     ASSERT_EQ(titles.size(), 1);
     EXPECT_EQ(titles.first().first().toString(), "Waveform");
     model.stopped(QString());
+    EXPECT_FALSE(keeper.isMeasuring());
     EXPECT_TRUE(keeper.measStopDate().isValid());
     EXPECT_TRUE(keeper.isSaveEnabled());
     EXPECT_TRUE(keeper.isLoadEnabled());

@@ -1,96 +1,216 @@
 #include "storage/savethread.h"
+#include "tests/support/fakeprogram.h"
 #include "tests/support/tracefiles.h"
 #include "tests/support/warnings.h"
 
 #include <QDir>
-#include <QSignalSpy>
+#include <QImage>
+#include <QTest>
 
 #include <gmock/gmock.h>
 
 namespace {
 
+using testing_support::Bytes;
+using testing_support::FakePrograms;
 using testing_support::logged;
+using testing_support::messages;
 using testing_support::TraceFiles;
 using Waveform::SaveThread;
+
+/// Writes the report, and its picture beside it, as the real one does.
+constexpr const char* kReport = "echo report > \"$4\"; echo picture > \"${4%.html}.png\"";
 
 class Save : public testing::Test
 {
 protected:
-    Save() { thread.refl = files.plain(); }
+    Save()
+    {
+        programs.make("otdrreport", kReport);
+        thread.refl = files.plain();
+        thread.sor = files.path("out.sor");
+        thread.html = files.path("out.html");
+        QObject::connect(
+            &thread, &SaveThread::saved, &thread,
+            [this](const QString& sor, const QString& html, bool success) {
+                saved << QVariantList {sor, html, success};
+            },
+            Qt::DirectConnection);
+    }
 
     void run()
     {
         thread.start();
-        ASSERT_TRUE(thread.wait(10000));
+        ASSERT_TRUE(thread.wait(20'000));
     }
 
+    [[nodiscard]] QList<QVariantList> outcome(bool success) const
+    {
+        return {{thread.sor, thread.html, success}};
+    }
+
+    [[nodiscard]] QByteArray contents(const QString& name) const
+    {
+        QFile file(files.path(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+    /// The line of the log about the report generator; what it says behind its command line.
+    [[nodiscard]] QString reportLine(const QString& end) const
+    {
+        return "Report generator \"" + programs.path("otdrreport") + "\" with arguments \"-i, "
+            + thread.sor + ", -o, " + thread.html + "\" " + end;
+    }
+
+    const FakePrograms programs;
     TraceFiles files;
     SaveThread thread;
+    QList<QVariantList> saved;
 };
 
-TEST_F(Save, WritesTheTraceAndSaysSo)
+TEST_F(Save, WritesTheTraceAndItsReportAndSaysSo)
 {
-    QList<QVariantList> saved;
-    QObject::connect(
-        &thread, &SaveThread::saved, &thread,
-        [&](const QString& sor, bool success) {
-            saved << QVariantList {sor, success};
-        },
-        Qt::DirectConnection);
-    thread.sor = files.path("out.sor");
     run();
     EXPECT_EQ(thread.result, 0);
-    EXPECT_EQ(saved, QList<QVariantList>({{files.path("out.sor"), true}}));
-    EXPECT_TRUE(Reflectogram(files.path("out.sor")).isValid());
+    EXPECT_EQ(saved, outcome(true));
+    EXPECT_TRUE(Reflectogram(thread.sor).isValid());
+    EXPECT_EQ(contents("out.html"), "report\n");
+    EXPECT_EQ(contents("out.png"), "picture\n");
+    EXPECT_FALSE(logged("Report generator"));
+}
+
+TEST_F(Save, ArgumentsComeInTheirOrder)
+{
+    EXPECT_EQ(SaveThread::reportArguments("a.sor", "b.html", "c.html"),
+              QStringList({"-i", "a.sor", "-o", "b.html", "-t", "c.html"}));
+}
+
+TEST_F(Save, EmptyTemplateIsNotPassed)
+{
+    EXPECT_EQ(SaveThread::reportArguments("a.sor", "b.html", ""),
+              QStringList({"-i", "a.sor", "-o", "b.html"}));
+    programs.make("otdrreport", "echo \"$#\" > \"$4\"");
+    run();
+    EXPECT_EQ(contents("out.html"), "4\n");
+}
+
+TEST_F(Save, TemplateIsPassed)
+{
+    programs.make("otdrreport", "echo \"$5 $6\" > \"$4\"");
+    thread.templ = "/some/where/own template.html";
+    run();
+    EXPECT_EQ(contents("out.html"), "-t /some/where/own template.html\n");
 }
 
 TEST_F(Save, InvalidTraceIsNeverSavedAndSaysNothing)
 {
-    const QSignalSpy saved(&thread, SIGNAL(saved(QString, bool)));
     thread.refl = Reflectogram();
-    thread.sor = files.path("out.sor");
     run();
     EXPECT_NE(thread.result, 0);
-    EXPECT_EQ(saved.size(), 0);
+    EXPECT_TRUE(saved.isEmpty());
     EXPECT_FALSE(QFile::exists(thread.sor));
+    EXPECT_FALSE(QFile::exists(thread.html));
 }
 
-TEST_F(Save, FailureIsToldWithItsReasonInTheLog)
+TEST_F(Save, FailedTraceSkipsTheReportAndTheCopy)
 {
-    bool success = true;
-    QObject::connect(
-        &thread, &SaveThread::saved, &thread, [&](const QString&, bool ok) { success = ok; },
-        Qt::DirectConnection);
     thread.sor = files.path("no/such/directory/out.sor");
     thread.flashDir = files.path("flash");
     run();
     EXPECT_NE(thread.result, 0);
-    EXPECT_FALSE(success);
+    EXPECT_EQ(saved, outcome(false));
+    EXPECT_FALSE(QFile::exists(thread.html));
     EXPECT_TRUE(logged("can not save"));
-    EXPECT_FALSE(logged("can not copy")) << "there was nothing to copy";
     EXPECT_TRUE(logged(thread.sor));
+    EXPECT_FALSE(logged("can not copy")) << "there was nothing to copy";
 }
 
-TEST_F(Save, CopiesToTheFlashDriveAndReplacesWhatIsThere)
+TEST_F(Save, MissingGeneratorLeavesTheTraceWritten)
 {
-    const QString flash = files.path("flash");
-    QDir().mkpath(flash);
-    files.write("flash/out.sor", testing_support::Bytes(10));
-    thread.sor = files.path("out.sor");
-    thread.flashDir = flash;
+    QFile::remove(programs.path("otdrreport"));
+    run();
+    EXPECT_EQ(thread.result, -2);
+    EXPECT_EQ(saved, outcome(false));
+    EXPECT_TRUE(Reflectogram(thread.sor).isValid());
+    EXPECT_TRUE(logged(reportLine("can not be started"))) << qPrintable(messages());
+}
+
+TEST_F(Save, GeneratorThatFailsIsLoggedWithItsCode)
+{
+    programs.make("otdrreport", "exit 3");
+    thread.flashDir = files.path("flash");
+    QDir().mkpath(thread.flashDir);
+    run();
+    EXPECT_EQ(thread.result, 3);
+    EXPECT_EQ(saved, outcome(false));
+    EXPECT_TRUE(logged(reportLine("has return code 3"))) << qPrintable(messages());
+    EXPECT_TRUE(QDir(thread.flashDir).isEmpty()) << "half a result was copied";
+}
+
+TEST_F(Save, GeneratorThatCrashesIsLoggedAsSuch)
+{
+    programs.make("otdrreport", "kill -9 $$");
+    run();
+    EXPECT_EQ(thread.result, -1);
+    EXPECT_EQ(saved, outcome(false));
+    EXPECT_TRUE(logged(reportLine("crashed"))) << qPrintable(messages());
+}
+
+TEST_F(Save, GeneratorThatHangsEndsWhenAskedTo)
+{
+    programs.make("otdrreport", "echo > \"$4\"; exec sleep 60");
+    thread.start();
+    ASSERT_TRUE(QTest::qWaitFor([this] { return QFile::exists(thread.html); }, 10'000));
+    EXPECT_TRUE(thread.isRunning());
+    thread.requestInterruption();
+    ASSERT_TRUE(thread.wait(20'000));
+    EXPECT_EQ(saved, outcome(false));
+    EXPECT_TRUE(Reflectogram(thread.sor).isValid());
+}
+
+TEST_F(Save, RealGeneratorMakesPageAndPicture)
+{
+    qputenv("WAVEFORM_PROGRAMS", WAVEFORM_BIN); // the fake one restores it
     run();
     EXPECT_EQ(thread.result, 0);
-    EXPECT_TRUE(Reflectogram(flash + "/out.sor").isValid());
+    EXPECT_TRUE(contents("out.html").startsWith("<!DOCTYPE html>"));
+    EXPECT_FALSE(QImage(files.path("out.png")).isNull());
 }
 
-TEST_F(Save, FailedCopyIsLoggedAndTheTraceStaysSaved)
+TEST_F(Save, CopiesAllThreeToTheFlashDriveAndReplacesWhatIsThere)
 {
-    thread.sor = files.path("out.sor");
+    thread.flashDir = files.path("flash");
+    QDir().mkpath(thread.flashDir);
+    for (const char* name : {"flash/out.sor", "flash/out.html", "flash/out.png"}) {
+        files.write(name, Bytes(10));
+    }
+    run();
+    EXPECT_EQ(thread.result, 0);
+    EXPECT_TRUE(Reflectogram(thread.flashDir + "/out.sor").isValid());
+    EXPECT_EQ(contents("flash/out.html"), "report\n");
+    EXPECT_EQ(contents("flash/out.png"), "picture\n");
+    EXPECT_EQ(QDir(thread.flashDir).entryList(QDir::Files).size(), 3);
+}
+
+TEST_F(Save, PictureHasTheWholeNameOfItsReport)
+{
+    thread.sor = files.path("north.2.sor");
+    thread.html = files.path("north.2.html");
+    thread.flashDir = files.path("flash");
+    QDir().mkpath(thread.flashDir);
+    run();
+    EXPECT_EQ(contents("flash/north.2.png"), "picture\n");
+    EXPECT_FALSE(logged("can not copy"));
+}
+
+TEST_F(Save, FailedCopyIsLoggedAndAllStaysSaved)
+{
     thread.flashDir = files.path("pulled");
     run();
     EXPECT_EQ(thread.result, 0);
+    EXPECT_EQ(saved, outcome(true));
     EXPECT_TRUE(QFile::exists(thread.sor));
-    EXPECT_TRUE(logged("can not copy"));
+    EXPECT_EQ(messages().count("can not copy"), 3) << "one is no reason to leave the others";
 }
 
 } // namespace
