@@ -1,12 +1,14 @@
 // What the detection finds on simulated links whose truth is known, as a table.
 //
 //   detection_accuracy [TRACES]
+//   detection_accuracy ROW LINK
 //
-// TRACES links are drawn for each row (25 without it), always the same ones. What is told of events
-// is told of those that the row's noise lets be seen: steps of eight standard errors of the lines
-// beside them, and of no less than the smallest loss that is listed; peaks of six standard
-// deviations of a sample above the fibre; the end of the fibre where the fibre stands 3 dB above
-// the noise there. "alone" are events with nothing else within four dead zones.
+// TRACES links are drawn for each row (25 without it), always the same ones. With the name of a row
+// and the number of one of its links, what goes wrong there is told with all that was found. What
+// is told of events is told of those that the row's noise lets be seen: steps of eight standard
+// errors of the lines beside them, and of no less than the smallest loss that is listed; peaks of
+// six standard deviations of a sample above the fibre; the end of the fibre where the fibre stands
+// 3 dB above the noise there. "alone" are events with nothing else within four dead zones.
 
 #include "platform/otdr/core/constants.h"
 #include "platform/otdr/core/eventdetection.h"
@@ -219,20 +221,19 @@ public:
         countReturnLoss(figures);
     }
 
-    void dump() const
+    /// All that is on the link and all that was found.
+    void print() const
     {
-        for (const auto& e : truth)
-            std::printf("  true %.1f loss %.4f R %.1f%s%s level %.2f\n", indexOf(e),
-                        e.apparentLoss_dB, e.reflectance_dB, e.ghost ? " ghost" : "",
-                        e.end ? " end" : "", levelBefore(indexOf(e)));
-        for (const auto& e : found.events)
-            std::printf("  found %.1f loss %.4f+-%.4f R %.1f H %.3f T %.1f Tp %.1f behind %.1f%s\n",
-                        e.index, e.loss_dB, e.lossError_dB, e.reflectance_dB, e.height_dB,
-                        e.stepStatistic, e.peakStatistic, e.behindFrom, e.echo ? " echo" : "");
-        FILE* f = std::fopen("/tmp/link.csv", "w");
-        for (std::size_t i = 0; i < trace->size(); ++i)
-            std::fprintf(f, "%zu,%.3f\n", i, trace->level_dB(i));
-        std::fclose(f);
+        for (const TruthEvent& event : truth) {
+            std::printf("  true  %9.1f  loss %8.4f  R %7.1f  level %6.2f%s%s\n", indexOf(event),
+                        event.apparentLoss_dB, event.reflectance_dB, levelBefore(indexOf(event)),
+                        event.ghost ? "  echo" : "", event.end ? "  end" : "");
+        }
+        for (const DetectedEvent& event : found.events) {
+            std::printf("  found %9.1f  loss %8.4f +- %.4f  R %7.1f  T %.1f  Tp %.1f%s\n",
+                        event.index, event.loss_dB, event.lossError_dB, event.reflectance_dB,
+                        event.stepStatistic, event.peakStatistic, event.echo ? "  echo" : "");
+        }
     }
 
 private:
@@ -426,17 +427,15 @@ private:
         }
     }
 
-    /// Against the same sum over the trace without noise would need that trace: the true levels do.
+    /// Against the sum over the true levels, where no peak is beyond what the receiver shows.
     void countReturnLoss(Figures& figures) const
     {
         double sum = 0.0;
         const double end = endOf();
         const double unit = std::pow(10.0, kBackscatter_dB / 10.0) * interval_ns;
-        for (double i = 0.5; i < end; i += 1.0) {
-            sum += unit * std::pow(10.0, (levelBefore(i) - source.launchLevel_dB()) / 5.0);
-            i += std::floor(end / 4000.0);
-            sum += std::floor(end / 4000.0) * unit
-                * std::pow(10.0, (levelBefore(i) - source.launchLevel_dB()) / 5.0);
+        const double step = std::max(1.0, end / 4000.0);
+        for (double i = 0.5 * step; i < end; i += step) {
+            sum += step * unit * std::pow(10.0, (levelBefore(i) - source.launchLevel_dB()) / 5.0);
         }
         bool isWhole = true;
         for (const TruthEvent& event : truth) {
@@ -511,25 +510,30 @@ void printRow(const char* name, const Figures& figures, int traces)
 
 int main(int argc, char** argv)
 {
-    const int traces = argc > 1 ? std::max(1, std::atoi(argv[1])) : 25;
-    const bool prints = argc > 2;
-    std::printf("                   steps     peaks     ends     extra  echoes  peak    step    "
-                "loss mdB       refl.  ORL    sum\n"
-                "                   found/all                   /trace known   at, smp by CRB  "
-                "bias  by LSB  dB rms worst  mdB\n");
+    const std::string onlyRow = argc > 2 ? argv[1] : "";
+    const int onlyLink = argc > 2 ? std::atoi(argv[2]) : -1;
+    const int traces = argc == 2 ? std::max(1, std::atoi(argv[1])) : std::max(25, onlyLink);
+    std::printf(
+        "                   steps     peaks     ends     extra  echoes  peak    step    loss mdB   "
+        "   "
+        " refl.  ORL    sum\n                   found/all                   /trace known   at, "
+        "smp by CRB  bias  by LSB  dB rms worst  mdB\n");
     for (const Row& row : kRows) {
-        Figures figures;
-        for (int i = 0; i < traces; ++i) {
-            if (argc > 3 && (row.name != std::string(argv[2]) || i != std::atoi(argv[3])))
-                continue;
-            Link link(row, static_cast<std::uint64_t>(i + 1));
-            if (argc > 3)
-                link.dump();
-            if (prints)
-                std::printf(" seed %d\n", i);
-            link.count(figures, prints);
+        if (!onlyRow.empty() && onlyRow != row.name) {
+            continue;
         }
-        printRow(row.name, figures, traces);
+        Figures figures;
+        for (int i = 1; i <= traces; ++i) {
+            if (onlyLink >= 0 && i != onlyLink) {
+                continue;
+            }
+            Link link(row, static_cast<std::uint64_t>(i));
+            link.count(figures, onlyLink >= 0);
+            if (onlyLink >= 0) {
+                link.print();
+            }
+        }
+        printRow(row.name, figures, onlyLink >= 0 ? 1 : traces);
     }
     return 0;
 }

@@ -37,7 +37,7 @@ constexpr double kLeastSquares = 1e-12;
 constexpr double kHigh_dB = 1.5;
 constexpr double kBesideGaps = 2.0;
 constexpr double kMisfit = 2.0;
-constexpr double kMisfitPart = 0.1;
+constexpr double kMisfitPart = 0.2;
 
 /// However weak a reflection may be that is listed, it stands as high as this: fibre is not even.
 constexpr double kLeastPeak_dB = 0.02;

@@ -24,6 +24,9 @@ constexpr double kLeastSigma_dB = 0.0003;
 /// Scatter beyond which the logarithm of noisy light says nothing.
 constexpr double kMostSigma_dB = 5.0;
 
+/// By so much a block exceeds the next one by chance.
+constexpr double kTooMuch = 1.4;
+
 /// A normal distribution: its median of absolute values, and what lies below one sigma.
 constexpr double kMedianOfNormal = 0.6745;
 constexpr double kBelowOneSigma = 0.8413;
@@ -119,7 +122,7 @@ void NoiseProfile::levelOut(const Trace& trace)
         const std::size_t end = std::min(last, begin + 2 * blockSize);
         const std::size_t middle = begin + blockSize;
         const bool isNoise = sigmas[block + 1] > 2.0 * kLeastSigma_dB;
-        if (isNoise && sigmas[block] > sigmas[block + 1]
+        if (isNoise && sigmas[block] > kTooMuch * sigmas[block + 1]
             && meanLevel(trace, begin, middle) >= meanLevel(trace, middle, end)) {
             sigmas[block] = sigmas[block + 1];
         }

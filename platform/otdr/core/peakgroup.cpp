@@ -35,6 +35,14 @@ constexpr double kLeastFlank_dB = 4.5;
 constexpr double kLongestFlankPulses = 20.0;
 constexpr double kDbPerTimeConstant = 2.1715;
 
+/// The fibre before a reflection is taken from so many dead zones, and ends so many before it.
+constexpr double kFibreGaps = 6.0;
+constexpr double kClearGaps = 1.5;
+constexpr double kFewestFibre = 12.0;
+
+/// What stands this much above the fibre before a reflection is another one.
+constexpr double kNeighbour_dB = 0.5;
+
 /// How long a tail may be, pulses: 1.5 and 0.8 for each decibel of the peak.
 constexpr double kTailPulses = 1.5;
 constexpr double kTailPulsesPerDb = 0.8;
@@ -62,9 +70,11 @@ public:
         PeakGroup group;
         const double height = level(top) - fibre(top);
         const double edge = std::max({kEdge_dB, kEdgeSigmas * sigma, kEdgePart * height});
-        std::size_t first = top;
-        while (first > lowest() && level(first - 1) - fibre(first - 1) > edge) {
-            --first;
+        std::size_t first = firstAbove(top, edge);
+        // Another reflection just before belongs to the group.
+        for (std::size_t before = higherBefore(first, std::max(edge, kNeighbour_dB));
+             before < first; before = higherBefore(first, std::max(edge, kNeighbour_dB))) {
+            first = firstAbove(before, edge);
         }
         const double rough = static_cast<double>(first) - 0.5;
         const double longest = w * (kTailPulses + kTailPulsesPerDb * std::max(0.0, height));
@@ -97,8 +107,11 @@ private:
     void fitFibre(double at)
     {
         sigma = trace.noise().sigma_dB(at);
-        const double end = std::max(from + 2.0, at - 0.5 * w);
-        const auto fitted = trace.fit(std::max(from, end - 6.0 * trace.gap()), end);
+        // Clear of another reflection just before, where there is fibre enough.
+        const double clear = at - kClearGaps * trace.gap();
+        const bool isClear = clear - from > kFewestFibre;
+        const double end = isClear ? clear : std::max(from + 2.0, at - 0.5 * w);
+        const auto fitted = trace.fit(std::max(from, end - kFibreGaps * trace.gap()), end);
         if (fitted && fitted->line.samples >= 4) {
             line = fitted->line;
         } else {
@@ -115,6 +128,29 @@ private:
             top = level(i) > level(top) ? i : top;
         }
         return top;
+    }
+
+    /// The first of the samples that stand above the fibre without a gap up to `top`.
+    [[nodiscard]] std::size_t firstAbove(std::size_t top, double edge) const
+    {
+        std::size_t first = top;
+        while (first > lowest() && level(first - 1) - fibre(first - 1) > edge) {
+            --first;
+        }
+        return first;
+    }
+
+    /// The nearest sample above the fibre within a pulse before the first one; that itself where
+    /// there is none.
+    [[nodiscard]] std::size_t higherBefore(std::size_t first, double edge) const
+    {
+        const auto reach = static_cast<std::size_t>(w);
+        for (std::size_t i = first; i-- > lowest() && i + reach > first;) {
+            if (level(i) - fibre(i) > edge) {
+                return i;
+            }
+        }
+        return first;
     }
 
     /// The first index behind the top that lies this much below it.

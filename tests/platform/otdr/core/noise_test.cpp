@@ -1,0 +1,104 @@
+#include "platform/otdr/core/noise.h"
+#include "tests/support/tracebuilder.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <vector>
+
+namespace {
+
+using namespace testing_support;
+using otdr::NoiseProfile;
+
+NoiseProfile profileOf(const otdr::Trace& trace, double pulse = 10.0)
+{
+    return NoiseProfile(trace, pulse, 0, trace.size());
+}
+
+TEST(NoiseProfile, TellsTheScatterOfSamples)
+{
+    const auto trace = TraceBuilder().fibre(20_km).noise(0.02_dB, 3).build();
+    const NoiseProfile noise = profileOf(*trace);
+    for (double at = 500.0; at < 19000.0; at += 1000.0) {
+        EXPECT_NEAR(noise.sigma_dB(at), 0.02, 0.004) << at;
+    }
+}
+
+TEST(NoiseProfile, KnowsNeitherSlopesNorEvents)
+{
+    const auto trace = TraceBuilder()
+                           .fibre(20_km)
+                           .attenuation(1.0_dB)
+                           .splice(5_km, 0.5_dB)
+                           .connector(10_km, 0.3_dB, 8.0_dB)
+                           .noise(0.01_dB, 4)
+                           .build();
+    const NoiseProfile noise = profileOf(*trace);
+    for (double at = 500.0; at < 19000.0; at += 500.0) {
+        EXPECT_NEAR(noise.sigma_dB(at), 0.01, 0.003) << at;
+    }
+}
+
+TEST(NoiseProfile, WhiteNoiseIsNotCorrelated)
+{
+    const auto trace = TraceBuilder().fibre(40_km).noise(0.02_dB, 5).build();
+    EXPECT_NEAR(profileOf(*trace).correlation(), 1.0, 0.25);
+}
+
+/// Means of four neighbours: the variance of a long mean is four times that of independent samples.
+TEST(NoiseProfile, NeighboursThatAreAlikeCountLess)
+{
+    std::mt19937_64 random(6);
+    std::normal_distribution<double> normal(0.0, 40.0);
+    std::vector<double> fresh(40003);
+    for (double& value : fresh) {
+        value = normal(random);
+    }
+    std::vector<std::uint16_t> counts(40000);
+    for (std::size_t i = 0; i < counts.size(); ++i) {
+        const double mean = (fresh[i] + fresh[i + 1] + fresh[i + 2] + fresh[i + 3]) / 4.0;
+        counts[i] = static_cast<std::uint16_t>(20000.5 + mean);
+    }
+    const otdr::Trace trace(otdr::RawSamples(counts), 0.001, {});
+    const NoiseProfile noise = profileOf(trace, 20.0);
+    EXPECT_NEAR(noise.sigma_dB(20000.0), 0.02, 0.003);
+    EXPECT_NEAR(noise.correlation(), 4.0, 1.0);
+}
+
+/// On a logarithmic scale the level that 16 % exceed is that of one standard deviation.
+TEST(NoiseProfile, FloorIsTheLevelOfTheRmsNoise)
+{
+    std::mt19937_64 random(7);
+    std::normal_distribution<double> power(0.0, 1.0);
+    const auto fibre = TraceBuilder().fibre(5_km).noise(0.01_dB, 7).build();
+    std::vector<std::uint16_t> counts(fibre->samples().begin(), fibre->samples().end());
+    for (int i = 0; i < 8000; ++i) {
+        const double value = power(random);
+        const double level_dB = value > 0.0 ? 12.0 + 5.0 * std::log10(value) : 0.0;
+        counts.push_back(static_cast<std::uint16_t>(65535.0 - 1000.0 * std::max(0.0, level_dB)));
+    }
+    const otdr::Trace trace(otdr::RawSamples(counts), 0.001, fibre->axis());
+    EXPECT_NEAR(profileOf(trace).rms_dB(), 12.0, 0.3);
+}
+
+/// s = 2.17 x 10^((floor - level) / 5): the scatter of the last of the fibre tells the floor.
+TEST(NoiseProfile, FloorBelowTheRecordFollowsFromTheScatter)
+{
+    const auto trace =
+        TraceBuilder().fibre(20_km).attenuation(0.0_dB).launch(20_dB).noise(0.02_dB, 8).build();
+    EXPECT_NEAR(profileOf(*trace).rms_dB(), 20.0 + 5.0 * std::log10(0.02 / 2.1715), 1.0);
+}
+
+TEST(NoiseProfile, StandsEmptyAndTinyTraces)
+{
+    for (const std::size_t size : {0U, 1U, 2U, 17U, 300U}) {
+        const otdr::Trace trace(otdr::RawSamples(std::vector<std::uint16_t>(size, 30000)), 0.001,
+                                {});
+        const NoiseProfile noise(trace, 5.0, 0, size);
+        EXPECT_GT(noise.sigma_dB(0.0), 0.0) << size;
+        EXPECT_GE(noise.correlation(), 1.0) << size;
+    }
+}
+
+} // namespace
