@@ -354,7 +354,8 @@ private:
     {
         const TruthEvent& event = truth[k];
         const Sides sides = sidesOf(k);
-        if (indexOf(event) < 3.0 * gap || sides.left < 2.0 * gap || sides.right < 2.0 * gap) {
+        const double fewest = std::min(2.0 * gap, 4500.0 / metresOf(1.0));
+        if (indexOf(event) < 3.0 * gap || sides.left < fewest || sides.right < fewest) {
             return;
         }
         const double level = levelBefore(indexOf(event));

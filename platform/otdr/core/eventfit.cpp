@@ -188,7 +188,9 @@ StepFit fitStep(const FibreTrace& trace, const PulseShape& shape, double at, dou
     };
     const double foot =
         leastOf(cost, at - reach, at + reach, std::max(0.25, trace.scale().pulse / 6.0));
-    return {foot, cost(foot)};
+    const double squares = cost(foot);
+    const auto values = static_cast<double>(std::max<std::size_t>(1, stretch.at.size()));
+    return {foot, squares, std::sqrt(squares / values)};
 }
 
 double footOfFall(const FibreTrace& trace, double at, const Line& before)

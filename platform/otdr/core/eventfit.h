@@ -9,6 +9,7 @@ struct StepFit
 {
     double foot = 0.0; ///< index at which the change begins
     double squares = 0.0; ///< what the fit leaves, dB squared
+    double scatter_dB = 0.0; ///< of the samples about the fit
 };
 
 /// The place within `reach` samples of `at` at which the ramp of a pulse fits best between two

@@ -271,6 +271,7 @@ void EventSearch::findAll()
         addSteps();
         sites.dropUnlikely(settings.loss_dB, kScanPart * settings.significance);
         sites.refine(fibre.gap());
+        sites.mergePairs();
         sites.findReflections(leastHeight_dB(), settings.significance);
         addPeaks();
         sites.refine(0.5 * fibre.scale().pulse);

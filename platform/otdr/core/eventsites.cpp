@@ -29,6 +29,12 @@ constexpr double kFootMargin = 1.0;
 /// Lines on both sides stray; they average over more than a pulse or two.
 constexpr double kWanders = 1.0;
 
+/// Losses so close, in dead zones, may be one; a single ramp explains them where it leaves no more
+/// than noise, or this part of the change.
+constexpr double kPairGaps = 2.0;
+constexpr double kPairSigmas = 1.5;
+constexpr double kPairPart = 0.03;
+
 /// Reflections up to this height are placed by their whole shape, higher ones by their edge.
 constexpr double kLow_dB = 1.5;
 
@@ -167,6 +173,34 @@ void EventSites::dropUnlikely(double loss_dB, double significance)
             measure(k);
         }
     }
+}
+
+void EventSites::mergePairs()
+{
+    for (std::size_t k = 0; k + 1 < places.size(); ++k) {
+        const Site& first = places[k];
+        const Site& second = places[k + 1];
+        const double gap = fibreTrace->gap();
+        if (first.peak || second.peak || second.at - first.at > kPairGaps * gap || !first.left
+            || !second.right) {
+            continue;
+        }
+        const double middle = 0.5 * (first.at + second.at);
+        const StepFit fit = fitStep(*fibreTrace, fibreTrace->shape(), middle, kPairGaps * gap,
+                                    first.left->line, second.right->line);
+        const double change = std::abs(first.left->at(fit.foot) - second.right->at(fit.foot));
+        const double most =
+            std::max(kPairSigmas * fibreTrace->noise().sigma_dB(middle), kPairPart * change);
+        if (fit.scatter_dB < most && fit.foot > fibreFrom(k) + kOwnLevelSamples) {
+            Site one;
+            one.at = fit.foot;
+            one.behind = fit.foot + gap;
+            places[k] = one;
+            places.erase(places.begin() + static_cast<std::ptrdiff_t>(k) + 1);
+            measure(k);
+        }
+    }
+    measure();
 }
 
 void EventSites::refine(double reach)

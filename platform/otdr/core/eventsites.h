@@ -45,6 +45,10 @@ public:
     /// loss is below loss_dB or below `significance` standard errors, and that reflect nothing.
     void dropUnlikely(double loss_dB, double significance);
 
+    /// Takes two neighbouring losses for one where a single ramp explains both, and measures all
+    /// anew.
+    void mergePairs();
+
     /// Moves the places, by so many samples at most, to where the ramp of the pulse or the shape of
     /// a low reflection fits best, and measures all anew.
     void refine(double reach);
