@@ -63,6 +63,18 @@ double heightOf(const PeakGroup& peak)
     return *std::max_element(peak.heights_dB.begin(), peak.heights_dB.end());
 }
 
+/// Leaves out what rises less than this, but the highest.
+void dropLowFeet(PeakGroup& peak, double least_dB)
+{
+    const double least = std::min(least_dB, heightOf(peak));
+    for (std::size_t i = peak.feet.size(); i-- > 0;) {
+        if (!(peak.heights_dB[i] >= least)) {
+            peak.feet.erase(peak.feet.begin() + static_cast<std::ptrdiff_t>(i));
+            peak.heights_dB.erase(peak.heights_dB.begin() + static_cast<std::ptrdiff_t>(i));
+        }
+    }
+}
+
 } // namespace
 
 EventSearch::EventSearch(const Trace& trace, const Measurement& measurement,
@@ -192,6 +204,7 @@ std::vector<Site> EventSearch::peaks(double begin, double end) const
         }
         Site site;
         site.peak = measurePeak(fibre, one.at, from, to);
+        dropLowFeet(*site.peak, leastHeight_dB());
         site.at = site.peak->feet.front();
         site.behind = site.peak->behind;
         site.peakStatistic = one.statistic;

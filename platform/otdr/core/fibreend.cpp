@@ -15,6 +15,9 @@ namespace {
 /// The launch may disturb the receiver for this long, pulses.
 constexpr double kLongestLaunchPulses = 30.0;
 
+/// A fibre that ended in the launch would leave no light for so many pulses.
+constexpr double kLitPulses = 150.0;
+
 /// Light that stands less than this above the RMS noise is taken for noise.
 constexpr double kVisible_dB = 0.0;
 constexpr double kFibreAboveNoise_dB = 4.0;
@@ -82,7 +85,7 @@ public:
             for (; at < extent.lastOfNoise + w && falls(at); at += step) { }
             const double fibreFrom = std::max(extent.first, from - 20.0 * w);
             if (trace.mean_dB(at, at + w) > trace.mean_dB(from - w, from) + threshold_dB
-                || fibreFollows(fibreFrom, from, at)) {
+                || isLaunch(at, extent) || fibreFollows(fibreFrom, from, at)) {
                 continue;
             }
             extent.end = foot(from, at, fibreFrom);
@@ -119,6 +122,13 @@ private:
         const double from = launch + trace.gap();
         return trace.settledFrom(fallen < last ? std::max(from, fallen) : from,
                                  kLongestLaunchPulses * w, kLaunchTail_dB);
+    }
+
+    /// Whether a fall belongs to the launch: near to it, with light for long behind.
+    [[nodiscard]] bool isLaunch(double at, const FibreExtent& extent) const
+    {
+        return at < extent.launch + kLongestLaunchPulses * w
+            && extent.lastOfNoise > at + kLitPulses * w;
     }
 
     [[nodiscard]] bool rises(double at) const
@@ -198,10 +208,11 @@ private:
     [[nodiscard]] bool isSteeper(const SideLine& line, const std::optional<SideLine>& before) const
     {
         const double kilometre = trace.scale().kilometre;
-        if (trace.isSteep(line) || !before || kilometre <= 0.0) {
+        if (trace.isSteep(line) || kilometre <= 0.0) {
             return trace.isSteep(line);
         }
-        const double usual = std::abs(before->line.slope_dB) + 3.0 * before->slopeError_dB;
+        const double usual =
+            before ? std::max(0.0, -before->line.slope_dB) + 3.0 * before->slopeError_dB : 0.0;
         const double most = std::max(kSlope_dBPerKm / kilometre, kSteeper * usual);
         return -line.line.slope_dB > most + 3.0 * line.slopeError_dB;
     }

@@ -160,8 +160,13 @@ double FibreTrace::settledFrom(double from, double longest, double tolerance_dB)
 
 bool FibreTrace::isTail(double from, double to, double tolerance_dB) const
 {
+    const double middle = 0.5 * (from + to);
+    const bool isLong = to - from > limits.pulse;
+    if (isLong && !(mean_dB(from, middle) > mean_dB(middle, to))) {
+        return false; // what lifts its mean is not the tail but what comes behind
+    }
     const double mean = mean_dB(from, to);
-    const double centre = 0.5 * (from + to - 1.0);
+    const double centre = middle - 0.5;
     const double own = scatter.sigma_dB(centre) * std::sqrt(scatter.correlation() / (to - from));
     for (const double lengths : kBehindLengths) {
         const std::optional<SideLine> behind =

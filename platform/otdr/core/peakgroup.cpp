@@ -40,6 +40,9 @@ constexpr double kFibreGaps = 6.0;
 constexpr double kClearGaps = 1.5;
 constexpr double kFewestFibre = 12.0;
 
+/// The last of a tail is hidden in the noise: so many pulses for each decibel of the peak.
+constexpr double kHiddenTailPulsesPerDb = 0.1;
+
 /// What stands this much above the fibre before a reflection is another one.
 constexpr double kNeighbour_dB = 0.5;
 
@@ -78,9 +81,10 @@ public:
         }
         const double rough = static_cast<double>(first) - 0.5;
         const double longest = w * (kTailPulses + kTailPulsesPerDb * std::max(0.0, height));
+        const double hidden = kHiddenTailPulsesPerDb * std::max(0.0, height) * w;
         const double fallen = fallenFrom(top, std::min(1.0, 0.5 * height));
-        group.behind =
-            std::min(trace.settledFrom(std::max(rough, fallen - w) + trace.gap(), longest), to);
+        group.behind = std::min(
+            trace.settledFrom(std::max(rough, fallen - w) + trace.gap() + hidden, longest), to);
         addRises(rough, group);
         for (std::size_t i = 0; i < group.feet.size(); ++i) {
             const double next = i + 1 < group.feet.size() ? group.feet[i + 1] : group.behind;
