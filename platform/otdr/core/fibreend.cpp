@@ -33,8 +33,10 @@ constexpr double kLaunchTail_dB = 0.01;
 /// A receiver that was overloaded comes down within so many pulses.
 constexpr double kLongestPeakPulses = 12.0;
 
-/// Fibres of one link fall alike: steeper than so many dB/km, and by this factor, is a tail.
-constexpr double kSlope_dBPerKm = 1.0;
+/// Fibres of one link fall alike: steeper than so many dB/km, and by this factor, is a tail. A line
+/// tells the slope of the fibre before if that is its error.
+constexpr double kSlope_dBPerKm = 0.7;
+constexpr double kTellingError_dBPerKm = 0.2;
 constexpr double kSteeper = 3.0;
 
 /// Behind a peak, a stretch that falls by less than this is fibre with the last of a tail.
@@ -211,8 +213,9 @@ private:
         if (trace.isSteep(line) || kilometre <= 0.0) {
             return trace.isSteep(line);
         }
+        const bool tells = before && before->slopeError_dB * kilometre < kTellingError_dBPerKm;
         const double usual =
-            before ? std::max(0.0, -before->line.slope_dB) + 3.0 * before->slopeError_dB : 0.0;
+            tells ? std::max(0.0, -before->line.slope_dB) + 3.0 * before->slopeError_dB : 0.0;
         const double most = std::max(kSlope_dBPerKm / kilometre, kSteeper * usual);
         return -line.line.slope_dB > most + 3.0 * line.slopeError_dB;
     }

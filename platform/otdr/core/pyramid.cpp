@@ -24,6 +24,8 @@ constexpr std::size_t kFewestSamples = 4 * kGroup;
 /// often cut where it matters.
 constexpr std::size_t kMostGroups = 128;
 
+constexpr std::size_t kAhead = 8;
+
 } // namespace
 
 Pyramid::Pyramid(RawSamples shared)
@@ -92,7 +94,12 @@ std::optional<Sample> Pyramid::highest(std::size_t first, std::size_t last) cons
 void Pyramid::appendHighest(gsl::span<const std::size_t> borders, std::vector<Sample>& out) const
 {
     std::size_t first = borders.empty() ? 0 : borders.front();
-    for (const std::size_t last : borders) {
+    for (std::size_t k = 0; k < borders.size(); ++k) {
+        const std::size_t last = borders[k];
+        if (k + kAhead < borders.size()) {
+            __builtin_prefetch(samples.data() + borders[k + kAhead]);
+            __builtin_prefetch(samples.data() + borders[k + kAhead] + 32);
+        }
         if (first < last) {
             out.push_back(best(high, {first, last}));
         }
