@@ -39,7 +39,7 @@ double leastOf(Function&& cost, double from, double to, double step)
     double d = a + kGolden * (b - a);
     double atC = cost(c);
     double atD = cost(d);
-    for (int i = 0; i < 14; ++i) {
+    for (int i = 0; i < 10; ++i) {
         if (atC < atD) {
             b = d;
             d = c;
@@ -162,7 +162,7 @@ PeakFit fitPeak(const FibreTrace& trace, double at, const Line& before, const Li
         height = norm > 0.0 ? std::max(0.0, fit / norm) : 0.0;
         return all - height * fit;
     };
-    const double foot = leastOf(cost, at - w, at + w, std::max(0.25, w / 12.0));
+    const double foot = leastOf(cost, at - w, at + w, std::max(0.25, w / 6.0));
     const double squares = cost(foot);
     const double samples = shown * stretch.step();
     const auto values = static_cast<double>(std::max<std::size_t>(1, stretch.at.size()));

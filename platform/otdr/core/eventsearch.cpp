@@ -120,6 +120,8 @@ void EventSearch::beginWith(double timeConstant)
     fibre.setTimeConstant(timeConstant);
     ends = findFibre(fibre, settings.end_dB);
     sites = EventSites(fibre, ends.first, ends.end);
+    scannedForPeaks.clear();
+    scannedForSteps.clear();
 }
 
 /// Whether there are receivers of such a time constant, samples.
@@ -238,12 +240,31 @@ bool EventSearch::isLowPeak(Site& site, double from, double to) const
     return true;
 }
 
+/// The stretches between the places found so far that have not been scanned, but for a dead zone at
+/// their ends; they are taken for scanned now.
+std::vector<EventSearch::Stretch> EventSearch::notYetIn(std::vector<Stretch>& scanned) const
+{
+    std::vector<Stretch> open;
+    for (std::size_t k = 0; k <= sites.sites().size(); ++k) {
+        const Stretch stretch {sites.fibreFrom(k), sites.fibreTo(k)};
+        const bool isDone = std::any_of(scanned.begin(), scanned.end(), [&](const Stretch& other) {
+            return std::abs(other.from - stretch.from) < fibre.gap()
+                && std::abs(other.to - stretch.to) < fibre.gap();
+        });
+        if (!isDone) {
+            open.push_back(stretch);
+        }
+    }
+    scanned.insert(scanned.end(), open.begin(), open.end());
+    return open;
+}
+
 /// Reflections between the places found so far.
 void EventSearch::addPeaks()
 {
     std::vector<Site> found;
-    for (std::size_t k = 0; k <= sites.sites().size(); ++k) {
-        const std::vector<Site> some = peaks(sites.fibreFrom(k), sites.fibreTo(k));
+    for (const Stretch& stretch : notYetIn(scannedForPeaks)) {
+        const std::vector<Site> some = peaks(stretch.from, stretch.to);
         found.insert(found.end(), some.begin(), some.end());
     }
     sites.add(found);
@@ -263,9 +284,9 @@ double EventSearch::leastHeight_dB() const
 void EventSearch::addSteps()
 {
     std::vector<Site> found;
-    for (std::size_t k = 0; k <= sites.sites().size(); ++k) {
-        for (const Candidate& one : scanSteps(fibre, sites.fibreFrom(k), sites.fibreTo(k),
-                                              kScanPart * settings.significance)) {
+    for (const Stretch& stretch : notYetIn(scannedForSteps)) {
+        for (const Candidate& one :
+             scanSteps(fibre, stretch.from, stretch.to, kScanPart * settings.significance)) {
             Site site;
             site.at = one.at;
             site.behind = one.at + fibre.gap();

@@ -41,11 +41,22 @@ private:
     void addSteps();
     void findAll();
 
+    /// A stretch of fibre between two places.
+    struct Stretch
+    {
+        double from;
+        double to;
+    };
+
+    [[nodiscard]] std::vector<Stretch> notYetIn(std::vector<Stretch>& scanned) const;
+
     Measurement measurement;
     DetectionSettings settings;
     FibreTrace fibre;
     FibreExtent ends;
     EventSites sites;
+    std::vector<Stretch> scannedForPeaks;
+    std::vector<Stretch> scannedForSteps;
 };
 
 } // namespace otdr

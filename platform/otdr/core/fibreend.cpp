@@ -78,7 +78,8 @@ public:
         extent.end = extent.lastOfNoise;
         const double step = std::max(1.0, std::floor(w / 2.0));
         for (double at = extent.first + w; at < extent.lastOfNoise + w; at += step) {
-            if (!falls(at) && !rises(at)) {
+            const double change = changeAt(at);
+            if (!(std::abs(change) > threshold_dB) || !isLit(at)) {
                 continue;
             }
             // What falls or rises here does so not before the windows that it was seen with.
@@ -133,13 +134,6 @@ private:
             && extent.lastOfNoise > at + kLitPulses * w;
     }
 
-    [[nodiscard]] bool rises(double at) const
-    {
-        return trace.mean_dB(at + kFallPulses * w, at + (kFallPulses + 1.0) * w)
-            - trace.mean_dB(at - w, at)
-            > threshold_dB;
-    }
-
     /// Behind the top of a peak that rises near an index, where light has come down again; the
     /// index itself where nothing rises.
     [[nodiscard]] double behindPeak(double at) const
@@ -155,9 +149,9 @@ private:
     /// The last stretch whose median stands above the noise, of those that follow each other.
     [[nodiscard]] double lastVisible(double from) const
     {
-        const double length = std::max(32.0, std::ceil(w));
+        const double length = std::max({32.0, std::ceil(w), std::floor(trace.size() / 8192.0)});
         const double least = trace.noise().rms_dB() + kVisible_dB;
-        const std::size_t stride = std::max<std::size_t>(1, static_cast<std::size_t>(length / 64));
+        const std::size_t stride = std::max<std::size_t>(1, static_cast<std::size_t>(length / 32));
         std::vector<double> levels;
         double last = from;
         int missing = 0;
@@ -175,12 +169,25 @@ private:
         return last + 2.0 * length > trace.size() ? trace.size() - 1.0 : last;
     }
 
-    /// Whether the level falls by the threshold across the two pulses behind an index.
+    /// By how much the level falls across the two pulses behind an index, dB.
+    [[nodiscard]] double changeAt(double at) const
+    {
+        return trace.mean_dB(at - w, at)
+            - trace.mean_dB(at + kFallPulses * w, at + (kFallPulses + 1.0) * w);
+    }
+
+    /// Whether there is more than noise before an index, or behind it.
+    [[nodiscard]] bool isLit(double at) const
+    {
+        const double least = trace.noise().rms_dB() + 1.0;
+        return trace.mean_dB(at - w, at) > least
+            || trace.mean_dB(at + kFallPulses * w, at + (kFallPulses + 1.0) * w) > least;
+    }
+
     [[nodiscard]] bool falls(double at) const
     {
-        const double before = trace.mean_dB(at - w, at);
-        const double behind = trace.mean_dB(at + kFallPulses * w, at + (kFallPulses + 1.0) * w);
-        return before - behind > threshold_dB && before > trace.noise().rms_dB() + 1.0;
+        return changeAt(at) > threshold_dB
+            && trace.mean_dB(at - w, at) > trace.noise().rms_dB() + 1.0;
     }
 
     /// Whether what lies behind a fall is fibre again.

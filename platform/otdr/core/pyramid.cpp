@@ -97,8 +97,9 @@ void Pyramid::appendHighest(gsl::span<const std::size_t> borders, std::vector<Sa
     for (std::size_t k = 0; k < borders.size(); ++k) {
         const std::size_t last = borders[k];
         if (k + kAhead < borders.size()) {
-            __builtin_prefetch(samples.data() + borders[k + kAhead]);
-            __builtin_prefetch(samples.data() + borders[k + kAhead] + 32);
+            const std::uint16_t* at = samples.data() + (borders[k + kAhead] & ~std::size_t{63});
+            __builtin_prefetch(at);
+            __builtin_prefetch(at + 32);
         }
         if (first < last) {
             out.push_back(best(high, {first, last}));
@@ -180,7 +181,12 @@ Sample Pyramid::bestOfPart(const Tree& tree, std::size_t level, std::size_t grou
     if (range.first <= index && index < range.last) {
         return {index, tree.levels[0][group]};
     }
-    return bestOfSamples(tree, range);
+    const std::size_t start = group * kGroup;
+    if (start + kGroup > samples.size()) {
+        return bestOfSamples(tree, range);
+    }
+    const scan::Place found = scan::bestOfEnd(samples.data() + start, range.first - start, range.last - start, tree.flip);
+    return {start + found.position, found.count};
 }
 
 Sample Pyramid::bestOfSamples(const Tree& tree, SampleRange range) const
