@@ -1,11 +1,13 @@
 #include "app/demo.h"
 
+#include "app/eventstext.h"
 #include "app/frame.h"
 #include "app/picture.h"
 #include "platform/launcher/abstractkeeper.h"
 #include "platform/launcher/measmodel.h"
 #include "platform/launcher/measwindow.h"
 #include "platform/launcher/nameprompt.h"
+#include "platform/otdr/reflectogram.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -77,14 +79,20 @@ QString Demo::saveTrace()
     if (saved.isEmpty()) {
         return "the trace was not saved";
     }
+    QStringList tables;
     for (const QString& file : qAsConst(saved)) {
-        const QString target = dir + "/" + QFileInfo(file).fileName();
-        QFile::remove(target);
-        if (!QFile::copy(file, target)) {
-            return QString("cannot write %1").arg(target);
+        for (const char* extension : {".sor", ".html", ".png"}) {
+            const QString name = QFileInfo(file).completeBaseName() + extension;
+            const QString target = dir + "/" + name;
+            QFile::remove(target);
+            if (!QFile::copy(QFileInfo(file).path() + "/" + name, target)) {
+                return QString("cannot write %1").arg(target);
+            }
+            QTextStream(stdout) << target << "\n";
         }
-        QTextStream(stdout) << target << "\n";
+        tables << eventsText(Reflectogram(file));
     }
+    QTextStream(stdout) << "\n" << tables.join("\n");
     return {};
 }
 

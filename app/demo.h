@@ -5,13 +5,14 @@
 #include <QObject>
 #include <QString>
 
-/// One whole measurement with nobody at the screen: start, trace, save, picture.
+/// One whole measurement with nobody at the screen: start, trace, save, report, picture.
 class Demo : public QObject
 {
     Q_OBJECT
 
 public:
-    /// \param dir gets demo.sor and window.png; made where it is missing
+    /// \param dir gets demo.sor, its report demo.html and demo.png, and window.png; made where it
+    /// is missing
     Demo(Host& host, const QString& dir);
 
     /// Starts; the application's event loop ends with the exit code when all is done.

@@ -98,4 +98,7 @@ void Frame::closeEvent(QCloseEvent* event)
 {
     closeWhenIdle = keeper != nullptr && keeper->isBusy();
     event->setAccepted(!closeWhenIdle);
+    if (closeWhenIdle) {
+        keeper->quitWanted();
+    }
 }

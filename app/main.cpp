@@ -2,9 +2,12 @@
 #include "app/environment.h"
 #include "app/frame.h"
 #include "app/host.h"
+#include "app/noticeprinter.h"
 #include "app/options.h"
 #include "app/picture.h"
+#include "app/shownpanels.h"
 #include "platform/launcher/palettefactory.h"
+#include "platform/launcher/pluginwindow.h"
 #include "platform/launcher/zuconfig.h"
 
 #include <QApplication>
@@ -57,7 +60,9 @@ void printWarnings(QtMsgType type, const QMessageLogContext& context, const QStr
 int takeScreenshot(Host& host, const Options& options)
 {
     showFrame(host, options);
+    const NoticePrinter notices(host.keeper());
     const QStringList problems = host.open(options.files);
+    showPanels(*host.window(), options.panels);
     if (!problems.isEmpty()) {
         return fail(problems.join("\nwaveform: "));
     }
@@ -70,6 +75,7 @@ int showWindow(Host& host, const Options& options)
 {
     showFrame(host, options);
     const QStringList problems = host.open(options.files);
+    showPanels(*host.window(), options.panels);
     if (!problems.isEmpty()) {
         fail(problems.join("\nwaveform: "));
         host.frame()->tell(problems.join("\n"));
@@ -80,6 +86,7 @@ int showWindow(Host& host, const Options& options)
 int runDemo(Host& host, const Options& options)
 {
     showFrame(host, options);
+    showPanels(*host.window(), options.panels);
     Demo demo(host, QFileInfo(options.demoDir).absoluteFilePath());
     demo.start();
     return QApplication::exec();

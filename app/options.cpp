@@ -1,5 +1,7 @@
 #include "app/options.h"
 
+#include "app/shownpanels.h"
+
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -56,6 +58,10 @@ void addOptions(QCommandLineParser& parser)
     parser.addOption(
         {"screenshot", "Open the files, save a picture of the window and leave.", "PNG"});
     parser.addOption({"size", "Size of that picture, such as 800x480.", "WxH"});
+    parser.addOption(
+        {"show",
+         "Panels to show in that picture, with commas between: " + panelNames().join(", ") + ".",
+         "PANELS"});
     parser.addOption({"fibre", "Fibre of the simulated card.", "FILE"});
     parser.addOption({"replay", "Trace file that the simulated card measures instead.", "FILE"});
     parser.addOption({"wavelength", "Wavelength in nm, or all.", "NM"});
@@ -71,6 +77,50 @@ std::optional<QSize> sizeOf(const QString& text)
     const bool good = sides.size() == 2 && size.width() >= 100 && size.height() >= 100
         && size.width() <= 16384 && size.height() <= 16384;
     return good ? std::optional(size) : std::nullopt;
+}
+
+/// What a run with nobody at the screen is to make, and what cannot go together.
+std::optional<OptionsText> readModes(const QCommandLineParser& parser, Options& options)
+{
+    options.files = parser.positionalArguments();
+    options.demoDir = parser.value("demo");
+    options.screenshot = parser.value("screenshot");
+    if (parser.isSet("demo") && options.demoDir.isEmpty()) {
+        return wrong("--demo wants a directory");
+    }
+    if (parser.isSet("screenshot") && options.screenshot.isEmpty()) {
+        return wrong("--screenshot wants a file to write");
+    }
+    if (!options.demoDir.isEmpty() && !options.screenshot.isEmpty()) {
+        return wrong("--demo and --screenshot exclude each other");
+    }
+    if (!options.demoDir.isEmpty() && !options.files.isEmpty()) {
+        return wrong("--demo measures and opens no files");
+    }
+    if (!options.screenshot.isEmpty() && options.files.isEmpty()) {
+        return wrong("--screenshot wants trace files to show");
+    }
+    return std::nullopt;
+}
+
+std::optional<OptionsText> readPicture(const QCommandLineParser& parser, Options& options)
+{
+    if (parser.isSet("size")) {
+        const auto size = sizeOf(parser.value("size"));
+        if (!size) {
+            return wrong(QString("--size cannot be \"%1\"").arg(parser.value("size")));
+        }
+        options.size = *size;
+    }
+    if (parser.isSet("show")) {
+        options.panels = parser.value("show").split(',');
+        for (const QString& panel : qAsConst(options.panels)) {
+            if (!panelNames().contains(panel)) {
+                return wrong(QString("--show knows no panel \"%1\"").arg(panel));
+            }
+        }
+    }
+    return std::nullopt;
 }
 
 std::optional<OptionsText> readNumbers(const QCommandLineParser& parser, Options& options)
@@ -133,33 +183,10 @@ std::variant<Options, OptionsText> parseOptions(const QStringList& arguments)
                             0};
     }
     Options options;
-    options.files = parser.positionalArguments();
-    options.demoDir = parser.value("demo");
-    options.screenshot = parser.value("screenshot");
-    if (parser.isSet("demo") && options.demoDir.isEmpty()) {
-        return wrong("--demo wants a directory");
-    }
-    if (parser.isSet("screenshot") && options.screenshot.isEmpty()) {
-        return wrong("--screenshot wants a file to write");
-    }
-    if (!options.demoDir.isEmpty() && !options.screenshot.isEmpty()) {
-        return wrong("--demo and --screenshot exclude each other");
-    }
-    if (!options.screenshot.isEmpty() && options.files.isEmpty()) {
-        return wrong("--screenshot wants trace files to show");
-    }
-    if (parser.isSet("size")) {
-        const auto size = sizeOf(parser.value("size"));
-        if (!size) {
-            return wrong(QString("--size cannot be \"%1\"").arg(parser.value("size")));
+    for (const auto& read : {readModes, readPicture, readNumbers, readTexts}) {
+        if (const auto error = read(parser, options)) {
+            return *error;
         }
-        options.size = *size;
-    }
-    if (const auto error = readNumbers(parser, options)) {
-        return *error;
-    }
-    if (const auto error = readTexts(parser, options)) {
-        return *error;
     }
     const bool realtime = parser.isSet("duration") && parser.value("duration").toDouble() == 0.0;
     if (!options.demoDir.isEmpty() && realtime) {

@@ -23,6 +23,7 @@ struct Options
     QString demoDir; ///< where an unattended measurement leaves its results; empty for none
     QString screenshot; ///< file for a picture of the window with the files; empty for none
     QSize size = QSize(1280, 800); ///< of that picture
+    QStringList panels; ///< to show in it
     std::vector<Override> overrides;
 };
 

@@ -172,22 +172,32 @@ void EventMarkersView::placeMarkers()
 
 void EventMarkersView::placeMarkers(bool replot)
 {
-    clearMarkers();
-    if (curve != nullptr && plot != nullptr && curve->reflectogram().isValid()
-        && curve->dataSize() > 0) {
-        const Reflectogram& refl = curve->reflectogram();
-        const EventList events = refl.getEventList();
-        for (const Event& event : events) {
-            markers << (event.type == Event::Fiber
-                            ? nullptr
-                            : newMarker(OTDR::smpl2meters(event.position, refl.dataSpacing(),
-                                                          refl.IOR(), refl.helix())));
-        }
-        setActiveMarker(activeIndex);
-    }
+    place(curve != nullptr ? curve->reflectogram().getEventList() : EventList());
     if (replot && plot != nullptr) {
         plot->replot();
     }
+}
+
+void EventMarkersView::setMarkers(EventList events)
+{
+    place(events);
+}
+
+void EventMarkersView::place(const EventList& events)
+{
+    clearMarkers();
+    if (curve == nullptr || plot == nullptr || !curve->reflectogram().isValid()
+        || curve->dataSize() == 0) {
+        return;
+    }
+    const Reflectogram& refl = curve->reflectogram();
+    for (const Event& event : events) {
+        markers << (event.type == Event::Fiber
+                        ? nullptr
+                        : newMarker(OTDR::smpl2meters(event.position, refl.dataSpacing(),
+                                                      refl.IOR(), refl.helix())));
+    }
+    setActiveMarker(activeIndex);
 }
 
 QwtPlotMarker* EventMarkersView::newMarker(double distance_m) const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/otdr/event.h"
 #include "plot/plot.h"
 #include "plot/reflcurve.h"
 
@@ -44,11 +45,16 @@ public slots:
     void setActiveFiber(int from, int to);
     void placeMarkers();
     void placeMarkers(bool replot);
+
+    /// Ticks at these events, which the trace is about to get, until those of the trace are placed
+    /// anew.
+    void setMarkers(EventList events);
     void setVisible(bool visible);
     void clear();
     void clearMarkers();
 
 private:
+    void place(const EventList& events);
     [[nodiscard]] QwtPlotMarker* newMarker(double distance_m) const;
 
     QPointer<Waveform::Plot> plot;

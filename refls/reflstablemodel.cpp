@@ -277,13 +277,18 @@ QString ReflsTableModel::orlText(const Reflectogram& refl) const
         return twoDecimals(sor->keyEvents()->orl);
     }
     if (refl.isValid()) {
-        Reflectogram copy = refl;
-        auto* watcher = new QFutureWatcher<void>; // deletes itself when the computation ends
-        connect(watcher, SIGNAL(finished()), this, SLOT(reset()));
-        connect(watcher, SIGNAL(finished()), watcher, SLOT(deleteLater()));
-        watcher->setFuture(QtConcurrent::run([copy]() mutable { copy.fillOrl(); }));
+        computeFigures(refl);
     }
     return "-";
+}
+
+void ReflsTableModel::computeFigures(const Reflectogram& refl) const
+{
+    Reflectogram copy = refl;
+    auto* watcher = new QFutureWatcher<void>; // deletes itself when the computation ends
+    connect(watcher, SIGNAL(finished()), this, SLOT(reset()));
+    connect(watcher, SIGNAL(finished()), watcher, SLOT(deleteLater()));
+    watcher->setFuture(QtConcurrent::run([copy]() mutable { copy.fillOrl(); }));
 }
 
 } // namespace Waveform

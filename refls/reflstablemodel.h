@@ -50,6 +50,10 @@ public:
     void addRefl(Reflectogram refl);
     void deleteRefl(const Reflectogram& refl);
 
+    /// Computes end-to-end loss and return loss of a trace in the background; the table shows them
+    /// when that is done.
+    void computeFigures(const Reflectogram& refl) const;
+
     [[nodiscard]] int rowCount(const QModelIndex& parent = QModelIndex()) const override;
     [[nodiscard]] int columnCount(const QModelIndex& parent = QModelIndex()) const override;
     [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation,

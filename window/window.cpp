@@ -2,27 +2,32 @@
 
 #include "acquisition/model.h"
 #include "events/eventmarkersview.h"
+#include "events/eventstablemodel.h"
 #include "platform/launcher/controlbottompanel.h"
 #include "platform/launcher/waitwnd.h"
 #include "platform/launcher/warningwindow.h"
 #include "platform/launcher/zuconfigmodel.h"
-#include "platform/otdr/decimize.h"
 #include "plot/plot.h"
-#include "plot/qmpanner.h"
 #include "plot/qmplotzoomer.h"
-#include "plot/reflcurve.h"
 #include "refls/reflstablemodel.h"
+#include "refls/reflstableview.h"
+#include "twomarkers/twomarkersview.h"
+#include "window/canvascontrols.h"
 #include "window/countdown.h"
-#include "window/ui_canvas.h"
+#include "window/curveset.h"
+#include "window/maintrace.h"
+#include "window/markermeasuring.h"
+#include "window/measview.h"
+#include "window/panels.h"
+#include "window/realtimerule.h"
+#include "window/runtraces.h"
+#include "window/settingspanel.h"
 
 #include <QApplication>
 #include <QGridLayout>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QtConcurrent>
-
-#include <algorithm>
-#include <cmath>
+#include <QResizeEvent>
 
 namespace Waveform {
 
@@ -31,43 +36,35 @@ namespace {
 constexpr int kBottomPanelHeight = 78;
 const QSize kActionButtonSize(100, 52);
 
-const QSize kLeastPlotSize(200, 150);
-
-/// Longest pulse that realtime can show at its refresh rate, ns.
-constexpr int kLongestRealtimePulse_ns = 275;
-
-constexpr int kZoomButtonHeight = 52;
-constexpr int kZoomButtonAlpha = 128;
-constexpr double kZoomFactor = 2.0;
-constexpr double kLeastSpan_m = 0.5;
-constexpr double kLeastSpan_dB = 0.05;
-
-/// A view narrower than this many samples shows nothing more.
-constexpr double kLeastSamples = 5.0;
-
-constexpr double kCurveZ = 20.0;
-constexpr double kMainCurveZ = 100.0;
+constexpr int kAnimationPoints = 3;
+constexpr int kAnimationStep_ms = 500;
 
 } // namespace
 
 Window::Window(ZuConfigModel* config, QWidget* parent)
     : MeasWindow(parent)
+    , animator(tr("Events"), kAnimationPoints)
     , config(config)
 {
     waitWindow = new WaitWnd(this);
     warning = new WarningWindow(this);
+    animator.setInterval(kAnimationStep_ms);
+    connect(&animator, SIGNAL(newText( QString )), SLOT(setActionButtonText( QString )));
     alignElements();
     removeProgress();
-    initReflsTable();
-    pageLayout()->setRowStretch(1, 1);
+    initPanels();
+    settings = new SettingsPanel(bottomPanel(), this);
+    settings->initSettings(config);
     plot = new Plot(this);
     addWidget(plot);
     connect(config->setting("helix", "MeasParams"),
             SIGNAL(changed( double )), SLOT(setHelix( double )));
+    connect(config->setting("HardwareRevision", "CardInfo"),
+            SIGNAL(changed( double )), SLOT(onChangeCardRevision( double )));
     setupPlot();
-    setupPanner();
-    setupZoomer();
     initEventMarkersView();
+    initTwoMarkers();
+    panels->setupWrapPanel(pageLayout(), bottomPanel());
     raisePlotControls();
     setupEventFilters();
 }
@@ -75,12 +72,13 @@ Window::Window(ZuConfigModel* config, QWidget* parent)
 Window::~Window()
 {
     eventMarkers->setCurve(nullptr);
-    clearCurves(); // while the plot that shows them still stands
+    curves->clear(); // while the plot that shows them still stands
 }
 
 void Window::alignElements()
 {
     bottomPanel()->setFixedHeight(kBottomPanelHeight);
+    bottomPanel()->setWindowTitle(tr("Settings"));
     actionButton()->setFixedSize(kActionButtonSize);
     bottomPanel()->setActionWidget(actionButton(), Qt::AlignBottom | Qt::AlignRight);
 }
@@ -91,83 +89,38 @@ void Window::removeProgress()
     delete progressWidget();
 }
 
-void Window::initReflsTable()
+void Window::initPanels()
 {
-    reflsModel = new ReflsTableModel(this);
-    connect(reflsModel, SIGNAL(reflDeleted( Reflectogram )), SLOT(deleteRefl( Reflectogram )));
-    connect(reflsModel, SIGNAL(mainReflChanged( Reflectogram )), SLOT(setMainRefl( Reflectogram )));
-    connect(reflsModel, SIGNAL(allReflsDeleted()), SLOT(deleteAllRefls()));
+    panels = new Panels(this);
+    panels->initEventsTable();
+    panels->initReflsTable();
+    panels->initMeasView(config);
+    panels->layOut(pageLayout(), bottomPanel());
 }
 
 void Window::setupPlot()
 {
-    plot->setMinimumSize(kLeastPlotSize); // its own wish does not fit a small screen
-    canvasUi = std::make_unique<Ui_Canvas>();
-    canvasUi->setupUi(plot->canvas());
-    canvasUi->miniPlot->hide();
-    setupZoomButtons();
-    connect(plot, SIGNAL(scaledTo( QRectF )), canvasUi->miniPlot, SLOT(highlightArea( QRectF )));
+    plot->setMinimumSize(200, 150); // its own wish does not fit a small screen
+    curves = std::make_unique<CurveSet>(plot);
+    run = std::make_unique<RunTraces>(plot, curves.get(), reflsTableModel());
+    canvas = new CanvasControls(plot, this);
+    canvas->setupPlot();
+    // A pan and a new size ask for other samples as a zoom does.
     connect(plot, SIGNAL(scaledTo( QRectF )), SLOT(rescalePlot( QRectF )));
     connect(plot, SIGNAL(resized()), SLOT(rescaleCurrentView()));
-    connect(reflsModel, SIGNAL(mainReflChanged( Reflectogram )), SLOT(rescalePlot( Reflectogram )));
-}
-
-void Window::setupZoomButtons()
-{
-    QPalette translucent = canvasUi->zoomOffButton->palette();
-    QColor button = translucent.color(QPalette::Button);
-    button.setAlpha(kZoomButtonAlpha);
-    translucent.setBrush(QPalette::Button, button);
-    const int rows = canvasUi->zoomLayout->rowCount();
-    for (int row = 0; row < rows; ++row) {
-        QWidget* widget = canvasUi->zoomLayout->itemAtPosition(row, 0)->widget();
-        widget->hide();
-        widget->setMinimumHeight(kZoomButtonHeight);
-        widget->setPalette(translucent);
-        // Keeps the row's height while its button is hidden.
-        canvasUi->zoomLayout->addItem(
-            new QSpacerItem(1, kZoomButtonHeight, QSizePolicy::Fixed, QSizePolicy::Fixed), row, 1);
-    }
-}
-
-void Window::setupPanner()
-{
-    auto* panner = new QmPanner(plot->canvas());
-    // The first one does not take: the end of a drag needs no sampling beyond that of its steps.
-    connect(panner, SIGNAL(moved( QPoint )), SLOT(rescalePlot( )));
-    connect(panner, SIGNAL(moving( QPoint )), plot, SLOT(shiftScale( QPoint )));
-}
-
-void Window::setupZoomer()
-{
-    zoomer = new QmPlotZoomer(plot);
-    zoomer->setZoomInFactor(kZoomFactor);
-    zoomer->setZoomOutFactor(kZoomFactor);
-    zoomer->setMinRange(kLeastSpan_m);
-    zoomer->setMinYRange(kLeastSpan_dB);
-    QWidget* miniPlot = canvasUi->miniPlot;
-    connect(zoomer, SIGNAL(newBounds( QRectF )), SLOT(rescalePlot( QRectF )));
-    connect(zoomer, SIGNAL(newBounds( QRectF )), miniPlot, SLOT(highlightArea( QRectF )));
-    connect(zoomer, SIGNAL(maxScaledOut()), miniPlot, SLOT(nohl()));
-    connect(canvasUi->zoomOffButton, SIGNAL(clicked()), zoomer, SLOT(zoomOff()));
-    connect(canvasUi->zoomInButton, SIGNAL(clicked()), zoomer, SLOT(zoomIn()));
-    connect(canvasUi->zoomOutButton, SIGNAL(clicked()), zoomer, SLOT(zoomOut()));
-    connect(zoomer, SIGNAL(disableZoomIn( bool )), canvasUi->zoomInButton, SLOT(setHidden( bool )));
-    connect(zoomer,
-            SIGNAL(disableZoomOut( bool )), canvasUi->zoomOutButton, SLOT(setHidden( bool )));
-    connect(zoomer, SIGNAL(disableZoomOut( bool )), miniPlot, SLOT(setHidden( bool )));
+    canvas->setupPanner();
+    canvas->setupZoomer();
 }
 
 void Window::raisePlotControls()
 {
-    canvasUi->zoomInButton->raise();
-    canvasUi->zoomOutButton->raise();
-    canvasUi->zoomOffButton->raise();
+    canvas->raise();
 }
 
 void Window::setupEventFilters()
 {
-    installEventFilter(zoomer);
+    installEventFilter(markerMeasuring->view());
+    installEventFilter(canvas->zoomer());
 }
 
 void Window::installEventFilter(QObject* fltObj)
@@ -196,6 +149,15 @@ void Window::initEventMarkersView()
 {
     eventMarkers = new EventMarkersView(this);
     eventMarkers->attach(plot);
+    eventMarkers->setSelectionModel(panels->eventsModel()->selectionModel());
+    mainTrace = std::make_unique<MainTrace>(
+        MainTrace::Parts {plot, canvas, curves.get(), eventMarkers, panels->eventsModel()});
+}
+
+void Window::initTwoMarkers()
+{
+    markerMeasuring = new MarkerMeasuring(this);
+    markerMeasuring->initTwoMarkers(plot, canvas, panels->measView(), reflsTableModel());
 }
 
 void Window::setModel(PluginModel* newModel)
@@ -220,12 +182,21 @@ void Window::connectModel()
     plot->setAxisScale(QwtPlot::yLeft, Plot::kMinY, Plot::kMaxY);
     plot->enableAxis(QwtPlot::xBottom, true);
     plot->enableAxis(QwtPlot::yLeft, true);
+    connect(model, SIGNAL(analisisStarted()), &animator, SLOT(start()));
     connect(model, SIGNAL(analisisFinished()), SLOT(analyseFinished()));
+    connect(model, SIGNAL(stopped( MeasModel* )), &animator, SLOT(stop()));
+    connect(model,
+            SIGNAL(eventListReady( EventList )), eventMarkers, SLOT(setMarkers( EventList )));
     connect(model, SIGNAL(eventListReady( EventList )), SLOT(setEventListToMainRefl( EventList )));
     connect(model, SIGNAL(measStarted()), SLOT(oneReflMeasStarted()));
     connect(model, SIGNAL(measFinished()), SLOT(oneReflMeasFinished()));
     connect(model,
             SIGNAL(setActionButtonEnabled( bool )), actionButton(), SLOT(setEnabled( bool )));
+}
+
+ReflsTableModel* Window::reflsTableModel() const
+{
+    return panels->reflsModel();
 }
 
 void Window::setWaitWindowVisible(bool visible)
@@ -238,6 +209,11 @@ void Window::showWarning(const QString& text)
     warning->show(text, QString());
 }
 
+void Window::replot()
+{
+    plot->replot();
+}
+
 void Window::setActionButtonText(QString text)
 {
     actionButton()->setText(text);
@@ -248,112 +224,77 @@ QString Window::configured(const QString& key) const
     return config->value("MeasParams", key).toString();
 }
 
-bool Window::realtimeAllowed() const
-{
-    return configured("pulse").toInt() <= kLongestRealtimePulse_ns
-        && configured("wavelength") != "all";
-}
-
 void Window::startstop()
 {
     const bool realtime = configured("duration").toInt() == 0;
-    if (!realtime || realtimeAllowed()) {
+    if (!realtime || realtimeAllowed(configured("pulse").toInt(), configured("wavelength"))) {
         MeasWindow::startstop();
-        return;
+    } else if (model == nullptr || !model->running()) {
+        // During a run a press that could start nothing does not stop it either.
+        showWarning(tr("In realtime mode you need sets pulse 275 ns or lesser. \n Also you must "
+                       "choose one of wavelength, not both in same time "));
     }
-    if (model != nullptr && model->running()) {
-        return; // a press that could start nothing does not stop the run either
-    }
-    showWarning(tr("In realtime mode you need sets pulse 275 ns or lesser. \n Also you must choose "
-                   "one of wavelength, not both in same time "));
 }
 
 void Window::measStarted()
 {
+    panels->reflsView()->setMenuDisabled(true);
     eventMarkers->setVisible(false);
     eventMarkers->clear();
     MeasWindow::measStarted();
-    const QList<Reflectogram> loaded =
-        reflsModel->refls(); // deleting changes the list and the curves
-    for (const Reflectogram& refl : loaded) {
-        if (refl.isMeasured()) {
-            reflsModel->deleteRefl(refl);
-        }
-    }
-    for (ReflCurve* curve : qAsConst(curves)) {
-        curve->detach();
-    }
+    settings->setEnabled(false);
+    panels->setHeld(bottomPanel(), true);
+    run->begin();
     eventMarkers->setVisible(false); // deleting the main trace may have shown those of another
     if (model != nullptr) {
         setDistance(model->distance());
     }
-    measCurve = nullptr;
-    zoomer->zoomOff();
-    plot->replot();
+    canvas->zoomer()->zoomOff();
+    replot();
 }
 
 void Window::measStopped()
 {
     MeasWindow::measStopped();
-    if (curves.isEmpty()) {
-        return;
+    settings->setEnabled(true);
+    panels->setHeld(bottomPanel(), false);
+    if (curves->isEmpty()) {
+        return; // the menu stays disabled
     }
-    for (ReflCurve* curve : qAsConst(curves)) {
-        if (curve != measCurve) {
-            curve->attach(plot);
-        }
-    }
-    const ReflCurve* shown = measCurve != nullptr ? measCurve : mainCurve;
-    if (shown != nullptr) {
-        reflsModel->setMainRefl(shown->reflectogram());
-    }
+    run->end();
     if (model != nullptr) {
-        reflsModel->mainRefl().setSupParams(model->supParams());
+        reflsTableModel()->mainRefl().setSupParams(model->supParams());
     }
-    reflsModel->update();
+    reflsTableModel()->update();
     eventMarkers->setVisible(true);
-    plot->replot();
+    replot();
+    panels->reflsView()->setMenuDisabled(false);
+}
+
+void Window::analyseFinished()
+{
+    animator.stop();
+    actionButton()->setEnabled(false);
 }
 
 void Window::oneReflMeasStarted()
 {
-    prevMeasCurve = measCurve;
-    measCurve = nullptr;
+    run->traceStarted();
 }
 
 void Window::oneReflMeasFinished()
 {
-    if (measCurve == nullptr) {
-        return;
-    }
-    Reflectogram refl = measCurve->reflectogram();
-    QtConcurrent::run([refl]() mutable { refl.fillOrl(); });
-    if (prevMeasCurve != nullptr) {
-        reflsModel->associate(refl, prevMeasCurve->reflectogram());
-    }
+    run->traceFinished();
 }
 
 void Window::updateMeased(QString reflFileName, WfMeasParams params)
 {
-    if (measCurve == nullptr) {
-        const Reflectogram refl(reflFileName, params);
-        if (!refl.isValid()) {
-            qDebug() << "void Waveform::Window::updateMeased(QString, WfMeasParams)"
-                     << refl.error();
-            return;
-        }
-        reflsModel->addRefl(refl); // comes back through setMainRefl
-        measCurve = mainCurve;
-    } else {
-        Reflectogram refl = measCurve->reflectogram();
-        refl.updateFromFile(reflFileName, params);
-        measCurve->setReflectogram(plot->clip(), refl);
+    run->takeSnapshot(reflFileName, params);
+    canvas->zoomOffButton()->show();
+    if (run->current() != nullptr) {
+        canvas->fillMiniPlot(run->current()->reflectogram(), params.distance);
     }
-    canvasUi->zoomOffButton->show();
-    if (measCurve != nullptr) {
-        fillMiniPlot(measCurve->reflectogram(), params.distance);
-    }
-    plot->replot();
+    replot();
 }
 
 void Window::updateCountdownText(int rTime, int wavelength)
@@ -366,156 +307,90 @@ void Window::updateCountdownText(int rTime, int wavelength)
 
 void Window::setMainRefl(Reflectogram refl)
 {
-    if (!refl.isValid()) {
-        return;
-    }
-    const bool first = curves.isEmpty();
-    ReflCurve* curve = curveOf(refl);
-    if (curve == nullptr) {
-        curve = new ReflCurve(plot->clip(), refl, reflsModel->getColor(refl));
-        curve->attach(plot);
-        curves << curve;
-    }
-    setDistance(refl.maxdist());
-    if (first) {
-        zoomer->zoomOff();
-    }
-    changeMainCurve(curve);
+    mainTrace->show(refl, reflsTableModel()->getColor(refl));
 }
 
 void Window::changeMainCurve(ReflCurve* curve)
 {
-    mainCurve = curve;
-    canvasUi->zoomOffButton->setVisible(mainCurve != nullptr);
-    if (mainCurve == nullptr) {
-        canvasUi->miniPlot->setSamples(QPolygonF());
-    } else {
-        fillMiniPlot(mainCurve->reflectogram(), mainCurve->reflectogram().maxdist());
-        for (ReflCurve* other : qAsConst(curves)) {
-            other->setZ(kCurveZ);
-        }
-        mainCurve->setZ(kMainCurveZ);
-        eventMarkers->setVisible(true);
-    }
-    showMarkersTable();
+    mainTrace->change(curve);
 }
 
 void Window::showMarkersTable()
 {
-    eventMarkers->setCurve(mainCurve);
-    if (mainCurve == nullptr) {
-        eventMarkers->setVisible(false);
-    }
+    mainTrace->showEvents();
 }
 
 void Window::setEventListToMainRefl(EventList events)
 {
-    reflsModel->mainRefl().setEventList(events, Reflectogram::FromAcquisition);
+    Reflectogram refl = reflsTableModel()->mainRefl();
+    refl.setEventList(events, Reflectogram::FromAcquisition);
     eventMarkers->placeMarkers(true);
-    reflsModel->update();
+    reflsTableModel()->update();
+    panels->eventsModel()->setReflectogram(refl);
+    // What was computed when the trace was finished knew of no end of the fibre.
+    reflsTableModel()->computeFigures(refl);
 }
 
 void Window::deleteRefl(Reflectogram refl)
 {
-    if (ReflCurve* curve = curveOf(refl)) {
-        curve->detach();
-        curves.removeAll(curve);
-        if (curve == mainCurve) {
-            changeMainCurve(nullptr);
-        }
-        eraseCurve(curve);
-        plot->replot();
-    }
-}
-
-void Window::eraseCurve(ReflCurve* curve)
-{
-    // A message of the acquisition program that comes late must not meet a curve that is gone.
-    if (measCurve == curve) {
-        measCurve = nullptr;
-    }
-    if (prevMeasCurve == curve) {
-        prevMeasCurve = nullptr;
-    }
-    delete curve;
-}
-
-void Window::clearCurves()
-{
-    const QList<ReflCurve*> gone = curves;
-    curves.clear();
-    for (ReflCurve* curve : gone) {
-        curve->detach();
-        eraseCurve(curve);
-    }
+    mainTrace->remove(refl);
 }
 
 void Window::deleteAllRefls()
 {
-    changeMainCurve(nullptr);
-    clearCurves();
-    canvasUi->miniPlot->hide();
-    plot->replot();
+    mainTrace->removeAll();
 }
 
-ReflCurve* Window::curveOf(const Reflectogram& refl) const
+void Window::setHiddenNonMainCurves(bool hidden)
 {
-    for (ReflCurve* curve : curves) {
-        if (curve->reflectogram() == refl) {
-            return curve;
-        }
-    }
-    return nullptr;
+    curves->setHiddenNonMain(hidden);
+}
+
+void Window::setIor(double ior)
+{
+    mainTrace->setIor(ior);
 }
 
 void Window::setHelix(double helix)
 {
-    if (mainCurve == nullptr) {
-        return;
-    }
-    Reflectogram refl = mainCurve->reflectogram();
-    refl.setHelix(helix);
-    mainCurve->scale(plot->clip());
-    plot->replot();
-    fillMiniPlot(refl, refl.maxdist());
+    mainTrace->setHelix(helix);
+}
+
+void Window::onChangeCardRevision(double rev)
+{
+    settings->onChangeCardRevision(rev);
 }
 
 void Window::setDistance(double xMax)
 {
-    constexpr double kSpan_dB = Plot::kMaxY - Plot::kMinY;
-    canvasUi->miniPlot->setScales(QRectF(0.0, Plot::kMaxY, xMax, -kSpan_dB), false);
-    zoomer->setMaxRect(QRectF(0.0, Plot::kMinY, xMax, kSpan_dB));
-    plot->setMaxX(xMax);
+    canvas->setDistance(xMax);
 }
 
-void Window::fillMiniPlot(const Reflectogram& refl, double upTo_m)
+void Window::resizeEvent(QResizeEvent* event)
 {
-    const wf_clip_t whole {0.0, upTo_m, canvasUi->miniPlot->width()};
-    canvasUi->miniPlot->setSamples(Decimize(refl, false)(whole), true);
+    MeasWindow::resizeEvent(event);
+    panels->shareHeight(event->size().height());
 }
 
 void Window::rescaleCurrentView()
 {
-    rescalePlot(zoomer->currentRect());
+    rescalePlot(canvas->zoomer()->currentRect());
 }
 
 void Window::rescalePlot(Reflectogram refl)
 {
-    zoomer->setMinRange(std::max(kLeastSpan_m, kLeastSamples * refl.smpl2dist(1.0)));
-    rescalePlot(zoomer->currentRect());
+    canvas->setSampleSpacing(refl.smpl2dist(1.0));
+    rescalePlot(canvas->zoomer()->currentRect());
+    if (refl.isValid() && !refl.isMeasured()) {
+        canvas->offer(); // a run keeps the view that it began with
+    }
 }
 
 void Window::rescalePlot(QRectF region)
 {
-    const double x = region.x();
-    const double width = region.width();
-    const double margin = std::abs(width);
-    const wf_clip_t clip {x - margin, x + width + margin, 3 * plot->canvas()->width()};
-    for (ReflCurve* curve : qAsConst(curves)) {
-        curve->scale(clip);
-    }
+    curves->sampleAround(region.x(), region.width());
     if (sender() != nullptr) {
-        plot->replot();
+        replot();
     }
     plot->emitTransformMaps();
 }

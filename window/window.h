@@ -4,6 +4,7 @@
 #include "platform/otdr/event.h"
 #include "platform/otdr/reflectogram.h"
 #include "platform/otdr/wfmeasparams.h"
+#include "window/textualanimator.h"
 
 #include <QList>
 #include <QPointer>
@@ -12,23 +13,28 @@
 #include <memory>
 
 class EventMarkersView;
-class QmPlotZoomer;
 class ReflCurve;
-class Ui_Canvas;
 class WaitWnd;
 class WarningWindow;
 class ZuConfigModel;
 
 namespace Waveform {
 
+class CanvasControls;
+class CurveSet;
+class MainTrace;
+class MarkerMeasuring;
 class Model;
+class Panels;
 class Plot;
 class ReflsTableModel;
+class RunTraces;
+class SettingsPanel;
 
-/// The one screen: the chart with the curves of the loaded traces, and the button that measures.
+/// The one screen: the chart with the curves of the loaded traces, the tables and bars below it,
+/// and the button that measures.
 ///
-/// Owns the curves. Decides which one is the main one, which one a running measurement refreshes,
-/// and for which window they are sampled.
+/// Wires them all. Decides which curve is the main one and for which window the curves are sampled.
 class Window : public MeasWindow
 {
     Q_OBJECT
@@ -45,9 +51,11 @@ public:
     bool eventFilter(QObject* object, QEvent* event) override;
     [[nodiscard]] QList<QObject*> eventFilters() const override;
 
-    [[nodiscard]] ReflsTableModel* reflsTableModel() const { return reflsModel; }
+    [[nodiscard]] ReflsTableModel* reflsTableModel() const;
 
     [[nodiscard]] WarningWindow* notification() const { return warning; }
+
+    void replot();
 
 public slots:
     void setWaitWindowVisible(bool visible);
@@ -68,14 +76,19 @@ protected slots:
     void startstop() override;
     void measStarted() override;
     void measStopped() override;
+    void analyseFinished() override;
     void setActionButtonText(QString text);
     void deleteAllRefls();
     void deleteRefl(Reflectogram refl);
     void setMainRefl(Reflectogram refl);
+
+    /// Events found by the acquisition: they belong to the main trace. What follows from them is
+    /// computed in the background.
     void setEventListToMainRefl(EventList events);
 
     /// A new snapshot is there: the first of a trace makes a curve, the others refresh it.
     void updateMeased(QString reflFileName, WfMeasParams params);
+    void setIor(double ior);
     void setHelix(double helix);
     void setDistance(double xMax);
     void raisePlotControls();
@@ -85,42 +98,41 @@ protected slots:
     void changeMainCurve(ReflCurve* curve);
     void showMarkersTable();
 
+    /// Takes all curves but the main one off the plot, or brings them back.
+    void setHiddenNonMainCurves(bool hidden);
+
     /// Lets an object filter the events of the window and of everything in it.
     void installEventFilter(QObject* fltObj);
+    void onChangeCardRevision(double rev);
 
 protected:
     void showWarning(const QString& text) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     void alignElements();
     void removeProgress();
-    void initReflsTable();
+    void initPanels();
     void setupPlot();
-    void setupZoomButtons();
-    void setupPanner();
-    void setupZoomer();
     void initEventMarkersView();
+    void initTwoMarkers();
     void setupEventFilters();
     void connectModel();
-    void fillMiniPlot(const Reflectogram& refl, double upTo_m);
-    void clearCurves();
-    void eraseCurve(ReflCurve* curve);
-    [[nodiscard]] ReflCurve* curveOf(const Reflectogram& refl) const;
     [[nodiscard]] QString configured(const QString& key) const;
-    [[nodiscard]] bool realtimeAllowed() const;
 
     Plot* plot = nullptr;
     QPointer<Model> model;
-    ReflsTableModel* reflsModel = nullptr;
+    Panels* panels = nullptr;
     EventMarkersView* eventMarkers = nullptr;
+    MarkerMeasuring* markerMeasuring = nullptr;
     WaitWnd* waitWindow = nullptr;
-    std::unique_ptr<Ui_Canvas> canvasUi; ///< what lies over the canvas; its widgets belong to that
-    QmPlotZoomer* zoomer = nullptr;
-    ReflCurve* mainCurve = nullptr;
-    ReflCurve* measCurve = nullptr;
-    QList<ReflCurve*> curves;
-    ReflCurve* prevMeasCurve = nullptr;
+    CanvasControls* canvas = nullptr;
+    std::unique_ptr<CurveSet> curves;
+    std::unique_ptr<MainTrace> mainTrace;
+    std::unique_ptr<RunTraces> run;
+    TextualAnimator animator;
     ZuConfigModel* config;
+    SettingsPanel* settings = nullptr;
     WarningWindow* warning = nullptr;
 };
 

@@ -9,6 +9,7 @@
 #include "platform/launcher/zuconfig.h"
 #include "tests/platform/launcher/confighome.h"
 #include "tests/support/acquisitiondir.h"
+#include "tests/support/fakeprogram.h"
 #include "tests/support/tracefiles.h"
 #include "tests/support/warnings.h"
 
@@ -248,6 +249,18 @@ TEST_F(Hosting, ClosingWaitsForASaveUnderWay)
     QTest::mouseClick(button("saveButton"), Qt::LeftButton);
     EXPECT_TRUE(ClosingPrompt::stillOpen);
     EXPECT_TRUE(QFile::exists(files.path("home/otdr/last.sor")));
+    EXPECT_FALSE(host->frame()->isVisible());
+}
+
+TEST_F(Hosting, ClosingGivesUpAReportThatHangs)
+{
+    load();
+    ASSERT_TRUE(host->open({files.write("a.sor", SorSketch::plain())}).isEmpty());
+    const FakePrograms programs;
+    programs.make("otdrreport", "exec sleep 60");
+    host->keeper()->setNamePrompt(std::make_unique<ClosingPrompt>(host->frame()));
+    QTest::mouseClick(button("saveButton"), Qt::LeftButton);
+    EXPECT_TRUE(Reflectogram(files.path("home/otdr/last.sor")).isValid());
     EXPECT_FALSE(host->frame()->isVisible());
 }
 

@@ -50,6 +50,15 @@ TEST(CommandLine, ScreenshotHasAFileAndASize)
     EXPECT_EQ(good({"--screenshot", "x.png", "a.sor"}).size, QSize(1280, 800));
 }
 
+TEST(CommandLine, PanelsToShowAreNamed)
+{
+    EXPECT_TRUE(good({"a.sor"}).panels.isEmpty());
+    EXPECT_EQ(good({"--show", "events", "a.sor"}).panels, QStringList("events"));
+    EXPECT_EQ(
+        good({"--screenshot", "x.png", "--show", "measurement,reflectograms", "a.sor"}).panels,
+        QStringList({"measurement", "reflectograms"}));
+}
+
 TEST(CommandLine, ConfigurationIsSetForThisRun)
 {
     const Options options = good({"--seed", "7", "--time-scale", "0", "--duration", "30", "--pulse",
@@ -97,6 +106,10 @@ TEST(CommandLine, WrongUseIsRefusedWithOneLineAndCodeTwo)
              {"--demo", ""},
              {"--demo", "d", "--duration", "0"},
              {"--demo", "d", "--screenshot", "x.png", "a.sor"},
+             {"--demo", "d", "a.sor"},
+             {"--show", "", "a.sor"},
+             {"--show", "events,nonsense", "a.sor"},
+             {"--show", "Events", "a.sor"},
              {"--fibre", "/no/such/file"},
              {"--replay", "/tmp"},
          }) {
@@ -111,8 +124,8 @@ TEST(CommandLine, HelpNamesEveryOptionAndSucceeds)
     const OptionsText help = refused({"--help"});
     EXPECT_EQ(help.exitCode, 0);
     for (const char* option :
-         {"--demo", "--screenshot", "--size", "--fibre", "--replay", "--seed", "--time-scale",
-          "--duration", "--pulse", "--distance", "--wavelength", "--version"}) {
+         {"--demo", "--screenshot", "--size", "--show", "--fibre", "--replay", "--seed",
+          "--time-scale", "--duration", "--pulse", "--distance", "--wavelength", "--version"}) {
         EXPECT_TRUE(help.text.contains(option)) << option;
     }
     EXPECT_EQ(refused({"--version"}).exitCode, 0);

@@ -2,50 +2,15 @@
 
 #include "platform/otdr/core/trace.h"
 #include "platform/otdr/reflectogram.h"
-#include "tests/support/acquisitiondir.h"
-#include "tests/support/tracefiles.h"
+#include "tests/app/application.h"
 
-#include <QElapsedTimer>
 #include <QImage>
-#include <QProcess>
-#include <QTemporaryDir>
 
 #include <gmock/gmock.h>
 
 namespace {
 
 using namespace testing_support; // builders
-
-struct Outcome
-{
-    int code = -1;
-    QString out;
-    QString err;
-};
-
-class Application : public testing::Test
-{
-protected:
-    static QString program() { return QString(WAVEFORM_BIN) + "/waveform"; }
-
-    Outcome run(const QStringList& arguments, const QString& programs = WAVEFORM_BIN)
-    {
-        QProcess process;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("WAVEFORM_PROGRAMS", programs);
-        environment.insert("HOME", dir.path());
-        environment.remove("XDG_CONFIG_HOME");
-        process.setProcessEnvironment(environment);
-        process.start(program(), arguments);
-        EXPECT_TRUE(process.waitForFinished(90'000));
-        return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
-                process.readAllStandardOutput(), process.readAllStandardError()};
-    }
-
-    const AcquisitionDir directory;
-    const QTemporaryDir dir;
-    TraceFiles files;
-};
 
 TEST_F(Application, TakesAScreenshotOfATraceInTheSizeAskedFor)
 {
@@ -95,6 +60,10 @@ TEST_F(Application, DemoMeasuresSavesAndLeavesAPicture)
     EXPECT_EQ(refl.pulseWidth(), 100.0);
     EXPECT_GT(refl.trace()->size(), 1000U);
     EXPECT_EQ(QImage(demo + "/window.png").size(), QSize(1280, 800));
+    EXPECT_EQ(QImage(demo + "/demo.png").size(), QSize(1280, 640));
+    QFile report(demo + "/demo.html");
+    ASSERT_TRUE(report.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(report.readAll().contains("demo.sor"));
     EXPECT_FALSE(QFile::exists(dir.filePath("otdr"))) << "the user's own directory was used";
 }
 
@@ -116,6 +85,8 @@ TEST_F(Application, DemoOfBothWavelengthsSavesBoth)
     ASSERT_EQ(run({"--demo", demo, "--time-scale", "0", "--wavelength", "all"}).code, 0);
     EXPECT_EQ(Reflectogram(demo + "/demo_1310nm.sor").wavelength(), 1310);
     EXPECT_EQ(Reflectogram(demo + "/demo_1550nm.sor").wavelength(), 1550);
+    EXPECT_TRUE(QFile::exists(demo + "/demo_1310nm.html"));
+    EXPECT_TRUE(QFile::exists(demo + "/demo_1550nm.png"));
 }
 
 TEST_F(Application, DemoWithoutTheAcquisitionProgramFailsWithWords)

@@ -169,6 +169,24 @@ TEST_F(EventTicks, FibreSectionsHaveNone)
     EXPECT_EQ(ticks().size(), 2);
 }
 
+TEST_F(EventTicks, ListThatTheTraceIsAboutToGetHasItsTicks)
+{
+    show({eventAt(Event::SpanStart, 0)});
+    QMetaObject::invokeMethod(
+        view.get(), "setMarkers",
+        Q_ARG(EventList,
+              EventList({eventAt(Event::SpanStart, 0), eventAt(Event::Fiber, 0),
+                         eventAt(Event::NonReflective, 1000)})));
+    ASSERT_EQ(ticks().size(), 2);
+    EXPECT_NEAR(ticks()[1]->xValue(), refl.smpl2dist(1000.0), 1e-6);
+    EXPECT_EQ(refl.getEventList().size(), 1) << "the trace gets its events from others";
+    view->placeMarkers();
+    EXPECT_EQ(ticks().size(), 1);
+    view->setCurve(nullptr);
+    view->setMarkers({eventAt(Event::SpanStart, 0)});
+    EXPECT_TRUE(ticks().isEmpty());
+}
+
 TEST_F(EventTicks, AreHiddenUntilShown)
 {
     show({eventAt(Event::SpanEnd, 3000)});

@@ -21,6 +21,12 @@ TEST_F(Screen, IsLaidOutForTheInstrument)
     EXPECT_EQ(view(), QRectF(0.0, 0.0, 10000.0, 50.0));
 }
 
+TEST_F(Screen, EveryConnectionTakesButThatOfTheEndedDrag)
+{
+    EXPECT_EQ(messages().count("QObject::connect"), 1);
+    EXPECT_TRUE(logged("No such slot Waveform::Window::rescalePlot("));
+}
+
 TEST_F(Screen, FirstTraceIsShownWhole)
 {
     const Reflectogram refl = load("a.sor");
@@ -136,6 +142,10 @@ TEST_F(Screen, RegionThatComesByASignalIsPainted)
     item.attach(plot());
     plot()->replot();
     QCoreApplication::processEvents();
+    item.count = 0;
+    window->replot();
+    QCoreApplication::processEvents();
+    EXPECT_GT(item.count, 0);
     item.count = 0;
     emit plot()->scaledTo(QRectF(0.0, 0.0, 100.0, 50.0));
     QCoreApplication::processEvents();

@@ -136,4 +136,23 @@ TEST_F(Zooming, DeletingTheMainTraceHidesItsButtonAndTheOverview)
     EXPECT_FALSE(miniPlot()->isVisible());
 }
 
+TEST_F(Zooming, DeletingTheLastTraceEmptiesTheOverview)
+{
+    const auto inkInOverview = [this] {
+        const QImage image = miniPlot()->grab().toImage();
+        int count = 0;
+        for (int x = 10; x < image.width() - 10; ++x) {
+            for (int y = 10; y < image.height() - 10; ++y) {
+                count += image.pixelColor(x, y).lightness() < 200 ? 1 : 0;
+            }
+        }
+        return count;
+    };
+    touch("zoomInButton");
+    EXPECT_GT(inkInOverview(), 100);
+    refls()->deleteRefl(0);
+    EXPECT_FALSE(button("zoomOffButton")->isVisible());
+    EXPECT_EQ(inkInOverview(), 0);
+}
+
 } // namespace

@@ -1,0 +1,75 @@
+#include "window/markermeasuring.h"
+
+#include "plot/plot.h"
+#include "plot/qmminiplot.h"
+#include "plot/qmplotmarker.h"
+#include "refls/reflstablemodel.h"
+#include "twomarkers/twomarkersmodel.h"
+#include "twomarkers/twomarkersresultwidget.h"
+#include "twomarkers/twomarkersview.h"
+#include "window/canvascontrols.h"
+#include "window/measview.h"
+
+#include <QVBoxLayout>
+
+namespace Waveform {
+
+MarkerMeasuring::MarkerMeasuring(QObject* window)
+    : QObject(window)
+{
+}
+
+void MarkerMeasuring::initTwoMarkers(Plot* newPlot, CanvasControls* newCanvas, const MeasView* bar,
+                                     const ReflsTableModel* refls)
+{
+    plot = newPlot;
+    canvas = newCanvas;
+    twoMarkersView = new TwoMarkersView(plot->canvas());
+    twoMarkersView->attachToPlot(plot);
+    auto* model = new TwoMarkersModel(parent());
+    model->setUseLSA(bar->isUsingLsa());
+    const char* mainChanged = SIGNAL(mainReflChanged( Reflectogram ));
+    connect(refls, mainChanged, model, SLOT(setReflectogram( Reflectogram )));
+    connect(refls, mainChanged, parent(), SLOT(rescalePlot( Reflectogram )));
+    connect(bar, SIGNAL(usingLSAChanged( bool )), model, SLOT(setUseLSA( bool )));
+    connect(bar, SIGNAL(visibility2pChanged( bool )), twoMarkersView, SLOT(setVisible( bool )));
+    connect(bar, SIGNAL(visibilityChanged( bool )), twoMarkersView, SLOT(setVisible( bool )));
+    connect(bar, SIGNAL(needMarkersOnScreen()), twoMarkersView, SLOT(moveMarkersToScreen()));
+    twoMarkersView->setModel(model);
+    canvas->legendLayout()->insertWidget(0, twoMarkersView->results());
+    arrangeResults(*twoMarkersView->results());
+    twoMarkersView->hide();
+    followMarkers(bar);
+}
+
+/// On a canvas that is too low the last rows are cut off: better than all of them squeezed.
+void MarkerMeasuring::arrangeResults(QWidget& results)
+{
+    constexpr int kEdge = 6;
+    QLayout& rows = *results.layout();
+    rows.setContentsMargins(kEdge, kEdge, kEdge, kEdge);
+    results.setMinimumHeight(rows.minimumSize().height());
+}
+
+void MarkerMeasuring::followMarkers(const MeasView* bar)
+{
+    connect(bar, SIGNAL(visibilityChanged( bool )), SLOT(showInOverview()));
+    const auto markers = plot->canvas()->findChildren<QmPlotMarker*>();
+    for (const QmPlotMarker* marker : markers) {
+        connect(marker, SIGNAL(movedTo( QmPlotMarker*, double )), SLOT(showInOverview()));
+    }
+}
+
+void MarkerMeasuring::showInOverview()
+{
+    QList<QmPlotMarker*> shown;
+    const auto markers = plot->canvas()->findChildren<QmPlotMarker*>();
+    for (QmPlotMarker* marker : markers) {
+        if (!marker->isHidden()) {
+            shown << marker;
+        }
+    }
+    canvas->miniPlot()->setMarkers(shown);
+}
+
+} // namespace Waveform

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QObject>
+
+class MeasView;
+class QWidget;
+
+namespace Waveform {
+
+class CanvasControls;
+class Plot;
+class ReflsTableModel;
+class TwoMarkersView;
+
+/// The measurement between two markers on the plot: shown while its bar is, in the bar's mode, on
+/// the main trace. The overview has a tick for each marker that is shown.
+class MarkerMeasuring : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// \param window samples the curves for a new main trace by its slot rescalePlot( Reflectogram
+    /// )
+    explicit MarkerMeasuring(QObject* window);
+
+    void initTwoMarkers(Plot* plot, CanvasControls* canvas, const MeasView* bar,
+                        const ReflsTableModel* refls);
+
+    /// Takes wheel and page keys as an event filter.
+    [[nodiscard]] TwoMarkersView* view() const { return twoMarkersView; }
+
+private slots:
+    void showInOverview();
+
+private:
+    static void arrangeResults(QWidget& results);
+    void followMarkers(const MeasView* bar);
+
+    Plot* plot = nullptr;
+    CanvasControls* canvas = nullptr;
+    TwoMarkersView* twoMarkersView = nullptr;
+};
+
+} // namespace Waveform

@@ -1,0 +1,41 @@
+#include "window/pagegeometry.h"
+
+#include <algorithm>
+
+namespace Waveform::pagegeometry {
+
+namespace {
+
+/// The bottom panel and the buttons of the panels.
+constexpr int kBars = 126;
+
+/// A plot whose canvas has room for the results of a measurement.
+constexpr int kWantedPlot = 218;
+
+constexpr double kOneTable = 0.3; ///< of the page
+constexpr double kAllTables = 0.44;
+
+constexpr int kButtonColumn = 190;
+constexpr int kLegendWithGap = 240;
+
+} // namespace
+
+int tableHeight(int pageHeight, int tables)
+{
+    const int count = std::max(1, tables);
+    const double share = std::min(kOneTable, kAllTables / count) * pageHeight;
+    const int left = (pageHeight - kBars - kWantedPlot) / count;
+    return std::max(kLeastTable, std::min(static_cast<int>(share), left));
+}
+
+bool fitsButtonColumn(int canvasHeight)
+{
+    return canvasHeight >= kButtonColumn;
+}
+
+bool fitsLegendGap(int canvasHeight)
+{
+    return canvasHeight >= kLegendWithGap;
+}
+
+} // namespace Waveform::pagegeometry

@@ -1,0 +1,114 @@
+#include "window/panels.h"
+
+#include "events/eventstablemodel.h"
+#include "events/eventstableview.h"
+#include "platform/launcher/controlbottompanel.h"
+#include "platform/launcher/wrappanel.h"
+#include "platform/launcher/zuconfigmodel.h"
+#include "refls/reflstablemodel.h"
+#include "refls/reflstableview.h"
+#include "window/measview.h"
+#include "window/pagegeometry.h"
+
+#include <QEvent>
+#include <QGridLayout>
+
+namespace Waveform {
+
+namespace {
+
+constexpr int kPlotRow = 1;
+constexpr int kReflsRow = 2;
+constexpr int kEventsRow = 3;
+constexpr int kBottomRow = 4;
+constexpr int kWrapRow = 5;
+
+} // namespace
+
+Panels::Panels(QWidget* window)
+    : QObject(window)
+    , window(window)
+{
+}
+
+void Panels::initEventsTable()
+{
+    events = new EventsTableModel(window);
+    eventsTable = new EventsTableView(window);
+    eventsTable->setObjectName("events");
+    eventsTable->setModel(events);
+    eventsTable->setSelectionModel(events->selectionModel());
+    eventsTable->hide();
+}
+
+void Panels::initReflsTable()
+{
+    refls = new ReflsTableModel(window);
+    reflsTable = new ReflsTableView(window);
+    reflsTable->setObjectName("reflectograms");
+    connect(refls, SIGNAL(reflDeleted( Reflectogram )), window, SLOT(deleteRefl( Reflectogram )));
+    connect(refls,
+            SIGNAL(mainReflChanged( Reflectogram )), window, SLOT(setMainRefl( Reflectogram )));
+    connect(refls, SIGNAL(allReflsDeleted()), window, SLOT(deleteAllRefls()));
+    reflsTable->setModel(refls);
+    reflsTable->hide();
+}
+
+void Panels::initMeasView(ZuConfigModel* config)
+{
+    markersBar = new MeasView(window);
+    markersBar->setObjectName("measurement");
+    ZuSetting* mode = config->setting("MeasMode", "AdvancedParams");
+    markersBar->setMode(mode->value().toInt());
+    connect(mode, SIGNAL(changed( int )), markersBar, SLOT(setMode( int )));
+    connect(markersBar, SIGNAL(modeChanged( int )), mode, SLOT(tryChange( int )));
+    markersBar->hide();
+}
+
+void Panels::layOut(QGridLayout* page, ControlBottomPanel* bottomPanel)
+{
+    page->removeWidget(bottomPanel);
+    page->addWidget(reflsTable, kReflsRow, 0, 1, -1);
+    page->addWidget(eventsTable, kEventsRow, 0, 1, -1);
+    page->addWidget(bottomPanel, kBottomRow, 0, 1, -1);
+    page->addWidget(markersBar, kBottomRow, 0, 1, -1);
+    page->setRowStretch(kPlotRow, 1);
+    for (QWidget* table : {static_cast<QWidget*>(eventsTable), static_cast<QWidget*>(reflsTable)}) {
+        table->setMinimumHeight(pagegeometry::kLeastTable);
+        table->installEventFilter(this);
+    }
+}
+
+void Panels::setupWrapPanel(QGridLayout* page, ControlBottomPanel* bottomPanel)
+{
+    wrapPanel = new WrapPanel(true, nullptr);
+    wrapPanel->attach(markersBar, true);
+    wrapPanel->attach(eventsTable, true);
+    wrapPanel->attach(reflsTable, true);
+    wrapPanel->attach(bottomPanel, true);
+    page->addWidget(wrapPanel, kWrapRow, 0, 1, -1);
+}
+
+void Panels::shareHeight(int newPageHeight)
+{
+    pageHeight = newPageHeight;
+    const int shown = (eventsTable->isHidden() ? 0 : 1) + (reflsTable->isHidden() ? 0 : 1);
+    const int most = pagegeometry::tableHeight(pageHeight, shown);
+    eventsTable->setMaximumHeight(most);
+    reflsTable->setMaximumHeight(most);
+}
+
+bool Panels::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::ShowToParent || event->type() == QEvent::HideToParent) {
+        shareHeight(pageHeight);
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+void Panels::setHeld(ControlBottomPanel* bottomPanel, bool held)
+{
+    wrapPanel->setHeld(bottomPanel, held);
+}
+
+} // namespace Waveform

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <QObject>
+
+class ControlBottomPanel;
+class MeasView;
+class QGridLayout;
+class WrapPanel;
+class ZuConfigModel;
+
+namespace Waveform {
+
+class EventsTableModel;
+class EventsTableView;
+class ReflsTableModel;
+class ReflsTableView;
+
+/// What the page shows below the plot when the user asks for it: the events table, the table of
+/// traces and the bar of the two-marker measurement, with the row of buttons that ask.
+///
+/// Its parent, the window, is the page.
+class Panels : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit Panels(QWidget* window);
+
+    // In this order, each once.
+    void initEventsTable();
+
+    /// The window follows the set by its slots deleteRefl, setMainRefl and deleteAllRefls.
+    void initReflsTable();
+    void initMeasView(ZuConfigModel* config);
+
+    /// Puts them into the grid of the page, above and into the place of its bottom panel.
+    void layOut(QGridLayout* page, ControlBottomPanel* bottomPanel);
+    void setupWrapPanel(QGridLayout* page, ControlBottomPanel* bottomPanel);
+
+    /// Gives the tables that are shown their share of a page of this height, pixels; the plot has
+    /// the rest.
+    void shareHeight(int pageHeight);
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+    /// Keeps the bottom panel, which holds the action button, at most one touch away.
+    void setHeld(ControlBottomPanel* bottomPanel, bool held);
+
+    [[nodiscard]] EventsTableModel* eventsModel() const { return events; }
+
+    [[nodiscard]] ReflsTableModel* reflsModel() const { return refls; }
+
+    [[nodiscard]] ReflsTableView* reflsView() const { return reflsTable; }
+
+    [[nodiscard]] MeasView* measView() const { return markersBar; }
+
+private:
+    QWidget* window;
+    EventsTableModel* events = nullptr;
+    EventsTableView* eventsTable = nullptr;
+    ReflsTableModel* refls = nullptr;
+    ReflsTableView* reflsTable = nullptr;
+    MeasView* markersBar = nullptr;
+    WrapPanel* wrapPanel = nullptr;
+    int pageHeight = 0;
+};
+
+} // namespace Waveform
