@@ -1,3 +1,5 @@
+waveform_bench(detection_bench SOURCES detection_bench.cpp DEPENDS otdr_core)
+
 # What the detection finds, beside what instruments have stored in their files.
 waveform_program(detection_compare SOURCES detection_compare.cpp DEPENDS otdr_core)
 set_target_properties(detection_compare PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bench)

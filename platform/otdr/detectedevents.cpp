@@ -97,18 +97,17 @@ EventList eventListOf(const otdr::Detection& detection, const TraceState& state)
     const Places places(state);
     auto section = detection.sections.begin();
     for (const otdr::DetectedEvent& found : detection.events) {
-        const bool isRange = found.evidence == otdr::DetectedEvent::Evidence::Range;
-        if (found.echo || isRange) {
-            continue;
-        }
-        Event event = eventOf(found, places);
-        while (section != detection.sections.end() && section->to <= found.index) {
-            event.attenuationBefore = section->attenuation_dBPerKm;
-            ++section;
-        }
-        events << event;
-        if (section != detection.sections.end() && section->from == found.index) {
+        double attenuationBefore = Event::kUnknown;
+        // The fibre up to an event stands before it, behind all that shares a dead zone.
+        for (; section != detection.sections.end() && section->to <= found.index; ++section) {
+            attenuationBefore = section->attenuation_dBPerKm;
             events << fibreOf(*section, places);
+        }
+        const bool isRange = found.evidence == otdr::DetectedEvent::Evidence::Range;
+        if (!found.echo && !isRange) {
+            Event event = eventOf(found, places);
+            event.attenuationBefore = attenuationBefore;
+            events << event;
         }
     }
     return events;

@@ -33,6 +33,9 @@ public:
 
     void analysisStarts() { send("A {"); }
 
+    /// event: as Event::toString writes it.
+    void eventFound(const std::string& event) { send("A * " + event); }
+
     void analysisEnds() { send("A }"); }
 
     /// The reader is still there. Once it has gone, nothing more is written.

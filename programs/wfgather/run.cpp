@@ -1,5 +1,6 @@
 #include "programs/wfgather/run.h"
 
+#include "programs/wfgather/analysis.h"
 #include "programs/wfgather/sources.h"
 
 #include <algorithm>
@@ -36,8 +37,7 @@ std::optional<otdr::Error> Run::execute(const std::vector<std::unique_ptr<TraceS
             return error;
         }
         with.messages.traceEnds();
-        with.messages.analysisStarts();
-        with.messages.analysisEnds();
+        analyseTrace(*sources[i]);
     }
     with.messages.gatherEnds();
     return std::nullopt;
@@ -54,6 +54,17 @@ std::optional<otdr::Error> Run::measureTrace(TraceSource& source)
         }
     } while (!isComplete() && !isInterrupted());
     return std::nullopt;
+}
+
+void Run::analyseTrace(const TraceSource& source)
+{
+    with.messages.analysisStarts();
+    if (with.messages.isConnected()) {
+        for (const Event& event : analyse(source.snapshot(), source.params())) {
+            with.messages.eventFound(event.toString().toStdString());
+        }
+    }
+    with.messages.analysisEnds();
 }
 
 /// Whether the trace has been measured for its time.

@@ -28,7 +28,7 @@ struct Equipment
 /// the reader has taken all messages before it. In this way the start of a trace, its snapshots and
 /// its end are seen in this order however busy the reader is. A stop ends the refresh of the moment
 /// with what has been measured; the trace, its analysis and the run end as usual, and no further
-/// trace is begun.
+/// trace is begun. The analysis finds the events of the trace as the last snapshot holds it.
 class Run
 {
 public:
@@ -42,6 +42,7 @@ public:
 private:
     [[nodiscard]] std::optional<otdr::Error> measureTrace(TraceSource& source);
     [[nodiscard]] std::optional<otdr::Error> refresh(TraceSource& source, double until_s);
+    void analyseTrace(const TraceSource& source);
     [[nodiscard]] double waitFor(double until_s);
     [[nodiscard]] bool isComplete() const;
     [[nodiscard]] bool isInterrupted();

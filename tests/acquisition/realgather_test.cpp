@@ -7,6 +7,10 @@
 #include "tests/support/acquisitiondir.h"
 #include "tests/support/warnings.h"
 
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QSignalSpy>
 #include <QThread>
 #include <QtTest>
@@ -34,13 +38,14 @@ public:
                 SIGNAL(measured(QString, WfMeasParams)), SLOT(measured(QString, WfMeasParams)));
         connect(model, SIGNAL(measFinished()), SLOT(traceFinished()));
         connect(model, SIGNAL(analisisStarted()), SLOT(analysisStarted()));
-        connect(model, SIGNAL(eventListReady(EventList)), SLOT(analysisFinished()));
+        connect(model, SIGNAL(eventListReady(EventList)), SLOT(analysisFinished(EventList)));
     }
 
     /// Runs of the same step are one.
     QStringList steps;
     QList<WfMeasParams> params;
     QList<int> wavelengths;
+    QList<EventList> events; ///< of each trace
 
 public slots:
 
@@ -59,7 +64,11 @@ public slots:
 
     void analysisStarted() { note("analysis"); }
 
-    void analysisFinished() { note("events"); }
+    void analysisFinished(EventList list)
+    {
+        events << list;
+        note("events");
+    }
 
 private:
     void note(const QString& step)
@@ -111,6 +120,36 @@ protected:
     std::unique_ptr<RunRecorder> recorder;
 };
 
+/// What stands on the demo fibre behind its port, as its file says.
+struct DemoFibre
+{
+    struct Place
+    {
+        double at_m = 0.0;
+        bool reflects = false;
+    };
+
+    DemoFibre()
+    {
+        QFile file(WAVEFORM_FIBRES "/demo-link.json");
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        const QJsonObject fibre = QJsonDocument::fromJson(file.readAll()).object();
+        for (const QJsonValue& value : fibre["events"].toArray()) {
+            const double at_m = value["at_m"].toDouble();
+            if (at_m > 0.0) {
+                places << Place {at_m, value["reflectance_db"].isDouble()};
+            }
+        }
+        double length_m = 0.0;
+        for (const QJsonValue& section : fibre["sections"].toArray()) {
+            length_m += section["length_m"].toDouble();
+        }
+        places << Place {length_m, true};
+    }
+
+    QList<Place> places;
+};
+
 const QStringList kOneTrace {"start", "snapshot", "end", "analysis", "events"};
 
 TEST_F(RealGather, TraceStartSnapshotAndEndComeInOrder)
@@ -146,6 +185,37 @@ TEST_F(RealGather, LastSnapshotTellsTheWholeTimeMeasured)
     run(0);
     ASSERT_FALSE(recorder->params.isEmpty());
     EXPECT_EQ(recorder->params.last().duration, 3);
+}
+
+TEST_F(RealGather, FindsTheEventsOfTheFibreWithinAPulseAtBothWavelengths)
+{
+    set("MeasParams", "wavelength", "all");
+    set("MeasParams", "duration", 15);
+    set("MeasParams", "pulse", 100);
+    set("MeasParams", "distance", 10000);
+    run(0);
+    const DemoFibre fibre;
+    ASSERT_EQ(recorder->events.size(), 2);
+    for (const EventList& list : qAsConst(recorder->events)) {
+        ASSERT_FALSE(list.isEmpty());
+        EXPECT_EQ(list.first().type, Event::SpanStart);
+        EXPECT_EQ(list.last().type, Event::SpanEnd);
+        EventList found;
+        for (int i = 1; i < list.size(); ++i) {
+            if (i % 2 == 1) {
+                EXPECT_EQ(list[i].type, Event::Fiber) << "there is fibre between two events";
+                EXPECT_GT(list[i].attenuation(), 0.1);
+            } else {
+                found << list[i];
+            }
+        }
+        ASSERT_EQ(found.size(), fibre.places.size());
+        for (int i = 0; i < found.size(); ++i) {
+            EXPECT_NEAR(found[i].coordinate, fibre.places[i].at_m, found[i].width);
+            EXPECT_NEAR(found[i].width, 10.2, 0.1);
+            EXPECT_EQ(Event::isKnown(found[i].reflectance), fibre.places[i].reflects);
+        }
+    }
 }
 
 TEST_F(RealGather, RealtimeRunsUntilItIsStopped)

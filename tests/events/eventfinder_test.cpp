@@ -144,6 +144,42 @@ TEST_F(Finder, GoodRunEndsWithBothLists)
     EXPECT_EQ(listener.coordinates, EventCoordList({0.0, 2000.0, 5000.0, 8000.0}));
 }
 
+TEST_F(Finder, WithTheRealProgramTellsTheEventsOfTheFibre)
+{
+    QFile::link(WAVEFORM_BIN "/wfevfind", programs.path("wfevfind"));
+    const TraceBuilder link = TraceBuilder()
+                                  .fibre(8_km)
+                                  .connector(2_km, 0.5_dB, 12_dB)
+                                  .splice(5_km, 0.3_dB)
+                                  .behind(1500)
+                                  .noise(0.01_dB, 5)
+                                  .noiseFloor(8_dB);
+    run(files.writeSnapshot("measured.bin", link));
+    EXPECT_EQ(listener.log,
+              QStringList({"started", "works", "finished", "rests", "events", "coordinates"}));
+    ASSERT_EQ(listener.events.size(), 4);
+    EXPECT_EQ(listener.events[0].type, Event::SpanStart);
+    EXPECT_EQ(listener.events[1].type, Event::Reflective);
+    EXPECT_EQ(listener.events[2].type, Event::NonReflective);
+    EXPECT_EQ(listener.events[3].type, Event::SpanEnd);
+    const double places_m[] = {0.0, 2000.0, 5000.0, 8000.0};
+    for (int i = 0; i < 4; ++i) {
+        EXPECT_NEAR(listener.coordinates[i], places_m[i], 10.2) << "within a pulse";
+    }
+    EXPECT_NEAR(listener.events[1].loss, 0.5, 0.05);
+    EXPECT_NEAR(listener.events[2].loss, 0.3, 0.05);
+    EXPECT_TRUE(Event::isKnown(listener.events[1].reflectance));
+}
+
+TEST_F(Finder, WithTheRealProgramAFileThatIsNoTraceIsToldWithoutAList)
+{
+    QFile::link(WAVEFORM_BIN "/wfevfind", programs.path("wfevfind"));
+    expectWarning("Event finder: Error! Process return code: 1");
+    expectWarning("Error log \"wfevfind: ");
+    run(files.write("text.bin", ByteSketch().text("no trace").done));
+    EXPECT_EQ(listener.log, QStringList({"started", "works", "finished", "rests"}));
+}
+
 TEST_F(Finder, SaysThatItWorksBeforeTheProgramHasStarted)
 {
     prints("");

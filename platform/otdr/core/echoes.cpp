@@ -38,28 +38,33 @@ struct Mirror
 class EchoSearch
 {
 public:
-    EchoSearch(const std::vector<DetectedEvent>& events, double pulse, double port)
+    EchoSearch(double pulse, double port)
         : pulse(pulse)
     {
         mirrors.push_back({port, kPort_dB, DetectedEvent::kUnknown});
-        for (const DetectedEvent& event : events) {
-            const bool reflects = !std::isnan(event.reflectance_dB) && !event.echo;
-            if (reflects && event.index > port + pulse) {
-                mirrors.push_back(
-                    {event.index, event.reflectance_dB, event.before.at(event.index)});
-            }
+    }
+
+    /// What lies behind may be an echo of this event. In order along the fibre.
+    void add(const DetectedEvent& event)
+    {
+        const bool reflects = !std::isnan(event.reflectance_dB) && !event.echo;
+        if (reflects && event.index > mirrors.front().index + pulse) {
+            mirrors.push_back({event.index, event.reflectance_dB, event.before.at(event.index)});
         }
     }
 
-    /// Light goes to j, back to i, to k and home; k is j, or lies between them.
+    /// Light that went to a mirror j, back to i, to j again and home comes from as far behind j as
+    /// j lies behind i: for every i there is one place for j.
     [[nodiscard]] bool isEcho(const DetectedEvent& event) const
     {
-        for (std::size_t j = 1; j < mirrors.size() && mirrors[j].index < event.index; ++j) {
-            for (std::size_t i = 0; i < j; ++i) {
-                const double place = 2.0 * mirrors[j].index - mirrors[i].index;
-                const double tolerance = kPlacePulses * pulse + kPlacePart * event.index;
-                if (std::abs(place - event.index) < tolerance
-                    && isStrongEnough(mirrors[i], mirrors[j], event)) {
+        const double tolerance = 0.5 * (kPlacePulses * pulse + kPlacePart * event.index);
+        for (auto i = mirrors.begin(); i != mirrors.end(); ++i) {
+            const double place = 0.5 * (event.index + i->index);
+            auto j = std::lower_bound(
+                i + 1, mirrors.end(), place - tolerance,
+                [](const Mirror& mirror, double index) { return mirror.index < index; });
+            for (; j != mirrors.end() && j->index < place + tolerance; ++j) {
+                if (isStrongEnough(*i, *j, event)) {
                     return true;
                 }
             }
@@ -84,17 +89,19 @@ private:
     }
 
     double pulse;
-    std::vector<Mirror> mirrors;
+    std::vector<Mirror> mirrors; ///< in order
 };
 
 } // namespace
 
 void markEchoes(std::vector<DetectedEvent>& events, double pulse, double port)
 {
+    EchoSearch search(pulse, port);
     for (DetectedEvent& event : events) {
         if (event.kind == DetectedEvent::Kind::Reflective && losesNothing(event)) {
-            event.echo = EchoSearch(events, pulse, port).isEcho(event);
+            event.echo = search.isEcho(event);
         }
+        search.add(event);
     }
 }
 

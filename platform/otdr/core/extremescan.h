@@ -45,6 +45,17 @@ struct Place
 
 constexpr std::size_t kGroup = 64; ///< counts of a group: two cache lines
 
+/// Tells the processor that a group is going to be read; answers nothing.
+inline void announceGroup(const std::uint16_t* counts)
+{
+#if defined(__GNUC__)
+    __builtin_prefetch(counts);
+    __builtin_prefetch(counts + kGroup / 2);
+#else
+    static_cast<void>(counts);
+#endif
+}
+
 /// Both ends of a group.
 struct GroupExtremes
 {
@@ -143,46 +154,6 @@ struct LanesSoFar
         bits |= static_cast<std::uint64_t>(sixteen) << i;
     }
     return static_cast<std::size_t>(__builtin_ctzll(bits));
-}
-
-/// Read from its middle, less n, or plus n: what the last n, or all but the last n, ...
-struct GroupMask
-{
-    std::int16_t lanes[3 * kGroup];
-};
-
-constexpr GroupMask makeGroupMask()
-{
-    GroupMask mask {};
-    for (std::size_t i = 0; i < 3 * kGroup; ++i) {
-        mask.lanes[i] = i < kGroup || i >= 2 * kGroup ? 0x7fff : -0x8000;
-    }
-    return mask;
-}
-
-inline constexpr GroupMask kGroupMask = makeGroupMask();
-
-/// The best of the counts first .. last - 1 of a group of which they are the beginning or the end.
-[[nodiscard]] inline Place bestOfEnd(const std::uint16_t* group, std::size_t first, std::size_t last, std::uint16_t flip)
-{
-    const std::int16_t* mask = kGroupMask.lanes + (first > 0 ? kGroup - first : 2 * kGroup - last);
-    const __m128i flips = _mm_set1_epi16(static_cast<short>(flip));
-    __m128i least = _mm_set1_epi16(0x7fff);
-    for (std::size_t i = 0; i < kGroup; i += kLanes) {
-        const __m128i keys = _mm_xor_si128(load(group + i), flips);
-        const __m128i outside = _mm_loadu_si128(reinterpret_cast<const __m128i*>(mask + i));
-        least = _mm_min_epi16(least, _mm_max_epi16(keys, outside));
-    }
-    const __m128i value = _mm_xor_si128(smallestLane(least), flips);
-    std::uint64_t bits = 0;
-    for (std::size_t i = 0; i < kGroup; i += 2 * kLanes) {
-        const __m128i a = _mm_cmpeq_epi16(load(group + i), value);
-        const __m128i b = _mm_cmpeq_epi16(load(group + i + kLanes), value);
-        const int sixteen = _mm_movemask_epi8(_mm_packs_epi16(a, b));
-        bits |= static_cast<std::uint64_t>(sixteen) << i;
-    }
-    bits &= ~std::uint64_t {0} << first;
-    return {static_cast<std::size_t>(__builtin_ctzll(bits)), firstLane(value)};
 }
 
 /// The smallest and the largest of the counts of a whole group, the first of equal ones.

@@ -24,7 +24,23 @@ constexpr std::size_t kFewestSamples = 4 * kGroup;
 /// often cut where it matters.
 constexpr std::size_t kMostGroups = 128;
 
-constexpr std::size_t kAhead = 8;
+/// Stretches of so many samples are likely to have the groups read that their ends cut: longer ones
+/// seldom have their best there, shorter ones are read as they are.
+constexpr SampleRange kOftenCut {kFewestSamples, 16 * kGroup};
+
+/// How long before it may be read the group that a border cuts is asked for: about as long as the
+/// memory takes.
+constexpr std::size_t kStretchesAhead = 16;
+
+/// Whether stretches are of such a size, by their mean.
+bool areOftenCut(gsl::span<const std::size_t> borders)
+{
+    if (borders.size() < 2) {
+        return false;
+    }
+    const std::size_t mean = (borders.back() - borders.front()) / (borders.size() - 1);
+    return kOftenCut.first <= mean && mean < kOftenCut.last;
+}
 
 } // namespace
 
@@ -93,14 +109,13 @@ std::optional<Sample> Pyramid::highest(std::size_t first, std::size_t last) cons
 
 void Pyramid::appendHighest(gsl::span<const std::size_t> borders, std::vector<Sample>& out) const
 {
+    const bool announces = areOftenCut(borders);
     std::size_t first = borders.empty() ? 0 : borders.front();
     for (std::size_t k = 0; k < borders.size(); ++k) {
-        const std::size_t last = borders[k];
-        if (k + kAhead < borders.size()) {
-            const std::uint16_t* at = samples.data() + (borders[k + kAhead] & ~std::size_t{63});
-            __builtin_prefetch(at);
-            __builtin_prefetch(at + 32);
+        if (announces) {
+            announceCut(borders, k + kStretchesAhead);
         }
+        const std::size_t last = borders[k];
         if (first < last) {
             out.push_back(best(high, {first, last}));
         }
@@ -110,8 +125,13 @@ void Pyramid::appendHighest(gsl::span<const std::size_t> borders, std::vector<Sa
 
 void Pyramid::appendExtremes(gsl::span<const std::size_t> borders, std::vector<Sample>& out) const
 {
+    const bool announces = areOftenCut(borders);
     std::size_t first = borders.empty() ? 0 : borders.front();
-    for (const std::size_t last : borders) {
+    for (std::size_t k = 0; k < borders.size(); ++k) {
+        if (announces) {
+            announceCut(borders, k + kStretchesAhead);
+        }
+        const std::size_t last = borders[k];
         if (first < last) {
             const Sample top = best(high, {first, last});
             const Sample bottom = best(low, {first, last});
@@ -121,6 +141,15 @@ void Pyramid::appendExtremes(gsl::span<const std::size_t> borders, std::vector<S
             }
         }
         first = last;
+    }
+}
+
+/// The groups that borders cut lie apart: waiting for one after the other, where the caches have
+/// other things, would cost more than all the rest.
+void Pyramid::announceCut(gsl::span<const std::size_t> borders, std::size_t k) const
+{
+    if (k < borders.size() && borders[k] + kGroup <= samples.size()) {
+        scan::announceGroup(samples.data() + borders[k] / kGroup * kGroup);
     }
 }
 
@@ -181,12 +210,7 @@ Sample Pyramid::bestOfPart(const Tree& tree, std::size_t level, std::size_t grou
     if (range.first <= index && index < range.last) {
         return {index, tree.levels[0][group]};
     }
-    const std::size_t start = group * kGroup;
-    if (start + kGroup > samples.size()) {
-        return bestOfSamples(tree, range);
-    }
-    const scan::Place found = scan::bestOfEnd(samples.data() + start, range.first - start, range.last - start, tree.flip);
-    return {start + found.position, found.count};
+    return bestOfSamples(tree, range);
 }
 
 Sample Pyramid::bestOfSamples(const Tree& tree, SampleRange range) const

@@ -75,6 +75,7 @@ private:
     void readSamples();
     static void addLevels(Tree& tree);
 
+    void announceCut(gsl::span<const std::size_t> borders, std::size_t k) const;
     [[nodiscard]] Sample best(const Tree& tree, SampleRange range) const;
     [[nodiscard]] Sample bestFrom(const Tree& tree, std::size_t level, SampleRange range) const;
     [[nodiscard]] Sample bestOfPart(const Tree& tree, std::size_t level, std::size_t group,

@@ -2,6 +2,7 @@
 #include "platform/launcher/namedialog.h"
 
 #include <QApplication>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
@@ -61,6 +62,78 @@ TEST(NameDialog, CanSaveOnlyUnderAUsableName)
     EXPECT_FALSE(save->isEnabled());
 }
 
+TEST(NameDialog, SaysWhyANameIsNoneAndHowItWillBeChanged)
+{
+    NameDialog dialog("trace_0001", nullptr);
+    dialog.show();
+    auto* edit = dialog.findChild<QLineEdit*>();
+    const auto* hint = dialog.findChild<QLabel*>("hint");
+    EXPECT_EQ(hint->text(), "");
+    edit->setText("");
+    EXPECT_EQ(hint->text(), "Please type a name.");
+    edit->setText("   ");
+    EXPECT_EQ(hint->text(), "Please type a name.");
+    edit->setText("..");
+    EXPECT_EQ(hint->text(), "This name cannot be used: it is nothing but dots and blanks.");
+    edit->setText("../x");
+    EXPECT_EQ(hint->text(), "It will be saved as \"_x\".");
+    edit->setText("CON");
+    EXPECT_EQ(hint->text(), "It will be saved as \"_CON\".");
+    edit->setText("half of ");
+    EXPECT_EQ(hint->text(), "") << "a blank being typed is no mistake";
+}
+
+TEST(NameDialog, NeverGetsWiderThanTheInstrument)
+{
+    NameDialog dialog("trace_0001", nullptr);
+    dialog.show();
+    EXPECT_LE(dialog.width(), 800);
+    EXPECT_LE(dialog.height(), 480);
+    dialog.findChild<QLineEdit*>()->setText(QString(300, 'x'));
+    EXPECT_LE(dialog.minimumSizeHint().width(), 800);
+    const auto* hint = dialog.findChild<QLabel*>("hint");
+    EXPECT_TRUE(hint->text().contains(QChar(0x2026)));
+    EXPECT_LE(hint->fontMetrics().horizontalAdvance(hint->text()), hint->width());
+}
+
+TEST(NameDialog, FocusGoesFromTheNameToTheButtonsAndNeverToAKey)
+{
+    NameDialog dialog("trace_0001", nullptr);
+    dialog.show();
+    dialog.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+    EXPECT_TRUE(dialog.findChild<QLineEdit*>()->hasFocus());
+    QTest::keyClick(dialog.focusWidget(), Qt::Key_Tab);
+    EXPECT_EQ(dialog.focusWidget(), button(&dialog, "Cancel"));
+    QTest::keyClick(dialog.focusWidget(), Qt::Key_Tab);
+    EXPECT_EQ(dialog.focusWidget(), button(&dialog, "Save"));
+    QTest::keyClick(dialog.focusWidget(), Qt::Key_Tab);
+    EXPECT_EQ(dialog.focusWidget(), dialog.findChild<QLineEdit*>());
+}
+
+TEST(NameDialog, EnterSavesOnlyUnderAUsableName)
+{
+    NameDialog dialog("", nullptr);
+    dialog.show();
+    auto* edit = dialog.findChild<QLineEdit*>();
+    QTest::keyClick(edit, Qt::Key_Return);
+    EXPECT_TRUE(dialog.isVisible());
+    QTest::mouseClick(button(&dialog, "q"), Qt::LeftButton);
+    QTest::keyClick(edit, Qt::Key_Return);
+    EXPECT_EQ(dialog.result(), QDialog::Accepted);
+    EXPECT_EQ(dialog.name(), "q");
+}
+
+TEST(DialogNamePrompt, AnswersWhatWasTouched)
+{
+    onDialog([](QWidget* dialog) {
+        for (const char* key : {"s", "7", "Save"}) { // the first types over the proposed name
+            QTest::mouseClick(button(dialog, key), Qt::LeftButton);
+        }
+    });
+    EXPECT_EQ(DialogNamePrompt().askName("trace_0001").value_or("nothing"), "s7");
+}
+
 TEST(DialogNamePrompt, AnswersWhatWasTyped)
 {
     onDialog([](QWidget* dialog) {
@@ -108,4 +181,13 @@ TEST(DialogNamePrompt, ReplacesAFileOnlyOnAYes)
     EXPECT_FALSE(DialogNamePrompt().askOverwrite("old"));
     onDialog([](QWidget* dialog) { QTest::keyClick(dialog, Qt::Key_Escape); });
     EXPECT_FALSE(DialogNamePrompt().askOverwrite("old"));
+}
+
+TEST(DialogNamePrompt, LongNameDoesNotMakeTheQuestionWiderThanTheInstrument)
+{
+    onDialog([](QWidget* dialog) {
+        EXPECT_LE(dialog->sizeHint().width(), 780);
+        QTest::keyClick(dialog, Qt::Key_Escape);
+    });
+    EXPECT_FALSE(DialogNamePrompt().askOverwrite(QString(200, 'W')));
 }

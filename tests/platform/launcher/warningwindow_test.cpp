@@ -55,3 +55,18 @@ TEST(WarningWindow, ClosesOnEscape)
     QTest::keyClick(&window, Qt::Key_Escape);
     EXPECT_FALSE(window.isVisible());
 }
+
+TEST(WarningWindow, BreaksALongPathInsteadOfCuttingIt)
+{
+    WarningWindow window;
+    const QString text = "Saved to:\n" + QString(200, 'W') + ".sor";
+    window.show(text);
+    const auto* label = window.findChild<QLabel*>();
+    EXPECT_EQ(window.text(), text);
+    EXPECT_LE(window.width(), 780);
+    EXPECT_GE(label->height(), 5 * label->fontMetrics().height()) << "it stands on one line";
+    EXPECT_LE(label->minimumSizeHint().width(), label->width());
+    window.hide();
+    window.show("short words");
+    EXPECT_EQ(label->text(), "short words");
+}

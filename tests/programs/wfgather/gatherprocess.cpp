@@ -11,9 +11,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <csignal>
+#include <cstring>
 #include <thread>
 
 namespace wfgather_test {
@@ -22,6 +24,7 @@ namespace {
 
 constexpr int kPatience_ms = 10000;
 constexpr const char* kProgram = WAVEFORM_BIN "/wfgather";
+constexpr const char* kEventMessage = "A * ";
 
 /// "12 M };\n" to "M }"; anything else stays.
 std::string bodyOf(const std::string& packet)
@@ -31,6 +34,11 @@ std::string bodyOf(const std::string& packet)
         && packet.find_first_not_of("0123456789") == blank && packet.size() > blank + 3
         && packet.find(';') == packet.size() - 2 && packet.back() == '\n';
     return isWhole ? packet.substr(blank + 1, packet.size() - blank - 3) : packet;
+}
+
+bool isEvent(const std::string& message)
+{
+    return message.rfind(kEventMessage, 0) == 0;
 }
 
 } // namespace
@@ -164,6 +172,23 @@ std::string GatherProcess::errors() const
     QFile file(QString::fromStdString(errorPath));
     EXPECT_TRUE(file.open(QIODevice::ReadOnly));
     return file.readAll().toStdString();
+}
+
+std::vector<std::string> withoutEvents(std::vector<std::string> messages)
+{
+    messages.erase(std::remove_if(messages.begin(), messages.end(), isEvent), messages.end());
+    return messages;
+}
+
+std::vector<std::string> eventsIn(const std::vector<std::string>& messages)
+{
+    std::vector<std::string> events;
+    for (const std::string& message : messages) {
+        if (isEvent(message)) {
+            events.push_back(message.substr(std::strlen(kEventMessage)));
+        }
+    }
+    return events;
 }
 
 std::vector<std::string> shortened(const std::vector<std::string>& messages)

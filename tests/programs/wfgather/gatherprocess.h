@@ -77,6 +77,12 @@ private:
     int output = -1;
 };
 
+/// The messages without those of the events that the analysis has found.
+std::vector<std::string> withoutEvents(std::vector<std::string> messages);
+
+/// What the messages of the events say, in order.
+std::vector<std::string> eventsIn(const std::vector<std::string>& messages);
+
 /// Only the letters and braces of messages, "M { 1/2 wavelength ..." as "M { 1/2".
 std::vector<std::string> shortened(const std::vector<std::string>& messages);
 

@@ -74,6 +74,7 @@ TEST(MessageWriter, WritesARunAsItsReaderParsesIt)
     messages.tick(14, 1);
     messages.traceEnds();
     messages.analysisStarts();
+    messages.eventFound("e position 400 coordinate 4084.25 loss 3.1");
     messages.analysisEnds();
     messages.gatherEnds();
     EXPECT_EQ(pipe.read(),
@@ -84,8 +85,9 @@ TEST(MessageWriter, WritesARunAsItsReaderParsesIt)
               "4 M * RT 14 ET 1;\n"
               "5 M };\n"
               "6 A {;\n"
-              "7 A };\n"
-              "8 G };\n");
+              "7 A * e position 400 coordinate 4084.25 loss 3.1;\n"
+              "8 A };\n"
+              "9 G };\n");
 }
 
 TEST(MessageWriter, KeepsTheDecimalPointInEveryLocale)

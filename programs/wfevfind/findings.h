@@ -1,0 +1,30 @@
+#pragma once
+
+#include "platform/otdr/core/eventdetection.h"
+#include "platform/otdr/core/result.h"
+#include "platform/otdr/event.h"
+#include "platform/otdr/tracestate.h"
+
+#include <string>
+
+namespace evfind {
+
+/// A trace and what was found on it.
+struct Findings
+{
+    std::string file; ///< name as it was given
+    TraceState trace;
+    otdr::Detection detection;
+    EventList events; ///< without the fibre sections between them; in order along the fibre
+
+    /// Where an event stands in the record: index of the sample, from 0.
+    [[nodiscard]] long sampleOf(const Event& event) const;
+};
+
+/// Reads a trace file or a snapshot and finds its events.
+///
+/// Errors as those of loadTrace(), and Damaged for a trace that does not tell the width of its
+/// pulse or the spacing of its samples: no events would then read as a fibre without events.
+[[nodiscard]] otdr::Result<Findings> findEvents(const std::string& path);
+
+} // namespace evfind

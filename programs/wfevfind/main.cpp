@@ -1,0 +1,71 @@
+#include "programs/wfevfind/commandline.h"
+#include "programs/wfevfind/findings.h"
+#include "programs/wfevfind/json.h"
+#include "programs/wfevfind/lines.h"
+
+#include <QCoreApplication>
+#include <QTextCodec>
+
+#include <cstdio>
+#include <exception>
+
+namespace {
+
+/// ISO 8859-1 as the registry of character sets numbers it.
+constexpr int kLatin1 = 4;
+
+int fail(const std::string& message)
+{
+    std::fprintf(stderr, "wfevfind: %s\n", message.c_str());
+    return 1;
+}
+
+int print(const QByteArray& text)
+{
+    const auto size = static_cast<std::size_t>(text.size());
+    if (std::fwrite(text.constData(), 1, size, stdout) != size || std::fflush(stdout) != 0) {
+        return fail("cannot write to standard output");
+    }
+    return 0;
+}
+
+int find(const evfind::Request& request)
+{
+    const otdr::Result<evfind::Findings> found = evfind::findEvents(request.file);
+    if (!found) {
+        return fail(found.error().message);
+    }
+    const bool wantsJson = request.form == evfind::Form::Json;
+    return print(wantsJson ? evfind::jsonOf(*found) + '\n' : evfind::linesOf(*found));
+}
+
+int answer(const evfind::Request& request)
+{
+    switch (request.form) {
+    case evfind::Form::ShowHelp:
+        std::fputs(request.message.c_str(), stdout);
+        return 0;
+    case evfind::Form::ShowVersion:
+        std::puts("wfevfind " WAVEFORM_VERSION);
+        return 0;
+    case evfind::Form::Wrong:
+        std::fprintf(stderr, "wfevfind: %s; see --help\n", request.message.c_str());
+        return 2;
+    default:
+        return find(request);
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const QCoreApplication application(argc, argv);
+    // File names are bytes: in no locale may one of them be lost between here and the disk.
+    QTextCodec::setCodecForLocale(QTextCodec::codecForMib(kLatin1));
+    try {
+        return answer(evfind::parseCommandLine(argc, argv));
+    } catch (const std::exception& problem) { // memory that a trace does not get
+        return fail(problem.what());
+    }
+}
