@@ -226,13 +226,39 @@ int Keeper::doLoad()
     if (limitReached()) {
         return -1;
     }
-    const QString file =
-        FileDialog::getOpenFileName(nullptr, tr("Open reflectogram"), storeDir(), ".sor");
-    if (file.isEmpty()) {
+    const QPointer<Keeper> alive(this);
+    const QStringList files = FileDialog::getOpenFileNames(
+        nullptr, {tr("Open reflectogram"), places(), ".sor", maxRefls - refls->rowCount()});
+    if (!alive) {
         return -1;
     }
-    emit loadRefl(file);
-    return 0;
+    QStringList problems;
+    for (const QString& file : files) {
+        emit loadRefl(file);
+        if (refls->isNewRefl(file)) {
+            problems << Reflectogram(file).error(); // which names the file
+        }
+    }
+    problems.removeAll(QString()); // nobody listens to what is to be loaded
+    if (!problems.isEmpty()) {
+        emit showNotification(problems.join("\n"));
+    }
+    return files.size() > problems.size() ? 0 : -1;
+}
+
+/// Where traces to load may lie.
+QVector<FileDialog::Place> Keeper::places() const
+{
+    QVector<FileDialog::Place> places {{tr("Storage"), storeDir()}};
+    const QString drive = ZuLauncherConfig("flash", "dir").toString();
+    // Traces of other instruments lie where their makers put them.
+    for (const QString& dir : {flashcardDir(), drive}) {
+        if (!drive.isEmpty() && QDir(dir).exists()) {
+            places.append({tr("Flash drive"), dir});
+            break;
+        }
+    }
+    return places;
 }
 
 int Keeper::doLoadFile(const QString& file)

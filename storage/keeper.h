@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/launcher/abstractkeeper.h"
+#include "platform/launcher/filedialog.h"
 #include "platform/launcher/filenameconverter.h"
 #include "platform/otdr/reflectogram.h"
 #include "platform/otdr/wfmeasparams.h"
@@ -86,6 +87,7 @@ signals:
 
 private:
     [[nodiscard]] bool limitReached();
+    [[nodiscard]] QVector<FileDialog::Place> places() const;
     [[nodiscard]] bool saveOne(const Reflectogram& refl, const QString& base);
     [[nodiscard]] QString savedMessage(const QString& base) const;
     void saveComplied(const QString& fileName);

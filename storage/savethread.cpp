@@ -8,6 +8,8 @@
 #include <QFileInfo>
 #include <QProcess>
 
+#include <unistd.h>
+
 namespace Waveform {
 
 namespace {
@@ -18,6 +20,13 @@ constexpr int kLook_ms = 50;
 constexpr int kCrashed = -1;
 constexpr int kNotStarted = -2;
 
+/// Waits until a file is on its device: whoever is told of the copy may pull the drive.
+bool flush(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) && ::fsync(file.handle()) == 0;
+}
+
 bool copyTo(const QString& dir, const QString& path)
 {
     const QString target = dir + QDir::separator() + QFileInfo(path).fileName();
@@ -25,7 +34,7 @@ bool copyTo(const QString& dir, const QString& path)
         QFile::remove(target);
     }
     QFile source(path);
-    const bool copied = source.copy(target);
+    const bool copied = source.copy(target) && flush(target);
     if (!copied) {
         qDebug() << "can not copy" << path << "to" << target << source.errorString();
     }
@@ -38,6 +47,9 @@ void SaveThread::run()
 {
     if (!refl.isValid()) {
         return;
+    }
+    if (refl.isMeasured()) {
+        refl.fillOrl(); // the file has the figures, whether or not a table asked for them
     }
     QString reason;
     result = refl.save(sor, &reason);

@@ -5,6 +5,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QCoreApplication>
+#include <QFontMetrics>
 #include <QMessageBox>
 #include <QPointer>
 
@@ -24,12 +25,13 @@ std::optional<QString> DialogNamePrompt::askName(const QString& proposed)
 bool DialogNamePrompt::askOverwrite(const QString& name)
 {
     constexpr int kTouchHeight = 44;
+    constexpr int kNameWidth = 360; // a name has no place where its line could be broken
     const QPointer<QMessageBox> box = new QMessageBox(QApplication::activeWindow());
     box->setIcon(QMessageBox::Question);
     box->setTextFormat(Qt::PlainText);
     box->setText(
         QCoreApplication::translate("DialogNamePrompt", "\"%1\" exists already. Replace it?")
-            .arg(name));
+            .arg(box->fontMetrics().elidedText(name, Qt::ElideMiddle, kNameWidth)));
     box->setStandardButtons(QMessageBox::Yes | QMessageBox::No);
     box->setDefaultButton(QMessageBox::No);
     const auto buttons = box->buttons();

@@ -1,36 +1,26 @@
 #include "platform/launcher/filedialog.h"
 
-#include <QFileDialog>
+#include "platform/launcher/opendialog.h"
+
+#include <QApplication>
 #include <QPointer>
-#include <QPushButton>
-
-namespace {
-
-QString nameFilter(const QString& filter)
-{
-    return filter.startsWith(QLatin1Char('.')) ? QLatin1Char('*') + filter : filter;
-}
-
-} // namespace
 
 QString FileDialog::getOpenFileName(QWidget* parent, const QString& title, const QString& dir,
                                     const QString& filter)
 {
-    constexpr int kTouchHeight = 44;
+    return getOpenFileNames(parent, {title, {{QString(), dir}}, filter, 1}).value(0);
+}
+
+QStringList FileDialog::getOpenFileNames(QWidget* parent, const Request& request)
+{
+    QWidget* below = parent != nullptr ? parent : QApplication::activeWindow();
     // On the heap and watched: the parent may go while the user chooses.
-    const QPointer<QFileDialog> dialog = new QFileDialog(parent, title, dir, nameFilter(filter));
-    dialog->setOption(QFileDialog::DontUseNativeDialog);
-    dialog->setFileMode(QFileDialog::ExistingFile);
-    dialog->setAcceptMode(QFileDialog::AcceptOpen);
-    const auto buttons = dialog->findChildren<QPushButton*>();
-    for (QPushButton* button : buttons) {
-        button->setMinimumHeight(kTouchHeight);
-    }
-    const bool chosen = dialog->exec() == QDialog::Accepted;
+    const QPointer<OpenDialog> dialog = new OpenDialog(request, below);
+    const bool accepted = dialog->exec() == QDialog::Accepted;
     if (dialog.isNull()) {
         return {};
     }
-    const QStringList files = dialog->selectedFiles();
+    const QStringList files = dialog->files();
     delete dialog.data();
-    return chosen ? files.value(0) : QString();
+    return accepted ? files : QStringList();
 }

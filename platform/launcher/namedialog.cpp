@@ -1,38 +1,47 @@
 #include "platform/launcher/namedialog.h"
 
 #include "platform/launcher/filenameconverter.h"
+#include "platform/launcher/touchbutton.h"
+#include "platform/launcher/touchkeyboard.h"
 
-#include <QHBoxLayout>
+#include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
-#include <QVBoxLayout>
 
 NameDialog::NameDialog(const QString& proposed, QWidget* parent)
     : QDialog(parent)
     , edit(new QLineEdit(proposed, this))
-    , saveButton(new QPushButton(tr("Save"), this))
+    , hint(new QLabel(this))
+    , saveButton(new TouchButton(tr("Save"), this))
 {
     constexpr int kTouchHeight = 44;
-    constexpr int kEditWidth = 360;
+    constexpr int kButtonWidth = 110;
     setWindowTitle(tr("Save"));
     auto* label = new QLabel(tr("File name"), this);
     label->setBuddy(edit);
-    edit->setMinimumSize(kEditWidth, kTouchHeight);
+    edit->setMinimumHeight(kTouchHeight);
     edit->selectAll();
-    auto* cancelButton = new QPushButton(tr("Cancel"), this);
-    saveButton->setMinimumSize(2 * kTouchHeight, kTouchHeight);
+    hint->setObjectName(QStringLiteral("hint"));
+    hint->setTextFormat(Qt::PlainText);
+    hint->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed); // a long name is cut instead
+    hint->setMinimumHeight(hint->fontMetrics().height()); // the keys stay where they are
+    auto* cancelButton = new TouchButton(tr("Cancel"), this);
+    cancelButton->setMinimumSize(kButtonWidth, kTouchHeight);
+    cancelButton->setAutoDefault(false);
+    saveButton->setMinimumSize(kButtonWidth, kTouchHeight);
     saveButton->setDefault(true);
-    cancelButton->setMinimumSize(2 * kTouchHeight, kTouchHeight);
+    auto* keys = new TouchKeyboard(edit, this);
 
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(cancelButton);
-    buttons->addWidget(saveButton);
-    auto* column = new QVBoxLayout(this);
-    column->addWidget(label);
-    column->addWidget(edit);
-    column->addLayout(buttons);
+    auto* page = new QGridLayout(this);
+    page->addWidget(label, 0, 0);
+    page->addWidget(edit, 1, 0);
+    page->addWidget(cancelButton, 1, 1);
+    page->addWidget(saveButton, 1, 2);
+    page->addWidget(hint, 2, 0, 1, -1);
+    page->addWidget(keys, 3, 0, 1, -1);
+    setTabOrder(edit, cancelButton);
+    setTabOrder(cancelButton, saveButton);
+    edit->setFocus();
 
     connect(edit, &QLineEdit::textChanged, this, &NameDialog::checkName);
     connect(saveButton, &QPushButton::clicked, this, &QDialog::accept);
@@ -45,7 +54,24 @@ QString NameDialog::name() const
     return edit->text();
 }
 
+void NameDialog::resizeEvent(QResizeEvent* event)
+{
+    QDialog::resizeEvent(event);
+    checkName(); // the hint is cut to its width
+}
+
 void NameDialog::checkName()
 {
-    saveButton->setEnabled(!FileNameConverter().convert(edit->text()).isEmpty());
+    const QString typed = edit->text().trimmed();
+    const QString safe = FileNameConverter().convert(typed);
+    saveButton->setEnabled(!safe.isEmpty());
+    QString text;
+    if (typed.isEmpty()) {
+        text = tr("Please type a name.");
+    } else if (safe.isEmpty()) {
+        text = tr("This name cannot be used: it is nothing but dots and blanks.");
+    } else if (safe != typed) {
+        text = tr("It will be saved as \"%1\".").arg(safe);
+    }
+    hint->setText(hint->fontMetrics().elidedText(text, Qt::ElideMiddle, hint->width()));
 }

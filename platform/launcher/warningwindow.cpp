@@ -5,11 +5,35 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+namespace {
+
+constexpr int kTextWidth = 360;
+constexpr int kLongTextWidth = 620; ///< where words had to be broken
+
+/// The text with places where the long words in it, such as paths, may be broken: a label breaks
+/// lines between words only, and would cut what does not fit.
+QString breakable(const QString& text)
+{
+    constexpr int kLongWord = 24;
+    const QChar zeroWidthSpace(0x200B);
+    QString result;
+    int wordLength = 0;
+    for (const QChar character : text) {
+        wordLength = character.isSpace() ? 0 : wordLength + 1;
+        if (wordLength > kLongWord && !character.isLowSurrogate() && !character.isMark()) {
+            result += zeroWidthSpace;
+        }
+        result += character;
+    }
+    return result;
+}
+
+} // namespace
+
 WarningWindow::WarningWindow(QWidget* parent)
     : QDialog(parent)
     , label(new QLabel(this))
 {
-    constexpr int kTextWidth = 360;
     constexpr int kTouchHeight = 44;
     // Texts hold file names and what children said: never markup.
     label->setTextFormat(Qt::PlainText);
@@ -29,7 +53,7 @@ WarningWindow::WarningWindow(QWidget* parent)
 
 QString WarningWindow::text() const
 {
-    return label->text();
+    return message;
 }
 
 void WarningWindow::show(const QString& text)
@@ -39,12 +63,15 @@ void WarningWindow::show(const QString& text)
 
 void WarningWindow::show(const QString& text, const QString& title)
 {
-    const QString shown = isVisible() ? label->text() : QString();
+    const QString shown = isVisible() ? message : QString();
     if (shown.isEmpty()) {
-        label->setText(text);
+        message = text;
     } else if (!shown.split(QStringLiteral("\n\n")).contains(text)) {
-        label->setText(shown + QStringLiteral("\n\n") + text);
+        message = shown + QStringLiteral("\n\n") + text;
     }
+    const QString broken = breakable(message);
+    label->setMinimumWidth(broken == message ? kTextWidth : kLongTextWidth);
+    label->setText(broken);
     setWindowTitle(title);
     adjustSize();
     QDialog::show();
@@ -55,6 +82,7 @@ void WarningWindow::hideEvent(QHideEvent* event)
 {
     QDialog::hideEvent(event);
     if (!event->spontaneous()) {
+        message.clear();
         label->clear();
     }
 }

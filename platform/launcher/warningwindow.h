@@ -30,4 +30,5 @@ protected:
 
 private:
     QLabel* label;
+    QString message;
 };

@@ -1,82 +1,13 @@
-#include "acquisition/model.h"
-#include "platform/launcher/cardcontroller.h"
-#include "platform/launcher/zuconfigmodel.h"
 #include "platform/launcher/zulauncherconfig.h"
-#include "refls/reflstablemodel.h"
-#include "storage/keeper.h"
-#include "tests/platform/launcher/confighome.h"
-#include "tests/support/acquisitiondir.h"
-#include "tests/support/fakeprogram.h"
-#include "tests/support/tracefiles.h"
+#include "tests/storage/keeping.h"
 #include "tests/support/warnings.h"
 
-#include <QApplication>
 #include <QDir>
-#include <QFileDialog>
-#include <QSignalSpy>
 #include <QTimer>
-
-#include <gmock/gmock.h>
 
 namespace {
 
-using namespace testing_support; // builder and units
-using Waveform::Keeper;
-using Waveform::Model;
-using Waveform::ReflsTableModel;
-
-class Keeping : public testing::Test
-{
-protected:
-    Keeping()
-        : homeBefore(qgetenv("HOME"))
-        , config(ZuConfigModel::instance(&card, "zuotdr"))
-        , keeper(&card, &refls)
-        , model(&card)
-        , notified(&keeper, SIGNAL(showNotification(QString)))
-                   , saved(&keeper, SIGNAL(saved(QString)))
-                           , waits(&keeper, SIGNAL(setWaitWindowVisible(bool)))
-    {
-        qputenv("HOME", QFile::encodeName(files.path("home")));
-        makeReport("echo report > \"$4\"; echo picture > \"${4%.html}.png\"");
-        keeper.setConfig(config);
-        keeper.setMeasModel(&model);
-        QObject::connect(&keeper,
-                         SIGNAL(loadRefl(QString)), &refls, SLOT(addReflFromFile(QString)));
-    }
-
-    ~Keeping() override
-    {
-        qputenv("HOME", homeBefore);
-        config->freeLater();
-    }
-
-    /// The report generator of this test, in the place of the real one.
-    void makeReport(const QString& script) const { programs.make("otdrreport", script); }
-
-    QString stored(const QString& name) const { return files.path("home/otdr/" + name); }
-
-    Reflectogram addMeasured()
-    {
-        const Reflectogram refl = files.measured(TraceBuilder().fibre(2_km));
-        refls.addRefl(refl);
-        return refl;
-    }
-
-    const AcquisitionDir directory;
-    const ConfigHome configHome;
-    const FakePrograms programs;
-    QByteArray homeBefore;
-    TraceFiles files;
-    CardController card;
-    ZuConfigModel* config;
-    ReflsTableModel refls;
-    Keeper keeper;
-    Model model;
-    QSignalSpy notified;
-    QSignalSpy saved;
-    QSignalSpy waits;
-};
+using namespace testing_support; // fixture, builder and units
 
 TEST_F(Keeping, StoresUnderTheHomeDirectoryWhichItMakes)
 {
@@ -256,17 +187,6 @@ TEST_F(Keeping, WithoutATraceNothingIsSaved)
     EXPECT_TRUE(QDir(stored("")).isEmpty());
 }
 
-TEST_F(Keeping, NameCannotLeaveTheStorageDirectory)
-{
-    refls.addReflFromFile(files.write("a.sor", SorSketch::plain()));
-    EXPECT_EQ(keeper.doSave("../../outside"), 0);
-    EXPECT_FALSE(QFile::exists(files.path("outside.sor")));
-    ASSERT_EQ(saved.size(), 1);
-    EXPECT_EQ(QFileInfo(saved.first().first().toString()).path(), files.path("home/otdr"));
-    EXPECT_TRUE(keeper.fileExists("../../outside"));
-    EXPECT_NE(keeper.doSave("..."), 0) << "nothing usable is left of it";
-}
-
 TEST_F(Keeping, FilesThatGoTogetherDifferInTheirExtension)
 {
     EXPECT_EQ(Keeper::auxFileName("/a/b/north.2.sor", "html"), "/a/b/north.2.html");
@@ -344,45 +264,6 @@ TEST_F(Keeping, EventLoopTurnsDuringASave)
     QTimer::singleShot(0, [&turned] { turned = true; });
     EXPECT_EQ(keeper.doSave("link"), 0);
     EXPECT_TRUE(turned);
-}
-
-TEST_F(Keeping, FifthTraceIsRefusedBeforeAnyFileIsOpened)
-{
-    for (int i = 0; i < 4; ++i) {
-        keeper.doLoadFile(files.write(QString("%1.sor").arg(i), SorSketch::plain()));
-    }
-    EXPECT_EQ(refls.rowCount(), 4);
-    const QSignalSpy loads(&keeper, SIGNAL(loadRefl(QString)));
-    EXPECT_EQ(keeper.doLoadFile(files.write("5.sor", SorSketch::plain())), -1);
-    EXPECT_EQ(keeper.doLoad(), -1); // a picker would wait for an answer here
-    EXPECT_EQ(loads.size(), 0);
-    EXPECT_EQ(refls.rowCount(), 4);
-    ASSERT_EQ(notified.size(), 2);
-    EXPECT_EQ(notified.first().first().toString(),
-              "Only 4 reflectograms can be loaded at the same time.\nPlease, remove one or more "
-              "from the \"Reflectograms\" table");
-}
-
-TEST_F(Keeping, LoadsTheFileThatIsPickedInTheStorageDirectory)
-{
-    QDir().mkpath(stored(""));
-    const QString file = files.write("home/otdr/a.sor", SorSketch::plain());
-    const auto pick = [&](bool accept) {
-        QTimer::singleShot(0, [&, accept] {
-            auto* picker = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
-            ASSERT_NE(picker, nullptr);
-            EXPECT_EQ(picker->directory().absolutePath(), keeper.storeDir());
-            EXPECT_EQ(picker->nameFilters(), QStringList("*.sor"));
-            picker->selectFile(file);
-            QMetaObject::invokeMethod(picker, accept ? "accept" : "reject");
-        });
-        return keeper.doLoad();
-    };
-    EXPECT_NE(pick(false), 0);
-    EXPECT_EQ(refls.rowCount(), 0);
-    EXPECT_EQ(pick(true), 0);
-    ASSERT_EQ(refls.rowCount(), 1);
-    EXPECT_EQ(refls.refls().first().fileName(), file);
 }
 
 TEST_F(Keeping, SavingIsOffWithoutATraceAndDuringARun)

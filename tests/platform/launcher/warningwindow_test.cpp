@@ -59,12 +59,15 @@ TEST(WarningWindow, ClosesOnEscape)
 TEST(WarningWindow, BreaksALongPathInsteadOfCuttingIt)
 {
     WarningWindow window;
-    const QString text = "Saved to:\n" + QString(200, 'W') + ".sor";
+    const QString text =
+        "Saved to:\n" + QString(200, 'W') + ".sor\n" + QString(200, 'W') + ".html\n";
     window.show(text);
     const auto* label = window.findChild<QLabel*>();
     EXPECT_EQ(window.text(), text);
     EXPECT_LE(window.width(), 780);
-    EXPECT_GE(label->height(), 5 * label->fontMetrics().height()) << "it stands on one line";
+    EXPECT_GE(label->height(), 9 * label->fontMetrics().height()) << "it stands on few lines";
+    EXPECT_GE(label->height(), label->heightForWidth(label->width())) << "the end is cut";
+    EXPECT_LE(window.height(), 460);
     EXPECT_LE(label->minimumSizeHint().width(), label->width());
     window.hide();
     window.show("short words");
