@@ -35,13 +35,10 @@ public:
     void put(Event& event, double index) const
     {
         event.position = std::lround(index - zero);
-        event.coordinate = metres(index);
+        // That of the sample: tables tell it, and a file is to tell the same.
+        event.coordinate = static_cast<double>(event.position)
+            * state.trace->axis().sampleInterval_ns * state.metresPerNs();
         event.width = state.pulse_ns * state.metresPerNs();
-    }
-
-    [[nodiscard]] double metres(double index) const
-    {
-        return state.trace->distanceAt(index, state.metresPerNs());
     }
 
 private:
@@ -71,7 +68,9 @@ Event fibreOf(const otdr::DetectedSection& section, const Places& places)
     Event event;
     event.type = Event::Fiber;
     places.put(event, section.from);
-    event.length = places.metres(section.to) - places.metres(section.from);
+    Event end;
+    places.put(end, section.to);
+    event.length = end.coordinate - event.coordinate;
     event.loss = section.loss_dB;
     event.orl = section.returnLoss_dB;
     return event;

@@ -149,9 +149,8 @@ TEST_F(ReadBack, EventsOfTheScreenAreThoseOfTheFile)
         EXPECT_EQ(event["number"].toInt(), i + 1);
         EXPECT_EQ(event["kind"].toString(), QString(QLatin1Char(shown[i].type)));
         expectValue(event["distance_m"], shown[i].coordinate, kPlaceStep_m, name + "distance");
-        // Tables and markers show the sample that is next to it.
         EXPECT_NEAR(event["distance_m"].toDouble(), measured.smpl2dist(shown[i].position),
-                    measured.smpl2dist(0.5) + kPlaceStep_m)
+                    kPlaceStep_m)
             << name << "sample";
         expectValue(event["loss_db"], shown[i].loss, kHalfLossStep_dB, name + "loss");
         expectValue(event["reflectance_db"], shown[i].reflectance, kHalfLossStep_dB,

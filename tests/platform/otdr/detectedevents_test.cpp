@@ -243,7 +243,8 @@ TEST(DetectedEvents, PositionsAreRoundedToTheNextSample)
     const EventList events = eventListOf(detection, state);
     EXPECT_EQ(events[0].position, 500);
     EXPECT_EQ(events[1].position, 1501);
-    EXPECT_NEAR(events[1].coordinate, 1500.6 * 10.0 * state.metresPerNs(), 1e-9);
+    EXPECT_NEAR(events[1].coordinate, 1501.0 * 10.0 * state.metresPerNs(), 1e-9)
+        << "a table tells the sample; a file is to tell the same";
 }
 
 } // namespace
