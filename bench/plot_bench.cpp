@@ -1,7 +1,7 @@
 // Redrawing four traces on a canvas of 1280 x 720: the curve of this application, whatever the
 // length of its trace, beside plain plot curves that draw all samples.
 
-#include "platform/otdr/core/snapshot.h"
+#include "bench/benchtrace.h"
 #include "platform/otdr/decimize.h"
 #include "plot/plot.h"
 #include "plot/reflcurve.h"
@@ -10,62 +10,15 @@
 #include <qwt_plot_curve.h>
 
 #include <QApplication>
-#include <QFile>
-#include <QTemporaryDir>
 
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
-#include <cmath>
-#include <map>
 #include <memory>
-#include <random>
 #include <vector>
 
 namespace {
 
 constexpr int kCurves = 4;
-constexpr double kRange_m = 50000.0;
-
-/// A trace as instruments take them: a sloping line with noise, two reflections, then the noise
-/// floor.
-std::vector<std::uint16_t> samples(std::size_t count, unsigned int seed)
-{
-    std::mt19937 random(seed);
-    std::normal_distribution<double> noise;
-    std::vector<std::uint16_t> counts(count);
-    for (std::size_t i = 0; i < count; ++i) {
-        const double place = static_cast<double>(i) / static_cast<double>(count);
-        const double line_dB = 40.0 - 15.0 * place - 3.0 * seed;
-        const double level_dB =
-            place < 0.8 ? line_dB + 0.05 * noise(random) : std::max(0.0, 8.0 + 3.0 * noise(random));
-        const bool reflection = i == count / 3 || i == count / 2;
-        counts[i] = static_cast<std::uint16_t>(65535 - 1000 * (reflection ? 45.0 : level_dB));
-    }
-    return counts;
-}
-
-const Reflectogram& trace(std::size_t count, unsigned int seed)
-{
-    static std::map<std::pair<std::size_t, unsigned int>, Reflectogram> made;
-    Reflectogram& refl = made[{count, seed}];
-    if (!refl.isValid()) {
-        const QTemporaryDir dir;
-        const QString name = dir.filePath("trace.bin");
-        otdr::Snapshot snapshot;
-        snapshot.sampleInterval_ns = kRange_m / 0.1 / static_cast<double>(count);
-        snapshot.wavelength_nm = 1550;
-        snapshot.pulse_ns = 100;
-        snapshot.samples = otdr::RawSamples(samples(count, seed));
-        const std::vector<std::byte> bytes = otdr::encodeSnapshot(snapshot);
-        QFile file(name);
-        file.open(QIODevice::WriteOnly);
-        file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<qint64>(bytes.size()));
-        file.close();
-        refl = Reflectogram(name, WfMeasParams());
-    }
-    return refl;
-}
 
 /// The chart with a canvas of 1280 x 720, painted at once when replot() is called.
 std::unique_ptr<Waveform::Plot> chart(double from_m, double to_m)
@@ -91,7 +44,7 @@ void redraw(benchmark::State& state, double from_m, double to_m)
     std::vector<std::unique_ptr<ReflCurve>> curves;
     for (unsigned int i = 0; i < kCurves; ++i) {
         curves.push_back(std::make_unique<ReflCurve>(
-            plot->clip(), trace(static_cast<std::size_t>(state.range(0)), i), Qt::darkBlue));
+            plot->clip(), benchTrace(static_cast<std::size_t>(state.range(0)), i), Qt::darkBlue));
         curves.back()->attach(plot.get());
     }
     plot->replot();
@@ -105,7 +58,7 @@ void redraw(benchmark::State& state, double from_m, double to_m)
 
 void BM_RedrawFullView(benchmark::State& state)
 {
-    redraw(state, 0.0, kRange_m);
+    redraw(state, 0.0, kBenchRange_m);
 }
 
 void BM_RedrawZoomed(benchmark::State& state)
@@ -121,11 +74,11 @@ void BM_RedrawSticksApart(benchmark::State& state)
 /// The yardstick: the library's own curve with every sample.
 void BM_RedrawPlainCurves(benchmark::State& state)
 {
-    const auto plot = chart(0.0, kRange_m);
+    const auto plot = chart(0.0, kBenchRange_m);
     std::vector<std::unique_ptr<QwtPlotCurve>> curves;
     for (unsigned int i = 0; i < kCurves; ++i) {
-        const Reflectogram& refl = trace(static_cast<std::size_t>(state.range(0)), i);
-        const QPolygonF all = Decimize(refl, true)({0.0, 2.0 * kRange_m, 1 << 30});
+        const Reflectogram& refl = benchTrace(static_cast<std::size_t>(state.range(0)), i);
+        const QPolygonF all = Decimize(refl, true)({0.0, 2.0 * kBenchRange_m, 1 << 30});
         curves.push_back(std::make_unique<QwtPlotCurve>());
         curves.back()->setSamples(all);
         curves.back()->setPen(Qt::darkBlue, 1.0);
@@ -143,7 +96,7 @@ void BM_RedrawPlainCurves(benchmark::State& state)
 /// What the chart costs without any curve: canvas, grid, axes.
 void BM_RedrawEmptyChart(benchmark::State& state)
 {
-    const auto plot = chart(0.0, kRange_m);
+    const auto plot = chart(0.0, kBenchRange_m);
     plot->replot();
     for (auto _ : state) {
         plot->replot();
@@ -153,8 +106,9 @@ void BM_RedrawEmptyChart(benchmark::State& state)
 /// Sampling a curve for a new view.
 void BM_Rescale(benchmark::State& state)
 {
-    const auto plot = chart(0.0, kRange_m);
-    ReflCurve curve(plot->clip(), trace(static_cast<std::size_t>(state.range(0)), 0), Qt::black);
+    const auto plot = chart(0.0, kBenchRange_m);
+    ReflCurve curve(plot->clip(), benchTrace(static_cast<std::size_t>(state.range(0)), 0),
+                    Qt::black);
     const wf_clip_t clip = plot->clip();
     for (auto _ : state) {
         curve.scale(clip);

@@ -25,11 +25,13 @@ std::vector<std::size_t> StickColumns::borders(const TraceState& state, const Qw
                                                double pixelRatio) const
 {
     const auto count = static_cast<double>(state.trace->size());
+    const double metresPerNs = state.metresPerNs();
     std::vector<std::size_t> result;
     result.reserve(top.size() + 1);
     for (std::size_t column = 0; column <= top.size(); ++column) {
         const double left = area.left() + static_cast<double>(column) - 0.5;
-        const double index = std::ceil(state.indexAt(xMap.invTransform(left / pixelRatio)));
+        const double distance_m = xMap.invTransform(left / pixelRatio);
+        const double index = std::ceil(state.trace->sampleAt(distance_m, metresPerNs));
         const double inside = index > 0.0 ? std::min(index, count) : 0.0; // 0 for what is no number
         const auto border = static_cast<std::size_t>(inside);
         result.push_back(result.empty() ? border : std::max(border, result.back()));
