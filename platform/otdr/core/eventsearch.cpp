@@ -42,6 +42,9 @@ constexpr double kMisfitPart = 0.2;
 /// However weak a reflection may be that is listed, it stands as high as this: fibre is not even.
 constexpr double kLeastPeak_dB = 0.02;
 
+/// Lines beside an event are sought in no less, however far apart the samples lie.
+constexpr double kFewestSamples = 8.0;
+
 SearchScale scaleOf(const Trace& trace, const Measurement& measurement,
                     const DetectionSettings& settings)
 {
@@ -53,8 +56,9 @@ SearchScale scaleOf(const Trace& trace, const Measurement& measurement,
                                   PulseShape::kShortestTimeConstant_ns / interval_ns);
     scale.kilometre = spacing_m > 0.0 ? 1000.0 / spacing_m : 0.0;
     const auto size = static_cast<double>(trace.size());
-    scale.longestWindow =
-        spacing_m > 0.0 ? std::min(size, settings.longestWindow_m / spacing_m) : size;
+    scale.longestWindow = spacing_m > 0.0
+        ? std::min(size, std::max(kFewestSamples, settings.longestWindow_m / spacing_m))
+        : size;
     return scale;
 }
 

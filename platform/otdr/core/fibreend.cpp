@@ -6,7 +6,6 @@
 #include <cmath>
 #include <cstddef>
 #include <optional>
-#include <vector>
 
 namespace otdr {
 
@@ -152,18 +151,18 @@ private:
         const double length = std::max({32.0, std::ceil(w), std::floor(trace.size() / 8192.0)});
         const double least = trace.noise().rms_dB() + kVisible_dB;
         const std::size_t stride = std::max<std::size_t>(1, static_cast<std::size_t>(length / 32));
-        std::vector<double> levels;
         double last = from;
         int missing = 0;
         for (double at = from; at + length <= trace.size() && missing < 4; at += length) {
-            levels.clear();
             const auto begin = static_cast<std::size_t>(at);
-            for (std::size_t i = 0; i < static_cast<std::size_t>(length); i += stride) {
-                levels.push_back(trace.samples().level_dB(begin + i));
+            const std::size_t end = begin + static_cast<std::size_t>(length);
+            std::size_t lit = 0;
+            std::size_t all = 0;
+            for (std::size_t i = begin; i < end; i += stride) {
+                lit += trace.samples().level_dB(i) > least ? 1 : 0;
+                ++all;
             }
-            const auto middle = levels.begin() + static_cast<std::ptrdiff_t>(levels.size() / 2);
-            std::nth_element(levels.begin(), middle, levels.end());
-            missing = *middle > least ? 0 : missing + 1;
+            missing = 2 * lit >= all ? 0 : missing + 1;
             last = missing == 0 ? at + length : last;
         }
         return last + 2.0 * length > trace.size() ? trace.size() - 1.0 : last;

@@ -64,11 +64,12 @@ double meanLevel(const Trace& trace, std::size_t first, std::size_t last)
                             + static_cast<double>(sums.y) / static_cast<double>(sums.samples));
 }
 
-double medianOf(std::vector<double>& values)
+template <typename Number>
+double medianOf(std::vector<Number>& values)
 {
     const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
     std::nth_element(values.begin(), middle, values.end());
-    return *middle;
+    return static_cast<double>(*middle);
 }
 
 } // namespace
@@ -93,21 +94,21 @@ void NoiseProfile::measureScatter(const Trace& trace, double pulse)
     const std::size_t lag = std::clamp<std::size_t>(static_cast<std::size_t>(std::lround(pulse)), 1,
                                                     std::max<std::size_t>(1, n / 8));
     const std::size_t stride = std::max<std::size_t>(1, blockSize / kDifferencesPerBlock);
-    std::vector<double> differences;
+    const RawSamples& counts = trace.samples();
+    const double perCount = trace.dbPerCount() / (kMedianOfNormal * std::sqrt(6.0));
+    std::vector<int> differences;
     for (std::size_t begin = first; begin < last; begin += blockSize) {
         differences.clear();
         const std::size_t end = std::min(last, begin + blockSize);
         // A short last block looks further back.
         const std::size_t from = end - std::min(end - first, blockSize);
         for (std::size_t i = std::max(from, first + lag); i < end && i + lag < last; i += stride) {
-            differences.push_back(std::abs(trace.level_dB(i - lag) - 2.0 * trace.level_dB(i)
-                                           + trace.level_dB(i + lag)));
+            differences.push_back(
+                std::abs(int {counts[i - lag]} - 2 * int {counts[i]} + int {counts[i + lag]}));
         }
         double sigma = sigmas.empty() ? kLeastSigma_dB : sigmas.back();
         if (differences.size() >= kFewestDifferences || sigmas.empty()) {
-            sigma = differences.empty()
-                ? kLeastSigma_dB
-                : medianOf(differences) / (kMedianOfNormal * std::sqrt(6.0));
+            sigma = differences.empty() ? kLeastSigma_dB : medianOf(differences) * perCount;
         }
         sigmas.push_back(std::clamp(sigma, kLeastSigma_dB, kMostSigma_dB));
     }
