@@ -107,6 +107,9 @@ void ReflsTableView::mouseDoubleClickEvent(QMouseEvent* event)
 {
     showMenu(event->pos());
     QTableView::mouseDoubleClickEvent(event);
+    // Qt makes a press of one whose first tap was on rows that were reset since; the menu has the
+    // release.
+    stopLongTapTimer();
 }
 
 void ReflsTableView::timerEvent(QTimerEvent* event)

@@ -28,6 +28,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QResizeEvent>
+#include <QScopedValueRollback>
 
 namespace Waveform {
 
@@ -35,7 +36,6 @@ namespace {
 
 constexpr int kBottomPanelHeight = 78;
 const QSize kActionButtonSize(100, 52);
-
 constexpr int kAnimationPoints = 3;
 constexpr int kAnimationStep_ms = 500;
 
@@ -139,7 +139,9 @@ QList<QObject*> Window::eventFilters() const
 
 bool Window::eventFilter(QObject* /*object*/, QEvent* event)
 {
-    if (event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease) {
+    const bool isKey = event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease;
+    if (isKey && event != forwarded) { // what the window leaves comes up to the frame again
+        const QScopedValueRollback<QEvent*> once(forwarded, event);
         QApplication::instance()->notify(this, event);
     }
     return false;
@@ -299,9 +301,8 @@ void Window::updateMeased(QString reflFileName, WfMeasParams params)
 
 void Window::updateCountdownText(int rTime, int wavelength)
 {
-    const bool realtime = configured("duration").toInt() == 0;
-    setActionButtonText(realtime ? realtimeCaption(wavelength)
-                                 : countdownCaption(wavelength, rTime));
+    const bool timed = configured("duration").toInt() != 0;
+    setActionButtonText(timed ? countdownCaption(wavelength, rTime) : realtimeCaption(wavelength));
     actionButton()->setEnabled(true);
 }
 

@@ -47,7 +47,7 @@ public:
 
     [[nodiscard]] bool isScalable() const override { return true; }
 
-    /// Forwards the keys of whatever it watches to the window; for the host's frame.
+    /// Forwards the keys of whatever it watches to the window, each once; for the host's frame.
     bool eventFilter(QObject* object, QEvent* event) override;
     [[nodiscard]] QList<QObject*> eventFilters() const override;
 
@@ -131,6 +131,7 @@ private:
     std::unique_ptr<MainTrace> mainTrace;
     std::unique_ptr<RunTraces> run;
     TextualAnimator animator;
+    QEvent* forwarded = nullptr; ///< the key that the window is being given for the frame
     ZuConfigModel* config;
     SettingsPanel* settings = nullptr;
     WarningWindow* warning = nullptr;

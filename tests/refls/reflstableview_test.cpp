@@ -166,6 +166,19 @@ TEST_F(Table, DoubleTapOpensTheMenu)
     EXPECT_TRUE(menu()->isVisible());
 }
 
+TEST_F(Table, MenuOfADoubleTapStaysClosedWhereTheTableWasResetBetweenTheTaps)
+{
+    load(2);
+    const QPoint row = placeOf(1);
+    QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, row);
+    model.update(); // as when a computation in the background has ended
+    QTest::mouseDClick(view.viewport(), Qt::LeftButton, {}, row);
+    ASSERT_TRUE(menu()->isVisible());
+    menu()->close();
+    QTest::qWait(kLongTap_ms + 200);
+    EXPECT_FALSE(menu()->isVisible());
+}
+
 TEST_F(Table, TapOutsideTheRowsOpensNoMenu)
 {
     load(1);

@@ -1,6 +1,7 @@
 // The window while the acquisition program runs.
 
 #include "events/eventmarkersview.h"
+#include "plot/qmminiplot.h"
 #include "tests/support/warnings.h"
 #include "tests/window/screen.h"
 #include "window/window.h"
@@ -132,6 +133,23 @@ TEST_F(Measuring, RefreshUpdatesTheTraceAndAddsNone)
     EXPECT_NEAR(curve->sample(static_cast<int>(curve->dataSize()) - 1).x(), 3000.0, 15.0);
 }
 
+TEST_F(Measuring, OverviewShowsEachSnapshot)
+{
+    const auto overview = [this] { return window->findChild<QmMiniPlot*>()->grab().toImage(); };
+    programs.make("wfgather",
+                  "printf '1 G {;'; sleep 0.1;" + traceStart(1, 1, 1550)
+                      + snapshot(TraceBuilder().fibre(2_km)) + "sleep 0.4;"
+                      + snapshot(TraceBuilder().fibre(2_km).splice(1_km, 10_dB))
+                      + "printf '4 M };7 G };'");
+    const QImage empty = overview();
+    press();
+    ASSERT_TRUE(QTest::qWaitFor([this] { return refls()->rowCount() == 1; }, 5000));
+    const QImage first = overview();
+    EXPECT_NE(first, empty);
+    ASSERT_TRUE(waitForStop());
+    EXPECT_NE(overview(), first);
+}
+
 TEST_F(Measuring, BeginsWithTheFullViewOfItsRange)
 {
     load("a.sor");
@@ -203,6 +221,14 @@ TEST_F(Measuring, MainTraceOfARunCarriesTheInstrument)
 TEST_F(Measuring, ReturnLossOfAMeasuredTraceIsComputed)
 {
     runToEnd(QString(kOneTrace).arg(traceStart(1, 1, 1550), snapshot(TraceBuilder().fibre(2_km))));
+    const Reflectogram refl = refls()->mainRefl();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return refl.sorData()->keyEvents() != nullptr; }, 5000));
+}
+
+TEST_F(Measuring, ReturnLossNeedsNoAnalysis)
+{
+    runToEnd("printf '1 G {;'; sleep 0.1;" + traceStart(1, 1, 1550)
+             + snapshot(TraceBuilder().fibre(2_km)) + "printf '4 M };7 G };'");
     const Reflectogram refl = refls()->mainRefl();
     EXPECT_TRUE(QTest::qWaitFor([&] { return refl.sorData()->keyEvents() != nullptr; }, 5000));
 }

@@ -3,6 +3,8 @@
 
 #include <QCoreApplication>
 #include <QKeyEvent>
+#include <QLabel>
+#include <QVBoxLayout>
 
 namespace {
 
@@ -88,6 +90,19 @@ TEST_F(Zooming, EndsAtFiveSamplesAndGoesBackInOneTouch)
     EXPECT_EQ(view().height(), 50.0);
 }
 
+TEST_F(Zooming, EndsAtHalfAMetreAndATwentiethOfADecibel)
+{
+    SorSketch dense = SorSketch::plain();
+    dense.fxd.pulses.front().dataSpacing /= 100; // five samples are less
+    load("dense.sor", dense);
+    for (int i = 0; i < 40; ++i) {
+        QTest::keyClick(window.get(), Qt::Key_Right);
+        QTest::keyClick(window.get(), Qt::Key_Up);
+    }
+    EXPECT_NEAR(view().width(), 0.5, 1e-6);
+    EXPECT_NEAR(view().height(), 0.05, 1e-6);
+}
+
 TEST_F(Zooming, DragMovesTheTraceWithTheFinger)
 {
     touch("zoomInButton");
@@ -126,6 +141,47 @@ TEST_F(Zooming, KeysOfTheFrameReachTheWindow)
     const QRectF before = view();
     QTest::keyClick(&frame, Qt::Key_Right);
     EXPECT_LT(view().width(), before.width());
+}
+
+TEST_F(Zooming, OverviewShowsWhichPartIsSeen)
+{
+    const auto overview = [this] { return miniPlot()->grab().toImage(); };
+    touch("zoomInButton");
+    const QImage half = overview();
+    touch("zoomInButton");
+    const QImage quarter = overview();
+    EXPECT_NE(quarter, half);
+    drag(QPoint(300, 100), QPoint(-100, 0));
+    EXPECT_NE(overview(), quarter);
+}
+
+TEST_F(Zooming, OverviewFollowsTheHelixFactor)
+{
+    touch("zoomInButton");
+    const QImage before = miniPlot()->grab().toImage();
+    configure("helix", 10.0);
+    EXPECT_NE(miniPlot()->grab().toImage(), before);
+}
+
+TEST_F(Zooming, KeysThatTheWindowLeavesEndAtTheFrameAroundIt)
+{
+    QWidget frame;
+    auto* page = new QVBoxLayout(&frame);
+    auto* other = new QLabel(&frame);
+    page->addWidget(other);
+    page->addWidget(window.get());
+    frame.installEventFilter(window->eventFilters().first());
+    frame.show();
+    const QRectF before = view();
+    for (QWidget* pressed : QWidgetList {action(), window.get(), &frame}) {
+        QTest::keyClick(pressed, Qt::Key_A);
+    }
+    EXPECT_EQ(view(), before);
+    QTest::keyClick(action(), Qt::Key_Right);
+    EXPECT_DOUBLE_EQ(view().width(), before.width() / 2.0) << "not one step";
+    QTest::keyClick(other, Qt::Key_Left);
+    EXPECT_DOUBLE_EQ(view().width(), before.width()) << "not one step";
+    window->setParent(nullptr); // the fixture deletes it
 }
 
 TEST_F(Zooming, DeletingTheMainTraceHidesItsButtonAndTheOverview)
