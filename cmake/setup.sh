@@ -1,6 +1,6 @@
 # Installs what the build needs and is not there yet. Sourced by ./run, ./test and .ci/run.
 packages="g++ cmake ninja-build git qtbase5-dev libqwt-qt5-dev libgrantlee5-dev libmsgsl-dev libgtest-dev
-libgmock-dev libbenchmark-dev fonts-liberation"
+libgmock-dev libbenchmark-dev fonts-liberation fonts-dejavu-core"
 [ -z "${WAVEFORM_EXTRA_PACKAGES:-}" ] || packages="$packages $WAVEFORM_EXTRA_PACKAGES"
 
 missing=""
