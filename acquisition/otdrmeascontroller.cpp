@@ -1,5 +1,6 @@
 #include "acquisition/otdrmeascontroller.h"
 
+#include "acquisition/gathermessages.h"
 #include "platform/launcher/programs.h"
 
 #include <QDebug>
@@ -174,9 +175,7 @@ void OtdrMeasController::readGatherOutput()
     if (qEnvironmentVariableIsSet("WAVEFORM_SHOW_GATHER")) {
         qDebug() << "wfgather:" << bytes;
     }
-    QString text = QString::fromUtf8(bytes.constData()); // up to the first zero byte
-    text.replace('\n', ' ').replace('\r', ' ');
-    const QStringList messages = text.split(';', Qt::SkipEmptyParts);
+    const QStringList messages = gatherMessages(bytes);
     for (const QString& message : messages) {
         preprocessMsg(QString(message).remove(';'));
     }

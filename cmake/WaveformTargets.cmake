@@ -24,7 +24,9 @@ endif()
 set(WAVEFORM_SANITIZE "" CACHE STRING "Sanitizers for -fsanitize=, such as address,undefined or thread")
 
 add_library(waveform_options INTERFACE)
-target_compile_options(waveform_options INTERFACE -Wall -Wextra -Wpedantic -Werror)
+target_compile_options(waveform_options INTERFACE -Wall -Wextra -Wpedantic -Werror
+                       # Qt's logging macros leave their last argument out.
+                       $<$<CXX_COMPILER_ID:Clang>:-Wno-gnu-zero-variadic-macro-arguments>)
 target_include_directories(waveform_options INTERFACE ${PROJECT_SOURCE_DIR})
 if(WAVEFORM_SANITIZE)
     target_compile_options(waveform_options INTERFACE -fsanitize=${WAVEFORM_SANITIZE}

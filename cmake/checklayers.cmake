@@ -28,7 +28,7 @@ set(layers
     "programs/otdrinfo          platform/otdr platform/otdr/core"
     "tests/support              platform/otdr platform/otdr/core"
     "bench                      platform/otdr platform/otdr/core programs/wfgather plot events twomarkers tests/support"
-    "fuzz                       platform/otdr platform/otdr/core programs/wfgather tests/support")
+    "fuzz                       platform/otdr platform/otdr/core programs/wfgather acquisition tests/support")
 # The tests of a folder include what the folder may, the folder, other tests, and the core to compare with.
 
 # These know the standard library only.

@@ -13,9 +13,10 @@ double reflectance_dB(double height_dB, double backscatter_dB, double pulse_ns)
     if (!(height_dB > 0.0) || !(pulse_ns > 0.0)) {
         return std::numeric_limits<double>::quiet_NaN();
     }
-    // 10^(H/5) - 1 without losing a low peak in the subtraction.
-    const double excess = std::expm1(height_dB * std::log(10.0) / 5.0);
-    return backscatter_dB + 10.0 * std::log10(pulse_ns) + 10.0 * std::log10(excess);
+    // 10^(H/5) - 1 as 10^(H/5) (1 - 10^(-H/5)): a low peak is not lost in the subtraction, and that
+    // of a file with an absurd scale does not become infinite.
+    const double part = -std::expm1(-height_dB * std::log(10.0) / 5.0);
+    return backscatter_dB + 10.0 * std::log10(pulse_ns) + 2.0 * height_dB + 10.0 * std::log10(part);
 }
 
 double peakHeight_dB(double reflectance, double backscatter_dB, double pulse_ns)

@@ -323,6 +323,23 @@ TEST(EventDetection, ImpossibleMeasurementsGiveNothing)
     EXPECT_TRUE(otdr::detectEvents(*trace, {1e9, 0.1, -80.0}).events.empty());
 }
 
+TEST(EventDetection, FindsALossBetweenSamplesThatLieKilometresApart)
+{
+    std::mt19937 random(5);
+    std::normal_distribution<double> noise(0.0, 10.0);
+    std::vector<std::uint16_t> counts(400);
+    for (std::size_t i = 0; i < counts.size(); ++i) {
+        const double level = 20000.0 + 2.0 * static_cast<double>(i) + (i < 200 ? 0.0 : 1000.0);
+        counts[i] = static_cast<std::uint16_t>(level + noise(random));
+    }
+    const otdr::Trace trace(otdr::RawSamples(counts), 0.001, {1e5, 0.0}); // 10 km
+    const Detection found = otdr::detectEvents(trace, {1e5, 0.1, kBackscatter_dB});
+    const DetectedEvent* loss = nearest(found, 200.0);
+    ASSERT_NE(loss, nullptr);
+    EXPECT_NEAR(loss->index, 200.0, 3.0);
+    EXPECT_NEAR(loss->loss_dB, 1.0, 0.1);
+}
+
 TEST(EventDetection, WithoutAScaleInMetresPlacesAndLossesAreStillFound)
 {
     const TraceBuilder builder = link().splice(5_km, 0.2_dB);

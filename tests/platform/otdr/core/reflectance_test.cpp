@@ -60,6 +60,12 @@ TEST(Reflectance, GrowsByTenForTenTimesThePulse)
                 1e-12);
 }
 
+TEST(Reflectance, OfAPeakAsHighAsAnAbsurdScaleMakesItIsFinite)
+{
+    // Twice the height, and what the backscatter in a pulse of 100 ns returns.
+    EXPECT_NEAR(reflectance_dB(4000.0, -80.0, 100.0), 8000.0 - 60.0, 1e-6);
+}
+
 TEST(Reflectance, IsUnknownWithoutAPeakOrAPulse)
 {
     EXPECT_TRUE(std::isnan(reflectance_dB(0.0, -80.0, 100.0)));
