@@ -41,7 +41,8 @@ bool copiesToFlash()
 /// A path as the user knows it: without the home directory.
 QString shownPath(const QString& path)
 {
-    return QString(path).remove(qEnvironmentVariable("HOME") + "/");
+    const QString home = qEnvironmentVariable("HOME");
+    return home.isEmpty() ? path : QString(path).remove(home + "/"); // not every separator
 }
 
 } // namespace

@@ -27,9 +27,18 @@ bool flush(const QString& path)
     return file.open(QIODevice::ReadOnly) && ::fsync(file.handle()) == 0;
 }
 
+bool isSameFile(const QString& a, const QString& b)
+{
+    const QString real = QFileInfo(a).canonicalFilePath(); // empty where there is none
+    return !real.isEmpty() && real == QFileInfo(b).canonicalFilePath();
+}
+
 bool copyTo(const QString& dir, const QString& path)
 {
     const QString target = dir + QDir::separator() + QFileInfo(path).fileName();
+    if (isSameFile(path, target)) {
+        return true; // the drive is where everything is saved; to replace it would lose it
+    }
     if (QFile::exists(target)) {
         QFile::remove(target);
     }

@@ -16,7 +16,7 @@
   const steps = Math.floor(counts.length / perStep);
   const first = given("first");
   const step = given("step");
-  const whole = { start: first, end: first + (steps - 1) * step, low: given("low"), high: given("high") };
+  const whole = { start: first, end: first + Math.max(1, steps - 1) * step, low: given("low"), high: given("high") };
   const asWritten = { start: given("start"), end: given("end"), low: whole.low, high: whole.high };
   const shortest = Math.min(20 * step, asWritten.end - asWritten.start);
   let view = { ...asWritten };

@@ -3,6 +3,7 @@
 #include <QDateTime>
 #include <QDir>
 #include <QLocale>
+#include <QTextDocument>
 
 #include <algorithm>
 
@@ -48,7 +49,8 @@ QVariant FilesModel::data(const QModelIndex& index, int role) const
     case Qt::DisplayRole:
         return text(files.at(index.row()), index.column());
     case Qt::ToolTipRole:
-        return files.at(index.row()).absoluteFilePath();
+        // A name that looks like a tag would be taken for one.
+        return Qt::convertFromPlainText(files.at(index.row()).absoluteFilePath());
     case Qt::CheckStateRole:
         if (index.column() == Name) {
             return isChecked(index.row()) ? Qt::Checked : Qt::Unchecked;

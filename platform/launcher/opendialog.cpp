@@ -11,6 +11,7 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QScroller>
+#include <QTextDocument>
 #include <QTreeView>
 #include <QVBoxLayout>
 
@@ -141,11 +142,12 @@ QHBoxLayout* OpenDialog::newFoot()
 
 void OpenDialog::addPlace(const FileDialog::Place& place)
 {
-    const QString name = place.name.isEmpty() ? QDir(place.dir).dirName() : place.name;
+    QString name = place.name.isEmpty() ? QDir(place.dir).dirName() : place.name;
+    name.replace('&', "&&"); // which is no shortcut here
     auto* button = new TouchButton(name, this);
     button->setCheckable(true);
     button->setAutoDefault(false);
-    button->setToolTip(place.dir);
+    button->setToolTip(Qt::convertFromPlainText(place.dir)); // never taken for markup
     placesRow->insertWidget(places->buttons().size(), button);
     places->addButton(button);
     connect(button, &QPushButton::clicked, this, [this, dir = place.dir] { showPlace(dir); });

@@ -93,6 +93,16 @@ TEST_F(Keeping, SavesTheMainTraceUnderItsName)
     EXPECT_FALSE(waits.at(1).first().toBool());
 }
 
+TEST_F(Keeping, WithoutAHomeDirectoryPathsAreToldWhole)
+{
+    qunsetenv("HOME");
+    ZuLauncherConfig("paths", "otdr").store(files.path("otdr").mid(1)); // below the root
+    refls.addReflFromFile(files.write("a.sor", SorSketch::plain()));
+    EXPECT_EQ(keeper.doSave("link"), 0);
+    const QString told = notified.first().first().toString();
+    EXPECT_TRUE(told.contains(files.path("otdr/link.sor") + "\n")) << told.toStdString();
+}
+
 TEST_F(Keeping, SavesTracesMeasuredTogetherWithTheirWavelengths)
 {
     SorSketch other = SorSketch::plain();

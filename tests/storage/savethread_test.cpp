@@ -192,6 +192,20 @@ TEST_F(Save, CopiesAllThreeToTheFlashDriveAndReplacesWhatIsThere)
     EXPECT_EQ(QDir(thread.flashDir).entryList(QDir::Files).size(), 3);
 }
 
+TEST_F(Save, DriveThatIsWhereEverythingIsSavedLosesNothing)
+{
+    ASSERT_TRUE(QFile::link(files.path("."), files.path("link")));
+    for (const QString& drive : {files.path("."), files.path("link")}) {
+        thread.flashDir = drive;
+        run();
+        EXPECT_EQ(thread.result, 0);
+        EXPECT_TRUE(Reflectogram(thread.sor).isValid()) << drive.toStdString();
+        EXPECT_EQ(contents("out.html"), "report\n");
+        EXPECT_EQ(contents("out.png"), "picture\n");
+    }
+    EXPECT_FALSE(logged("can not copy"));
+}
+
 TEST_F(Save, PictureHasTheWholeNameOfItsReport)
 {
     thread.sor = files.path("north.2.sor");

@@ -12,6 +12,7 @@
 #include <QScrollBar>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTextDocument>
 #include <QTimer>
 #include <QTreeView>
 
@@ -193,6 +194,25 @@ TEST_F(Choosing, ShowsTheFlashDriveAsWell)
         picker.press("Load");
     });
     EXPECT_EQ(choose(), (QStringList {a, b}));
+}
+
+TEST_F(Choosing, NamesOfAForeignDriveAreTextAndNothingElse)
+{
+    const QString file = make("R&D <b>x/<i>y.sor");
+    const QString place = QFileInfo(file).path();
+    onDialog([&](const Picker& picker) {
+        const QPushButton* button = picker.button("R&&D <b>x");
+        ASSERT_NE(button, nullptr);
+        const auto shown = [](const QString& toolTip) {
+            QTextDocument text;
+            text.setHtml(toolTip);
+            return text.toPlainText().replace(QChar::Nbsp, ' ');
+        };
+        EXPECT_EQ(shown(button->toolTip()), place);
+        EXPECT_EQ(shown(picker.list->model()->index(0, 0).data(Qt::ToolTipRole).toString()), file);
+        EXPECT_EQ(picker.names(), QStringList("<i>y.sor"));
+    });
+    FileDialog::getOpenFileName(nullptr, "Open", place, ".sor");
 }
 
 TEST_F(Choosing, SaysThatThereIsNothing)
