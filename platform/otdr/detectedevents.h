@@ -7,7 +7,7 @@
 /// Finds the events of a trace, see otdr::detectEvents. Nothing on a state without a trace.
 [[nodiscard]] otdr::Detection detectionOf(const TraceState& state);
 
-/// What was found as an event list: the span start at 0 m, then events and the fibre sections between
-/// them, in order along the fibre. Echoes are left out: nothing is there. Without an end where the
-/// record does not reach that of the fibre.
+/// What was found as an event list: the span start at 0 m, then events and the fibre sections
+/// between them, in order along the fibre. Echoes are left out: nothing is there. Without an end
+/// where the record does not reach that of the fibre.
 [[nodiscard]] EventList eventListOf(const otdr::Detection& detection, const TraceState& state);

@@ -190,8 +190,8 @@ private:
         const double least = std::max(kSecondRise_dB, kSecondRiseSigmas * sigma);
         const auto end = static_cast<std::size_t>(
             std::clamp(group.behind, 0.0, trace.size() - 1.0 - static_cast<double>(lag)));
-        auto i = static_cast<std::size_t>(std::max(
-            0.0, first + std::max(trace.shape().riseTo(0.99), 0.5 * w) + static_cast<double>(lag)));
+        const double risen = std::max(trace.shape().riseTo(0.99), 0.5 * w);
+        auto i = lag + static_cast<std::size_t>(std::max(0.0, first + risen));
         for (; i < end; ++i) {
             if (level(i + lag) - level(i) < least || level(i) - level(i - lag) > 0.25 * least) {
                 continue;
