@@ -144,7 +144,7 @@ private:
         end.kind = DetectedEvent::Kind::End;
         end.group = group;
         end.index = extent.end;
-        end.behindFrom = extent.lastOfNoise;
+        end.behindFrom = extent.lastLit;
         const auto line = sites.fibre(sites.sites().size());
         if (line) {
             end.before = line->line;

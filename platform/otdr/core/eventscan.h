@@ -17,8 +17,8 @@ struct Candidate
 /// Places where the level changes for good, between `from` and `to`, in order.
 ///
 /// Two lines, before the place and behind the ramp of the pulse, each with a slope of its own, at
-/// windows of two dead zones and then twice as long each time: the statistic is their distance over
-/// its standard error. The strongest are taken first; a window that holds a stronger one says
+/// windows of 1.25 dead zones and then twice as long each time: the statistic is their distance
+/// over its standard error. The strongest are taken first; a window that holds a stronger one says
 /// nothing. Cost: proportional to to - from.
 [[nodiscard]] std::vector<Candidate> scanSteps(const FibreTrace& trace, double from, double to,
                                                double threshold);

@@ -17,13 +17,12 @@ constexpr double kLongestLaunchPulses = 30.0;
 /// A fibre that ended in the launch would leave no light for so many pulses.
 constexpr double kLitPulses = 150.0;
 
-/// Light that stands less than this above the RMS noise is taken for noise.
-constexpr double kVisible_dB = 0.0;
+/// What stands less than this above the RMS noise shows no fibre that could be measured.
 constexpr double kFibreAboveNoise_dB = 4.0;
 
-/// The launch is over where less than this is left of its peak, and its tail has gone.
+/// A launch that overloads the receiver is held at its top and then falls by this much, within so
+/// many pulses.
 constexpr double kLaunchFall_dB = 3.0;
-
 constexpr double kLongestOverloadPulses = 6.0;
 
 /// Lines beside the first event bear this much of the launch, dB: fibre close to it is worth more.
@@ -73,10 +72,10 @@ public:
         FibreExtent extent;
         extent.launch = trace.launch();
         extent.first = launchOver();
-        extent.lastOfNoise = lastVisible(extent.first);
-        extent.end = extent.lastOfNoise;
+        extent.lastLit = lastVisible(extent.first);
+        extent.end = extent.lastLit;
         const double step = std::max(1.0, std::floor(w / 2.0));
-        for (double at = extent.first + w; at < extent.lastOfNoise + w; at += step) {
+        for (double at = extent.first + w; at < extent.lastLit + w; at += step) {
             const double change = changeAt(at);
             if (!(std::abs(change) > threshold_dB) || !isLit(at)) {
                 continue;
@@ -84,7 +83,7 @@ public:
             // What falls or rises here does so not before the windows that it was seen with.
             const double from = at + 0.5 * w;
             at = behindPeak(at);
-            for (; at < extent.lastOfNoise + w && falls(at); at += step) { }
+            for (; at < extent.lastLit + w && falls(at); at += step) { }
             const double fibreFrom = std::max(extent.first, from - 20.0 * w);
             if (trace.mean_dB(at, at + w) > trace.mean_dB(from - w, from) + threshold_dB
                 || isLaunch(at, extent) || fibreFollows(fibreFrom, from, at)) {
@@ -130,7 +129,7 @@ private:
     [[nodiscard]] bool isLaunch(double at, const FibreExtent& extent) const
     {
         return at < extent.launch + kLongestLaunchPulses * w
-            && extent.lastOfNoise > at + kLitPulses * w;
+            && extent.lastLit > at + kLitPulses * w;
     }
 
     /// Behind the top of a peak that rises near an index, where light has come down again; the
@@ -149,7 +148,7 @@ private:
     [[nodiscard]] double lastVisible(double from) const
     {
         const double length = std::max({32.0, std::ceil(w), std::floor(trace.size() / 8192.0)});
-        const double least = trace.noise().rms_dB() + kVisible_dB;
+        const double least = trace.noise().rms_dB();
         const std::size_t stride = std::max<std::size_t>(1, static_cast<std::size_t>(length / 32));
         double last = from;
         int missing = 0;
@@ -183,11 +182,7 @@ private:
             || trace.mean_dB(at + kFallPulses * w, at + (kFallPulses + 1.0) * w) > least;
     }
 
-    [[nodiscard]] bool falls(double at) const
-    {
-        return changeAt(at) > threshold_dB
-            && trace.mean_dB(at - w, at) > trace.noise().rms_dB() + 1.0;
-    }
+    [[nodiscard]] bool falls(double at) const { return changeAt(at) > threshold_dB && isLit(at); }
 
     /// Whether what lies behind a fall is fibre again.
     [[nodiscard]] bool fibreFollows(double fibreFrom, double from, double to) const
