@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -31,16 +32,21 @@ struct Place
     std::uint16_t count = 0;
 };
 
-/// The best of n > 0 counts, the first of equal ones; one by one.
+/// The best of n > 0 counts, the first of equal ones; one by one. Count and place are compared as
+/// one number, which takes no branch: where the best stands is noise.
 [[nodiscard]] inline Place plainBest(const std::uint16_t* counts, std::size_t n, std::uint16_t flip)
 {
-    Place best {0, counts[0]};
+    constexpr int kPlaceBits = 48;
+    const auto ranked = [=](std::size_t i) {
+        const auto key = static_cast<std::uint64_t>(keyOf(counts[i], flip) + 0x8000);
+        return key << kPlaceBits | i;
+    };
+    std::uint64_t best = ranked(0);
     for (std::size_t i = 1; i < n; ++i) {
-        if (keyOf(counts[i], flip) < keyOf(best.count, flip)) {
-            best = {i, counts[i]};
-        }
+        best = std::min(best, ranked(i));
     }
-    return best;
+    const auto position = static_cast<std::size_t>(best & ((std::uint64_t {1} << kPlaceBits) - 1));
+    return {position, counts[position]};
 }
 
 constexpr std::size_t kGroup = 64; ///< counts of a group: two cache lines

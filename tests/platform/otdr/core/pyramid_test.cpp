@@ -232,16 +232,24 @@ TEST(Pyramid, TakesAtMostATwelfthOfTheMemoryOfTheSamples)
     }
 }
 
-TEST(ExtremeScan, VectorsAgreeWithThePlainLoop)
+TEST(ExtremeScan, FindsTheFirstOfTheSmallestAndOfTheLargest)
 {
     using namespace otdr::scan;
     for (std::size_t n = 1; n <= 300; ++n) {
-        const Counts counts = randomCounts(n, 65528, 65535, static_cast<unsigned>(n));
-        for (const std::uint16_t flip : {kSmallestFirst, kLargestFirst}) {
-            const Place expected = plainBest(counts.data(), n, flip);
-            const Place found = best(counts.data(), n, flip);
-            ASSERT_EQ(found.position, expected.position) << n;
-            ASSERT_EQ(found.count, expected.count) << n;
+        // Around the middle, where a count taken for a signed number would turn over, and at the
+        // end.
+        for (const int lowest : {32764, 65528}) {
+            const Counts counts = randomCounts(n, lowest, lowest + 7, static_cast<unsigned>(n));
+            const auto smallest = std::min_element(counts.begin(), counts.end());
+            const auto largest = std::max_element(counts.begin(), counts.end());
+            for (const auto& search : {best, plainBest}) {
+                const Place low = search(counts.data(), n, kSmallestFirst);
+                const Place high = search(counts.data(), n, kLargestFirst);
+                ASSERT_EQ(low.position, static_cast<std::size_t>(smallest - counts.begin())) << n;
+                ASSERT_EQ(low.count, *smallest) << n;
+                ASSERT_EQ(high.position, static_cast<std::size_t>(largest - counts.begin())) << n;
+                ASSERT_EQ(high.count, *largest) << n;
+            }
         }
     }
 }
