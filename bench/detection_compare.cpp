@@ -12,6 +12,7 @@
 #include "platform/otdr/core/soraxis.h"
 #include "platform/otdr/core/sorreader.h"
 #include "platform/otdr/core/sorvalues.h"
+#include "platform/otdr/core/storedthresholds.h"
 #include "platform/otdr/core/trace.h"
 
 #include <algorithm>
@@ -81,7 +82,8 @@ public:
         const auto start = std::chrono::steady_clock::now();
         const double pulse_ns = otdr::sor::pulse_ns(file);
         detection =
-            otdr::detectEvents(trace, {pulse_ns, metresPerNs, otdr::sor::backscatter_dB(file)});
+            otdr::detectEvents(trace, {pulse_ns, metresPerNs, otdr::sor::backscatter_dB(file)},
+                               otdr::sor::storedThresholds(file));
         const std::chrono::duration<double, std::milli> took =
             std::chrono::steady_clock::now() - start;
         std::printf(

@@ -1,5 +1,7 @@
 #include "platform/otdr/detectedevents.h"
 
+#include "platform/otdr/core/storedthresholds.h"
+
 #include <cmath>
 
 namespace {
@@ -83,8 +85,9 @@ otdr::Detection detectionOf(const TraceState& state)
     if (!state.trace) {
         return {};
     }
-    return otdr::detectEvents(*state.trace,
-                              {state.pulse_ns, state.metresPerNs(), state.backscatter_dB});
+    return otdr::detectEvents(
+        *state.trace, {state.pulse_ns, state.metresPerNs(), state.backscatter_dB},
+        state.file ? otdr::sor::storedThresholds(*state.file) : otdr::DetectionSettings());
 }
 
 EventList eventListOf(const otdr::Detection& detection, const TraceState& state)

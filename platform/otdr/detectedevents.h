@@ -4,7 +4,8 @@
 #include "platform/otdr/event.h"
 #include "platform/otdr/tracestate.h"
 
-/// Finds the events of a trace, see otdr::detectEvents. Nothing on a state without a trace.
+/// Finds the events of a trace, see otdr::detectEvents, with the thresholds of its file where it
+/// has one. Nothing on a state without a trace.
 [[nodiscard]] otdr::Detection detectionOf(const TraceState& state);
 
 /// What was found as an event list: the span start at 0 m, then events and the fibre sections

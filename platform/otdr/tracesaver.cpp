@@ -3,6 +3,7 @@
 #include "platform/otdr/core/constants.h"
 #include "platform/otdr/core/loss.h"
 #include "platform/otdr/core/sorvalues.h"
+#include "platform/otdr/core/storedthresholds.h"
 #include "platform/otdr/reflectogram.h"
 
 #include <algorithm>
@@ -119,6 +120,7 @@ otdr::sor::File newFile(const TraceState& state)
         rounded<std::int32_t>(10.0 * static_cast<double>(state.trace->size())
                               * axis.sampleInterval_ns * state.metresPerNs());
     file.fxd.noiseFloorScale = 1000;
+    otdr::sor::storeThresholds(otdr::DetectionSettings(), file); // its events were found with these
     file.data.scaleFactor =
         rounded<std::uint16_t>(state.trace->dbPerCount() / otdr::kUsualDbPerCount * 1000.0);
     file.data.samples = state.trace->samples();

@@ -11,8 +11,14 @@ namespace otdr {
 
 namespace {
 
-/// A change so small that its mixture is known without a logarithm.
-constexpr double kSmall_dB = 0.4;
+/// A change of power, in nepers, for each decibel of the trace: ln(10) / 5.
+constexpr double kNepersPerDb = 0.46051701859880914;
+
+/// Light that is left where the lines tell none.
+constexpr double kLeastPart = 1e-6;
+
+/// A fit as good as this is beyond what samples tell.
+constexpr double kLeastSquares = 1e-12;
 
 double power(double level_dB)
 {
@@ -83,58 +89,86 @@ private:
     double width = 1.0;
 };
 
-/// How much of the way from one line to another is done where the ramp is at `part`: powers of both
-/// sides mix within the pulse, not levels. To the second order of a small change, else by the
-/// logarithm.
-class Mixture
-{
-public:
-    explicit Mixture(double change_dB)
-        : isSmall(std::abs(change_dB) < kSmall_dB)
-        , rest(power(-change_dB))
-        , logRest(std::log(rest))
-    {
-    }
-
-    [[nodiscard]] double at(double part) const
-    {
-        return isSmall ? part + 0.5 * part * (1.0 - part) * logRest
-                       : std::log1p(part * (rest - 1.0)) / logRest;
-    }
-
-private:
-    bool isSmall;
-    double rest;
-    double logRest;
-};
-
-/// What a stretch shows above the ramp between two lines.
+/// The ramp between two lines as a stretch would show it. While the pulse passes an event, powers
+/// of both sides add: each line by the part of the pulse that is still, or already, on its side.
 class Ramp
 {
 public:
-    Ramp(const Line& before, const Line& behind, double at)
-        : before(before)
-        , behind(behind)
-        , mixture(before.at(at) - behind.at(at))
+    Ramp(const Stretch& stretch, const Line& before, const Line& behind)
+        : stretch(stretch)
+        , decayBefore(-before.slope_dB * kNepersPerDb)
+        , decayBehind(-behind.slope_dB * kNepersPerDb)
     {
+        left.reserve(stretch.at.size());
+        for (const double at : stretch.at) {
+            left.push_back(std::exp((behind.at(at) - before.at(at)) * kNepersPerDb));
+        }
     }
 
-    [[nodiscard]] double level_dB(const PulseShape& shape, double foot, double index) const
+    /// Power at a value of the stretch over that of the line before.
+    [[nodiscard]] double part(const PulseShape& shape, double foot, std::size_t k) const
     {
-        const double mixed = mixture.at(shape.step(index - foot));
-        // While the pulse passes, the fibre on either side that is still seen lies, in the middle,
-        // half as far away as the sample has moved on.
-        const double from = foot + shape.centre() - 0.5 * shape.pulse();
-        const double to = from + shape.pulse();
-        const double near = index > from ? 0.5 * (index + from) : index;
-        const double far = index < to ? 0.5 * (index + to) : index;
-        return before.at(near) * (1.0 - mixed) + behind.at(far) * mixed;
+        const double over = stretch.at[k] - foot;
+        return std::max(kLeastPart,
+                        1.0 - shape.step(over, decayBefore)
+                            + shape.step(over, decayBehind) * left[k]);
     }
 
 private:
-    Line before;
-    Line behind;
-    Mixture mixture;
+    const Stretch& stretch;
+    double decayBefore;
+    double decayBehind;
+    std::vector<double> left; ///< power of the line behind over that of the line before
+};
+
+/// Light on a ramp: what a stretch shows, as powers over that of the line before, because light
+/// adds and levels do not.
+class LightOnRamp
+{
+public:
+    LightOnRamp(const FibreTrace& trace, const Stretch& stretch, const Line& before,
+                const Line& behind)
+        : shape(trace.shape())
+        , stretch(stretch)
+        , ramp(stretch, before, behind)
+    {
+        power.reserve(stretch.at.size());
+        for (std::size_t k = 0; k < stretch.at.size(); ++k) {
+            power.push_back(
+                std::exp((stretch.level_dB[k] - before.at(stretch.at[k])) * kNepersPerDb));
+        }
+    }
+
+    /// What is left with the best light at a foot, and without any.
+    struct Fit
+    {
+        double light = 0.0; ///< of the reflection, by the fibre before it
+        double shown = 0.0; ///< how many values show it, weighed
+        double squares = 0.0;
+        double plainSquares = 0.0;
+    };
+
+    [[nodiscard]] Fit at(double foot) const
+    {
+        Fit result;
+        double product = 0.0;
+        for (std::size_t k = 0; k < power.size(); ++k) {
+            const double part = shape.peak(stretch.at[k] - foot);
+            const double over = power[k] - ramp.part(shape, foot, k);
+            product += part * over;
+            result.shown += part * part;
+            result.plainSquares += over * over;
+        }
+        result.light = result.shown > 0.0 ? std::max(0.0, product / result.shown) : 0.0;
+        result.squares = std::max(0.0, result.plainSquares - result.light * product);
+        return result;
+    }
+
+private:
+    const PulseShape& shape;
+    const Stretch& stretch;
+    Ramp ramp;
+    std::vector<double> power;
 };
 
 } // namespace
@@ -142,34 +176,22 @@ private:
 PeakFit fitPeak(const FibreTrace& trace, double at, const Line& before, const Line& behind)
 {
     const double w = trace.scale().pulse;
-    const PulseShape& shape = trace.shape();
     const Stretch stretch(trace, at - 2.0 * w, at + w + 2.0 * trace.gap());
-    const Ramp ramp(before, behind, at);
-    double height = 0.0;
-    double shown = 0.0;
-    const auto cost = [&](double foot) {
-        double fit = 0.0;
-        double norm = 0.0;
-        double all = 0.0;
-        for (std::size_t k = 0; k < stretch.at.size(); ++k) {
-            const double part = shape.peak(stretch.at[k] - foot);
-            const double over = stretch.level_dB[k] - ramp.level_dB(shape, foot, stretch.at[k]);
-            fit += part * over;
-            norm += part * part;
-            all += over * over;
-        }
-        shown = norm;
-        height = norm > 0.0 ? std::max(0.0, fit / norm) : 0.0;
-        return all - height * fit;
+    const LightOnRamp fits(trace, stretch, before, behind);
+    const double grid = std::max(0.25, w / 6.0);
+    const auto leastAt = [&](auto LightOnRamp::Fit::*squares) {
+        return leastOf([&](double foot) { return fits.at(foot).*squares; }, at - w, at + w, grid);
     };
-    const double foot = leastOf(cost, at - w, at + w, std::max(0.25, w / 6.0));
-    const double squares = cost(foot);
-    const double samples = shown * stretch.step();
+    const double foot = leastAt(&LightOnRamp::Fit::squares);
+    const LightOnRamp::Fit best = fits.at(foot);
+    const double plain = fits.at(leastAt(&LightOnRamp::Fit::plainSquares)).plainSquares;
     const auto values = static_cast<double>(std::max<std::size_t>(1, stretch.at.size()));
-    return {foot, height,
-            trace.noise().sigma_dB(foot)
-                * std::sqrt(trace.noise().correlation() / std::max(1.0, samples)),
-            std::sqrt(std::max(0.0, squares) / values)};
+    const double variance = std::max(kLeastSquares, best.squares / values);
+    const double samples = std::max(1.0, best.shown * stretch.step());
+    return {foot, std::log1p(best.light) / kNepersPerDb,
+            trace.noise().sigma_dB(foot) * std::sqrt(trace.noise().correlation() / samples),
+            std::sqrt(best.squares / values) / kNepersPerDb,
+            std::sqrt(std::max(0.0, plain - best.squares) / variance)};
 }
 
 StepFit fitStep(const FibreTrace& trace, const PulseShape& shape, double at, double reach,
@@ -177,14 +199,18 @@ StepFit fitStep(const FibreTrace& trace, const PulseShape& shape, double at, dou
 {
     const double gap = trace.gap();
     const Stretch stretch(trace, at - 2.0 * gap, at + 3.0 * gap);
-    const Ramp ramp(before, behind, at);
+    const Ramp ramp(stretch, before, behind);
+    std::vector<double> over(stretch.at.size()); // nepers above the line before
+    for (std::size_t k = 0; k < over.size(); ++k) {
+        over[k] = (stretch.level_dB[k] - before.at(stretch.at[k])) * kNepersPerDb;
+    }
     const auto cost = [&](double foot) {
         double squares = 0.0;
-        for (std::size_t k = 0; k < stretch.at.size(); ++k) {
-            const double off = stretch.level_dB[k] - ramp.level_dB(shape, foot, stretch.at[k]);
+        for (std::size_t k = 0; k < over.size(); ++k) {
+            const double off = over[k] - std::log(ramp.part(shape, foot, k));
             squares += off * off;
         }
-        return squares;
+        return squares / (kNepersPerDb * kNepersPerDb);
     };
     const double foot =
         leastOf(cost, at - reach, at + reach, std::max(0.25, trace.scale().pulse / 6.0));

@@ -29,8 +29,8 @@ constexpr double kFootMargin = 1.0;
 /// Lines on both sides stray; they average over more than a pulse or two.
 constexpr double kWanders = 1.0;
 
-/// Losses so close, in dead zones, may be one; a single ramp explains them where it leaves no more
-/// than noise, or this part of the change.
+/// Losses or gains so close, in dead zones, may be one event; one explains them where it leaves no
+/// more than noise, or this part of the change.
 constexpr double kPairGaps = 2.0;
 constexpr double kPairSigmas = 1.5;
 constexpr double kPairPart = 0.03;
@@ -175,26 +175,44 @@ void EventSites::dropUnlikely(double loss_dB, double significance)
     }
 }
 
+/// The foot of the one event that explains two neighbours, where one does: a single ramp, or, of a
+/// gain with a loss behind it, a reflection between them.
+std::optional<double> EventSites::footOfBoth(const Site& first, const Site& second) const
+{
+    const double middle = 0.5 * (first.at + second.at);
+    const Line& before = first.left->line;
+    const Line& behind = second.right->line;
+    const double sigma = kPairSigmas * fibreTrace->noise().sigma_dB(middle);
+    const StepFit step = fitStep(*fibreTrace, fibreTrace->shape(), middle,
+                                 kPairGaps * fibreTrace->gap(), before, behind);
+    const double change = std::abs(before.at(step.foot) - behind.at(step.foot));
+    if (step.scatter_dB < std::max(sigma, kPairPart * change)) {
+        return step.foot;
+    }
+    if (first.loss_dB < 0.0 && second.loss_dB > 0.0) {
+        const PeakFit peak = fitPeak(*fibreTrace, middle, before, behind);
+        if (peak.scatter_dB < std::max(sigma, kPairPart * std::max(change, peak.height_dB))) {
+            return peak.foot;
+        }
+    }
+    return std::nullopt;
+}
+
 void EventSites::mergePairs()
 {
+    const double gap = fibreTrace->gap();
     for (std::size_t k = 0; k + 1 < places.size(); ++k) {
         const Site& first = places[k];
         const Site& second = places[k + 1];
-        const double gap = fibreTrace->gap();
         if (first.peak || second.peak || second.at - first.at > kPairGaps * gap || !first.left
             || !second.right) {
             continue;
         }
-        const double middle = 0.5 * (first.at + second.at);
-        const StepFit fit = fitStep(*fibreTrace, fibreTrace->shape(), middle, kPairGaps * gap,
-                                    first.left->line, second.right->line);
-        const double change = std::abs(first.left->at(fit.foot) - second.right->at(fit.foot));
-        const double most =
-            std::max(kPairSigmas * fibreTrace->noise().sigma_dB(middle), kPairPart * change);
-        if (fit.scatter_dB < most && fit.foot > fibreFrom(k) + kOwnLevelSamples) {
+        const std::optional<double> foot = footOfBoth(first, second);
+        if (foot && *foot > fibreFrom(k) + kOwnLevelSamples) {
             Site one;
-            one.at = fit.foot;
-            one.behind = fit.foot + gap;
+            one.at = *foot;
+            one.behind = *foot + gap;
             places[k] = one;
             places.erase(places.begin() + static_cast<std::ptrdiff_t>(k) + 1);
             measure(k);
@@ -247,7 +265,7 @@ void EventSites::findReflections(double leastHeight_dB, double significance)
             continue;
         }
         const PeakFit fit = fitPeak(*fibreTrace, site.at, site.left->line, site.right->line);
-        const double statistic = fit.height_dB / fit.error_dB;
+        const double statistic = std::min(fit.height_dB / fit.error_dB, fit.gain);
         const double most = (k + 1 < places.size() ? places[k + 1].at : end) - fibreTrace->gap();
         if (fit.height_dB > leastHeight_dB && statistic > significance && fit.foot < most
             && fit.foot > fibreFrom(k) + kOwnLevelSamples) {

@@ -45,8 +45,8 @@ public:
     /// loss is below loss_dB or below `significance` standard errors, and that reflect nothing.
     void dropUnlikely(double loss_dB, double significance);
 
-    /// Takes two neighbouring losses for one where a single ramp explains both, and measures all
-    /// anew.
+    /// Takes two neighbouring changes of level for one event where one explains both, a loss or a
+    /// reflection, and measures all anew.
     void mergePairs();
 
     /// Moves the places, by so many samples at most, to where the ramp of the pulse or the shape of
@@ -70,6 +70,7 @@ public:
 
 private:
     void measure(std::size_t k);
+    [[nodiscard]] std::optional<double> footOfBoth(const Site& first, const Site& second) const;
     void refinePeak(Site& site, double least, double most);
     [[nodiscard]] std::optional<SideLine> side(double from, double to) const;
     void findUsualSlope();

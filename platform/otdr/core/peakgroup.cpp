@@ -93,8 +93,8 @@ public:
             group.heights_dB.push_back(plateau(group.feet[i], next, peak));
         }
         group.saturated = hasLongTop(top);
-        group.feet.front() =
-            edgeOf(rough, top, group.saturated ? level(top) : fibre(top) + group.heights_dB[0]);
+        group.feet.front() = edgeOf(
+            rough, top, edge, group.saturated ? level(top) : fibre(top) + group.heights_dB[0]);
         return group;
     }
 
@@ -220,8 +220,9 @@ private:
     }
 
     /// Each sample of the rising edge tells by its part of the height how far behind the foot it
-    /// is; where the edge is too steep for that, the foot lies half a sample before it.
-    [[nodiscard]] double edgeOf(double rough, std::size_t top, double top_dB) const
+    /// is; where the edge is too steep for that, the foot lies half a sample before it. `edge`: by
+    /// how much, dB, the first sample behind `rough` stands above the fibre at least.
+    [[nodiscard]] double edgeOf(double rough, std::size_t top, double edge, double top_dB) const
     {
         const auto begin = static_cast<std::size_t>(std::max(0.0, rough));
         double sum = 0.0;
@@ -239,7 +240,10 @@ private:
             }
         }
         const double found = weights > 0.0 ? sum / weights : rough;
-        return std::clamp(found, rough - trace.shape().riseTo(kHighPart) - 1.0, rough + 1.0);
+        // Had it begun earlier, the samples before would stand above the fibre.
+        const double height = std::max(top_dB - fibre(top), 2.0 * edge);
+        const double unseen = (power(edge) - 1.0) / (power(height) - 1.0);
+        return std::clamp(found, rough - trace.shape().riseTo(unseen) - 1.0, rough + 1.0);
     }
 
     const FibreTrace& trace;

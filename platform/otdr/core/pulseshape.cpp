@@ -17,17 +17,15 @@ constexpr std::size_t kCells = 200;
 /// The tables end so many time constants behind the edges of the pulse: exp(-9) = 1e-4 is left.
 constexpr double kTimeConstants = 9.0;
 
-/// Running mean over the `width` entries before each.
+/// Running mean over the `width` cells before each entry; before the first there is nothing.
 std::vector<double> meanOver(const std::vector<double>& values, std::size_t width)
 {
     std::vector<double> means(values.size());
     double sum = 0.0;
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        const double before = i > 0 ? values[i - 1] : 0.0;
-        sum += 0.5 * (before + values[i]);
-        if (i >= width) {
-            const double old = i > width ? values[i - width - 1] : 0.0;
-            sum -= 0.5 * (old + values[i - width]);
+    for (std::size_t i = 1; i < values.size(); ++i) {
+        sum += 0.5 * (values[i - 1] + values[i]);
+        if (i > width) {
+            sum -= 0.5 * (values[i - width - 1] + values[i - width]);
         }
         means[i] = sum / static_cast<double>(width);
     }
@@ -56,9 +54,30 @@ PulseShape::PulseShape(double pulse, double timeConstant)
         value = level;
     }
     steps = meanOver(rises, kCells);
+    areas.resize(size);
+    for (std::size_t i = 1; i < size; ++i) {
+        areas[i] = areas[i - 1] + 0.5 * cell * (steps[i - 1] + steps[i]);
+    }
+    delay = static_cast<double>(size - 1) * cell - areas.back();
     length = static_cast<double>(size) * cell;
     half = static_cast<double>(std::lower_bound(steps.begin(), steps.end(), 0.5) - steps.begin())
         * cell;
+}
+
+// With k(t) for what the receiver has of the light of t samples ago, S the integral of k and M that
+// of t k(t), both from 0 to u: the light of u samples of a falling fibre is the integral of k(t)
+// exp(decay t), so that its part of the whole is (S + decay M) / (1 + decay M(infinity)). By parts,
+// M = u S - (area under S up to u), and M(infinity) is the mean delay.
+double PulseShape::step(double behind, double decay) const
+{
+    if (!(behind > 0.0)) {
+        return 0.0;
+    }
+    const double part = step(behind);
+    const auto last = static_cast<double>(areas.size() - 1) * cell;
+    const double moment = behind < last ? behind * part - at(areas, behind) : delay;
+    const double tilt = std::clamp(decay, -0.5 / delay, 0.5 / delay);
+    return std::clamp((part + tilt * moment) / (1.0 + tilt * delay), 0.0, 1.0);
 }
 
 double PulseShape::riseTo(double part) const

@@ -27,6 +27,11 @@ public:
     /// behind it.
     [[nodiscard]] double step(double behind) const { return at(steps, behind); }
 
+    /// The same in a fibre whose light falls as exp(-decay x) from sample to sample: what the pulse
+    /// has nearer by counts for more. To the first order of the decay within a pulse; steeper ones,
+    /// by more than half of it, are taken for that.
+    [[nodiscard]] double step(double behind, double decay) const;
+
     /// Part of the height of a reflection that shows `behind` samples behind the reflector.
     [[nodiscard]] double peak(double behind) const
     {
@@ -66,6 +71,8 @@ private:
     double half = 0.0;
     std::vector<double> rises; ///< the edge: what a step of the light becomes
     std::vector<double> steps; ///< its mean over the pulse
+    std::vector<double> areas; ///< samples' worth of step up to each entry
+    double delay = 0.0; ///< by which a step comes late, in the mean
 };
 
 } // namespace otdr

@@ -89,6 +89,16 @@ TEST(DetectedEvents, ListBeginsAtTheStartAndHasTheFibreBetweenTheEvents)
     }));
 }
 
+TEST(DetectedEvents, LossesBelowTheThresholdOfTheFileAreNotListed)
+{
+    TraceState state = stateOf(link());
+    auto file = std::make_shared<otdr::sor::File>();
+    state.file = file;
+    EXPECT_EQ(typesOf(eventsOf(state)), "sfnfrfe");
+    file->fxd.lossThreshold = 250;
+    EXPECT_EQ(typesOf(eventsOf(state)), "sfrfe");
+}
+
 TEST(DetectedEvents, EventStandsAtItsSampleAndAtItsDistance)
 {
     const TraceBuilder builder = link();

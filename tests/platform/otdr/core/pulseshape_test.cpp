@@ -32,13 +32,64 @@ TEST(PulseShape, StepNeverFalls)
     }
 }
 
-/// Half of a step shows half a pulse and the delay of the edges behind it: that of the boxes, a
-/// tenth of a pulse together, and of the pole.
-TEST(PulseShape, CentreIsHalfAPulseAndTheDelayOfTheReceiver)
+/// A step comes late by half a pulse, by half of both boxes, a tenth of a pulse together, and by
+/// the time constant of the pole: that is the area above it.
+TEST(PulseShape, DelayIsHalfAPulseAndThatOfTheReceiver)
+{
+    for (const double timeConstant : {4.0, 16.0, 50.0}) {
+        const PulseShape shape(50.0, timeConstant);
+        const double stride = 0.01;
+        double delay = 0.0;
+        for (double at = 0.5 * stride; at < shape.extent() + 50.0; at += stride) {
+            delay += stride * (1.0 - shape.step(at));
+        }
+        EXPECT_NEAR(delay, 0.6 * 50.0 + timeConstant, 0.01) << timeConstant;
+    }
+}
+
+TEST(PulseShape, CentreLiesNearTheDelay)
 {
     for (const double timeConstant : {1.0, 4.0}) {
         const PulseShape shape(40.0, timeConstant);
-        EXPECT_NEAR(shape.centre(), 0.5 * 40.0 + 0.1 * 40.0 + timeConstant, 0.4);
+        EXPECT_NEAR(shape.centre(), 0.6 * 40.0 + timeConstant, 0.4);
+    }
+}
+
+TEST(PulseShape, StepOfAFibreWithoutLossIsTheStep)
+{
+    const PulseShape shape(50.0, 5.0);
+    for (const double behind : {-1.0, 0.0, 10.0, 30.0, 70.0, 500.0}) {
+        EXPECT_NEAR(shape.step(behind, 0.0), shape.step(behind), 1e-12) << behind;
+    }
+}
+
+/// A rectangle of light in a fibre that loses a tenth of it within the pulse: the nearer part, sent
+/// last, counts for more. Of a pulse that reaches u of its width w behind an event,
+/// (exp(d u) - 1) / (exp(d w) - 1) lies there, by what a sample u late has lost less.
+TEST(PulseShape, StepInAFallingFibreWeighsWhatIsNearerMore)
+{
+    const double w = 1000.0;
+    const double decay = 0.1 / w;
+    const PulseShape shape(w, 0.01 * w);
+    const double late = 0.1 * w + 0.01 * w; // by the edges
+    for (const double part : {0.3, 0.5, 0.7}) {
+        const double expected = std::expm1(decay * part * w) / std::expm1(decay * w);
+        EXPECT_NEAR(shape.step(part * w + late, decay), expected, 1e-3) << part;
+        EXPECT_LT(shape.step(part * w + late, decay), shape.step(part * w + late) - 0.005) << part;
+    }
+}
+
+TEST(PulseShape, StepStaysBetweenNoneAndAllHoweverSteepTheFibre)
+{
+    const PulseShape shape(20.0, 2.0);
+    for (const double decay : {-5.0, -0.1, 0.1, 5.0}) {
+        for (double behind = -10.0; behind < 100.0; behind += 0.5) {
+            const double part = shape.step(behind, decay);
+            EXPECT_GE(part, 0.0);
+            EXPECT_LE(part, 1.0);
+        }
+        EXPECT_EQ(shape.step(0.0, decay), 0.0);
+        EXPECT_NEAR(shape.step(1e6, decay), 1.0, 1e-9);
     }
 }
 
@@ -58,6 +109,13 @@ TEST(PulseShape, RiseIsTheInverseOfTheEdge)
     for (const double part : {0.05, 0.3, 0.5, 0.9}) {
         EXPECT_NEAR(shape.peak(shape.riseTo(part)), part, 1e-3) << part;
     }
+}
+
+TEST(PulseShape, RiseStaysWithinTheEdge)
+{
+    const PulseShape shape(100.0, 8.0);
+    EXPECT_EQ(shape.riseTo(0.0), 0.0);
+    EXPECT_EQ(shape.riseTo(2.0), shape.extent());
 }
 
 /// A pole alone would leave exp(-t / tau) of the edge.
