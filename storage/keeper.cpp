@@ -6,6 +6,7 @@
 #include "platform/launcher/zuconfig.h"
 #include "platform/launcher/zuconfigmodel.h"
 #include "platform/launcher/zulauncherconfig.h"
+#include "platform/otdr/errorwords.h"
 #include "platform/otdrconfig/otdrconfig.h"
 #include "refls/reflstablemodel.h"
 #include "storage/savethread.h"
@@ -16,6 +17,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QHash>
 #include <QLocale>
 #include <QPointer>
 
@@ -25,7 +27,7 @@ namespace {
 
 constexpr unsigned long kSavePoll_ms = 5;
 
-/// How long a user who wants to quit waits for a report.
+/// How long a user who wants to quit waits for a report and for the copies.
 constexpr int kLeaveAfter_ms = 5000;
 
 QString subPath()
@@ -137,15 +139,12 @@ int Keeper::doSave(const QString& name)
         return -1;
     }
     const QPointer<Keeper> alive(this);
-    if (!leaveBy.isForever()) {
-        leaveBy = QDeadlineTimer(kLeaveAfter_ms); // the name was asked for meanwhile
-    }
+    const QStringList suffix = suffixes(group);
+    QDeadlineTimer leaveBy(QDeadlineTimer::Forever);
     int result = 0;
-    for (const Reflectogram& refl : group) {
-        const QString suffix =
-            group.size() > 1 ? "_" + QString::number(refl.wavelength()) + "nm" : QString();
-        const QString base = storeDir() + "/" + fileName + suffix;
-        const bool ok = saveOne(refl, base);
+    for (int i = 0; i < group.size(); ++i) {
+        const QString base = storeDir() + "/" + fileName + suffix[i];
+        const bool ok = saveOne(group[i], base, leaveBy);
         if (!alive) {
             return -1;
         }
@@ -156,12 +155,27 @@ int Keeper::doSave(const QString& name)
             result = -1;
         }
     }
-    leaveBy = QDeadlineTimer(QDeadlineTimer::Forever);
     return result;
 }
 
-/// Saves one trace while the event loop turns, in which even the keeper may go.
-bool Keeper::saveOne(const Reflectogram& refl, const QString& base)
+QStringList Keeper::suffixes(const QList<Reflectogram>& group)
+{
+    if (group.size() == 1) {
+        return {QString()};
+    }
+    QStringList suffixes;
+    QHash<int, int> times;
+    for (const Reflectogram& refl : group) {
+        const int time = ++times[refl.wavelength()];
+        const QString suffix = "_" + QString::number(refl.wavelength()) + "nm";
+        suffixes << (time == 1 ? suffix : suffix + "_" + QString::number(time));
+    }
+    return suffixes;
+}
+
+/// Saves one trace while the event loop turns, in which even the keeper may go. The time for that
+/// runs from when the user wants to leave.
+bool Keeper::saveOne(const Reflectogram& refl, const QString& base, QDeadlineTimer& leaveBy)
 {
     const QPointer<Keeper> alive(this);
     SaveThread thread;
@@ -175,6 +189,9 @@ bool Keeper::saveOne(const Reflectogram& refl, const QString& base)
     emit setWaitWindowVisible(true);
     thread.start();
     while (!thread.isFinished()) {
+        if (alive && isQuitWanted() && leaveBy.isForever()) {
+            leaveBy = QDeadlineTimer(kLeaveAfter_ms);
+        }
         if (!alive || leaveBy.hasExpired()) {
             thread.requestInterruption();
         }
@@ -185,13 +202,6 @@ bool Keeper::saveOne(const Reflectogram& refl, const QString& base)
         emit setWaitWindowVisible(false);
     }
     return thread.result == 0;
-}
-
-void Keeper::quitWanted()
-{
-    if (leaveBy.isForever()) {
-        leaveBy = QDeadlineTimer(kLeaveAfter_ms);
-    }
 }
 
 QString Keeper::savedMessage(const QString& base) const
@@ -229,7 +239,8 @@ int Keeper::doLoad()
     }
     const QPointer<Keeper> alive(this);
     const QStringList files = FileDialog::getOpenFileNames(
-        nullptr, {tr("Open reflectogram"), places(), ".sor", maxRefls - refls->rowCount()});
+        nullptr,
+        {tr("Open reflectogram"), places(), ".sor", maxRefls - refls->rowCount(), "loaded"});
     if (!alive) {
         return -1;
     }
@@ -237,7 +248,7 @@ int Keeper::doLoad()
     for (const QString& file : files) {
         emit loadRefl(file);
         if (refls->isNewRefl(file)) {
-            problems << Reflectogram(file).error(); // which names the file
+            problems << errorWords(Reflectogram(file).error()); // which names the file
         }
     }
     problems.removeAll(QString()); // nobody listens to what is to be loaded

@@ -7,7 +7,9 @@
 #include "platform/otdr/wfmeasparams.h"
 
 #include <QDeadlineTimer>
+#include <QList>
 #include <QString>
+#include <QStringList>
 #include <QVariantMap>
 
 #include <memory>
@@ -21,6 +23,9 @@ class Model;
 class ReflsTableModel;
 
 /// Saves the main trace with those measured together with it, and loads traces.
+///
+/// A report or a flash drive that hangs does not keep a user here who wants to leave: after 5 s it
+/// is given up; the traces are saved all the same.
 class Keeper : public AbstractKeeper
 {
     Q_OBJECT
@@ -34,10 +39,6 @@ public:
     int doSave(const QString& name) override;
     int doLoad() override;
     int doLoadFile(const QString& file) override;
-
-    /// A report that hangs must not keep the user here for ever: after 5 s it is given up; the
-    /// traces are saved all the same.
-    void quitWanted() override;
     [[nodiscard]] bool fileExists(const QString& name) const override;
     [[nodiscard]] QString reportAutoName() const override;
 
@@ -47,6 +48,14 @@ public:
 
     /// A file that goes with a saved one: beside it, under its name, with another extension.
     [[nodiscard]] static QString auxFileName(const QString& fileName, const QString& extension);
+
+    /// What is added to the name of a saved group for each of its traces, by their wavelengths:
+    /// nothing to a lone one. Where one wavelength was measured more than once, the later ones are
+    /// numbered, so that none replaces another.
+    [[nodiscard]] static QStringList suffixes(const QList<Reflectogram>& group);
+
+    /// A trace was saved under this path, which has no extension: the next automatic name is due.
+    void saveComplied(const QString& fileName);
 
     /// The path of the report's template for a locale such as "ru_RU": that configured for its
     /// language, or else for any. May be empty.
@@ -88,18 +97,17 @@ signals:
 private:
     [[nodiscard]] bool limitReached();
     [[nodiscard]] QVector<FileDialog::Place> places() const;
-    [[nodiscard]] bool saveOne(const Reflectogram& refl, const QString& base);
+    [[nodiscard]] bool saveOne(const Reflectogram& refl, const QString& base,
+                               QDeadlineTimer& leaveBy);
     [[nodiscard]] QString savedMessage(const QString& base) const;
-    void saveComplied(const QString& fileName);
 
     CardController* card;
     ReflsTableModel* refls;
-    Model* model = nullptr;
     bool measRunning = false;
     bool eventsFinding = false;
     int maxRefls = 4;
-    QDeadlineTimer leaveBy {QDeadlineTimer::Forever}; ///< of a save under way
     std::shared_ptr<FileNameConverter> nameConverter;
+    Model* model = nullptr;
 };
 
 } // namespace Waveform

@@ -1,14 +1,13 @@
 #include "storage/savethread.h"
 
 #include "platform/launcher/programs.h"
+#include "platform/otdr/wholefile.h"
+#include "storage/drivecopy.h"
 
 #include <QDebug>
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QProcess>
-
-#include <unistd.h>
 
 namespace Waveform {
 
@@ -17,38 +16,11 @@ namespace {
 /// How often a running generator is looked at for a wish to end it.
 constexpr int kLook_ms = 50;
 
+/// How long a killed generator may take to end; one that hangs in the system does not.
+constexpr int kKilled_ms = 1000;
+
 constexpr int kCrashed = -1;
 constexpr int kNotStarted = -2;
-
-/// Waits until a file is on its device: whoever is told of the copy may pull the drive.
-bool flush(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) && ::fsync(file.handle()) == 0;
-}
-
-bool isSameFile(const QString& a, const QString& b)
-{
-    const QString real = QFileInfo(a).canonicalFilePath(); // empty where there is none
-    return !real.isEmpty() && real == QFileInfo(b).canonicalFilePath();
-}
-
-bool copyTo(const QString& dir, const QString& path)
-{
-    const QString target = dir + QDir::separator() + QFileInfo(path).fileName();
-    if (isSameFile(path, target)) {
-        return true; // the drive is where everything is saved; to replace it would lose it
-    }
-    if (QFile::exists(target)) {
-        QFile::remove(target);
-    }
-    QFile source(path);
-    const bool copied = source.copy(target) && flush(target);
-    if (!copied) {
-        qDebug() << "can not copy" << path << "to" << target << source.errorString();
-    }
-    return copied;
-}
 
 } // namespace
 
@@ -60,6 +32,7 @@ void SaveThread::run()
     if (refl.isMeasured()) {
         refl.fillOrl(); // the file has the figures, whether or not a table asked for them
     }
+    OTDR::removeLeftovers(QFileInfo(sor).path()); // of saves that were killed
     QString reason;
     result = refl.save(sor, &reason);
     if (result != 0) {
@@ -108,10 +81,13 @@ int SaveThread::execute(const QString& program, const QStringList& arguments) co
 {
     QProcess process;
     process.setProcessChannelMode(QProcess::ForwardedChannels);
+    process.setStandardInputFile(QProcess::nullDevice()); // one that reads would wait for ever
     process.start(program, arguments);
     while (process.state() != QProcess::NotRunning && !process.waitForFinished(kLook_ms)) {
         if (isInterruptionRequested()) {
             process.kill();
+            process.waitForFinished(kKilled_ms);
+            return kCrashed;
         }
     }
     if (process.error() == QProcess::FailedToStart) {
@@ -126,9 +102,19 @@ bool SaveThread::copyFiles() const
     const QString picture = report.path() + QDir::separator() + report.completeBaseName() + ".png";
     bool copied = true;
     for (const QString& path : {sor, html, picture}) {
-        copied = copyTo(flashDir, path) && copied;
+        copied = copyToFlash(path) && copied;
     }
     return copied;
+}
+
+bool SaveThread::copyToFlash(const QString& path) const
+{
+    const QString target = flashDir + QDir::separator() + QFileInfo(path).fileName();
+    const QString reason = copyToDrive(path, target, [this] { return isInterruptionRequested(); });
+    if (!reason.isEmpty()) {
+        qDebug() << "can not copy" << path << "to" << target << reason;
+    }
+    return reason.isEmpty();
 }
 
 } // namespace Waveform

@@ -11,8 +11,9 @@ namespace Waveform {
 /// Writes one trace to its file, has its report made, and copies both to the flash drive, off the
 /// GUI thread.
 ///
-/// Fill in the members, start, wait; they are not to be touched in between. A report generator that
-/// does not come to an end is killed on requestInterruption(); the trace is whole by then.
+/// Fill in the members, start, wait; they are not to be touched in between. A report generator or a
+/// copy that does not come to an end is killed on requestInterruption(); the trace is whole by
+/// then.
 class SaveThread : public QThread
 {
     Q_OBJECT
@@ -41,6 +42,7 @@ private:
     int generateReport(const QString& sor, const QString& html, const QString& templ);
     [[nodiscard]] int execute(const QString& program, const QStringList& arguments) const;
     [[nodiscard]] bool copyFiles() const;
+    [[nodiscard]] bool copyToFlash(const QString& path) const;
 };
 
 } // namespace Waveform

@@ -94,7 +94,15 @@ int AbstractKeeper::doLoadFile(const QString& /*file*/)
     return -1;
 }
 
-void AbstractKeeper::quitWanted() { }
+void AbstractKeeper::quitWanted()
+{
+    leaving = true;
+}
+
+bool AbstractKeeper::isQuitWanted() const
+{
+    return leaving;
+}
 
 void AbstractKeeper::whileBusy(bool allowed, const std::function<void()>& work)
 {
@@ -102,6 +110,7 @@ void AbstractKeeper::whileBusy(bool allowed, const std::function<void()>& work)
         return;
     }
     const QPointer<AbstractKeeper> alive(this);
+    leaving = false;
     setBusy(true);
     work();
     if (alive) {

@@ -59,8 +59,9 @@ public:
 
 public slots:
     /// The user wants to leave while a save or a load is under way, and waits for its end; what may
-    /// take for ever is to end soon. In the base nothing is.
-    virtual void quitWanted();
+    /// take for ever is to end soon. The wish goes with the work: the next save knows nothing of
+    /// it.
+    void quitWanted();
 
     /// The buttons were pressed. Nothing happens while the button is off.
     ///
@@ -82,6 +83,9 @@ protected:
     void setMeasStartDate(const QDateTime& date);
     void setMeasStopDate(const QDateTime& date);
 
+    /// Whether the user waits to leave.
+    [[nodiscard]] bool isQuitWanted() const;
+
 private:
     [[nodiscard]] QString acceptedName();
 
@@ -98,4 +102,5 @@ private:
     bool saveWanted = false;
     bool loadWanted = true;
     bool busy = false;
+    bool leaving = false;
 };

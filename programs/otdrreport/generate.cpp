@@ -1,31 +1,15 @@
 #include "programs/otdrreport/generate.h"
 
-#include "platform/otdr/core/atomicfile.h"
 #include "platform/otdr/reflectogram.h"
+#include "platform/otdr/wholefile.h"
 #include "programs/otdrreport/page.h"
 #include "programs/otdrreport/picture.h"
 #include "programs/otdrreport/report.h"
 #include "programs/otdrreport/templatevalues.h"
 
-#include <QFile>
 #include <QFileInfo>
 
-#include <gsl/span>
-
 namespace otdrreport {
-
-namespace {
-
-/// Why a file could not be written; empty where it was.
-QString write(const QString& path, const QByteArray& bytes)
-{
-    const auto written = otdr::writeFileAtomically(
-        QFile::encodeName(path).toStdString(),
-        gsl::as_bytes(gsl::make_span(bytes.constData(), static_cast<std::size_t>(bytes.size()))));
-    return written ? QString() : QString::fromStdString(written.error().message);
-}
-
-} // namespace
 
 QString generate(const Request& request)
 {
@@ -47,8 +31,8 @@ QString generate(const Request& request)
     if (!page) {
         return QString::fromStdString(page.error().message);
     }
-    const QString problem = write(request.picture(), png);
-    return problem.isEmpty() ? write(request.html, *page) : problem;
+    const QString problem = OTDR::writeWholeFile(request.picture(), png);
+    return problem.isEmpty() ? OTDR::writeWholeFile(request.html, *page) : problem;
 }
 
 } // namespace otdrreport

@@ -1,4 +1,6 @@
 #include "platform/launcher/zulauncherconfig.h"
+#include "platform/otdr/core/sor.h"
+#include "platform/otdr/tracestate.h"
 #include "tests/storage/keeping.h"
 #include "tests/support/warnings.h"
 
@@ -121,6 +123,46 @@ TEST_F(Keeping, SavesTracesMeasuredTogetherWithTheirWavelengths)
     ASSERT_EQ(notified.size(), 2);
     EXPECT_EQ(notified.at(0).first().toString().count("_1550nm.html"), 1);
     EXPECT_EQ(notified.at(1).first().toString().count("_1310nm.html"), 1);
+}
+
+TEST_F(Keeping, TracesOfOneWavelengthInAGroupDoNotReplaceEachOther)
+{
+    for (const char* cable : {"first", "second", "third"}) {
+        SorSketch sketch = SorSketch::plain();
+        sketch.gen.cableId = cable;
+        refls.addReflFromFile(files.write(QString(cable) + ".sor", sketch));
+    }
+    const QList<Reflectogram> traces = refls.refls();
+    EXPECT_EQ(Keeper::suffixes(traces), QStringList({"_1550nm", "_1550nm_2", "_1550nm_3"}));
+    EXPECT_EQ(Keeper::suffixes({traces[0]}), QStringList {""});
+    refls.associate(traces[1], traces[0]);
+    refls.setMainRefl(traces[0]);
+    EXPECT_EQ(keeper.doSave("link"), 0);
+    EXPECT_EQ(QDir(stored("")).entryList({"*.sor"}),
+              QStringList({"link_1550nm.sor", "link_1550nm_2.sor"}));
+    const auto cable = [this](const char* name) {
+        return Reflectogram(stored(name)).state()->file->gen.cableId;
+    };
+    EXPECT_EQ(cable("link_1550nm.sor"), "first");
+    EXPECT_EQ(cable("link_1550nm_2.sor"), "second");
+    ASSERT_EQ(saved.size(), 2);
+    EXPECT_EQ(saved.at(1).first().toString(), stored("link_1550nm_2"));
+    EXPECT_TRUE(notified.at(1).first().toString().contains("otdr/link_1550nm_2.html"));
+}
+
+TEST_F(Keeping, TracesOfAGroupAreSavedOneAfterTheOther)
+{
+    makeReport("d=\"${4%/*}\"; mkdir \"$d/busy\" || exit 3; sleep 0.2; rmdir \"$d/busy\";"
+               "echo > \"$4\"");
+    refls.addReflFromFile(files.write("a.sor", SorSketch::plain()));
+    refls.addReflFromFile(files.write("b.sor", SorSketch::plain()));
+    refls.associate(refls.refls()[1], refls.refls()[0]);
+    EXPECT_EQ(keeper.doSave("link"), 0);
+    EXPECT_EQ(saved.size(), 2);
+    ASSERT_EQ(waits.size(), 4);
+    for (int i = 0; i < 4; ++i) {
+        EXPECT_EQ(waits.at(i).first().toBool(), i % 2 == 0) << i;
+    }
 }
 
 TEST_F(Keeping, TellsOfTheCopyOnTheFlashDrive)
@@ -274,72 +316,6 @@ TEST_F(Keeping, EventLoopTurnsDuringASave)
     QTimer::singleShot(0, [&turned] { turned = true; });
     EXPECT_EQ(keeper.doSave("link"), 0);
     EXPECT_TRUE(turned);
-}
-
-TEST_F(Keeping, SavingIsOffWithoutATraceAndDuringARun)
-{
-    EXPECT_FALSE(keeper.isSaveEnabled());
-    refls.addReflFromFile(files.write("a.sor", SorSketch::plain()));
-    EXPECT_TRUE(keeper.isSaveEnabled());
-    const QSignalSpy titles(&keeper, SIGNAL(setTitle(QString)));
-    EXPECT_FALSE(keeper.isMeasuring());
-    model.started(QString());
-    EXPECT_TRUE(keeper.isMeasuring());
-    EXPECT_TRUE(keeper.measStartDate().isValid());
-    EXPECT_FALSE(keeper.isSaveEnabled());
-    EXPECT_FALSE(keeper.isLoadEnabled());
-    ASSERT_EQ(titles.size(), 1);
-    EXPECT_EQ(titles.first().first().toString(), "Waveform");
-    model.stopped(QString());
-    EXPECT_FALSE(keeper.isMeasuring());
-    EXPECT_TRUE(keeper.measStopDate().isValid());
-    EXPECT_TRUE(keeper.isSaveEnabled());
-    EXPECT_TRUE(keeper.isLoadEnabled());
-    refls.deleteAllRefls();
-    refls.addReflFromFile(files.path("a.sor"));
-    refls.deleteRefl(0);
-    EXPECT_FALSE(keeper.isSaveEnabled());
-}
-
-TEST_F(Keeping, SavingIsOffWhileEventsAreSought)
-{
-    refls.addReflFromFile(files.write("a.sor", SorSketch::plain()));
-    keeper.setEventsFindingStatus(true);
-    EXPECT_FALSE(keeper.isSaveEnabled());
-    keeper.stopped(QString());
-    EXPECT_FALSE(keeper.isSaveEnabled());
-    refls.addReflFromFile(files.write("b.sor", SorSketch::plain()));
-    EXPECT_FALSE(keeper.isSaveEnabled());
-    keeper.setEventsFindingStatus(false);
-    EXPECT_TRUE(keeper.isSaveEnabled());
-}
-
-TEST_F(Keeping, ConfigurationOfTheMeasurementIsKeptAndReadBack)
-{
-    config->setting("pulse", "MeasParams")->tryChange(30);
-    config->setting("distance", "MeasParams")->tryChange(20000);
-    keeper.started();
-    keeper.stopped();
-    EXPECT_EQ(keeper.configFileName(), "/tmp/user/wf.cfg");
-    const QVariantMap map = Keeper::unserialize(keeper.configFileName());
-    EXPECT_EQ(map.value("measStopDate").toString(), keeper.measStopDate().toString(Qt::ISODate));
-    const WfMeasParams params = Keeper::wfMeasParams(map);
-    EXPECT_EQ(params.pulse, 30);
-    EXPECT_EQ(params.distance, 20000.0);
-    EXPECT_EQ(params.wavelength, 1310);
-    EXPECT_GT(params.ior, 1.4);
-    EXPECT_EQ(params.duration, 15);
-}
-
-TEST_F(Keeping, ConfigurationThatCannotBeWrittenIsLogged)
-{
-    EXPECT_FALSE(keeper.saveConfig(files.path("no/such/directory/wf.cfg")));
-    EXPECT_TRUE(Keeper::unserialize(files.path("missing")).isEmpty());
-    EXPECT_FALSE(logged("config was not saved"));
-
-    Keeper withoutModel(&card, &refls); // which would name the file
-    withoutModel.stopped();
-    EXPECT_TRUE(logged("config was not saved"));
 }
 
 } // namespace

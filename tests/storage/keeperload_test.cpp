@@ -69,9 +69,11 @@ TEST_F(KeepingLoad, FifthTraceIsRefusedBeforeAnyFileIsOpened)
     }
     EXPECT_EQ(refls.rowCount(), 4);
     const QSignalSpy loads(&keeper, SIGNAL(loadRefl(QString)));
+    const QSignalSpy limits(&keeper, SIGNAL(maxReflsLimitReached()));
     EXPECT_EQ(keeper.doLoadFile(files.write("5.sor", SorSketch::plain())), -1);
     EXPECT_EQ(keeper.doLoad(), -1); // a picker would wait for an answer here
     EXPECT_EQ(loads.size(), 0);
+    EXPECT_EQ(limits.size(), 0) << "the text is how it is told";
     EXPECT_EQ(refls.rowCount(), 4);
     ASSERT_EQ(notified.size(), 2);
     EXPECT_EQ(notified.first().first().toString(),

@@ -168,6 +168,53 @@ TEST_F(Save, GeneratorThatHangsEndsWhenAskedTo)
     EXPECT_TRUE(Reflectogram(thread.sor).isValid());
 }
 
+TEST_F(Save, GeneratorThatReadsItsInputFindsItsEnd)
+{
+    programs.make("otdrreport", "cat > \"$4\"; echo report >> \"$4\"");
+    run();
+    EXPECT_EQ(thread.result, 0);
+    EXPECT_EQ(contents("out.html"), "report\n");
+}
+
+TEST_F(Save, CopyThatHangsEndsWhenAskedTo)
+{
+    programs.make("otdrreport", "echo report > \"$4\"; mkfifo \"${4%.html}.png\"");
+    thread.flashDir = files.path("flash");
+    QDir().mkpath(thread.flashDir);
+    thread.start();
+    ASSERT_TRUE(
+        QTest::qWaitFor([this] { return QFile::exists(files.path("flash/out.html")); }, 10'000));
+    EXPECT_FALSE(thread.wait(200));
+    thread.requestInterruption();
+    ASSERT_TRUE(thread.wait(20'000));
+    EXPECT_EQ(saved, outcome(true)) << "all is saved, whatever becomes of the copy";
+    EXPECT_TRUE(Reflectogram(thread.sor).isValid());
+    EXPECT_TRUE(Reflectogram(files.path("flash/out.sor")).isValid());
+    EXPECT_TRUE(logged("can not copy \"" + files.path("out.png") + "\" to \""
+                       + files.path("flash/out.png") + "\" \"given up\""))
+        << qPrintable(messages());
+}
+
+TEST_F(Save, OutcomeComesToTheThreadOfWhoListens)
+{
+    QThread* told = nullptr;
+    QObject listener;
+    QObject::connect(&thread, &SaveThread::saved, &listener,
+                     [&told] { told = QThread::currentThread(); });
+    run();
+    EXPECT_EQ(told, nullptr) << "it waits for the event loop";
+    QCoreApplication::processEvents();
+    EXPECT_EQ(told, QThread::currentThread());
+}
+
+TEST_F(Save, RemovesWhatKilledSavesLeft)
+{
+    files.write(".waveform-2147483646-0", Bytes(10)); // no process has this number
+    run();
+    EXPECT_EQ(thread.result, 0);
+    EXPECT_FALSE(QFile::exists(files.path(".waveform-2147483646-0")));
+}
+
 TEST_F(Save, RealGeneratorMakesPageAndPicture)
 {
     qputenv("WAVEFORM_PROGRAMS", WAVEFORM_BIN); // the fake one restores it

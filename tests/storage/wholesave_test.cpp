@@ -12,6 +12,7 @@
 #include <QThread>
 
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/types.h>
 #include <unistd.h>
 
@@ -48,6 +49,58 @@ public:
 private:
     void (*handler)(int);
     rlimit before {};
+};
+
+/// A user whom a directory can refuse; the superuser becomes one as long as this lives.
+class OrdinaryUser
+{
+public:
+    OrdinaryUser()
+    {
+        if (::geteuid() == 0) {
+            isOther = ::seteuid(kNobody) == 0;
+        }
+    }
+
+    ~OrdinaryUser()
+    {
+        if (isOther) {
+            EXPECT_EQ(::seteuid(0), 0);
+        }
+    }
+
+    OrdinaryUser(const OrdinaryUser&) = delete;
+    OrdinaryUser& operator=(const OrdinaryUser&) = delete;
+
+private:
+    static constexpr uid_t kNobody = 65534;
+    bool isOther = false;
+};
+
+/// Directories that anybody may read and nobody may change as long as this lives.
+class ReadOnly
+{
+public:
+    explicit ReadOnly(QStringList paths)
+        : dirs(std::move(paths))
+    {
+        setMode(0555);
+    }
+
+    ~ReadOnly() { setMode(0700); }
+
+    ReadOnly(const ReadOnly&) = delete;
+    ReadOnly& operator=(const ReadOnly&) = delete;
+
+private:
+    void setMode(mode_t mode) const
+    {
+        for (const QString& dir : dirs) {
+            EXPECT_EQ(::chmod(QFile::encodeName(dir).constData(), mode), 0);
+        }
+    }
+
+    QStringList dirs;
 };
 
 /// A program with all that it starts, killed together.
@@ -124,6 +177,36 @@ TEST_F(WholeSave, DirectoryThatTakesNoFilesIsToldAndLogged)
     expectFailure();
     EXPECT_TRUE(logged("Can't create directory /proc/otdr for saving"));
     EXPECT_TRUE(logged("/proc/otdr/link.sor"));
+}
+
+TEST_F(WholeSave, DirectoryThatRefusesTheUserIsToldLoggedAndLeftAlone)
+{
+    refls.addReflFromFile(files.write("a.sor", SorSketch::plain()));
+    QDir().mkpath(stored(""));
+    const QByteArray old = contents(files.write("home/otdr/link.sor", SorSketch::plain()));
+    const ReadOnly readOnly({files.path("."), files.path("home"), stored(""), configHome.path()});
+    {
+        const OrdinaryUser user;
+        if (QFile(stored("probe")).open(QIODevice::WriteOnly)) {
+            GTEST_SKIP() << "nothing is refused to this user, and no other can be had";
+        }
+        expectFailure();
+    }
+    EXPECT_TRUE(logged(stored("link.sor"))) << qPrintable(messages());
+    EXPECT_TRUE(logged(std::strerror(EACCES))) << qPrintable(messages());
+    EXPECT_EQ(contents(stored("link.sor")), old);
+    EXPECT_EQ(namesIn(stored("")), QStringList {"link.sor"});
+}
+
+TEST_F(WholeSave, FileThatMayNotBeWrittenIsReplacedAndKeepsItsPermissions)
+{
+    refls.addReflFromFile(files.write("a.sor", SorSketch::plain()));
+    QDir().mkpath(stored(""));
+    files.write("home/otdr/link.sor", Bytes(1));
+    QFile(stored("link.sor")).setPermissions(QFile::ReadOwner);
+    EXPECT_EQ(keeper.doSave("link"), 0) << "the user was asked and said yes";
+    EXPECT_TRUE(Reflectogram(stored("link.sor")).isValid());
+    EXPECT_FALSE(QFile::permissions(stored("link.sor")).testFlag(QFile::WriteOwner));
 }
 
 TEST_F(WholeSave, VanishedDirectoryIsMadeAnew)

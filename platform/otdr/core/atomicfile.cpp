@@ -1,11 +1,15 @@
 #include "platform/otdr/core/atomicfile.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <charconv>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -17,6 +21,10 @@ namespace otdr {
 namespace {
 
 constexpr int kNameTries = 100;
+constexpr const char* kTemporary = ".waveform-"; // then the process, a dash, a number in it
+
+/// The number of the next temporary file of this process.
+std::atomic<unsigned> serial {0};
 
 Error cannotWrite(const std::string& path, int number)
 {
@@ -37,17 +45,41 @@ std::string directoryOf(const std::string& path)
     return slash == std::string::npos ? "." : path.substr(0, slash + 1);
 }
 
+std::string temporaryName(int process, unsigned number)
+{
+    return kTemporary + std::to_string(process) + "-" + std::to_string(number);
+}
+
+/// Whether a name is that of a temporary file that nobody writes to any more.
+bool isAbandoned(const std::string& name)
+{
+    int process = 0;
+    unsigned number = 0;
+    const char* end = name.data() + name.size();
+    const char* dash =
+        std::from_chars(name.data() + std::min(std::strlen(kTemporary), name.size()), end, process)
+            .ptr;
+    if (dash != end) {
+        std::from_chars(dash + 1, end, number);
+    }
+    if (process <= 0 || name != temporaryName(process, number)) {
+        return false;
+    }
+    if (process == ::getpid()) {
+        return number >= serial; // of a process that had the same number, before the last start
+    }
+    return ::kill(process, 0) != 0 && errno == ESRCH;
+}
+
 /// A new file in the directory that nobody else writes to. Removed with the object unless renamed.
 class TemporaryFile
 {
 public:
     explicit TemporaryFile(const std::string& directory)
     {
-        static std::atomic<unsigned> serial {0};
         for (int i = 0; i < kNameTries && handle < 0; ++i) {
             // Not made from the target's name, which may be as long as a name can be.
-            name = directory + "/.waveform-" + std::to_string(::getpid()) + "-"
-                + std::to_string(serial++);
+            name = directory + "/" + temporaryName(::getpid(), serial++);
             handle = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
             if (handle < 0 && errno != EEXIST) {
                 return;
@@ -143,6 +175,31 @@ Result<std::size_t> replace(const std::string& path, gsl::span<const std::byte> 
     return bytes.size();
 }
 
+struct CloseDirectory
+{
+    void operator()(DIR* directory) const { ::closedir(directory); }
+};
+
+void removeAbandoned(const std::string& directory)
+{
+    const std::unique_ptr<DIR, CloseDirectory> entries(::opendir(directory.c_str()));
+    if (!entries) {
+        return;
+    }
+    const int handle = ::dirfd(entries.get());
+    while (const dirent* entry = ::readdir(entries.get())) {
+        struct stat status
+        {
+        };
+
+        if (isAbandoned(entry->d_name)
+            && ::fstatat(handle, entry->d_name, &status, AT_SYMLINK_NOFOLLOW) == 0
+            && S_ISREG(status.st_mode) && status.st_uid == ::geteuid()) {
+            ::unlinkat(handle, entry->d_name, 0);
+        }
+    }
+}
+
 } // namespace
 
 Result<std::size_t> writeFileAtomically(const std::string& path, gsl::span<const std::byte> bytes)
@@ -151,6 +208,15 @@ Result<std::size_t> writeFileAtomically(const std::string& path, gsl::span<const
         return replace(path, bytes);
     } catch (const std::exception&) {
         return Error {ErrorCode::CannotWrite, "out of memory", 0};
+    }
+}
+
+void removeLeftovers(const std::string& directory)
+{
+    try {
+        removeAbandoned(directory);
+    } catch (const std::exception&) {
+        return; // out of memory; nothing depends on it
     }
 }
 

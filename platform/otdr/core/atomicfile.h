@@ -18,4 +18,10 @@ namespace otdr {
 [[nodiscard]] Result<std::size_t> writeFileAtomically(const std::string& path,
                                                       gsl::span<const std::byte> bytes);
 
+/// Removes from a directory what killed programs left of files that they were writing.
+///
+/// Only plain files under our temporary names that belong to this user and whose process is gone; a
+/// file that is being written stays. What cannot be removed is left for the next time.
+void removeLeftovers(const std::string& directory);
+
 } // namespace otdr

@@ -42,6 +42,7 @@ public:
 
     [[nodiscard]] QString reportAutoName() const override { return "trace_0001"; }
 
+    using AbstractKeeper::isQuitWanted;
     using AbstractKeeper::setMeasStartDate;
     using AbstractKeeper::setMeasStopDate;
 
@@ -227,6 +228,24 @@ TEST_F(Keeper, AnnouncesOnlyRealChangesOfTheButtons)
     keeper->load();
     EXPECT_TRUE(script->asked.isEmpty());
     EXPECT_EQ(keeper->loads, 0);
+}
+
+TEST_F(Keeper, ForgetsAWishToQuitWithTheSaveThatTheUserGaveUp)
+{
+    script->whileAsking = [this] { keeper->quitWanted(); };
+    keeper->save(); // no name is given
+    EXPECT_TRUE(keeper->isQuitWanted());
+    script->whileAsking = nullptr;
+    script->names = QStringList {"x"};
+    bool wanted = true;
+    keeper->during = [&] {
+        wanted = keeper->isQuitWanted();
+        keeper->quitWanted();
+        EXPECT_TRUE(keeper->isQuitWanted());
+    };
+    keeper->save();
+    EXPECT_EQ(keeper->saved.size(), 1);
+    EXPECT_FALSE(wanted);
 }
 
 TEST_F(Keeper, StandsBeingDeletedWhileItAsks)

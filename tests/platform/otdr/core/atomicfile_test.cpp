@@ -4,6 +4,8 @@
 #include <gmock/gmock.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <filesystem>
@@ -161,6 +163,110 @@ TEST_F(AtomicFile, RefusesWhatIsNotARegularFile)
     EXPECT_FALSE(writeFileAtomically(at("pipe"), bytesOf("x")).ok());
     EXPECT_FALSE(writeFileAtomically("", bytesOf("x")).ok());
     EXPECT_EQ(entries(), 2);
+}
+
+/// The number of a process that has ended.
+pid_t goneProcess()
+{
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::_exit(0);
+    }
+    EXPECT_EQ(::waitpid(child, nullptr, 0), child);
+    return child;
+}
+
+class Leftovers : public AtomicFile
+{
+protected:
+    void make(const std::string& name) const { std::ofstream(at(name)) << "half"; }
+
+    [[nodiscard]] bool isThere(const std::string& name) const
+    {
+        return fs::symlink_status(at(name)).type() != fs::file_type::not_found;
+    }
+
+    std::string gone = ".waveform-" + std::to_string(goneProcess());
+};
+
+TEST_F(Leftovers, OfAKilledProgramAreRemoved)
+{
+    make(gone + "-0");
+    make(gone + "-4294967295");
+    otdr::removeLeftovers(directory.string());
+    EXPECT_EQ(entries(), 0);
+}
+
+TEST_F(Leftovers, OfAProgramThatRunsStay)
+{
+    const std::string name = ".waveform-" + std::to_string(::getppid()) + "-0";
+    make(name);
+    otdr::removeLeftovers(directory.string());
+    EXPECT_TRUE(isThere(name));
+}
+
+TEST_F(Leftovers, OfAnEarlierProcessWithOurNumberAreRemovedAndOurOwnStay)
+{
+    ASSERT_TRUE(writeFileAtomically(at("trace"), bytesOf("x")).ok()); // number 0 is used by now
+    const std::string own = ".waveform-" + std::to_string(::getpid());
+    make(own + "-0");
+    make(own + "-4000000000");
+    otdr::removeLeftovers(directory.string());
+    EXPECT_TRUE(isThere(own + "-0"));
+    EXPECT_FALSE(isThere(own + "-4000000000"));
+}
+
+TEST_F(Leftovers, WithOtherNamesStay)
+{
+    const std::vector<std::string> names {"trace.sor",
+                                          ".waveform",
+                                          ".waveform-",
+                                          ".waveform--5-0",
+                                          gone,
+                                          gone + "-",
+                                          gone + "-0.sor",
+                                          gone + "-00",
+                                          gone + "-+1",
+                                          gone + "- 1",
+                                          gone + "-x",
+                                          gone.substr(1) + "-0",
+                                          "a" + gone + "-0",
+                                          ".waveform-99999999999999999999-0"};
+    for (const std::string& name : names) {
+        make(name);
+    }
+    otdr::removeLeftovers(directory.string());
+    for (const std::string& name : names) {
+        EXPECT_TRUE(isThere(name)) << name;
+    }
+}
+
+TEST_F(Leftovers, ThatAreNoPlainFilesStay)
+{
+    make("trace.sor");
+    fs::create_symlink("trace.sor", directory / (gone + "-0"));
+    fs::create_directory(directory / (gone + "-1"));
+    ASSERT_EQ(::mkfifo(at(gone + "-2").c_str(), 0600), 0);
+    otdr::removeLeftovers(directory.string());
+    EXPECT_EQ(entries(), 4);
+}
+
+TEST_F(Leftovers, OfAnotherUserStay)
+{
+    make(gone + "-0");
+    if (::geteuid() != 0 || ::chown(at(gone + "-0").c_str(), 65534, 65534) != 0) {
+        GTEST_SKIP() << "only the superuser can give a file away";
+    }
+    otdr::removeLeftovers(directory.string());
+    EXPECT_TRUE(isThere(gone + "-0"));
+}
+
+TEST_F(Leftovers, WantADirectoryThatIsThere)
+{
+    otdr::removeLeftovers(at("no/such/directory"));
+    make("trace.sor");
+    otdr::removeLeftovers(at("trace.sor"));
+    EXPECT_EQ(contents("trace.sor"), "half");
 }
 
 } // namespace

@@ -110,6 +110,22 @@ TEST(EventDetection, TellsPlaceLossAndReflectanceOfAConnector)
     EXPECT_FALSE(connector.saturated);
 }
 
+/// A receiver that is overloaded stays so for longer than the pulse: what is told of the peak is a
+/// bound.
+TEST(EventDetection, ATopLongerThanThePulseIsSaturatedAndCostsReturnLoss)
+{
+    const Detection plain = detect(link());
+    const Detection found =
+        detect(link().connector(7_km, 0.3_dB, 30_dB).reflection(7.008_km, 30_dB));
+    const DetectedEvent* peak = nearest(found, link().indexOf(7_km));
+    ASSERT_NE(peak, nullptr);
+    EXPECT_EQ(peak->kind, Kind::Reflective);
+    EXPECT_TRUE(peak->saturated);
+    EXPECT_LT(found.returnLoss_dB, plain.returnLoss_dB - 3.0);
+    // It alone, seen through 7 km of fibre, takes the return loss of the span below this.
+    EXPECT_LT(found.returnLoss_dB, 2.0 * 7.0 * 0.2 - peak->reflectance_dB + 0.1);
+}
+
 TEST(EventDetection, FindsALowReflectionOnALoss)
 {
     const TraceBuilder builder = link().connector(7_km, 0.2_dB, 0.4_dB);

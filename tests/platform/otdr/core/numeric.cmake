@@ -2,6 +2,8 @@ waveform_test(otdr_core_numeric_test
     SOURCES
         crc32_test.cpp
         decimation_test.cpp
+        detectionfigures_test.cpp
+        detectionlinks.cpp
         eventdetection_test.cpp
         fibreend_test.cpp
         linefit_test.cpp
@@ -18,3 +20,11 @@ waveform_test(otdr_core_numeric_test
         trace_test.cpp
         ${PROJECT_SOURCE_DIR}/tests/support/tracebuilder.cpp
     DEPENDS otdr_core)
+
+# Writes tests/data/detection/figures.txt anew, where what the detection tells is meant to change:
+# cmake --build build --target make_detection_figures
+#     && build/bin/make_detection_figures tests/data/detection/figures.txt
+waveform_program(make_detection_figures
+    SOURCES makedetectionfigures.cpp detectionlinks.cpp ${PROJECT_SOURCE_DIR}/tests/support/tracebuilder.cpp
+    DEPENDS otdr_core)
+set_target_properties(make_detection_figures PROPERTIES EXCLUDE_FROM_ALL ON)

@@ -5,12 +5,15 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
+#include <atomic>
 #include <cmath>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <limits>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -271,6 +274,32 @@ TEST_F(SnapshotFile, ThatCannotBeReadIsNamedInTheError)
     EXPECT_EQ(readSnapshotFile(path).error().offset, 44U);
     const std::filesystem::path missing = folder / "nothing";
     EXPECT_EQ(readSnapshotFile(missing).error().message.find(missing.string() + ": "), 0U);
+}
+
+TEST_F(SnapshotFile, ThatIsReplacedAllTheTimeIsTheOldOrTheNewOne)
+{
+    Snapshot longer = example();
+    longer.samples = RawSamples(std::vector<std::uint16_t>(5000, 7));
+    const std::array<Bytes, 2> contents {encodeSnapshot(example()), encodeSnapshot(longer)};
+    const std::filesystem::path file = write(contents[0]);
+    std::atomic<bool> stop {false};
+    std::thread writer([&] {
+        for (std::size_t i = 0; !stop; ++i) {
+            std::ofstream(folder / "next", std::ios::binary)
+                .write(reinterpret_cast<const char*>(contents[i % 2].data()),
+                       static_cast<std::streamsize>(contents[i % 2].size()));
+            std::filesystem::rename(folder / "next", file);
+        }
+    });
+    for (int i = 0; i < 2000; ++i) {
+        const Result<Snapshot> result = readSnapshotFile(file);
+        EXPECT_TRUE(result.ok()) << result.error().message;
+        if (!result.ok()) {
+            break;
+        }
+    }
+    stop = true;
+    writer.join();
 }
 
 TEST_F(SnapshotFile, ThatIsHugeIsRefusedUnread)

@@ -133,6 +133,18 @@ TEST(SorAxis, CountsTheDropAtTheEndAsEvidence)
     EXPECT_EQ(axisOf(sketch).port, 0);
 }
 
+TEST(SorAxis, AnEndWhereTheFibreGoesOnIsNoEvidence)
+{
+    SorSketch sketch = sketchWithZeroAt(0);
+    // Neither where the offset puts the end (sample 3500) nor without it (3000): one peak is too
+    // little.
+    sketch.samples = fibreSamples(8000, {1000}, 10, 3300);
+    sketch.fxd.frontPanelOffset = 25'000;
+    sketch.keyEvents.events = {keyEvent(1, 50'000, "1F9999"), keyEvent(2, 150'000, "0E9999")};
+    EXPECT_EQ(axisOf(sketch).port, 25'000);
+    EXPECT_EQ(axisOf(sketch).note, "");
+}
+
 TEST(SorAxis, KeepsTheRuleWhereOneEventFitsIt)
 {
     SorSketch sketch = sketchWithZeroAt(0);

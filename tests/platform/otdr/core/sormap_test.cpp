@@ -1,9 +1,11 @@
+#include "platform/otdr/core/sormap.h"
 #include "platform/otdr/core/sorreader.h"
 #include "tests/support/sorsketch.h"
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <limits>
 
 namespace {
 
@@ -174,6 +176,23 @@ TEST(SorMap, RefusesAMapThatCannotBe)
     EXPECT_TRUE(readBytes(SorSketch::assemble(2, blocks)).ok());
     blocks.back().name += 'n';
     EXPECT_EQ(codeOf(readBytes(SorSketch::assemble(2, blocks))), ErrorCode::Damaged);
+}
+
+TEST(SorMap, ABlockOutsideTheBytesIsEmpty)
+{
+    const Bytes bytes(10);
+    const auto sizeOf = [&bytes](std::size_t offset, std::size_t size) {
+        sor::RawBlock block;
+        block.offset = offset;
+        block.size = size;
+        return sor::blockBytes(bytes, block).size();
+    };
+    EXPECT_EQ(sizeOf(0, 10), 10U);
+    EXPECT_EQ(sizeOf(4, 6), 6U);
+    EXPECT_EQ(sizeOf(4, 7), 0U);
+    EXPECT_EQ(sizeOf(11, 0), 0U);
+    EXPECT_EQ(sizeOf(10, std::numeric_limits<std::size_t>::max()), 0U);
+    EXPECT_EQ(sizeOf(5, std::numeric_limits<std::size_t>::max() - 2), 0U);
 }
 
 } // namespace

@@ -232,6 +232,19 @@ TEST(SorReader, JoinsSectionsOnTheScaleOfTheFirst)
     EXPECT_THAT(file->notes, ElementsAre(HasSubstr("2 sections")));
 }
 
+TEST(SorReader, ASectionWithoutAScaleTakesThatOfTheFirst)
+{
+    auto blocks = SorSketch::plain().blocks();
+    ByteSketch body;
+    body.u32(2).u16(2);
+    body.u32(1).u16(1500).u16(100);
+    body.u32(1).u16(0).u16(200);
+    blocks[4].body = body.done;
+    const auto file = readBytes(SorSketch::assemble(2, blocks));
+    ASSERT_TRUE(file.ok());
+    EXPECT_EQ(file->data.samples, otdr::RawSamples({100, 200}));
+}
+
 TEST(SorReader, ReadsLandmarks)
 {
     auto blocks = SorSketch::plain().blocks();
@@ -256,6 +269,20 @@ TEST(SorReader, ReadsLandmarks)
     EXPECT_EQ(file->landmarks[0].position, -20);
     EXPECT_EQ(file->landmarks[0].latitude, -200);
     EXPECT_EQ(file->landmarks[0].comment, "manhole 4");
+}
+
+TEST(SorReader, ShowsTheLandmarksBeforeOneThatIsCutShort)
+{
+    const Bytes fields = ByteSketch().u16(1).text("SP").u32(7).bytes(Bytes(24)).done;
+    const Bytes whole = ByteSketch().bytes(fields).string("a pole").done;
+    auto blocks = SorSketch::plain().blocks();
+    blocks.push_back({"LnkParams", ByteSketch().u16(2).bytes(whole).bytes(fields).done});
+    blocks.back().body.resize(blocks.back().body.size() - 6);
+    const auto file = readBytes(SorSketch::assemble(2, blocks));
+    ASSERT_TRUE(file.ok());
+    ASSERT_EQ(file->landmarks.size(), 1U);
+    EXPECT_EQ(file->landmarks[0].comment, "a pole");
+    EXPECT_THAT(file->notes, ElementsAre(HasSubstr("LnkParams")));
 }
 
 TEST(SorReader, ShowsNoLandmarksThatCannotFit)

@@ -4,6 +4,10 @@
 
 #include <gmock/gmock.h>
 
+#include <cmath>
+#include <map>
+#include <string>
+
 namespace {
 
 namespace sor = otdr::sor;
@@ -98,6 +102,16 @@ TEST(SorWriter, KeepsWhatItDoesNotKnowBehindTheFieldsItKnows)
     EXPECT_EQ(again.blocks[2].size, file.blocks[2].size);
     const Bytes block = bytesOf(again, 2);
     EXPECT_EQ(Bytes(block.end() - 5, block.end()), ByteSketch().text("stale").done);
+}
+
+TEST(SorWriter, KeepsWhatStandsBehindTheLastFieldOfTheSupplier)
+{
+    auto blocks = awkward().blocks();
+    blocks[1].body = ByteSketch().bytes(blocks[1].body).text("more").done;
+    sor::File file = readBytes(SorSketch::assemble(2, blocks));
+    file.sup.supplier = "Another";
+    const Bytes again = bytesOf(readBytes(written(file)), 1);
+    EXPECT_EQ(Bytes(again.end() - 4, again.end()), ByteSketch().text("more").done);
 }
 
 TEST(SorWriter, WritesTheChecksumOverEveryByteBeforeIt)
@@ -349,6 +363,37 @@ TEST(SorWriter, RefusesWhatNoFileCanHold)
     EXPECT_FALSE(otdr::encodeSor(file).ok());
     file.keyEvents->events.resize(65'535);
     EXPECT_TRUE(otdr::encodeSor(file).ok());
+}
+
+TEST(SorWriter, RefusesATraceThatItWouldNotReadAgain)
+{
+    sor::File file = newTrace();
+    file.data.samples = otdr::RawSamples(std::vector<std::uint16_t>(otdr::kLargestSorFile / 2));
+    EXPECT_EQ(otdr::encodeSor(file).error().code, otdr::ErrorCode::TooLarge);
+}
+
+TEST(SorWriter, FillsInDistancesInTheUnitOfTheFile)
+{
+    const std::map<std::string, double> metres {
+        {"mt", 1.0}, {"km", 1000.0}, {"ft", 0.3048}, {"kf", 304.8}, {"mi", 1609.344}};
+    for (const auto& [unit, length_m] : metres) {
+        sor::File file = newTrace();
+        file.fxd.distanceUnit = {unit[0], unit[1]};
+        file.fxd.groupIndex = 150'000;
+        file.fxd.acquisitionRange = 10'000'000; // a millisecond, at c / 1.5
+        const sor::File again = readBytes(written(file));
+        EXPECT_EQ(again.fxd.acquisitionRangeDistance, std::lround(10.0 * 199861.639 / length_m))
+            << unit;
+    }
+}
+
+TEST(SorWriter, MakesAWholeFileWhereWhatItCameFromIsNoTrace)
+{
+    sor::File file = newTrace();
+    file.bytes = std::make_shared<const Bytes>(100);
+    const sor::File again = readBytes(written(file));
+    expectSameValues(file, again);
+    EXPECT_EQ(again.checksum, sor::Checksum::Matches);
 }
 
 } // namespace
