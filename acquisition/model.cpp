@@ -1,11 +1,14 @@
 #include "acquisition/model.h"
 
+#include "acquisition/gatheroutcome.h"
+#include "acquisition/gatherpatience.h"
 #include "acquisition/otdrmeascontroller.h"
 #include "platform/launcher/cardcontroller.h"
 #include "platform/launcher/controllercommand.h"
 #include "platform/launcher/dataproxy.h"
 #include "platform/launcher/zuconfig.h"
 #include "platform/launcher/zuconfigmodel.h"
+#include "platform/otdr/errorwords.h"
 #include "platform/otdr/otdr.h"
 #include "platform/otdrconfig/otdrconfig.h"
 #include "platform/sysinfo/sysinforeader.h"
@@ -39,6 +42,9 @@ const char* const kWatchedSnapshot = "/tmp/user/wfsnapshot.bin";
 const char* const kPlatformInfo = "/sys/devices/platform/pmmcu.0/info";
 
 constexpr int kEndedProcessPatience_ms = 1000;
+
+/// No fibre has so many events; a program that tells more has lost its way.
+constexpr int kMostEvents = 10000;
 
 /// Truncated to what 16 bits hold; 0 for what is negative or no number.
 quint16 toUint16(double value)
@@ -112,6 +118,12 @@ bool Model::running() const
 
 int Model::start(unsigned int /*mode*/)
 {
+    if (running()) { // another run would take this one's settings file and process from it
+        qDebug() << "virtual int Waveform::Model::start(unsigned int)"
+                 << "is running";
+        setFailure(tr("A measurement is running already."));
+        return -1;
+    }
     // After its last message the process of the old run lives on for a moment; its end must not
     // fall into this run.
     controller->waitForEnded(kEndedProcessPatience_ms);
@@ -119,6 +131,8 @@ int Model::start(unsigned int /*mode*/)
 
     MeasModel::started(QString());
     snapshotChecksum = -1;
+    traceIsOpen = false;
+    trouble.clear();
     removeSettingsFile();
     controller->setConfigFileName(summCfgFileName());
 
@@ -128,10 +142,14 @@ int Model::start(unsigned int /*mode*/)
     if (refused < 0) {
         qCritical() << "virtual int Waveform::Model::start(unsigned int)"
                     << "can not start" << command.name();
-        setFailure(tr("The measurement card refused the command \"%1\".").arg(command.name()));
+        setFailure(
+            refused == CardController::NoCard
+                ? tr("There is no measurement card.")
+                : tr("The measurement card refused the command \"%1\".").arg(command.name()));
         MeasModel::stopped(QString());
         return refused;
     }
+    controller->patience().setPace(setting("timeScale", "Simulation", "1"));
     const int result = controller->start();
     if (result != 0) {
         qCritical() << "virtual int Waveform::Model::start(unsigned int)"
@@ -241,7 +259,13 @@ QString Model::summCfgFileName() const
 QDir Model::tempDir() const
 {
     QDir dir(QDir::tempPath() + "/" + qEnvironmentVariable("USER"));
-    if (!dir.exists() && !dir.mkdir(dir.absolutePath())) {
+    if (dir.exists()) {
+        return dir;
+    }
+    if (dir.mkdir(dir.absolutePath())) {
+        QFile::setPermissions(dir.absolutePath(),
+                              QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    } else {
         qDebug() << "tempDir"
                  << ": Can't create directory '" << dir.absolutePath() << "'";
         dir.setPath(QDir::tempPath());
@@ -277,7 +301,7 @@ int Model::checkWFSnapshot()
         return NoSnapshot;
     }
     QFile file(snapshotName);
-    if (!file.open(QIODevice::ReadOnly)) {
+    if (info.size() > Reflectogram::largestSnapshot_bytes() || !file.open(QIODevice::ReadOnly)) {
         return UnreadableSnapshot;
     }
     const QByteArray bytes = file.readAll();
@@ -337,12 +361,18 @@ void Model::onGatherStarted()
 void Model::onMeasStarted(int /*num*/, int /*from*/, WfMeasParams newParams)
 {
     params = newParams;
+    trace = Reflectogram(); // events are not measured against the trace before
+    traceIsOpen = true;
     emit measStarted();
 }
 
 void Model::onMeasFinished(int /*num*/)
 {
-    trace.updateFromFile(snapshotName, params);
+    traceIsOpen = false;
+    if (!trace.updateFromFile(snapshotName, params)) {
+        noteTrouble(tr("The measured trace cannot be used: %1").arg(errorWords(trace.error())));
+        trace = Reflectogram(); // its events are not measured against the trace before
+    }
     emit measFinished();
 }
 
@@ -353,7 +383,9 @@ void Model::onAnalisisStarted()
 
 void Model::onEventFound(QString event)
 {
-    events.append(OTDR::createEventFromString(event, trace));
+    if (events.size() < kMostEvents) {
+        events.append(OTDR::createEventFromString(event, trace));
+    }
 }
 
 void Model::onAnalisisFinished()
@@ -361,8 +393,25 @@ void Model::onAnalisisFinished()
     emit eventListReady(events);
 }
 
+void Model::noteTrouble(const QString& text)
+{
+    if (trouble.isEmpty()) {
+        trouble = text;
+    }
+}
+
 void Model::onGatherFinished()
 {
+    controller->discardRest();
+    GatherOutcome outcome = controller->outcome();
+    if (traceIsOpen && outcome.kind == GatherOutcome::Announced) {
+        outcome.kind = GatherOutcome::Exited; // an end in the middle is none, whatever it says
+        outcome.exitCode = 0;
+    }
+    noteTrouble(whatWentWrong(outcome));
+    if (isStarted()) {
+        setFailure(trouble);
+    }
     stopped(QString());
     if (!cardConnected) {
         qDebug() << "void Waveform::Model::onGatherFinished()"

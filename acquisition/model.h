@@ -52,7 +52,8 @@ public:
     [[nodiscard]] bool running() const override;
 
     /// Starts a measurement; the mode has no meaning here.
-    /// \return 0, the card's negative code where it refuses, or that of the controller
+    /// \return 0, the card's negative code where it refuses, or that of the controller; negative
+    /// during a run, which goes on
     int start(unsigned int mode) override;
     int stop(const QString& reason) override;
 
@@ -97,6 +98,8 @@ public slots:
     void onAnalisisStarted();
     void onEventFound(QString event);
     void onAnalisisFinished();
+
+    /// The run is over. What went wrong in it is in failure() before the listeners hear of its end.
     void onGatherFinished();
 
 signals:
@@ -124,6 +127,7 @@ private:
     void initWfMeasController();
     void watchAgain();
     void removeSettingsFile();
+    void noteTrouble(const QString& text);
     [[nodiscard]] WfMeasParams paramsForWindow() const;
 
     WfMeasParams params;
@@ -134,6 +138,8 @@ private:
     std::unique_ptr<SupParamsBlock> supBlock;
     Reflectogram trace;
     EventList events;
+    bool traceIsOpen = false; ///< begun and not ended
+    QString trouble; ///< of the run, in words for the user; the first that came
     bool cardConnected = false;
     ZuConfigModel* config = nullptr;
     std::unique_ptr<QFileSystemWatcher> watcher;

@@ -1,21 +1,31 @@
 #include "acquisition/otdrmeascontroller.h"
 
 #include "acquisition/gathermessages.h"
+#include "acquisition/gatherpatience.h"
 #include "platform/launcher/programs.h"
 
 #include <QDebug>
 
+#include <cstdio>
+
 namespace {
 
 constexpr int kStartTimeout_ms = 1000;
-constexpr int kStopPatience_ms = 5000;
 constexpr int kLastPatience_ms = 500;
+
+/// What is kept of standard error: its last line is what the user is told.
+constexpr int kMostErrors = 4096;
 
 /// The first word of a message body, which is removed from it; a null character where there is
 /// none.
 QChar takeMarker(QStringList& body)
 {
     return body.isEmpty() ? QChar() : body.takeFirst().at(0);
+}
+
+bool isOneOf(const QString& word, const char* characters)
+{
+    return QLatin1String(characters).contains(word.at(0));
 }
 
 /// The word after the first word equal to key; the first word where the key is absent.
@@ -64,18 +74,16 @@ void OtdrMeasController::init()
     from = 0;
     isRunning = false;
     process = new QProcess(this);
-    process->setProcessChannelMode(QProcess::ForwardedErrorChannel); // there it says why it fails
     connect(process, SIGNAL(readyRead()), SLOT(readGatherOutput()));
+    connect(process, SIGNAL(readyReadStandardError()), SLOT(readErrors()));
     connect(process,
             SIGNAL(error( QProcess::ProcessError )), SLOT(onError( QProcess::ProcessError )));
     connect(process, SIGNAL(finished( int )), SLOT(onFinished()));
 
-    killTimer = new QTimer(this);
-    killTimer->setSingleShot(true);
-    killTimer->setTimerType(Qt::PreciseTimer); // others may come a twentieth too early
-    killTimer->setInterval(kStopPatience_ms);
-    connect(killTimer, SIGNAL(timeout()), process, SLOT(kill()));
-    connect(process, SIGNAL(finished( int )), killTimer, SLOT(stop()));
+    patienceLeft = new GatherPatience(this);
+    connect(patienceLeft, SIGNAL(silent()), SLOT(onSilence()));
+    connect(patienceLeft, SIGNAL(disobedient()), SLOT(endByForce()));
+    connect(process, SIGNAL(finished( int )), patienceLeft, SLOT(forget()));
 }
 
 QString OtdrMeasController::program() const
@@ -135,13 +143,38 @@ void OtdrMeasController::setErrLogFileName(QString name)
     errLogFileName = name;
 }
 
+void OtdrMeasController::discardRest()
+{
+    discarding = true;
+    if (process->state() != QProcess::NotRunning) {
+        patienceLeft->expectObedience();
+    }
+}
+
+/// The first thing that tells how the run ends is how it ended.
+void OtdrMeasController::settle(GatherOutcome::Kind kind)
+{
+    if (ending.kind != GatherOutcome::Pending) {
+        return;
+    }
+    ending.kind = kind;
+    ending.exitCode = process->exitCode();
+    ending.lastWords = lastLineOf(errors);
+}
+
 int OtdrMeasController::start()
 {
+    ending = GatherOutcome();
+    errors.clear();
+    discarding = false;
+    patienceLeft->forget();
     process->start(program(), arguments(), QIODevice::ReadWrite);
     if (process->waitForStarted(kStartTimeout_ms)) {
         isRunning = true;
+        patienceLeft->listenOn();
         return 0;
     }
+    settle(GatherOutcome::FailedToStart);
     qCritical() << "int OtdrMeasController::start()" << process->errorString()
                 << static_cast<int>(process->error());
     isRunning = false;
@@ -161,12 +194,42 @@ int OtdrMeasController::start(QString snapshotFileName, QString configFileName,
 int OtdrMeasController::stop()
 {
     if (process->state() != QProcess::NotRunning) {
-        process->terminate();
-        if (!killTimer->isActive()) { // pressing stop again does not prolong the child's life
-            killTimer->start();
-        }
+        settle(GatherOutcome::Stopped);
+        askToEnd();
     }
     return process->exitCode();
+}
+
+void OtdrMeasController::askToEnd()
+{
+    process->terminate();
+    patienceLeft->expectObedience();
+}
+
+void OtdrMeasController::endByForce()
+{
+    if (ending.kind == GatherOutcome::Stopped && isRunning) {
+        ending.kind = GatherOutcome::Forced;
+    }
+    process->kill();
+}
+
+void OtdrMeasController::onSilence()
+{
+    // Who was busy for long may find the time over before having read what came meanwhile.
+    process->waitForReadyRead(0);
+    if (isRunning && !patienceLeft->isListening()) {
+        settle(GatherOutcome::Silent);
+        askToEnd();
+    }
+}
+
+/// What the program says of its trouble goes where it would go without us.
+void OtdrMeasController::readErrors()
+{
+    const QByteArray bytes = process->readAllStandardError();
+    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stderr);
+    errors = (errors + bytes).right(kMostErrors);
 }
 
 void OtdrMeasController::readGatherOutput()
@@ -177,6 +240,9 @@ void OtdrMeasController::readGatherOutput()
     }
     const QStringList messages = gatherMessages(bytes);
     for (const QString& message : messages) {
+        if (discarding) {
+            return;
+        }
         preprocessMsg(QString(message).remove(';'));
     }
 }
@@ -188,6 +254,10 @@ void OtdrMeasController::preprocessMsg(QString msg)
         return;
     }
     const QStringList body = words.mid(2); // the first word is free, the second is the class
+    if (isRunning && !body.isEmpty() && isOneOf(words.at(1), "GMAC")
+        && isOneOf(body.first(), "{*}")) {
+        patienceLeft->listenOn();
+    }
     switch (words.at(1).at(0).unicode()) {
     case 'G':
         readGatherMsg(body);
@@ -212,6 +282,7 @@ void OtdrMeasController::readGatherMsg(QStringList msg)
     if (marker == '{') {
         emit started();
     } else if (marker == '}') {
+        settle(GatherOutcome::Announced);
         onFinished();
     }
 }
@@ -277,8 +348,11 @@ void OtdrMeasController::readConfigMsg(QStringList msg)
     }
 }
 
-void OtdrMeasController::onError(QProcess::ProcessError /*processError*/)
+void OtdrMeasController::onError(QProcess::ProcessError processError)
 {
+    settle(processError == QProcess::FailedToStart ? GatherOutcome::FailedToStart
+                                                   : GatherOutcome::Crashed);
+    patienceLeft->stopListening();
     qCritical() << "void OtdrMeasController::onError(QProcess::ProcessError)"
                 << process->errorString() << process->exitCode();
     isRunning = false;
@@ -287,6 +361,8 @@ void OtdrMeasController::onError(QProcess::ProcessError /*processError*/)
 
 void OtdrMeasController::onFinished()
 {
+    settle(GatherOutcome::Exited);
+    patienceLeft->stopListening();
     isRunning = false;
     emit finished();
 }

@@ -1,18 +1,24 @@
 #pragma once
 
+#include "acquisition/gatheroutcome.h"
 #include "platform/otdr/wfmeasparams.h"
 
+#include <QByteArray>
 #include <QObject>
 #include <QProcess>
 #include <QString>
 #include <QStringList>
-#include <QTimer>
 #include <QVariantMap>
+
+class GatherPatience;
 
 /// Runs the acquisition program and turns its messages into signals.
 ///
 /// Messages are separated by ";". What one read delivers is taken as it is: a message cut by the
 /// border between two reads arrives as two fragments, each judged alone.
+///
+/// A program from which no message comes for a while is asked to end and, like one that does not
+/// obey a stop, killed 5 s later.
 class OtdrMeasController : public QObject
 {
     Q_OBJECT
@@ -35,6 +41,16 @@ public:
     /// The program that start() runs, with its arguments.
     [[nodiscard]] QString program() const;
     [[nodiscard]] QStringList arguments() const;
+
+    /// How the last run ended.
+    [[nodiscard]] GatherOutcome outcome() const { return ending; }
+
+    /// How long a run may go without a message, and its program may take to leave.
+    [[nodiscard]] GatherPatience& patience() { return *patienceLeft; }
+
+    /// The run is over: what its program still says is not listened to, and if it does not leave it
+    /// is killed 5 s later.
+    void discardRest();
 
     /// Waits until the process of a run that has announced its end is gone, so that the next can
     /// start; kills one that stays.
@@ -80,9 +96,14 @@ private slots:
     void readConfigMsg(QStringList msg);
     void onError(QProcess::ProcessError processError);
     void onFinished();
+    void readErrors();
+    void onSilence();
+    void endByForce();
 
 private:
     void init();
+    void settle(GatherOutcome::Kind kind);
+    void askToEnd();
     void readTraceStart(QStringList words);
     void readTick(const QStringList& words);
 
@@ -96,5 +117,8 @@ private:
     int from = 0;
     WfMeasParams params;
     bool isRunning = false;
-    QTimer* killTimer = nullptr; ///< runs from a stop until the program obeys
+    GatherOutcome ending;
+    QByteArray errors; ///< the end of what the program wrote to its standard error
+    bool discarding = false;
+    GatherPatience* patienceLeft = nullptr;
 };

@@ -1,7 +1,8 @@
 #include "events/eventcelldelegate.h"
 
+#include "platform/launcher/fittedfont.h"
+
 #include <QApplication>
-#include <QFontInfo>
 #include <QFontMetrics>
 #include <QPainter>
 #include <QPixmap>
@@ -51,14 +52,7 @@ void EventCellDelegate::initStyleOption(QStyleOptionViewItem* option,
 
 QFont EventCellDelegate::fitting(const QFont& font, const QString& text, int width_px)
 {
-    QFont smaller = font;
-    const int full_px = QFontInfo(font).pixelSize();
-    for (int size_px = full_px - 1;
-         size_px >= (full_px + 1) / 2 && QFontMetrics(smaller).horizontalAdvance(text) > width_px;
-         --size_px) {
-        smaller.setPixelSize(size_px);
-    }
-    return smaller;
+    return fittedFont(font, text, width_px);
 }
 
 } // namespace Waveform

@@ -9,6 +9,11 @@ namespace {
 
 constexpr int kStopPatience_ms = 1000;
 
+// A line is short, and no fibre has so many events; without limits a program gone wild would fill
+// the memory.
+constexpr qint64 kMostOutput = 1 << 20;
+constexpr int kMostErrors = 1 << 16;
+
 const char* textOf(QProcess::ProcessError error)
 {
     switch (error) {
@@ -41,6 +46,8 @@ EventFinder::EventFinder(QObject* parent)
                    SLOT(onEvFindFinished( int, QProcess::ExitStatus )));
     connect(process,
             SIGNAL(error( QProcess::ProcessError )), SLOT(onError( QProcess::ProcessError )));
+    connect(process, SIGNAL(readyReadStandardOutput()), SLOT(limitOutput()));
+    connect(process, SIGNAL(readyReadStandardError()), SLOT(keepErrors()));
 }
 
 EventFinder::~EventFinder()
@@ -60,6 +67,7 @@ void EventFinder::run(QString fileName, WfMeasParams newParams)
     trace.updateFromFile(fileName, params);
     header.initFrom(fileName);
     events.clear();
+    errors.clear();
     emit started();
     emit worksNow(true);
     process->start(program, arguments, QIODevice::ReadWrite);
@@ -99,7 +107,7 @@ void EventFinder::onEvFindFinished(int exitCode, QProcess::ExitStatus exitStatus
 
 void EventFinder::logFailure(int exitCode, QProcess::ExitStatus exitStatus) const
 {
-    const QString said = QString::fromLocal8Bit(process->readAllStandardError());
+    const QString said = QString::fromLocal8Bit(errors);
     if (exitStatus == QProcess::CrashExit) {
         qCritical() << "Event finder: Error! Process crashed!";
     } else {
@@ -108,6 +116,18 @@ void EventFinder::logFailure(int exitCode, QProcess::ExitStatus exitStatus) cons
     if (!said.isEmpty()) {
         qCritical() << "Error log" << said;
     }
+}
+
+void EventFinder::limitOutput()
+{
+    if (process->bytesAvailable() > kMostOutput) {
+        process->kill();
+    }
+}
+
+void EventFinder::keepErrors()
+{
+    errors = (errors + process->readAllStandardError()).right(kMostErrors);
 }
 
 void EventFinder::onError(QProcess::ProcessError err)

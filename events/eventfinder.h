@@ -5,6 +5,7 @@
 #include "platform/otdr/wf_packet_header.h"
 #include "platform/otdr/wfmeasparams.h"
 
+#include <QByteArray>
 #include <QObject>
 #include <QProcess>
 #include <QString>
@@ -13,7 +14,8 @@
 /// what it names.
 ///
 /// One run at a time; a run that fails leaves receivers with the list they have. A program that
-/// crashes ends the run twice, as a failure and as an end.
+/// crashes ends the run twice, as a failure and as an end. One that floods its output is killed,
+/// and so has crashed.
 class EventFinder : public QObject
 {
     Q_OBJECT
@@ -46,6 +48,10 @@ protected slots:
     void onEvFindFinished(int exitCode, QProcess::ExitStatus exitStatus);
     void onError(QProcess::ProcessError err);
 
+private slots:
+    void limitOutput();
+    void keepErrors();
+
 private:
     [[nodiscard]] EventList parse(QByteArray output) const;
     void addSpanStartEvent(EventList& list) const;
@@ -54,6 +60,7 @@ private:
 
     QProcess* process;
     QString program;
+    QByteArray errors; ///< the end of what the program wrote to its standard error
     WfMeasParams params;
     wf_packet_header header;
     Reflectogram trace;

@@ -188,6 +188,7 @@ void EventMarkersView::place(const EventList& events)
     clearMarkers();
     if (curve == nullptr || plot == nullptr || !curve->reflectogram().isValid()
         || curve->dataSize() == 0) {
+        setActiveFiber(-1, -1); // there are no ticks any more between which a band could lie
         return;
     }
     const Reflectogram& refl = curve->reflectogram();

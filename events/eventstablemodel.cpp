@@ -1,6 +1,7 @@
 #include "events/eventstablemodel.h"
 
 #include "platform/otdr/otdr.h"
+#include "platform/otdr/screennumber.h"
 
 #include <QGuiApplication>
 #include <QItemSelectionModel>
@@ -28,7 +29,7 @@ QPixmap iconFrom(const QString& file)
 
 QString orDash(double value, int decimals)
 {
-    return std::isfinite(value) ? QString::number(value, 'f', decimals) : QString("-");
+    return std::isfinite(value) ? screennumber::fixed(value, decimals) : QString("-");
 }
 
 /// Where an exact zero stands for "none".

@@ -2,6 +2,8 @@
 
 #include "events/eventcelldelegate.h"
 #include "events/eventstablemodel.h"
+#include "platform/launcher/fittingheader.h"
+#include "platform/otdr/screennumber.h"
 
 #include <QHeaderView>
 #include <QHelpEvent>
@@ -24,6 +26,8 @@ EventsTableView::EventsTableView(QWidget* parent)
     : QTableView(parent)
 {
     setWindowTitle(tr("Events"));
+    setLocale(screennumber::locale()); // of cells that hold numbers, not texts
+    setHorizontalHeader(new FittingHeader(this));
     horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
     horizontalHeader()->setSectionsMovable(false);
     horizontalHeader()->setSectionsClickable(false);

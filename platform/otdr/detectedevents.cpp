@@ -82,12 +82,17 @@ Event fibreOf(const otdr::DetectedSection& section, const Places& places)
 
 otdr::Detection detectionOf(const TraceState& state)
 {
+    return detectionOf(
+        state, state.file ? otdr::sor::storedThresholds(*state.file) : otdr::DetectionSettings());
+}
+
+otdr::Detection detectionOf(const TraceState& state, const otdr::DetectionSettings& settings)
+{
     if (!state.trace) {
         return {};
     }
     return otdr::detectEvents(
-        *state.trace, {state.pulse_ns, state.metresPerNs(), state.backscatter_dB},
-        state.file ? otdr::sor::storedThresholds(*state.file) : otdr::DetectionSettings());
+        *state.trace, {state.pulse_ns, state.metresPerNs(), state.backscatter_dB}, settings);
 }
 
 EventList eventListOf(const otdr::Detection& detection, const TraceState& state)

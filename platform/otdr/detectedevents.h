@@ -8,6 +8,10 @@
 /// has one. Nothing on a state without a trace.
 [[nodiscard]] otdr::Detection detectionOf(const TraceState& state);
 
+/// The same with these settings.
+[[nodiscard]] otdr::Detection detectionOf(const TraceState& state,
+                                          const otdr::DetectionSettings& settings);
+
 /// What was found as an event list: the span start at 0 m, then events and the fibre sections
 /// between them, in order along the fibre. Echoes are left out: nothing is there. Without an end
 /// where the record does not reach that of the fibre.

@@ -1,6 +1,7 @@
 #include "platform/otdr/reflectogram.h"
 
 #include "platform/otdr/core/atomicfile.h"
+#include "platform/otdr/core/snapshot.h"
 #include "platform/otdr/core/sorwriter.h"
 #include "platform/otdr/tracefigures.h"
 #include "platform/otdr/traceloader.h"
@@ -49,6 +50,11 @@ private:
     mutable std::mutex mutex;
     std::shared_ptr<const TraceState> state = std::make_shared<const TraceState>();
 };
+
+qint64 Reflectogram::largestSnapshot_bytes()
+{
+    return otdr::Snapshot::kHeaderSize + qint64 {2} * otdr::Snapshot::kMostSamples;
+}
 
 Reflectogram::Reflectogram() = default;
 

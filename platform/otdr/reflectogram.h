@@ -30,6 +30,9 @@ public:
         FromAcquisition = 3,
     };
 
+    /// No snapshot of the acquisition program is larger.
+    static qint64 largestSnapshot_bytes();
+
     Reflectogram();
 
     /// Opens a trace file (.sor, or a snapshot of the acquisition program). Invalid where that

@@ -69,9 +69,9 @@ void MessageWriter::tick(int remaining_s, int elapsed_s)
     send("M * RT " + std::to_string(remaining_s) + " ET " + std::to_string(elapsed_s));
 }
 
-void MessageWriter::waitUntilRead() const
+void MessageWriter::waitUntilRead()
 {
-    if (!isPipe) {
+    if (!isPipe || !connected) {
         return;
     }
     const auto latest = steady_clock::now() + kPatience;
@@ -80,6 +80,7 @@ void MessageWriter::waitUntilRead() const
            && steady_clock::now() < latest) {
         std::this_thread::sleep_for(kPoll);
     }
+    connected = !isAbandoned(descriptor);
 }
 
 void MessageWriter::send(const std::string& text)

@@ -41,9 +41,9 @@ public:
     /// The reader is still there. Once it has gone, nothing more is written.
     [[nodiscard]] bool isConnected() const { return connected; }
 
-    /// Waits until the reader has taken everything, for at most a second. At once where the
-    /// descriptor is no pipe.
-    void waitUntilRead() const;
+    /// Waits until the reader has taken everything or has gone, for at most a second. At once where
+    /// the descriptor is no pipe.
+    void waitUntilRead();
 
 private:
     void send(const std::string& text);

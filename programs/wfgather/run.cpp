@@ -97,6 +97,9 @@ std::optional<otdr::Error> Run::refresh(TraceSource& source, double until_s)
     const int remaining_s = settings.isRealtime() ? 0 : settings.duration_s - elapsed_s;
     with.messages.tick(remaining_s, elapsed_s);
     with.messages.waitUntilRead();
+    if (!with.messages.isConnected()) {
+        return std::nullopt; // by now the directory may be that of another reader's run
+    }
     return with.file.publish();
 }
 

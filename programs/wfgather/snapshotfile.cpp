@@ -75,6 +75,10 @@ std::optional<otdr::Error> SnapshotFile::prepare()
         errno = ENOTDIR;
         return failure(folder);
     }
+    if (status.st_uid != geteuid()) { // whose it is could change what is written
+        errno = EPERM;
+        return failure(folder);
+    }
     return write({}); // what would fail at the first refresh fails before the run
 }
 

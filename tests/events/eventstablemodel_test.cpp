@@ -1,9 +1,11 @@
 #include "events/eventstablemodel.h"
 #include "platform/otdr/otdr.h"
+#include "tests/support/echo.h"
 #include "tests/support/tracefiles.h"
 
 #include <QAbstractItemModelTester>
 #include <QItemSelectionModel>
+#include <QPair>
 #include <QPixmap>
 #include <QSignalSpy>
 #include <QtTest>
@@ -102,6 +104,14 @@ TEST_F(EventsTable, HasSevenColumnsEvenWhenEmpty)
     EXPECT_EQ(model.rowCount(), 0);
     EXPECT_EQ(model.columnCount(), 7);
     EXPECT_EQ(headers(), kHeaders);
+}
+
+TEST_F(EventsTable, HeadersSpeakTheUsersLanguageButTheNumbersDoNot)
+{
+    const testing_support::Echo language;
+    EXPECT_EQ(headers(),
+              QStringList({"N", "<Type>", "<Location>", "<Loss>", "<Reflection>", "<ORL>",
+                           "<Attenuation>"}));
 }
 
 TEST_F(EventsTable, OnlyColumnsHaveHeadersAndOnlyText)
@@ -251,6 +261,20 @@ TEST_F(EventsTable, EveryTypeHasAPictureOfItsOwn)
         for (const int other : {0, 2, 3, 4, 5, 6}) {
             EXPECT_FALSE(value(row, other, Qt::DecorationRole).isValid());
         }
+    }
+}
+
+TEST_F(EventsTable, EachTypeHasThePictureOfItsName)
+{
+    const QList<QPair<Event::Type, QString>> names {
+        {Event::SpanStart, "spanstart"},   {Event::Reflective, "refl"},
+        {Event::NonReflective, "nonrefl"}, {Event::Positive, "positive"},
+        {Event::Fiber, "fiber"},           {Event::SpanEnd, "spanend"}};
+    for (const auto& [type, name] : names) {
+        show({eventAt(type, 1000)});
+        const auto icon = value(0, EventsTableModel::Type, Qt::DecorationRole).value<QPixmap>();
+        const QPixmap file(QString(":/events/resources/ev-%1.png").arg(name));
+        EXPECT_EQ(icon.toImage(), file.toImage()) << qPrintable(name);
     }
 }
 

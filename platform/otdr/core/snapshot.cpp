@@ -159,15 +159,17 @@ Result<Snapshot> readSnapshotFile(const std::filesystem::path& path)
     if (!std::filesystem::is_regular_file(path, failure)) {
         return Error {ErrorCode::CannotOpen, name + ": not a regular file", 0};
     }
-    const std::uintmax_t size = std::filesystem::file_size(path, failure);
-    std::ifstream file(path, std::ios::binary);
-    if (failure || !file) {
+    // The size is that of the open file: another may take its place at any moment.
+    std::ifstream file(path, std::ios::binary | std::ios::ate);
+    const std::streamoff size = file.tellg();
+    if (!file || size < 0) {
         return Error {ErrorCode::CannotOpen, name + ": cannot be opened", 0};
     }
-    if (size > Snapshot::kHeaderSize + 2 * Snapshot::kMostSamples) {
+    if (static_cast<std::uintmax_t>(size) > Snapshot::kHeaderSize + 2 * Snapshot::kMostSamples) {
         return inFile(name, tooLarge());
     }
     std::vector<std::byte> bytes(static_cast<std::size_t>(size));
+    file.seekg(0);
     file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
     if (!file) {
         return Error {ErrorCode::CannotRead, name + ": cannot be read", 0};

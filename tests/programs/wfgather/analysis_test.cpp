@@ -36,11 +36,12 @@ WfMeasParams measParams(const TraceParams& announced)
 }
 
 /// What is found on a file by who opens it.
+/// With the usual thresholds: a replay is a measurement of ours, whoever measured before.
 EventList eventsOfFile(const QString& path, const WfMeasParams* params = nullptr)
 {
     const auto state = loadTrace(path, params);
     EXPECT_TRUE(state) << qPrintable(path);
-    return state ? eventListOf(detectionOf(*state), *state) : EventList();
+    return state ? eventListOf(detectionOf(*state, {}), *state) : EventList();
 }
 
 /// The events that the messages tell, as the application reads them.

@@ -131,7 +131,7 @@ TEST(MessageWriter, WaitsNoLongerThanASecond)
 TEST(MessageWriter, DoesNotWaitForAnEmptyPipeOrAFile)
 {
     const Pipe pipe;
-    const MessageWriter empty(pipe.writer());
+    MessageWriter empty(pipe.writer());
     EXPECT_LT(secondsOf([&] { empty.waitUntilRead(); }), 0.1);
 
     const int file = open("/dev/null", O_WRONLY | O_CLOEXEC);

@@ -10,6 +10,7 @@
 #include <chrono>
 #include <csignal>
 #include <fstream>
+#include <thread>
 
 namespace {
 
@@ -208,7 +209,10 @@ TEST(Gather, BeginsNoSecondTraceForNobody)
     const RunDirectory directory(
         "[MeasParams]\nduration=1\nwavelength=all\n[Simulation]\ntimeScale=0.3\n");
     GatherProcess gather(directory);
-    gather.readTo("M {");
+    gather.readTo("M *");
+    while (!directory.snapshot()) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
     gather.closeOutput();
     EXPECT_EQ(gather.wait(), 1);
     ASSERT_TRUE(directory.snapshot());
