@@ -1,5 +1,6 @@
 #include "plot/qmmarkerlegend.h"
 
+#include "platform/otdr/screennumber.h"
 #include "plot/legendgeometry.h"
 
 #include <QEvent>
@@ -24,7 +25,7 @@ void QmMarkerLegend::setText(const QString& text)
 
 void QmMarkerLegend::setText(double x_m, double y_dB)
 {
-    setText(QString::asprintf("%.0f m\n%.2f dB", x_m, y_dB));
+    setText(tr("%1 m\n%2 dB").arg(screennumber::fixed(x_m, 0), screennumber::fixed(y_dB, 2)));
 }
 
 void QmMarkerLegend::setText(const QPointF& p)

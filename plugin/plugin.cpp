@@ -9,7 +9,7 @@
 #include "storage/keeper.h"
 #include "window/window.h"
 
-#include <QPushButton>
+#include <QAbstractButton>
 
 namespace Waveform {
 
@@ -38,8 +38,9 @@ CardModel* Plugin::createCardModel()
 
 PluginWindow* Plugin::createWindow()
 {
-    PluginIcon* start = icon();
-    QWidget* parent = start != nullptr ? start->button()->parentWidget() : nullptr;
+    const PluginIcon* start = icon();
+    const QAbstractButton* button = start != nullptr ? start->button() : nullptr;
+    QWidget* parent = button != nullptr ? button->parentWidget() : nullptr;
     return new Window(config, parent);
 }
 

@@ -1,6 +1,7 @@
 #include "refls/reflstablemodel.h"
 
 #include "platform/launcher/palettefactory.h"
+#include "platform/otdr/screennumber.h"
 
 #include <QDateTime>
 #include <QFileInfo>
@@ -22,7 +23,7 @@ unsigned int color_idx = 0; // NOLINT(readability-identifier-naming): a given na
 
 QString twoDecimals(double value)
 {
-    return std::isnan(value) ? QString("-") : QString::number(value, 'f', 2);
+    return std::isnan(value) ? QString("-") : screennumber::fixed(value, 2);
 }
 
 QString dateText(const Reflectogram& refl)
@@ -256,7 +257,7 @@ QVariant ReflsTableModel::displayValue(const Reflectogram& refl, int column) con
     case Wavelength:
         return refl.wavelength();
     case Distance:
-        return refl.endOfFiber() < 0 ? QString("-") : QString::number(refl.endOfFiber(), 'f', 2);
+        return refl.endOfFiber() < 0 ? QString("-") : screennumber::fixed(refl.endOfFiber(), 2);
     case Pulse:
         return refl.pulseWidth();
     case Orl:

@@ -1,5 +1,7 @@
 #include "refls/reflstableview.h"
 
+#include "platform/launcher/fittingheader.h"
+#include "platform/otdr/screennumber.h"
 #include "refls/multilineddelegate.h"
 #include "refls/reflstablemodel.h"
 #include "refls/refltablemenu.h"
@@ -22,6 +24,8 @@ ReflsTableView::ReflsTableView(QWidget* parent)
     , menu(new ReflTableMenu(this))
 {
     setWindowTitle(tr("Reflectograms"));
+    setLocale(screennumber::locale()); // of cells that hold numbers, not texts
+    setProperty("palette_id", "table"); // light, for names in the colours of the curves
     setupHeaders();
     setItemDelegate(new MultilinedDelegate(this));
     setSelectionMode(QAbstractItemView::NoSelection);
@@ -35,6 +39,7 @@ ReflsTableView::ReflsTableView(QWidget* parent)
 
 void ReflsTableView::setupHeaders()
 {
+    setHorizontalHeader(new FittingHeader(this));
     horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
     horizontalHeader()->setSectionsMovable(false);
     horizontalHeader()->setSectionsClickable(false);

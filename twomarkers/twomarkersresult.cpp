@@ -1,5 +1,7 @@
 #include "twomarkers/twomarkersresult.h"
 
+#include "platform/otdr/screennumber.h"
+
 #include <QObject>
 
 #include <cmath>
@@ -34,7 +36,7 @@ QString TwoMarkersResult::formatted() const
     QString text = QObject::tr("A: %1 m\nB: %2 m\nL: %3 m\nLoss: %4 dB\nAtt: %5 dB/km\n"
                                "Reflection: %5 dB\nORL: %6\n");
     for (const double value : {xA, xB, length(), loss(), attenuation(), reflection, orl}) {
-        text = text.arg(value);
+        text = text.arg(screennumber::general(value));
     }
     return text;
 }
@@ -43,19 +45,19 @@ QString TwoMarkersResult::formatted(Field field) const
 {
     switch (field) {
     case A:
-        return QString::number(xA, 'f', 1) + tr(" m");
+        return screennumber::fixed(xA, 1) + tr(" m");
     case B:
-        return QString::number(xB, 'f', 1) + tr(" m");
+        return screennumber::fixed(xB, 1) + tr(" m");
     case Length:
-        return QString::number(length(), 'f', 1) + tr(" m");
+        return screennumber::fixed(length(), 1) + tr(" m");
     case Loss:
-        return QString::number(loss(), 'f', 2) + tr(" dB");
+        return screennumber::fixed(loss(), 2) + tr(" dB");
     case Attenuation:
-        return QString::number(attenuation(), 'f', 3) + tr(" dB/km");
+        return screennumber::fixed(attenuation(), 3) + tr(" dB/km");
     case Reflection:
-        return loss() >= 0.0 ? QString("-") : QString::number(reflection, 'f', 2) + tr(" dB");
+        return loss() >= 0.0 ? QString("-") : screennumber::fixed(reflection, 2) + tr(" dB");
     case ORL:
-        return QString::number(orl, 'f', 2) + tr(" dB");
+        return screennumber::fixed(orl, 2) + tr(" dB");
     }
     return {};
 }

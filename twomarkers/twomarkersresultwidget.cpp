@@ -1,5 +1,7 @@
 #include "twomarkers/twomarkersresultwidget.h"
 
+#include "platform/otdr/screennumber.h"
+
 #include <QGridLayout>
 #include <QLabel>
 #include <QPainter>
@@ -61,7 +63,7 @@ void TwoMarkersResultWidget::setResult(TwoMarkersResult res)
 
 void TwoMarkersResultWidget::setORL(double newOrl)
 {
-    orl->setText(std::isnan(newOrl) ? QString("-") : QString::number(newOrl, 'f', 2) + tr(" dB"));
+    orl->setText(std::isnan(newOrl) ? QString("-") : screennumber::fixed(newOrl, 2) + tr(" dB"));
 }
 
 void TwoMarkersResultWidget::paintEvent(QPaintEvent* /*event*/)

@@ -4,6 +4,7 @@
 #include "plot/plot.h"
 #include "plot/qmpanner.h"
 #include "plot/qmplotzoomer.h"
+#include "window/fullview.h"
 #include "window/pagegeometry.h"
 #include "window/ui_canvas.h"
 
@@ -21,7 +22,6 @@ constexpr int kZoomButtonHeight = 52;
 constexpr int kZoomButtonAlpha = 128;
 constexpr int kLowEdge = 0; ///< above and below what lies over a low canvas
 constexpr double kZoomFactor = 2.0;
-constexpr double kLeastSpan_m = 0.5;
 constexpr double kLeastSpan_dB = 0.05;
 
 } // namespace
@@ -52,7 +52,8 @@ void CanvasControls::setupZoomButtons()
     translucent.setBrush(QPalette::Button, button);
     const int rows = ui->zoomLayout->rowCount();
     for (int row = 0; row < rows; ++row) {
-        QWidget* widget = ui->zoomLayout->itemAtPosition(row, 0)->widget();
+        auto* widget = qobject_cast<QPushButton*>(ui->zoomLayout->itemAtPosition(row, 0)->widget());
+        widget->setAutoDefault(true); // Enter presses it as Space does
         widget->hide();
         widget->setMinimumHeight(kZoomButtonHeight);
         widget->setPalette(translucent);
@@ -170,9 +171,19 @@ void CanvasControls::raise()
 void CanvasControls::setDistance(double xMax_m)
 {
     constexpr double kSpan_dB = Plot::kMaxY - Plot::kMinY;
-    ui->miniPlot->setScales(QRectF(0.0, Plot::kMaxY, xMax_m, -kSpan_dB), false);
-    plotZoomer->setMaxRect(QRectF(0.0, Plot::kMinY, xMax_m, kSpan_dB));
-    plot->setMaxX(xMax_m);
+    const double width_m = fullViewWidth(xMax_m);
+    ui->miniPlot->setScales(QRectF(0.0, Plot::kMaxY, width_m, -kSpan_dB), false);
+    plotZoomer->setMaxRect(QRectF(0.0, Plot::kMinY, width_m, kSpan_dB));
+    plot->setMaxX(width_m);
+}
+
+void CanvasControls::showRange(double xMax_m)
+{
+    setDistance(xMax_m);
+    plot->setAxisScale(QwtPlot::xBottom, 0.0, fullViewWidth(xMax_m));
+    plot->setAxisScale(QwtPlot::yLeft, Plot::kMinY, Plot::kMaxY);
+    plot->enableAxis(QwtPlot::xBottom, true);
+    plot->enableAxis(QwtPlot::yLeft, true);
 }
 
 void CanvasControls::setSampleSpacing(double spacing_m)

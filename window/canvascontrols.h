@@ -51,6 +51,9 @@ public:
     /// What the full view is: 0 to this distance, m.
     void setDistance(double xMax_m);
 
+    /// Shows both axes, and on them the full view to this distance, m.
+    void showRange(double xMax_m);
+
     /// A view of a few samples, m apart, is the narrowest.
     void setSampleSpacing(double spacing_m);
 

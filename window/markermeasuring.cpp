@@ -9,7 +9,11 @@
 #include "twomarkers/twomarkersview.h"
 #include "window/canvascontrols.h"
 #include "window/measview.h"
+#include "window/pagegeometry.h"
 
+#include <QFontInfo>
+#include <QGridLayout>
+#include <QResizeEvent>
 #include <QVBoxLayout>
 
 namespace Waveform {
@@ -37,16 +41,32 @@ void MarkerMeasuring::initTwoMarkers(Plot* newPlot, CanvasControls* newCanvas, c
     connect(bar, SIGNAL(needMarkersOnScreen()), twoMarkersView, SLOT(moveMarkersToScreen()));
     twoMarkersView->setModel(model);
     canvas->legendLayout()->insertWidget(0, twoMarkersView->results());
-    arrangeResults(*twoMarkersView->results());
+    usualLetters = QFontInfo(twoMarkersView->results()->font()).pixelSize();
+    arrangeResults(plot->canvas()->height());
+    plot->canvas()->installEventFilter(this); // before the canvas is laid out for a new size
     twoMarkersView->hide();
     followMarkers(bar);
 }
 
-/// On a canvas that is too low the last rows are cut off: better than all of them squeezed.
-void MarkerMeasuring::arrangeResults(QWidget& results)
+bool MarkerMeasuring::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::Resize) {
+        arrangeResults(static_cast<QResizeEvent*>(event)->size().height());
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+/// On a canvas that is too low even for small letters the last rows are cut off: better than all
+/// of them squeezed.
+void MarkerMeasuring::arrangeResults(int canvasHeight)
 {
     constexpr int kEdge = 6;
-    QLayout& rows = *results.layout();
+    TwoMarkersResultWidget& results = *twoMarkersView->results();
+    auto& rows = *qobject_cast<QGridLayout*>(results.layout());
+    QFont font = results.font();
+    font.setPixelSize(
+        pagegeometry::letterHeight(canvasHeight, rows.rowCount(), 2 * kEdge, usualLetters));
+    results.setFont(font);
     rows.setContentsMargins(kEdge, kEdge, kEdge, kEdge);
     results.setMinimumHeight(rows.minimumSize().height());
 }

@@ -29,16 +29,20 @@ public:
     /// Takes wheel and page keys as an event filter.
     [[nodiscard]] TwoMarkersView* view() const { return twoMarkersView; }
 
+    /// Writes the results as large as the height of the canvas lets.
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private slots:
     void showInOverview();
 
 private:
-    static void arrangeResults(QWidget& results);
+    void arrangeResults(int canvasHeight);
     void followMarkers(const MeasView* bar);
 
     Plot* plot = nullptr;
     CanvasControls* canvas = nullptr;
     TwoMarkersView* twoMarkersView = nullptr;
+    int usualLetters = 0; ///< height of the results' letters where there is room, pixels
 };
 
 } // namespace Waveform

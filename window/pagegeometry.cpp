@@ -15,6 +15,8 @@ constexpr int kWantedPlot = 218;
 constexpr double kOneTable = 0.3; ///< of the page
 constexpr double kAllTables = 0.44;
 
+constexpr int kLeastLetters = 11;
+
 constexpr int kButtonColumn = 190;
 constexpr int kLegendWithGap = 240;
 
@@ -26,6 +28,12 @@ int tableHeight(int pageHeight, int tables)
     const double share = std::min(kOneTable, kAllTables / count) * pageHeight;
     const int left = (pageHeight - kBars - kWantedPlot) / count;
     return std::max(kLeastTable, std::min(static_cast<int>(share), left));
+}
+
+int letterHeight(int canvasHeight, int rows, int around, int usual)
+{
+    const int fitting = (canvasHeight - around) * 4 / (5 * std::max(1, rows));
+    return std::min(usual, std::max(kLeastLetters, fitting));
 }
 
 bool fitsButtonColumn(int canvasHeight)

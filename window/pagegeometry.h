@@ -4,8 +4,8 @@
 /// do with a low one. All in pixels.
 namespace Waveform::pagegeometry {
 
-/// Least height of a table: its header and a row.
-constexpr int kLeastTable = 64;
+/// Least height of a table: about its header and a row.
+constexpr int kLeastTable = 60;
 
 /// The most that each of so many shown tables may take of a page; the plot has the rest, so that
 /// where there is room it has most of it.
@@ -13,6 +13,10 @@ constexpr int kLeastTable = 64;
 
 /// Whether the three zoom buttons fit one below the other.
 [[nodiscard]] bool fitsButtonColumn(int canvasHeight);
+
+/// The height of the letters in which so many rows, one and a quarter letters each, fit a canvas
+/// with this much around them: the usual one where there is room, never one too small to be read.
+[[nodiscard]] int letterHeight(int canvasHeight, int rows, int around, int usual);
 
 /// Whether the legend column has room below its tables.
 [[nodiscard]] bool fitsLegendGap(int canvasHeight);

@@ -12,6 +12,9 @@
 
 #include <QEvent>
 #include <QGridLayout>
+#include <QHeaderView>
+
+#include <algorithm>
 
 namespace Waveform {
 
@@ -23,12 +26,27 @@ constexpr int kEventsRow = 3;
 constexpr int kBottomRow = 4;
 constexpr int kWrapRow = 5;
 
+/// Header and a row, both whole.
+int leastHeight(const QTableView& table)
+{
+    return table.horizontalHeader()->sizeHint().height()
+        + table.verticalHeader()->defaultSectionSize() + 2 * table.frameWidth();
+}
+
 } // namespace
 
 Panels::Panels(QWidget* window)
     : QObject(window)
     , window(window)
 {
+}
+
+void Panels::init(ZuConfigModel* config, QGridLayout* page, ControlBottomPanel* bottomPanel)
+{
+    initEventsTable();
+    initReflsTable();
+    initMeasView(config);
+    layOut(page, bottomPanel);
 }
 
 void Panels::initEventsTable()
@@ -51,6 +69,7 @@ void Panels::initReflsTable()
             SIGNAL(mainReflChanged( Reflectogram )), window, SLOT(setMainRefl( Reflectogram )));
     connect(refls, SIGNAL(allReflsDeleted()), window, SLOT(deleteAllRefls()));
     reflsTable->setModel(refls);
+    connect(refls, SIGNAL(modelReset()), SLOT(followMainTrace())); // after the view itself
     reflsTable->hide();
 }
 
@@ -73,8 +92,9 @@ void Panels::layOut(QGridLayout* page, ControlBottomPanel* bottomPanel)
     page->addWidget(bottomPanel, kBottomRow, 0, 1, -1);
     page->addWidget(markersBar, kBottomRow, 0, 1, -1);
     page->setRowStretch(kPlotRow, 1);
-    for (QWidget* table : {static_cast<QWidget*>(eventsTable), static_cast<QWidget*>(reflsTable)}) {
-        table->setMinimumHeight(pagegeometry::kLeastTable);
+    for (QTableView* table :
+         {static_cast<QTableView*>(eventsTable), static_cast<QTableView*>(reflsTable)}) {
+        table->setFrameShape(QFrame::NoFrame); // the page is its frame; on a small one pixels count
         table->installEventFilter(this);
     }
 }
@@ -94,16 +114,38 @@ void Panels::shareHeight(int newPageHeight)
     pageHeight = newPageHeight;
     const int shown = (eventsTable->isHidden() ? 0 : 1) + (reflsTable->isHidden() ? 0 : 1);
     const int most = pagegeometry::tableHeight(pageHeight, shown);
-    eventsTable->setMaximumHeight(most);
-    reflsTable->setMaximumHeight(most);
+    for (QTableView* table :
+         {static_cast<QTableView*>(eventsTable), static_cast<QTableView*>(reflsTable)}) {
+        const int least = leastHeight(*table);
+        table->setMinimumHeight(least);
+        table->setMaximumHeight(std::max(least, most));
+    }
 }
 
 bool Panels::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() == QEvent::ShowToParent || event->type() == QEvent::HideToParent) {
         shareHeight(pageHeight);
+    } else if (watched == reflsTable && event->type() == QEvent::Resize) {
+        // When the table has laid out its rows for the new size.
+        QMetaObject::invokeMethod(this, "scrollToMainTrace", Qt::QueuedConnection);
     }
     return QObject::eventFilter(watched, event);
+}
+
+void Panels::followMainTrace()
+{
+    const Reflectogram main = refls->mainRefl();
+    if (!(main == shownMain)) {
+        shownMain = main;
+        scrollToMainTrace();
+    }
+}
+
+void Panels::scrollToMainTrace()
+{
+    const int row = refls->refls().indexOf(refls->mainRefl());
+    reflsTable->scrollTo(refls->index(row, ReflsTableModel::Name));
 }
 
 void Panels::setHeld(ControlBottomPanel* bottomPanel, bool held)

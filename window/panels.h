@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/otdr/reflectogram.h"
+
 #include <QObject>
 
 class ControlBottomPanel;
@@ -27,14 +29,10 @@ public:
     explicit Panels(QWidget* window);
 
     // In this order, each once.
-    void initEventsTable();
-
-    /// The window follows the set by its slots deleteRefl, setMainRefl and deleteAllRefls.
-    void initReflsTable();
-    void initMeasView(ZuConfigModel* config);
-
-    /// Puts them into the grid of the page, above and into the place of its bottom panel.
-    void layOut(QGridLayout* page, ControlBottomPanel* bottomPanel);
+    /// Makes the tables and the bar and puts them into the grid of the page, above and into the
+    /// place of its bottom panel. The window follows the set of traces by its slots deleteRefl,
+    /// setMainRefl and deleteAllRefls.
+    void init(ZuConfigModel* config, QGridLayout* page, ControlBottomPanel* bottomPanel);
     void setupWrapPanel(QGridLayout* page, ControlBottomPanel* bottomPanel);
 
     /// Gives the tables that are shown their share of a page of this height, pixels; the plot has
@@ -54,7 +52,17 @@ public:
 
     [[nodiscard]] MeasView* measView() const { return markersBar; }
 
+private slots:
+    /// Scrolls to the row of a new main trace; a user who has scrolled on is left alone.
+    void followMainTrace();
+    void scrollToMainTrace();
+
 private:
+    void initEventsTable();
+    void initReflsTable();
+    void initMeasView(ZuConfigModel* config);
+    void layOut(QGridLayout* page, ControlBottomPanel* bottomPanel);
+
     QWidget* window;
     EventsTableModel* events = nullptr;
     EventsTableView* eventsTable = nullptr;
@@ -62,6 +70,7 @@ private:
     ReflsTableView* reflsTable = nullptr;
     MeasView* markersBar = nullptr;
     WrapPanel* wrapPanel = nullptr;
+    Reflectogram shownMain; ///< the main trace that the table of traces was scrolled to
     int pageHeight = 0;
 };
 

@@ -1,5 +1,7 @@
 #include "window/settingchoices.h"
 
+#include "platform/otdr/screennumber.h"
+
 #include <QCoreApplication>
 
 namespace Waveform {
@@ -25,7 +27,7 @@ SettingChoices choices(const QString& title, const char* key, const Row (&rows)[
 {
     SettingChoices made {title, key, {}, {}};
     for (const Row& row : rows) {
-        made.labels << t(row.number, row.unit);
+        made.labels << t(screennumber::fromCode(row.number), row.unit);
         made.values << row.value;
     }
     return made;

@@ -15,6 +15,7 @@
 #include "window/canvascontrols.h"
 #include "window/countdown.h"
 #include "window/curveset.h"
+#include "window/emptyhint.h"
 #include "window/maintrace.h"
 #include "window/markermeasuring.h"
 #include "window/measview.h"
@@ -52,7 +53,8 @@ Window::Window(ZuConfigModel* config, QWidget* parent)
     connect(&animator, SIGNAL(newText( QString )), SLOT(setActionButtonText( QString )));
     alignElements();
     removeProgress();
-    initPanels();
+    panels = new Panels(this);
+    panels->init(config, pageLayout(), bottomPanel());
     settings = new SettingsPanel(bottomPanel(), this);
     settings->initSettings(config);
     plot = new Plot(this);
@@ -65,6 +67,7 @@ Window::Window(ZuConfigModel* config, QWidget* parent)
     initEventMarkersView();
     initTwoMarkers();
     panels->setupWrapPanel(pageLayout(), bottomPanel());
+    emptyHint = new EmptyHint(plot->canvas(), reflsTableModel());
     raisePlotControls();
     setupEventFilters();
 }
@@ -87,15 +90,6 @@ void Window::removeProgress()
 {
     pageLayout()->removeWidget(progressWidget());
     delete progressWidget();
-}
-
-void Window::initPanels()
-{
-    panels = new Panels(this);
-    panels->initEventsTable();
-    panels->initReflsTable();
-    panels->initMeasView(config);
-    panels->layOut(pageLayout(), bottomPanel());
 }
 
 void Window::setupPlot()
@@ -164,6 +158,11 @@ void Window::initTwoMarkers()
 
 void Window::setModel(PluginModel* newModel)
 {
+    if (model != nullptr) { // the base lets it go only as far as the window itself follows it
+        model->disconnect(&animator);
+        model->disconnect(eventMarkers);
+        model->disconnect(actionButton());
+    }
     MeasWindow::setModel(newModel);
     if (newModel == nullptr) {
         return;
@@ -176,14 +175,11 @@ void Window::setModel(PluginModel* newModel)
 
 void Window::connectModel()
 {
+    emptyHint->follow(model);
     connect(model,
             SIGNAL(measured( QString, WfMeasParams )), SLOT(updateMeased( QString, WfMeasParams )));
     connect(model, SIGNAL(measTick( int, int )), SLOT(updateCountdownText( int, int )));
-    setDistance(model->distance());
-    plot->setAxisScale(QwtPlot::xBottom, 0.0, model->distance());
-    plot->setAxisScale(QwtPlot::yLeft, Plot::kMinY, Plot::kMaxY);
-    plot->enableAxis(QwtPlot::xBottom, true);
-    plot->enableAxis(QwtPlot::yLeft, true);
+    canvas->showRange(model->distance());
     connect(model, SIGNAL(analisisStarted()), &animator, SLOT(start()));
     connect(model, SIGNAL(analisisFinished()), SLOT(analyseFinished()));
     connect(model, SIGNAL(stopped( MeasModel* )), &animator, SLOT(stop()));
@@ -323,6 +319,10 @@ void Window::showMarkersTable()
 
 void Window::setEventListToMainRefl(EventList events)
 {
+    if (model != nullptr && model->running() && run->current() == nullptr) {
+        eventMarkers->placeMarkers(true); // of a trace that could not be used: no other's events
+        return;
+    }
     Reflectogram refl = reflsTableModel()->mainRefl();
     refl.setEventList(events, Reflectogram::FromAcquisition);
     eventMarkers->placeMarkers(true);

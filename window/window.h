@@ -22,6 +22,7 @@ namespace Waveform {
 
 class CanvasControls;
 class CurveSet;
+class EmptyHint;
 class MainTrace;
 class MarkerMeasuring;
 class Model;
@@ -112,7 +113,6 @@ protected:
 private:
     void alignElements();
     void removeProgress();
-    void initPanels();
     void setupPlot();
     void initEventMarkersView();
     void initTwoMarkers();
@@ -127,6 +127,7 @@ private:
     MarkerMeasuring* markerMeasuring = nullptr;
     WaitWnd* waitWindow = nullptr;
     CanvasControls* canvas = nullptr;
+    EmptyHint* emptyHint = nullptr;
     std::unique_ptr<CurveSet> curves;
     std::unique_ptr<MainTrace> mainTrace;
     std::unique_ptr<RunTraces> run;

@@ -1,6 +1,7 @@
 #include "plot/movableqwtplotmarker.h"
 #include "plot/plot.h"
 #include "tests/plot/finger.h"
+#include "tests/support/paintcounter.h"
 
 #include <qwt_scale_map.h>
 
@@ -73,6 +74,23 @@ TEST_F(MovableMarker, GrabbedMarkerFollowsTheFingerUntilItLetsGo)
     finger.release();
     finger.moveBy(100);
     EXPECT_DOUBLE_EQ(marker->xValue(), distanceAt(205));
+}
+
+TEST_F(MovableMarker, EachMoveOfAGrabbedMarkerIsPainted)
+{
+    testing_support::PaintCounter painted;
+    painted.attach(&plot);
+    finger.press(*plot.canvas(), QPoint(300, 100));
+    painted.count = 0;
+    finger.moveBy(20);
+    EXPECT_EQ(painted.count, 1);
+    finger.moveBy(20);
+    EXPECT_EQ(painted.count, 2);
+    finger.release();
+    painted.count = 0;
+    finger.moveBy(20);
+    EXPECT_EQ(painted.count, 0);
+    painted.detach();
 }
 
 TEST_F(MovableMarker, FingerElsewhereLeavesTheMarker)

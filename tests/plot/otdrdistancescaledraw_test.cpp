@@ -1,5 +1,6 @@
 #include "plot/otdrdistancescaledraw.h"
 #include "plot/plot.h"
+#include "tests/support/echo.h"
 
 #include <qwt_scale_div.h>
 #include <qwt_scale_widget.h>
@@ -108,6 +109,19 @@ TEST_F(DistanceAxis, LabelFollowsTheLocale)
 {
     QLocale::setDefault(QLocale(QLocale::German));
     EXPECT_EQ(label(0.0, 4000.0, 1500.0), "1,5");
+    EXPECT_EQ(label(12340.0, 12345.0, 12342.5), "12.342,5") << "digits are grouped as well";
+}
+
+TEST_F(DistanceAxis, TitleSpeaksTheUsersLanguage)
+{
+    const testing_support::Echo language;
+    EXPECT_EQ(title(0.0, 4000.0), "<km>");
+    EXPECT_EQ(title(0.0, 400.0), "<m>");
+}
+
+TEST_F(DistanceAxis, ScaleBelongsToItsAxis)
+{
+    EXPECT_EQ(draw()->parent(), plot.axisWidget(QwtPlot::xBottom));
 }
 
 TEST_F(DistanceAxis, TitleIsRightFromTheStartAndFollowsEveryChange)

@@ -1,5 +1,7 @@
 #include "plot/otdrdistancescaledraw.h"
 #include "plot/plot.h"
+#include "tests/support/echo.h"
+#include "tests/support/paintcounter.h"
 
 #include <qwt_plot_grid.h>
 #include <qwt_plot_layout.h>
@@ -91,6 +93,13 @@ TEST_F(Chart, LevelAxisEndsWhereTheDistanceLabelsBegin)
     EXPECT_EQ(end, static_cast<int>(plot.axisScaleDraw(QwtPlot::xBottom)->extent(plot.font())));
 }
 
+TEST(NewChart, HasItsTitleInTheUsersLanguage)
+{
+    const testing_support::Echo language;
+    const Plot plot;
+    EXPECT_EQ(plot.windowTitle(), "<Plot>");
+}
+
 TEST(NewChart, StartsWithoutVisibleAxes)
 {
     const Plot plot;
@@ -108,6 +117,7 @@ TEST_F(Chart, GridIsDottedAndAttachedOnce)
     EXPECT_TRUE(grid->yMinEnabled());
     EXPECT_EQ(grid->z(), 20.0);
     for (const QPen& pen : {grid->majorPen(), grid->minorPen()}) {
+        EXPECT_EQ(pen.brush(), plot.palette().brush(QPalette::Mid));
         EXPECT_EQ(pen.style(), Qt::DotLine);
         EXPECT_EQ(pen.width(), 0);
         EXPECT_EQ(pen.capStyle(), Qt::SquareCap);
@@ -189,6 +199,32 @@ TEST_F(Chart, DragAtTheStopIsSilent)
     view(9000.0, 11000.0, 40.0, 60.0); // half a screen beyond the last distance and 50 dB
     plot.shiftScale(QPoint(20, -20));
     EXPECT_EQ(scaled.size(), 0);
+}
+
+TEST_F(Chart, DragIsPaintedOnceAndNotAtAllAtTheStop)
+{
+    testing_support::PaintCounter painted;
+    painted.attach(&plot);
+    const auto paints = [&](QPoint delta) {
+        QCoreApplication::processEvents();
+        painted.count = 0;
+        plot.shiftScale(delta);
+        QCoreApplication::processEvents();
+        return painted.count;
+    };
+    EXPECT_EQ(paints({20, 20}), 1);
+    view(-1000.0, 1000.0, -10.0, 10.0);
+    EXPECT_EQ(paints({-20, 20}), 0);
+    painted.detach();
+}
+
+TEST_F(Chart, DragTellsTheViewAfterItIsThere)
+{
+    QRectF seen;
+    QObject::connect(&plot, &Plot::scaledTo, &plot, [&] { seen = shown(); });
+    plot.shiftScale(QPoint(50, 30));
+    EXPECT_EQ(seen, shown());
+    EXPECT_GT(seen.x(), 2000.0);
 }
 
 TEST_F(Chart, DragBeyondAStopIsClampedAndKeepsTheSpan)

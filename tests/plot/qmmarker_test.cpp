@@ -532,6 +532,17 @@ TEST_F(MarkerPicture, CheckedKnobIsLit)
     EXPECT_EQ(picture().pixelColor(14, 274), kKnob);
 }
 
+TEST_F(MarkerPicture, KnobHasAnEdgeOfTwoPixels)
+{
+    const QImage image = picture();
+    for (const int x : {0, 1, 27, 28}) {
+        EXPECT_GT(image.pixelColor(x, 274).alpha(), 200) << x;
+        EXPECT_NEAR(image.pixelColor(x, 274).red(), line.red(), 8) << x;
+    }
+    EXPECT_EQ(image.pixelColor(3, 274), kKnob);
+    EXPECT_EQ(image.pixelColor(25, 274), kKnob);
+}
+
 TEST_F(MarkerPicture, SymbolStandsInTheMiddleOfTheKnob)
 {
     const QRect inner(6, 266, 17, 17);

@@ -5,6 +5,7 @@
 #include "plot/qmplotzoomer.h"
 
 #include <QImage>
+#include <QPainter>
 #include <QPalette>
 #include <QtTest>
 
@@ -246,6 +247,20 @@ TEST_F(MiniPlot, FillsTheHighlightAndEdgesItDarker)
     EXPECT_GE(inside.alpha(), 192);
     EXPECT_LT(inside.alpha(), 255) << "what lies below shines through";
     EXPECT_LT(edge.green(), inside.green());
+}
+
+TEST_F(MiniPlot, HighlightIsThreeQuartersOpaqueAndItsEdgeAThirdDarker)
+{
+    QImage expected = picture();
+    QColor colour(0, 200, 0);
+    colour.setAlpha(192);
+    QPainter painter(&expected);
+    painter.setBrush(colour);
+    painter.setPen(colour.darker(130));
+    painter.drawRect(QRectF(28.0, 88.0, 100.0, -40.0));
+    painter.end();
+    mini.highlightArea(1000.0, 6000.0, 10.0, 30.0);
+    EXPECT_EQ(picture(), expected);
 }
 
 TEST_F(MiniPlot, ANarrowHighlightIsSixteenPixelsWideAboutItsArea)

@@ -286,6 +286,4 @@ TEST_F(Zoomer, ButtonsReachItsSlotsBySignature)
     EXPECT_EQ(shown(), QRectF(0.0, 0.0, 10000.0, 50.0));
 }
 
-/// Counts the keys that come through to it.
-
 } // namespace

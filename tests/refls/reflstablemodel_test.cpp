@@ -1,148 +1,13 @@
-#include "platform/launcher/palettefactory.h"
-#include "refls/reflstablemodel.h"
-#include "tests/support/tracefiles.h"
+#include "tests/refls/traceset.h"
+#include "tests/support/metamethods.h"
 
-#include <QAbstractItemModelTester>
-#include <QBrush>
-#include <QSignalSpy>
 #include <QtTest>
-
-#include <gmock/gmock.h>
-
-#include <ctime>
 
 namespace {
 
 using testing_support::SorSketch;
-using testing_support::TraceFiles;
+using testing_support::TraceSet;
 using Waveform::ReflsTableModel;
-
-class TraceSet : public testing::Test
-{
-protected:
-    TraceSet()
-        : tester(&model, QAbstractItemModelTester::FailureReportingMode::Warning)
-        , mainChanged(&model, SIGNAL(mainReflChanged(Reflectogram)))
-                      , deleted(&model, SIGNAL(reflDeleted(Reflectogram)))
-                                , allDeleted(&model, SIGNAL(allReflsDeleted()))
-                                             , resized(&model, SIGNAL(resize()))
-                                                       , resets(&model, SIGNAL(modelReset()))
-    {
-    }
-
-    Reflectogram add(const QString& name)
-    {
-        const Reflectogram refl = files.plain(name);
-        model.addRefl(refl);
-        return refl;
-    }
-
-    void forgetSignals()
-    {
-        for (QSignalSpy* spy : {&mainChanged, &deleted, &allDeleted, &resized, &resets}) {
-            spy->clear();
-        }
-    }
-
-    Reflectogram newMain() const
-    {
-        return mainChanged.isEmpty() ? Reflectogram()
-                                     : mainChanged.last().first().value<Reflectogram>();
-    }
-
-    QString text(int row, int column) const
-    {
-        return model.data(model.index(row, column), Qt::DisplayRole).toString();
-    }
-
-    QColor colour(int row, int column, Qt::ItemDataRole role) const
-    {
-        return model.data(model.index(row, column), role).value<QBrush>().color();
-    }
-
-    TraceFiles files;
-    ReflsTableModel model;
-    QAbstractItemModelTester tester;
-    QSignalSpy mainChanged;
-    QSignalSpy deleted;
-    QSignalSpy allDeleted;
-    QSignalSpy resized;
-    QSignalSpy resets;
-};
-
-TEST_F(TraceSet, HasSevenColumnsEvenWhenEmpty)
-{
-    EXPECT_EQ(model.rowCount(), 0);
-    EXPECT_EQ(model.columnCount(), 7);
-    EXPECT_FALSE(model.mainRefl().isValid());
-    QStringList headers;
-    for (int column = 0; column < 7; ++column) {
-        headers << model.headerData(column, Qt::Horizontal, Qt::DisplayRole).toString();
-    }
-    EXPECT_EQ(headers,
-              QStringList({"Name", "Date", QString(QChar(0x03BB)), "Distance", "Pulse", "ORL",
-                           "Total loss"}));
-    EXPECT_EQ(model.headerData(3, Qt::Vertical, Qt::DisplayRole).toInt(), 4);
-}
-
-TEST_F(TraceSet, ShowsWhatEachTraceSays)
-{
-    add("north.first.sor");
-    EXPECT_EQ(text(0, 0), "north");
-    EXPECT_EQ(text(0, 1), "14.11.2023 22:13");
-    EXPECT_EQ(model.data(model.index(0, 2), Qt::DisplayRole), QVariant(1550));
-    EXPECT_EQ(model.data(model.index(0, 2), Qt::DisplayRole).type(), QVariant::Int);
-    EXPECT_EQ(text(0, 3), QString::number(model.refls().first().endOfFiber(), 'f', 2));
-    EXPECT_EQ(model.data(model.index(0, 4), Qt::DisplayRole).type(), QVariant::Double);
-    EXPECT_EQ(model.data(model.index(0, 4), Qt::DisplayRole).toDouble(), 100.0);
-    EXPECT_EQ(text(0, 5), "32.50");
-    EXPECT_EQ(text(0, 6), "3.12");
-    EXPECT_FALSE(model.data(model.index(0, 0), Qt::ToolTipRole).isValid());
-}
-
-TEST_F(TraceSet, DateBeyondThirtyTwoBitsOfMillisecondsIsRight)
-{
-    SorSketch late = SorSketch::plain();
-    late.fxd.dateTime_s = 4'102'444'800U; // 2100-01-01
-    model.addReflFromFile(files.write("late.sor", late));
-    EXPECT_EQ(text(0, 1), "01.01.2100 00:00");
-}
-
-TEST_F(TraceSet, DateIsThatOfUniversalTimeWhereverOneIs)
-{
-    const QByteArray zone = qgetenv("TZ");
-    qputenv("TZ", "Asia/Tokyo");
-    tzset();
-    add("a.sor");
-    EXPECT_EQ(text(0, 1), "14.11.2023 22:13");
-    zone.isNull() ? qunsetenv("TZ") : qputenv("TZ", zone);
-    tzset();
-}
-
-TEST_F(TraceSet, FibreThatEndsAtTheStartHasADistance)
-{
-    Reflectogram refl = files.plain();
-    refl.setEventList({Event(Event::SpanEnd, 0, 10)});
-    model.addRefl(refl);
-    EXPECT_EQ(text(0, 3), "0.00");
-}
-
-TEST_F(TraceSet, IndexOutsideHasNoValue)
-{
-    add("a.sor");
-    EXPECT_FALSE(model.data(QModelIndex(), Qt::DisplayRole).isValid());
-    EXPECT_FALSE(model.data(model.index(1, 0), Qt::DisplayRole).isValid());
-    EXPECT_FALSE(model.data(model.index(0, 7), Qt::DisplayRole).isValid());
-}
-
-TEST_F(TraceSet, AlignsTextInTheMiddleAndNumbersAtTheRight)
-{
-    add("a.sor");
-    for (int column = 0; column < 7; ++column) {
-        const int alignment = model.data(model.index(0, column), Qt::TextAlignmentRole).toInt();
-        EXPECT_EQ(alignment, (column < 2 ? Qt::AlignHCenter : Qt::AlignRight) | Qt::AlignVCenter);
-    }
-}
 
 TEST_F(TraceSet, AddedTraceBecomesTheMainOne)
 {
@@ -205,21 +70,6 @@ TEST_F(TraceSet, TraceOutsideTheSetHasTheColourOfTheFirst)
     const Reflectogram first = add("a.sor");
     add("b.sor");
     EXPECT_EQ(model.getColor(Reflectogram()), model.getColor(first));
-}
-
-TEST_F(TraceSet, NameIsWrittenInTheTracesColourAndTheMainRowInWhite)
-{
-    const Reflectogram first = add("a.sor");
-    add("b.sor");
-    EXPECT_EQ(colour(0, 0, Qt::ForegroundRole), model.getColor(first));
-    EXPECT_FALSE(model.data(model.index(0, 1), Qt::ForegroundRole).isValid());
-    EXPECT_FALSE(model.data(model.index(0, 0), Qt::BackgroundRole).isValid());
-    for (int column = 0; column < 7; ++column) {
-        EXPECT_EQ(colour(1, column, Qt::ForegroundRole), QColor(Qt::white));
-        EXPECT_EQ(
-            colour(1, column, Qt::BackgroundRole),
-            PaletteFactory::getPalette("GenericWindow").color(QPalette::Current, QPalette::Button));
-    }
 }
 
 TEST_F(TraceSet, ChoosingTheMainTraceAgainChangesNothing)
@@ -371,35 +221,134 @@ TEST_F(TraceSet, GroupOfOneIsDissolved)
     EXPECT_EQ(model.association(first), QList<Reflectogram> {first});
 }
 
-TEST_F(TraceSet, UnknownFibreEndShowsAsDash)
-{
-    SorSketch sketch = SorSketch::plain();
-    sketch.keyEvents.events.pop_back();
-    sketch.keyEvents.summary = {};
-    model.addReflFromFile(files.write("open.sor", sketch));
-    EXPECT_EQ(text(0, 3), "-");
-    EXPECT_EQ(text(0, 5), "-"); // stored as 0, which means not measured
-}
-
-TEST_F(TraceSet, ReturnLossIsComputedInTheBackgroundWhereTheFileHasNone)
-{
-    SorSketch sketch = SorSketch::plain();
-    sketch.leftOut = {"KeyEvents"};
-    model.addReflFromFile(files.write("new.sor", sketch));
-    forgetSignals();
-    EXPECT_EQ(text(0, 6), "-");
-    EXPECT_EQ(text(0, 5), "-");
-    ASSERT_TRUE(QTest::qWaitFor([&] { return resets.size() > 0; }, 5000));
-    EXPECT_NE(text(0, 5), "-");
-    EXPECT_GT(text(0, 5).toDouble(), 10.0);
-    EXPECT_EQ(resets.size(), 1);
-}
-
 TEST_F(TraceSet, UpdateResetsTheModel)
 {
     forgetSignals();
     model.update();
     EXPECT_EQ(resets.size(), 1);
+}
+
+TEST_F(TraceSet, MarkOfTheLastRowMovesUpInSilenceWhereARowAboveIsDeleted)
+{
+    add("a.sor");
+    add("b.sor");
+    const Reflectogram third = add("c.sor");
+    forgetSignals();
+    model.deleteRefl(0);
+    EXPECT_EQ(model.mainRefl(), third);
+    EXPECT_EQ(mainChanged.size(), 0);
+    EXPECT_EQ(resets.size(), 1);
+}
+
+TEST_F(TraceSet, DeletingBelowTheMarkLeavesIt)
+{
+    const Reflectogram first = add("a.sor");
+    const Reflectogram second = add("b.sor");
+    model.setMainRefl(first);
+    forgetSignals();
+    model.deleteRefl(second);
+    EXPECT_EQ(model.mainRefl(), first);
+    EXPECT_EQ(mainChanged.size(), 0);
+    EXPECT_EQ(deleted.size(), 1);
+}
+
+TEST_F(TraceSet, DeletingTheOnlyTraceTellsOfNoMainOneAlsoWhereNoneWasMain)
+{
+    add("a.sor");
+    model.setMainRefl(-1);
+    forgetSignals();
+    model.deleteRefl(0);
+    ASSERT_EQ(mainChanged.size(), 1);
+    EXPECT_EQ(newMain(), Reflectogram());
+}
+
+TEST_F(TraceSet, RowThatDoesNotExistHasNoMainTrace)
+{
+    add("a.sor");
+    forgetSignals();
+    model.setMainRefl(5);
+    ASSERT_EQ(mainChanged.size(), 1);
+    EXPECT_EQ(newMain(), Reflectogram());
+    EXPECT_FALSE(model.mainRefl().isValid());
+}
+
+TEST_F(TraceSet, TraceAddedTwiceIsMeantInItsFirstRow)
+{
+    const Reflectogram first = add("a.sor");
+    add("b.sor");
+    model.addRefl(first);
+    ASSERT_EQ(model.rowCount(), 3);
+    EXPECT_EQ(colour(0, 1, Qt::ForegroundRole), QColor(Qt::white));
+    EXPECT_FALSE(model.data(model.index(2, 1), Qt::ForegroundRole).isValid());
+}
+
+TEST_F(TraceSet, NameOfAFileIsComparedLetterByLetter)
+{
+    const QString file = files.write("a.sor", SorSketch::plain());
+    model.addReflFromFile(file);
+    QString sameFile = file;
+    sameFile.replace("/a.sor", "/./a.sor");
+    EXPECT_TRUE(model.isNewRefl(sameFile));
+    model.addReflFromFile(sameFile);
+    EXPECT_EQ(model.rowCount(), 2);
+}
+
+TEST_F(TraceSet, ColoursAreCountedAcrossSets)
+{
+    const QList<QColor> cycle {Qt::darkBlue, Qt::black, Qt::darkMagenta, Qt::darkGreen};
+    const int here = cycle.indexOf(model.getColor(add("a.sor")));
+    ReflsTableModel other;
+    other.addRefl(files.plain("b.sor"));
+    EXPECT_EQ(other.getColor(other.mainRefl()), cycle.at((here + 1) % 4));
+}
+
+TEST_F(TraceSet, ColourGoesWithItsTrace)
+{
+    add("a.sor");
+    const Reflectogram second = add("b.sor");
+    const QColor colourOfSecond = model.getColor(second);
+    model.deleteRefl(0);
+    EXPECT_EQ(model.getColor(second), colourOfSecond);
+    EXPECT_EQ(model.getColor(Reflectogram()), colourOfSecond) << "it is the first now";
+}
+
+TEST_F(TraceSet, FifthTraceIsTaken) // how many may be loaded is decided before they come here
+{
+    for (int i = 0; i < 5; ++i) {
+        add(QString("%1.sor").arg(i));
+    }
+    EXPECT_EQ(model.rowCount(), 5);
+}
+
+TEST_F(TraceSet, GroupsOfTheDeletedTraceAreDissolvedAndOthersStay)
+{
+    const Reflectogram first = add("a.sor");
+    const Reflectogram second = add("b.sor");
+    const Reflectogram third = add("c.sor");
+    const Reflectogram fourth = add("d.sor");
+    model.associate(second, first);
+    model.associate(fourth, third);
+    model.deleteRefl(first);
+    EXPECT_EQ(model.association(second), QList<Reflectogram> {second});
+    EXPECT_EQ(model.association(third), QList<Reflectogram>({third, fourth}));
+}
+
+TEST_F(TraceSet, SignalsAndSlotsAreTheAgreedOnes)
+{
+    const QStringList agreed = {
+        "signal resize()",
+        "signal reflDeleted(Reflectogram refl)",
+        "signal mainReflChanged(Reflectogram refl)",
+        "signal allReflsDeleted()",
+        "public deleteAllRefls()",
+        "public deleteRefl(int row)",
+        "public setMainRefl(int row)",
+        "public setMainRefl(Reflectogram refl)",
+        "public update()",
+        "public addReflFromFile(QString file)",
+        "public associate(Reflectogram refl, Reflectogram target)",
+    };
+    EXPECT_EQ(testing_support::agreedMethods(ReflsTableModel::staticMetaObject, agreed), agreed);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "refls/reflstablemodel.h"
 #include "refls/reflstableview.h"
 #include "refls/refltablemenu.h"
+#include "tests/support/metamethods.h"
 #include "tests/support/tracefiles.h"
 
 #include <QHeaderView>
@@ -136,6 +137,17 @@ TEST_F(Table, PressThatLastsOpensTheMenuWithoutARelease)
     release(placeOf(0));
     EXPECT_TRUE(menu()->isVisible()) << "lifting the finger closed the menu";
     EXPECT_TRUE(mainAsked.isEmpty() && deleteAsked.isEmpty() && deleteAllAsked.isEmpty());
+}
+
+TEST_F(Table, LongTapIsMeantForTheRowWhereItBegan)
+{
+    load(3);
+    press(placeOf(0));
+    QTest::mouseMove(view.windowHandle(), inWindow(placeOf(2)));
+    ASSERT_TRUE(QTest::qWaitFor([this] { return menu()->isVisible(); }));
+    release(placeOf(2));
+    choose(1);
+    EXPECT_EQ(names(), QStringList({"trace1", "trace2"}));
 }
 
 TEST_F(Table, ReleaseBeforeThatOpensNothing)
@@ -294,6 +306,20 @@ TEST_F(Table, AsksOnceWhenItGetsTheSameModelAgain)
     doubleTap(placeOf(1));
     choose(1);
     EXPECT_EQ(model.rowCount(), 2);
+}
+
+TEST_F(Table, SignalsAndSlotsAreTheAgreedOnes)
+{
+    const QStringList agreed = {
+        "signal mainReflChanged(int row)", "signal deleteRefl(int row)",
+        "signal deleteAllRefls()",         "public resize()",
+        "public clicked(int id)",          "public setMenuDisabled(bool disabled)",
+    };
+    const QStringList found =
+        testing_support::agreedMethods(ReflsTableView::staticMetaObject, agreed);
+    for (const QString& method : agreed) {
+        EXPECT_TRUE(found.contains(method)) << qPrintable(method);
+    }
 }
 
 TEST_F(Table, WithoutAModelNothingOpens)

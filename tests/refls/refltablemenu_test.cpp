@@ -1,4 +1,6 @@
 #include "refls/refltablemenu.h"
+#include "tests/support/echo.h"
+#include "tests/support/metamethods.h"
 
 #include <QPushButton>
 #include <QSignalSpy>
@@ -118,6 +120,29 @@ TEST_F(Menu, WorksByKeys)
         ASSERT_EQ(chosen.size(), 1) << key;
         EXPECT_EQ(chosen.first().first().toInt(), 1) << key;
     }
+}
+
+TEST_F(Menu, SpeaksTheUsersLanguage)
+{
+    const testing_support::Echo echo;
+    const ReflTableMenu translated;
+    QStringList texts;
+    for (const QPushButton* button : translated.findChildren<QPushButton*>()) {
+        texts << button->text();
+    }
+    EXPECT_EQ(texts, QStringList({"<Set as main>", "<Delete>", "<Delete all>"}));
+}
+
+TEST_F(Menu, SlotsAreTheAgreedOnes)
+{
+    const QStringList agreed = {
+        "signal clicked(int id)",
+        "public show(QPoint pos)",
+        "public setButtonHidden(bool hidden, int idx)",
+        "public setButtonEnabled(bool enabled, int idx)",
+    };
+    EXPECT_EQ(testing_support::agreedMethods(ReflTableMenu::staticMetaObject, agreed), agreed);
+    EXPECT_GE(ReflTableMenu::staticMetaObject.indexOfSlot("buttonClicked(int)"), 0);
 }
 
 TEST_F(Menu, TapBesideItChoosesNothing)

@@ -157,6 +157,30 @@ TEST_F(MarkersOnPlot, InViewStayWhereTheyAre)
     EXPECT_NE(b->xValue(), atB);
 }
 
+TEST_F(MarkersOnPlot, AtTheVeryEdgesOfTheViewStay)
+{
+    showAll();
+    see(1000.0, 2000.0);
+    for (int time = 0; time < 2; ++time) { // the second time it is the distance as given
+        a->setXValue(1000.0);
+        b->setXValue(2000.0);
+    }
+    view->moveMarkersToScreen();
+    EXPECT_EQ(a->xValue(), 1000.0);
+    EXPECT_EQ(b->xValue(), 2000.0);
+}
+
+TEST_F(MarkersOnPlot, BOnTheLeftOfTheViewComesToItsRightEdge)
+{
+    showAll();
+    a->setXValue(3000.0);
+    b->setXValue(600.0);
+    see(1000.0, 2000.0);
+    view->moveMarkersToScreen();
+    EXPECT_EQ(lineColumn(a), qRound(columnOf(1000.0)) + 29);
+    EXPECT_EQ(lineColumn(b), qRound(columnOf(2000.0)) - 29);
+}
+
 TEST_F(MarkersOnPlot, ScreenIsTheScaleOfNow)
 {
     showAll();

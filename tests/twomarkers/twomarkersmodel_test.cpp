@@ -1,4 +1,6 @@
 #include "platform/otdr/core/reflectance.h"
+#include "platform/otdr/reflcoefcalc.h"
+#include "tests/support/metamethods.h"
 #include "tests/support/tracefiles.h"
 #include "tests/twomarkers/measuredtrace.h"
 
@@ -147,6 +149,33 @@ TEST_F(TwoMarkers, MeasureNoReflectionBeforeTheFibre)
     EXPECT_EQ(result.reflection, 0.0);
 }
 
+TEST_F(TwoMarkers, ReflectionCountsFromTheLineWhereThatIsTaken)
+{
+    const Reflectogram refl = files.measured(
+        TraceBuilder().fibre(4_km).reflection(2_km, 20.0_dB).noise(0.2_dB, 3), plainFibre());
+    model.setReflectogram(refl);
+    const TwoMarkersResult plain = measured(1990.0, 2005.0);
+    model.setUseLSA(true);
+    const TwoMarkersResult fitted = last();
+    ASSERT_LT(fitted.loss(), 0.0);
+    ASSERT_GT(std::abs(plain.yA - fitted.yA), 0.01);
+    double peak_dB = 0.0;
+    EXPECT_EQ(fitted.reflection, ReflcoefCalc(refl)(1990.0, fitted.yA, peak_dB));
+    EXPECT_NE(fitted.reflection, plain.reflection);
+}
+
+TEST_F(TwoMarkers, AreAtZeroOfATraceThatEndsBeforeTheFibre)
+{
+    const Reflectogram refl(
+        files.writeSnapshot("front.bin", TraceBuilder().fibre(4_km), 10.0, -200'000.0),
+        plainFibre());
+    ASSERT_LT(refl.maxdist(), 0.0);
+    put(100.0, -20.0);
+    model.setReflectogram(refl);
+    EXPECT_EQ(markerA.xValue(), 0.0); // first to its end, then to the front
+    EXPECT_EQ(markerB.xValue(), 0.0);
+}
+
 TEST_F(TwoMarkers, ReflectionWithoutAPeakIsNoNumber)
 {
     // The level rises a long way behind the left marker; at the marker the fibre only falls.
@@ -269,6 +298,23 @@ TEST(TwoMarkersModel, TakesTheTraceUntilTheLineIsMadeForTwoMarkers)
     ASSERT_EQ(results.size(), 2);
     EXPECT_TRUE(results.at(0).first().value<TwoMarkersResult>().lsaLine.isNull());
     EXPECT_FALSE(results.at(1).first().value<TwoMarkersResult>().lsaLine.isNull());
+}
+
+TEST(TwoMarkersModel, SignalsAndSlotsAreTheAgreedOnes)
+{
+    const QStringList agreed = {
+        "signal resultsChanged(TwoMarkersResult result)",
+        "signal usingLSAChanged(bool use)",
+        "signal orlChanged(double orl)",
+        "public setUseLSA(bool use)",
+        "private markerMoved()",
+        "private runORLCalculation()",
+        "private throwORL()",
+        "private runQueuedORLRecalculation()",
+    };
+    const QMetaObject& type = TwoMarkersModel::staticMetaObject;
+    EXPECT_EQ(agreedMethods(type, agreed), agreed);
+    EXPECT_GE(type.indexOfSlot("setReflectogram(Reflectogram)"), 0);
 }
 
 TEST(TwoMarkersModel, OutlivesItsMarkers)

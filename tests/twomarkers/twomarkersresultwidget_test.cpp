@@ -1,3 +1,4 @@
+#include "tests/support/echo.h"
 #include "twomarkers/twomarkersresultwidget.h"
 
 #include <QGridLayout>
@@ -89,6 +90,38 @@ TEST_F(ResultTable, ReturnLossThatIsNoNumberIsADash)
     EXPECT_EQ(label(6, 1)->text(), "31.50 dB");
     widget.setORL(nan);
     EXPECT_EQ(label(6, 1)->text(), "-");
+}
+
+TEST_F(ResultTable, EndlessReturnLossIsShownAsOne)
+{
+    widget.setORL(std::numeric_limits<double>::infinity());
+    EXPECT_EQ(label(6, 1)->text(), "inf dB");
+}
+
+TEST_F(ResultTable, CaptionsSpeakTheUsersLanguageButTheMarkersNamesDoNot)
+{
+    const testing_support::Echo echo;
+    TwoMarkersResultWidget translated;
+    const auto* rows = qobject_cast<QGridLayout*>(translated.layout());
+    const auto text = [&](int row, int column) {
+        return qobject_cast<QLabel*>(rows->itemAtPosition(row, column)->widget())->text();
+    };
+    QStringList captions;
+    for (int row = 0; row < 7; ++row) {
+        captions << text(row, 0);
+    }
+    EXPECT_EQ(captions,
+              QStringList({"A: ", "B: ", "<Length: >", "<Loss: >", "<Attenuation: >",
+                           "<Reflection: >", "<ORL: >"}));
+    translated.setORL(31.5);
+    EXPECT_EQ(text(6, 1), "31.50< dB>");
+}
+
+TEST_F(ResultTable, PlaceOfAIsAlignedAnewWithEachResult)
+{
+    label(0, 1)->setAlignment(Qt::AlignLeft);
+    widget.setResult(TwoMarkersResult());
+    EXPECT_TRUE(label(0, 1)->alignment() & Qt::AlignRight);
 }
 
 TEST_F(ResultTable, KeepsItsSizeWhileValuesChange)

@@ -1,3 +1,4 @@
+#include "tests/support/metamethods.h"
 #include "tests/twomarkers/markersonplot.h"
 
 #include <gmock/gmock.h>
@@ -7,7 +8,15 @@ namespace {
 using namespace testing_support; // builder and units
 using Waveform::TwoMarkersModel;
 using Waveform::TwoMarkersResult;
+using Waveform::TwoMarkersResultWidget;
 using Waveform::TwoMarkersView;
+
+TwoMarkersResult lineFrom(double a_m, double b_m)
+{
+    TwoMarkersResult result(a_m, b_m, 45.0, 44.0, 0.0, 0.0);
+    result.lsaLine = QLineF(a_m, 45.0, b_m, 44.0);
+    return result;
+}
 
 TEST_F(MarkersOnPlot, AreNamedAAndB)
 {
@@ -140,6 +149,20 @@ TEST_F(MarkersOnPlot, LineLiesOverTheTraceBetweenThem)
     EXPECT_TRUE(line->line().isNull());
 }
 
+TEST_F(MarkersOnPlot, LineTakesTheViewOfNowWheneverItsPartChanges)
+{
+    showAll();
+    drag(b, 300);
+    view->setUseLSA(true);
+    view->setResult(lineFrom(0.0, 2000.0));
+    const auto end = [this] { return line->line().translated(line->pos()).x2(); };
+    for (const double range_m : {4000.0, 2500.0}) {
+        plot.setAxisScale(QwtPlot::xBottom, 0.0, range_m); // nobody is told
+        view->setUseLSA(range_m < 3000.0);
+        EXPECT_NEAR(end(), columnOf(2000.0), 0.51) << range_m;
+    }
+}
+
 TEST_F(MarkersOnPlot, LineOfAModelThatUsesItIsShownFromTheStart)
 {
     TwoMarkersModel fitted(true, nullptr);
@@ -204,6 +227,26 @@ TEST_F(MarkersOnPlot, ViewThatGoesLeavesTheModelInPeace)
     model.setUseLSA(true);
     // The markers belong to the canvas and are still there.
     EXPECT_EQ(results.size(), 2);
+}
+
+TEST_F(MarkersOnPlot, SlotsAreTheAgreedOnesInTheirOrder)
+{
+    const QStringList agreed = {
+        "public onWidgetShown(QWidget* w, bool visible)",
+        "public isVisible()",
+        "public setVisible(bool visible)",
+        "public setHidden(bool hidden)",
+        "public hide()",
+        "public show()",
+        "public setUseLSA(bool use)",
+        "public setResult(TwoMarkersResult res)",
+        "public setORL(double orl)",
+        "public moveMarkersToScreen()",
+    };
+    EXPECT_EQ(agreedMethods(TwoMarkersView::staticMetaObject, agreed), agreed);
+    const QStringList ofTheTable = {"public setResult(TwoMarkersResult res)",
+                                    "public setORL(double orl)"};
+    EXPECT_EQ(agreedMethods(TwoMarkersResultWidget::staticMetaObject, ofTheTable), ofTheTable);
 }
 
 TEST(TwoMarkersView, NeedsNoPlotToBeAsked)

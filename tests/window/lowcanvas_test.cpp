@@ -88,6 +88,24 @@ TEST_F(LowCanvas, ResultsOfAMeasurementAreWholeBesideOneTable)
     expectButtonsApart();
 }
 
+TEST_F(LowCanvas, ResultsOfAMeasurementAreWholeWithAllPanels)
+{
+    const auto* results = window->findChild<Waveform::TwoMarkersResultWidget*>();
+    showPanels({bar()});
+    const int usual = QFontInfo(results->font()).pixelSize();
+    showPanels({events(), traces()});
+    EXPECT_EQ(window->size(), kPage);
+    ASSERT_TRUE(results->isVisible());
+    EXPECT_TRUE(plot()->canvas()->rect().contains(results->geometry()));
+    EXPECT_GE(results->height(), results->minimumSizeHint().height());
+    EXPECT_LT(QFontInfo(results->font()).pixelSize(), usual);
+    expectButtonsApart();
+    traces()->hide();
+    events()->hide();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(QFontInfo(results->font()).pixelSize(), usual) << "the letters stay small";
+}
+
 TEST_F(LowCanvas, PlotKeepsMostOfThePageBesideOneTable)
 {
     showPanels({events()});

@@ -48,6 +48,39 @@ TEST_F(Bar, OffersTwoModesAndTheMarkers)
     EXPECT_FALSE(bar.isUsingLsa());
 }
 
+TEST_F(Bar, SignalsAndSlotsAreTheAgreedOnesInTheirOrder)
+{
+    QStringList names;
+    const QMetaObject& meta = MeasView::staticMetaObject;
+    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
+        names << meta.method(i).methodSignature();
+    }
+    EXPECT_EQ(names,
+              QStringList({"usingLSAChanged(bool)", "visibility2pChanged(bool)",
+                           "visibilityChanged(bool)", "modeChanged(int)",
+                           "modeChanged(MeasView::Modes)", "needMarkersOnScreen()",
+                           "setMode(MeasView::Modes)", "setMode(int)", "onButtonClicked(int)"}));
+}
+
+TEST_F(Bar, KnowsNoOtherButtonsThanTheTwoModes)
+{
+    for (const int unknown : {-1, 2}) {
+        EXPECT_TRUE(QMetaObject::invokeMethod(&bar, "onButtonClicked", Q_ARG(int, unknown)));
+    }
+    EXPECT_TRUE(diary.isEmpty());
+    EXPECT_FALSE(bar.isUsingLsa());
+}
+
+TEST_F(Bar, ModesExcludeEachOther)
+{
+    for (const int first : {0, 1}) {
+        QTest::mouseClick(button(first), Qt::LeftButton);
+        QTest::mouseClick(button(first), Qt::LeftButton); // does not let go of it
+        EXPECT_TRUE(button(first)->isChecked());
+        EXPECT_FALSE(button(1 - first)->isChecked());
+    }
+}
+
 TEST_F(Bar, TellsAChosenModeInOrder)
 {
     bar.show();

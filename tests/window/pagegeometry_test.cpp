@@ -40,6 +40,15 @@ TEST(PageGeometry, NoTableIsAsOneThatIsAboutToBeShown)
     EXPECT_EQ(tableHeight(748, 0), tableHeight(748, 1));
 }
 
+TEST(PageGeometry, LettersAreAsUsualWhereThereIsRoomAndNeverTooSmallToRead)
+{
+    EXPECT_EQ(letterHeight(250, 7, 12, 17), 17);
+    EXPECT_EQ(letterHeight(117, 7, 12, 17), 12);
+    EXPECT_EQ(letterHeight(60, 7, 12, 17), 11);
+    EXPECT_EQ(letterHeight(60, 7, 12, 9), 9);
+    EXPECT_EQ(letterHeight(0, 0, 12, 17), 11);
+}
+
 TEST(PageGeometry, LowCanvasHasNoRoomForColumnAndGap)
 {
     EXPECT_TRUE(fitsButtonColumn(248));

@@ -1,5 +1,8 @@
 #include "window/settingchoices.h"
 
+#include <QCoreApplication>
+#include <QTranslator>
+
 #include <gmock/gmock.h>
 
 #include <cmath>
@@ -62,6 +65,34 @@ TEST(SettingChoices, WavelengthsCanBeMeasuredBoth)
     EXPECT_EQ(wavelength.key, "wavelength");
     EXPECT_EQ(wavelength.labels, QStringList({"1310 nm", "1550 nm", "All"}));
     EXPECT_EQ(wavelength.values, QList<QVariant>({1310, 1550, "all"}));
+}
+
+/// Names the context of each text.
+class Contexts : public QTranslator
+{
+public:
+    Contexts() { QCoreApplication::installTranslator(this); }
+
+    ~Contexts() override { QCoreApplication::removeTranslator(this); }
+
+    QString translate(const char* context, const char* sourceText, const char* /*disambiguation*/,
+                      int /*n*/) const override
+    {
+        return QString("%1|%2").arg(context, QString::fromUtf8(sourceText));
+    }
+
+    [[nodiscard]] bool isEmpty() const override { return false; }
+};
+
+TEST(SettingChoices, UnitsAreTranslatedInTheirContextAndInfinityIsNot)
+{
+    const Contexts translator;
+    EXPECT_EQ(t("15", "s"), "15 Units|s");
+    EXPECT_EQ(timeChoices().labels.first(), "15 Units|s");
+    EXPECT_EQ(timeChoices().labels.last(), QString(QChar(0x221E)));
+    EXPECT_EQ(longestPulseLabel(), QString("20 Units|") + QChar(0xB5) + "s");
+    EXPECT_EQ(wavelengthChoices().labels.last(), "Waveform::Window|All");
+    EXPECT_EQ(timeChoices().title, "Waveform::Window|Time");
 }
 
 TEST(SettingChoices, RevisionAsTextIsComparedAsText)

@@ -211,6 +211,31 @@ TEST_F(Settings, RunDisablesThemAll)
     }
 }
 
+TEST_F(Settings, StoredValuesAreAskedForInTheirOrder)
+{
+    QStringList asked;
+    for (const char* key : {"wavelength", "distance", "pulse", "duration"}) {
+        const ZuSetting* setting = config->setting(key, "MeasParams");
+        QObject::connect(setting, qOverload<const QVariant&>(&ZuSetting::changed),
+                         [&asked, key] { asked << key; });
+    }
+    build();
+    EXPECT_EQ(asked, QStringList({"duration", "pulse", "distance", "wavelength"}));
+}
+
+TEST_F(Settings, ChangeToARevisionOfTheSameKindChangesNothing)
+{
+    build("3.0");
+    choose(pulse(), "1 " + QString(QChar(0xB5)) + "s");
+    settings->onChangeCardRevision(4.0);
+    EXPECT_EQ(pulse()->count(), 9);
+    EXPECT_EQ(pulse()->currentData(), QVariant(1000));
+    settings->onChangeCardRevision(2.49);
+    settings->onChangeCardRevision(0.0);
+    EXPECT_EQ(pulse()->count(), 8);
+    EXPECT_EQ(pulse()->currentData(), QVariant(1000));
+}
+
 TEST_F(Settings, NewCardHasTheLongestPulseFromTheStart)
 {
     build("3.0");

@@ -105,6 +105,44 @@ TEST_F(Animation, FewerPointsTakeEffectAtOnce)
     EXPECT_EQ(step(animator), "Events.");
 }
 
+TEST_F(Animation, TextChangesAlone)
+{
+    animator.start();
+    animator.setText("Busy");
+    EXPECT_EQ(step(animator), "Busy.. ") << "the points go on";
+    EXPECT_EQ(told.size(), 2) << "a new text is told with the next step";
+}
+
+TEST_F(Animation, EveryTextHasTheSameLength)
+{
+    animator.start();
+    for (int i = 0; i < 8; ++i) {
+        EXPECT_EQ(step(animator).size(), 9);
+    }
+}
+
+TEST_F(Animation, StartsInTheIntervalThatItHas)
+{
+    animator.start();
+    EXPECT_TRUE(animator.isActive());
+    EXPECT_EQ(animator.interval(), kNever_ms);
+    EXPECT_EQ(told.size(), 1) << "the first text waited";
+}
+
+TEST(TextualAnimator, SignalsAndSlotsAreTheAgreedOnes)
+{
+    QStringList names;
+    const QMetaObject& meta = TextualAnimator::staticMetaObject;
+    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
+        names << QString(meta.method(i).typeName()) + ' ' + meta.method(i).methodSignature();
+    }
+    names.sort();
+    EXPECT_EQ(
+        names,
+        QStringList({"QString sendNewText()", "void newText(QString)", "void setPointsCount(int)",
+                     "void setText(QString)", "void start()", "void start(int)", "void stop()"}));
+}
+
 TEST(TextualAnimator, GivenItsTextAtOnceItStartsBare)
 {
     TextualAnimator animator("Busy", 2, nullptr);

@@ -1,0 +1,91 @@
+#include "window/emptyhint.h"
+
+#include "platform/launcher/palettefactory.h"
+#include "refls/reflstablemodel.h"
+
+#include <QEvent>
+
+namespace Waveform {
+
+namespace {
+
+/// On the chart's paper: 5 to 1, which reads well and does not shout.
+const QColor kQuietInk(0x5f, 0x6b, 0x76);
+
+constexpr int kMargin = 12;
+constexpr double kLarger = 1.3;
+
+} // namespace
+
+EmptyHint::EmptyHint(QWidget* canvas, ReflsTableModel* refls)
+    : QLabel(canvas)
+    , refls(refls)
+{
+    setObjectName("emptyHint");
+    setText(tr("Press Start to measure.\nPress Load to open traces,\nor drop their files here."));
+    setTextFormat(Qt::PlainText);
+    setAlignment(Qt::AlignCenter);
+    setMargin(kMargin);
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+    setFocusPolicy(Qt::NoFocus);
+    QPalette ink = PaletteFactory::getPalette("chart");
+    ink.setColor(QPalette::WindowText, kQuietInk);
+    setPalette(ink);
+    setAutoFillBackground(true); // words across the lines of the grid are hard to read
+    QFont larger = font();
+    larger.setPointSizeF(larger.pointSizeF() * kLarger);
+    setFont(larger);
+    canvas->installEventFilter(this);
+    connect(refls, SIGNAL(modelReset()), SLOT(showWhereEmpty()));
+    lower();
+    showWhereEmpty();
+}
+
+void EmptyHint::follow(MeasModel* newModel)
+{
+    if (model != nullptr) {
+        model->disconnect(this);
+    }
+    model = newModel;
+    isMeasuring = model != nullptr && model->isStarted();
+    if (model != nullptr) {
+        connect(model, SIGNAL(started( MeasModel* )), SLOT(onStarted()));
+        connect(model, SIGNAL(stopped( MeasModel* )), SLOT(onStopped()));
+    }
+    showWhereEmpty();
+}
+
+void EmptyHint::onStarted()
+{
+    isMeasuring = true;
+    showWhereEmpty();
+}
+
+void EmptyHint::onStopped()
+{
+    isMeasuring = false;
+    showWhereEmpty();
+}
+
+void EmptyHint::showWhereEmpty()
+{
+    setVisible(!isMeasuring && !refls.isNull() && refls->rowCount() == 0);
+    centre();
+}
+
+void EmptyHint::centre()
+{
+    QRect place(QPoint(), sizeHint());
+    place.moveCenter(parentWidget()->rect().center());
+    setGeometry(place);
+}
+
+bool EmptyHint::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == parentWidget() && event->type() == QEvent::Resize) {
+        centre();
+    }
+    return QLabel::eventFilter(watched, event);
+}
+
+} // namespace Waveform

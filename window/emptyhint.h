@@ -1,0 +1,41 @@
+#pragma once
+
+#include "platform/launcher/measmodel.h"
+
+#include <QLabel>
+#include <QPointer>
+
+namespace Waveform {
+
+class ReflsTableModel;
+
+/// What to do, in quiet words in the middle of a canvas on which there is nothing yet.
+///
+/// Shown while no trace is loaded and none is being measured; touches go through it to the canvas.
+class EmptyHint : public QLabel
+{
+    Q_OBJECT
+
+public:
+    EmptyHint(QWidget* canvas, ReflsTableModel* refls);
+
+    /// Follows the runs of this model, which may be null, and no longer those of another.
+    void follow(MeasModel* newModel);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private slots:
+    void onStarted();
+    void onStopped();
+    void showWhereEmpty();
+
+private:
+    void centre();
+
+    QPointer<ReflsTableModel> refls;
+    QPointer<MeasModel> model;
+    bool isMeasuring = false;
+};
+
+} // namespace Waveform
