@@ -23,6 +23,10 @@ public:
         QVector<Place> places; ///< the first is shown at first; one at least
         QString filter; ///< a plain extension (".sor"), or as QFileDialog takes it
         int atMost = 1; ///< so many files may be chosen
+
+        /// The key in section "paths" of the launcher's configuration under which the directory of
+        /// the last choice is kept, to be shown at first the next time; empty for none.
+        QString rememberedAs = {};
     };
 
     /// Asks for a file to open; empty where the user chose none.

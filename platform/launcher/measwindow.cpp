@@ -7,6 +7,7 @@
 #include <QGridLayout>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScopedValueRollback>
 
 namespace {
 
@@ -41,6 +42,7 @@ void MeasWindow::buildPage()
     panel->setActionWidget(button);
     button->setObjectName(QStringLiteral("actionButton"));
     button->setMinimumSize(2 * kTouchHeight, kTouchHeight);
+    button->setAutoDefault(true); // Enter presses it as Space does
     progress->setRange(0, 0);
     progress->setTextVisible(false);
     progress->hide();
@@ -58,6 +60,8 @@ void MeasWindow::setModel(PluginModel* model)
     }
     connect(measModel, qOverload<MeasModel*>(&MeasModel::started), this, &MeasWindow::measStarted);
     connect(measModel, qOverload<MeasModel*>(&MeasModel::stopped), this, &MeasWindow::measStopped);
+    connect(measModel, qOverload<MeasModel*>(&MeasModel::stopped), this,
+            &MeasWindow::tellFailedRun);
     connect(measModel, &MeasModel::refreshed, this, &MeasWindow::doUpdate);
     connect(measModel, &CardModel::cardLost, this, &MeasWindow::cardLost);
 }
@@ -95,9 +99,21 @@ void MeasWindow::startstop()
         measModel->stop(QString());
         return;
     }
-    const int code = measModel->start(0);
+    const int code = [this] {
+        const QScopedValueRollback<bool> starting(isStarting, true);
+        return measModel->start(0);
+    }();
     if (code != 0) {
         finishFailedStart(code);
+    }
+}
+
+/// Without a word the user would take what there is for the whole measurement.
+void MeasWindow::tellFailedRun()
+{
+    const QString reason = measModel && !isStarting ? measModel->failure() : QString();
+    if (!reason.isEmpty()) {
+        startFailed(reason);
     }
 }
 

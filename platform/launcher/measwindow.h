@@ -48,7 +48,8 @@ protected slots:
     /// The analysis of a trace ended. Nothing in the base.
     virtual void analyseFinished();
 
-    /// A start failed; the text names what. Shows it with showWarning().
+    /// A start failed, or a run that had started well ended in a failure; the text names what.
+    /// Shows it with showWarning().
     virtual void startFailed(const QString& text);
 
     /// The card went during a run. Says so with showWarning().
@@ -70,6 +71,7 @@ protected:
 private:
     void buildPage();
     void finishFailedStart(int code);
+    void tellFailedRun();
 
     QPointer<MeasModel> measModel;
     QGridLayout* grid;
@@ -77,4 +79,5 @@ private:
     QPushButton* button;
     QPointer<QProgressBar> progress;
     WarningWindow* warning = nullptr;
+    bool isStarting = false; ///< what fails now is told by its return value
 };

@@ -15,11 +15,14 @@
 #include <QTreeView>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace {
 
 const QSize kLeastSize(640, 400);
 const QSize kMostSize(900, 640);
 constexpr int kButtonWidth = 110;
+constexpr char kDirProperty[] = "dir"; ///< of the button of a place
 
 /// The patterns of a filter: of an extension (".sor"), or those in the brackets of "Traces
 /// (*.sor)".
@@ -86,10 +89,35 @@ QStringList OpenDialog::files() const
     return chosen;
 }
 
+void OpenDialog::startAt(const QString& dir)
+{
+    if (dir.isEmpty() || !QDir(dir).exists()) {
+        return;
+    }
+    const QList<QAbstractButton*> known = places->buttons();
+    const auto shows = [&](const QAbstractButton* button) {
+        return QDir(button->property(kDirProperty).toString()) == QDir(dir);
+    };
+    const auto place = std::find_if(known.begin(), known.end(), shows);
+    if (place == known.end()) {
+        addPlace({QString(), dir});
+    }
+    (place == known.end() ? places->buttons().last() : *place)->click();
+}
+
 void OpenDialog::accept()
 {
     chosen = model->checked();
     QDialog::accept();
+}
+
+bool OpenDialog::focusNextPrevChild(bool next)
+{
+    const auto buttons = places->buttons();
+    for (QAbstractButton* button : buttons) {
+        button->setFocusPolicy(Qt::StrongFocus);
+    }
+    return QDialog::focusNextPrevChild(next);
 }
 
 QTreeView* OpenDialog::newList()
@@ -147,6 +175,7 @@ void OpenDialog::addPlace(const FileDialog::Place& place)
     auto* button = new TouchButton(name, this);
     button->setCheckable(true);
     button->setAutoDefault(false);
+    button->setProperty(kDirProperty, place.dir);
     button->setToolTip(Qt::convertFromPlainText(place.dir)); // never taken for markup
     placesRow->insertWidget(places->buttons().size(), button);
     places->addButton(button);

@@ -25,8 +25,19 @@ public:
     /// Paths, in the order in which they were chosen; none before it was accepted.
     [[nodiscard]] QStringList files() const;
 
+    /// The one that is shown.
+    [[nodiscard]] QString directory() const { return shownDir; }
+
+    /// Shows a directory at first, as one more place where it is none of them. One that is gone is
+    /// left.
+    void startAt(const QString& dir);
+
 public slots:
     void accept() override;
+
+protected:
+    /// Lets Tab reach every place: in a group Qt leaves it the one that is checked.
+    bool focusNextPrevChild(bool next) override;
 
 private:
     QTreeView* newList();

@@ -27,6 +27,7 @@ const QHash<QString, QVariantList>& tables()
         {"MeasParams/distance", {1000, 2500, 5000, 10000, 20000, 40000, 80000, 160000}},
         {"MeasParams/wavelength", {1310, 1550, "all"}},
         {"AdvancedParams/MeasMode", {0, 1}},
+        {"Display/night", {false, true}},
     };
     return all;
 }
@@ -148,6 +149,7 @@ QVariantMap defaults(const QString& module)
             {"paths/otdr", "otdr"},
             {"flash/save", false},
             {"flash/dir", "/media/usb"},
+            {"Display/night", false},
         };
     }
     return {};

@@ -1,6 +1,8 @@
 #include "platform/launcher/touchbutton.h"
 
 #include <QKeyEvent>
+#include <QStyleOptionButton>
+#include <QStylePainter>
 
 namespace {
 
@@ -18,7 +20,6 @@ QSize touchable(const QSize& size)
 TouchButton::TouchButton(const QString& text, QWidget* parent)
     : QPushButton(text, parent)
 {
-    connect(this, &QPushButton::toggled, this, &TouchButton::showChecked);
 }
 
 QSize TouchButton::sizeHint() const
@@ -28,7 +29,25 @@ QSize TouchButton::sizeHint() const
 
 QSize TouchButton::minimumSizeHint() const
 {
-    return touchable(QPushButton::minimumSizeHint());
+    // Without the room around its text, where a row of them is short of it.
+    return QPushButton::sizeHint().expandedTo({0, kTouchHeight});
+}
+
+QPalette TouchButton::shownPalette() const
+{
+    QPalette colors = palette();
+    if (isChecked()) {
+        for (const QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive}) {
+            const QColor ground = colors.color(group, QPalette::Highlight);
+            const QColor text = colors.color(group, QPalette::HighlightedText);
+            // The style draws a pressed button lighter than its colour.
+            const bool wantsDark = text.lightness() > ground.lightness();
+            colors.setColor(group, QPalette::Button, wantsDark ? ground.darker(kDarker) : ground);
+            colors.setBrush(group, QPalette::ButtonText,
+                            colors.brush(group, QPalette::HighlightedText));
+        }
+    }
+    return colors;
 }
 
 void TouchButton::keyPressEvent(QKeyEvent* event)
@@ -41,17 +60,10 @@ void TouchButton::keyPressEvent(QKeyEvent* event)
     QPushButton::keyPressEvent(event);
 }
 
-void TouchButton::showChecked(bool isChecked)
+void TouchButton::paintEvent(QPaintEvent* /*event*/)
 {
-    QPalette colors; // nothing of its own: those of the parent
-    if (isChecked) {
-        for (const QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive}) {
-            // The style draws a pressed button lighter than its colour.
-            colors.setColor(group, QPalette::Button,
-                            palette().color(group, QPalette::Highlight).darker(kDarker));
-            colors.setBrush(group, QPalette::ButtonText,
-                            palette().brush(group, QPalette::HighlightedText));
-        }
-    }
-    setPalette(colors);
+    QStyleOptionButton option;
+    initStyleOption(&option);
+    option.palette = shownPalette(); // of this moment: the palette of the page may change
+    QStylePainter(this).drawControl(QStyle::CE_PushButton, option);
 }

@@ -14,9 +14,10 @@ public:
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
 
+    /// The colours that the button has now, checked or not.
+    [[nodiscard]] QPalette shownPalette() const;
+
 protected:
     void keyPressEvent(QKeyEvent* event) override;
-
-private:
-    void showChecked(bool isChecked);
+    void paintEvent(QPaintEvent* event) override;
 };
