@@ -59,6 +59,11 @@ void Demo::finish()
     if (done) {
         return;
     }
+    const QString failure = qobject_cast<MeasModel*>(host.model())->failure();
+    if (!failure.isEmpty()) {
+        leave(failure);
+        return;
+    }
     if (!host.keeper()->isSaveEnabled()) {
         leave("the measurement left no trace");
         return;

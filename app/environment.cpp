@@ -1,6 +1,5 @@
 #include "app/environment.h"
 
-#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 
@@ -37,9 +36,14 @@ QString Environment::enter()
     }
     lock = std::make_unique<QLockFile>(temporaryDir() + "/.waveform.lock");
     lock->setStaleLockTime(0); // a lock is old only when its process is gone
-    if (!lock->tryLock(100)) {
+    otherHoldsIt = !lock->tryLock(100) && lock->error() == QLockFile::LockFailedError;
+    if (otherHoldsIt) {
         lock.reset();
-        return QString("another instance of Waveform is running (it holds %1)").arg(temporaryDir());
+        return tr("another instance of Waveform is running (it holds %1)").arg(temporaryDir());
+    }
+    if (!lock->isLocked()) {
+        lock.reset();
+        return tr("cannot make a lock file in %1").arg(temporaryDir());
     }
     return {};
 }
@@ -48,25 +52,25 @@ QString Environment::makeDirectory()
 {
     const QByteArray path = QFile::encodeName(temporaryDir());
     if (::mkdir(path.constData(), kOwnerOnly) != 0 && errno != EEXIST) {
-        return QString("cannot make %1: %2").arg(temporaryDir(), std::strerror(errno));
+        return tr("cannot make %1: %2").arg(temporaryDir(), std::strerror(errno));
     }
     struct stat info = {};
     if (::lstat(path.constData(), &info) != 0) {
-        return QString("cannot look at %1: %2").arg(temporaryDir(), std::strerror(errno));
+        return tr("cannot look at %1: %2").arg(temporaryDir(), std::strerror(errno));
     }
     // Anybody may make things in /tmp: what was made by others, or leads elsewhere, is not ours to
     // write into.
     if (S_ISLNK(info.st_mode)) {
-        return QString("%1 is a link; remove it").arg(temporaryDir());
+        return tr("%1 is a link; remove it").arg(temporaryDir());
     }
     if (!S_ISDIR(info.st_mode)) {
-        return QString("%1 is not a directory; remove it").arg(temporaryDir());
+        return tr("%1 is not a directory; remove it").arg(temporaryDir());
     }
     if (info.st_uid != ::geteuid()) {
-        return QString("%1 belongs to another user").arg(temporaryDir());
+        return tr("%1 belongs to another user").arg(temporaryDir());
     }
     if (::chmod(path.constData(), kOwnerOnly) != 0) {
-        return QString("cannot protect %1: %2").arg(temporaryDir(), std::strerror(errno));
+        return tr("cannot protect %1: %2").arg(temporaryDir(), std::strerror(errno));
     }
     return {};
 }

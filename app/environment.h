@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QLockFile>
 #include <QString>
 
@@ -11,6 +12,8 @@
 /// One instance at a time holds the temporary directory.
 class Environment
 {
+    Q_DECLARE_TR_FUNCTIONS(Environment)
+
 public:
     /// The directory in which acquisition and application meet.
     [[nodiscard]] static QString temporaryDir();
@@ -19,8 +22,12 @@ public:
     /// \return an empty text, or why the application cannot start
     [[nodiscard]] QString enter();
 
+    /// Whether what refused enter() is an instance that runs.
+    [[nodiscard]] bool otherRuns() const { return otherHoldsIt; }
+
 private:
     [[nodiscard]] static QString makeDirectory();
 
     std::unique_ptr<QLockFile> lock;
+    bool otherHoldsIt = false;
 };

@@ -1,17 +1,32 @@
 #include "app/host.h"
 
+#include "app/environment.h"
+#include "app/filename.h"
 #include "app/frame.h"
 #include "platform/launcher/abstractkeeper.h"
 #include "platform/launcher/launcherplugininterface.h"
 #include "platform/launcher/pluginmodel.h"
 #include "platform/launcher/pluginwindow.h"
+#include "platform/otdr/errorwords.h"
 #include "platform/otdr/reflectogram.h"
 
-#include <QCoreApplication>
 #include <QFileInfo>
 #include <QThreadPool>
 
-Host::Host() = default;
+namespace {
+
+/// So many traces may be loaded at a time; the one after them is refused with words.
+constexpr int kMostTraces = 4;
+
+/// A message is to be read on a small screen.
+constexpr int kMostLines = 5;
+
+} // namespace
+
+Host::Host()
+    : names(Environment::temporaryDir())
+{
+}
 
 Host::~Host()
 {
@@ -42,16 +57,27 @@ QString Host::pluginPath()
 
 QString Host::load()
 {
-    loader.setFileName(pluginPath());
+    const QString path = pluginPath();
+    if (!QFileInfo::exists(path)) {
+        return tr("the plugin %1 is missing").arg(path);
+    }
+    loader.setFileName(path);
     QObject* instance = loader.instance();
     if (instance == nullptr) {
-        return loader.errorString();
+        return tr("the plugin %1 cannot be loaded: %2").arg(path, loader.errorString());
     }
     plugin = qobject_cast<LauncherPluginInterface*>(instance);
     if (plugin == nullptr || plugin->window() == nullptr) {
-        return QString("%1 is no plugin of this application").arg(pluginPath());
+        return tr("%1 is no plugin of this application").arg(path);
     }
     outer = std::make_unique<Frame>(plugin->window(), plugin->myKeeper());
+    // When the drop is over: who drags waits for its end.
+    QObject::connect(
+        outer.get(), &Frame::dropped, outer.get(),
+        [this](const QStringList& files, const QStringList& elsewhere) {
+            takeDropped(files, elsewhere);
+        },
+        Qt::QueuedConnection);
     plugin->window()->show();
     emit plugin->window()->setTitle(plugin->name());
     return {};
@@ -74,14 +100,43 @@ AbstractKeeper* Host::keeper() const
 
 QStringList Host::open(const QStringList& files)
 {
+    if (!files.isEmpty() && (keeper() == nullptr || !keeper()->isLoadEnabled())) {
+        return {tr("Traces can be opened when what is under way now has ended.")};
+    }
     QStringList problems;
+    int opened = 0;
     for (const QString& file : files) {
-        const Reflectogram refl(file);
+        const QString openable = names.openable(file);
+        const Reflectogram refl(openable);
         if (!refl.isValid()) {
-            problems << refl.error(); // which names the file
-        } else {
-            keeper()->loadFile(file);
+            const QString error = errorWords(refl.error()); // which names the file
+            problems << QString(error).replace(openable, filename::shown(file));
+        } else if (opened <= kMostTraces) { // further ones would be refused in the same words
+            keeper()->loadFile(openable);
+            ++opened;
         }
     }
     return problems;
+}
+
+void Host::tell(const QStringList& problems)
+{
+    if (problems.isEmpty()) {
+        return;
+    }
+    QStringList lines = problems.mid(0, kMostLines);
+    const int more = problems.size() - lines.size();
+    if (more > 0) {
+        lines << tr("... and %1 more").arg(more);
+    }
+    outer->tell(lines.join('\n'));
+}
+
+void Host::takeDropped(const QStringList& files, const QStringList& elsewhere)
+{
+    QStringList problems = open(files);
+    for (const QString& place : elsewhere) {
+        problems << tr("%1: not a file of this machine").arg(place);
+    }
+    tell(problems);
 }

@@ -1,12 +1,20 @@
 #include "app/demo.h"
 #include "app/environment.h"
+#include "app/filename.h"
 #include "app/frame.h"
+#include "app/framememory.h"
+#include "app/handover.h"
 #include "app/host.h"
+#include "app/language.h"
+#include "app/missingprograms.h"
 #include "app/noticeprinter.h"
+#include "app/openrequests.h"
 #include "app/options.h"
 #include "app/picture.h"
+#include "app/secondinstance.h"
 #include "app/shownpanels.h"
-#include "platform/launcher/palettefactory.h"
+#include "app/stopping.h"
+#include "platform/launcher/appearance.h"
 #include "platform/launcher/pluginwindow.h"
 #include "platform/launcher/zuconfig.h"
 
@@ -16,8 +24,11 @@
 #include <QTextStream>
 
 #include <memory>
+#include <optional>
 
 namespace {
+
+using stopping::fail;
 
 bool unattended(const Options& options)
 {
@@ -31,12 +42,6 @@ void chooseScreen(const Options& options)
     if (unattended(options) && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
-}
-
-int fail(const QString& problem)
-{
-    QTextStream(stderr) << "waveform: " << problem << "\n";
-    return 1;
 }
 
 void showFrame(Host& host, const Options& options)
@@ -71,14 +76,24 @@ int takeScreenshot(Host& host, const Options& options)
         : fail(QString("cannot write %1").arg(options.screenshot));
 }
 
-int showWindow(Host& host, const Options& options)
+int showWindow(Host& host, const Options& options, OpenRequests& requests)
 {
-    showFrame(host, options);
+    FrameMemory memory(host.frame());
+    memory.show(options.size);
+    QObject::connect(&requests, &OpenRequests::requested, host.frame(),
+                     [&host](const QStringList& files) {
+                         host.frame()->comeToFront();
+                         host.tell(host.open(files));
+                     });
     const QStringList problems = host.open(options.files);
     showPanels(*host.window(), options.panels);
     if (!problems.isEmpty()) {
         fail(problems.join("\nwaveform: "));
-        host.frame()->tell(problems.join("\n"));
+        host.tell(problems);
+    }
+    const QString missing = missingPrograms();
+    if (!missing.isEmpty()) {
+        host.frame()->tell(missing);
     }
     return QApplication::exec();
 }
@@ -94,23 +109,62 @@ int runDemo(Host& host, const Options& options)
 
 int run(const Options& options)
 {
-    Environment environment;
-    const QString refused = environment.enter();
-    if (!refused.isEmpty()) {
-        return fail(refused);
-    }
     for (const Options::Override& value : options.overrides) {
         ZuConfig::setForThisRun("zuotdr", value.section, value.key, value.value);
+    }
+    OpenRequests requests;
+    if (!unattended(options)) {
+        // Before the plugin is loaded, which takes its time: who comes meanwhile has to wait only.
+        const QString deaf = requests.listen(handover::address(Environment::temporaryDir()));
+        if (!deaf.isEmpty()) {
+            fail("a second start will find no ear: " + deaf);
+        }
     }
     Host host;
     const QString problem = host.load();
     if (!problem.isEmpty()) {
-        return fail(problem);
+        return unattended(options) ? fail(problem) : stopping::failOnScreen(problem);
     }
     if (!options.demoDir.isEmpty()) {
         return runDemo(host, options);
     }
-    return options.screenshot.isEmpty() ? showWindow(host, options) : takeScreenshot(host, options);
+    return options.screenshot.isEmpty() ? showWindow(host, options, requests)
+                                        : takeScreenshot(host, options);
+}
+
+/// What is settled before there is a window.
+struct Beginning
+{
+    Options options;
+    QString refused; ///< why there will be none
+    std::optional<int> exitCode; ///< where all is said and done
+};
+
+Beginning begin(int argc, char** argv, Environment& environment)
+{
+    const QCoreApplication console(argc, argv); // a text is all that some command lines want
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i) {
+        arguments << filename::fromRaw(argv[i]);
+    }
+    const auto parsed = parseOptions(arguments);
+    if (const auto* text = std::get_if<OptionsText>(&parsed)) {
+        QTextStream(text->exitCode == 0 ? stdout : stderr) << text->text;
+        return {{}, {}, text->exitCode};
+    }
+    const Options& options = std::get<Options>(parsed);
+    const Language language(options.language); // of why there will be no window
+    Beginning result {options, environment.enter(), {}};
+    if (environment.otherRuns() && !unattended(result.options)) {
+        result.refused = secondinstance::handOver(result.options);
+        if (result.refused.isEmpty()) {
+            result.exitCode = 0;
+        }
+    } else if (result.refused.isEmpty() && !unattended(result.options) && !stopping::hasDisplay()) {
+        result.refused =
+            "there is no display to show the window on; --demo and --screenshot need none";
+    }
+    return result;
 }
 
 } // namespace
@@ -119,15 +173,12 @@ int main(int argc, char** argv)
 {
     QCoreApplication::setApplicationName("waveform");
     QCoreApplication::setApplicationVersion(WAVEFORM_VERSION);
-    const auto parsed = [&] {
-        const QCoreApplication console(argc, argv); // a text is all that some command lines want
-        return parseOptions(QCoreApplication::arguments());
-    }();
-    if (const auto* text = std::get_if<OptionsText>(&parsed)) {
-        QTextStream(text->exitCode == 0 ? stdout : stderr) << text->text;
-        return text->exitCode;
+    Environment environment;
+    const Beginning beginning = begin(argc, argv, environment);
+    if (beginning.exitCode) {
+        return *beginning.exitCode;
     }
-    const Options options = std::get<Options>(parsed);
+    const Options& options = beginning.options;
     chooseScreen(options);
     // Neither reads what the user has configured nor leaves anything in the user's directories.
     std::unique_ptr<QTemporaryDir> home;
@@ -138,7 +189,11 @@ int main(int argc, char** argv)
         qputenv("XDG_RUNTIME_DIR", QFile::encodeName(home->path()));
         qunsetenv("XDG_CONFIG_HOME");
     }
+    if (!beginning.refused.isEmpty() && (unattended(options) || !stopping::hasDisplay())) {
+        return fail(beginning.refused);
+    }
     QApplication application(argc, argv);
-    QApplication::setPalette(PaletteFactory::getPalette("Application"));
-    return run(options);
+    const Language language(options.language); // before the plugin makes its window
+    const Appearance appearance;
+    return beginning.refused.isEmpty() ? run(options) : stopping::failOnScreen(beginning.refused);
 }

@@ -1,5 +1,6 @@
 #include "app/options.h"
 
+#include "app/language.h"
 #include "app/shownpanels.h"
 
 #include <QCommandLineParser>
@@ -65,6 +66,10 @@ void addOptions(QCommandLineParser& parser)
     parser.addOption({"fibre", "Fibre of the simulated card.", "FILE"});
     parser.addOption({"replay", "Trace file that the simulated card measures instead.", "FILE"});
     parser.addOption({"wavelength", "Wavelength in nm, or all.", "NM"});
+    parser.addOption(
+        {"language",
+         "Language of the window instead of the system's: " + Language::known().join(" or ") + ".",
+         "CODE"});
     for (const NumberOption& number : kNumbers) {
         parser.addOption({number.name, number.help, number.unit});
     }
@@ -153,6 +158,10 @@ std::optional<OptionsText> readTexts(const QCommandLineParser& parser, Options& 
             return wrong(QString("there is no file \"%1\"").arg(parser.value(name)));
         }
         options.overrides.push_back({"Simulation", name, file.absoluteFilePath()});
+    }
+    options.language = parser.value("language");
+    if (parser.isSet("language") && !Language::known().contains(options.language)) {
+        return wrong(QString("--language cannot be \"%1\"").arg(options.language));
     }
     if (parser.isSet("wavelength")) {
         const QString text = parser.value("wavelength");

@@ -24,6 +24,7 @@ struct Options
     QString screenshot; ///< file for a picture of the window with the files; empty for none
     QSize size = QSize(1280, 800); ///< of that picture
     QStringList panels; ///< to show in it
+    QString language; ///< code of the one to speak; empty for the system's
     std::vector<Override> overrides;
 };
 

@@ -1,0 +1,81 @@
+#include "app/language.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QLibraryInfo>
+
+// The macro wants to stand outside of any namespace.
+static void makeTranslationsKnown()
+{
+    Q_INIT_RESOURCE(translations);
+}
+
+namespace {
+
+constexpr char kDirectory[] = ":/translations";
+constexpr char kSource[] = "en";
+constexpr char kPrefix[] = "waveform_";
+
+QString asked(const QLocale& system)
+{
+    // As every program does: the list of languages is for those who want one at all.
+    return system.language() == QLocale::C ? kSource : Language::chosen(system.uiLanguages());
+}
+
+} // namespace
+
+Language::Language(const QString& code)
+{
+    makeTranslationsKnown();
+    const QLocale system = QLocale::system();
+    const QString language = code.isEmpty() ? asked(system) : code;
+    // Numbers are the system's, whether or not there are words in its language.
+    QLocale numbers = code.isEmpty() ? system : QLocale(code);
+    numbers.setNumberOptions(QLocale::OmitGroupSeparator);
+    QLocale::setDefault(numbers);
+    if (language != kSource) {
+        install("qtbase_" + language, QLibraryInfo::location(QLibraryInfo::TranslationsPath));
+        install(kPrefix + language, kDirectory); // is asked first
+    }
+}
+
+Language::~Language()
+{
+    for (const auto& translator : translators) {
+        QCoreApplication::removeTranslator(translator.get());
+    }
+    QLocale::setDefault(before);
+}
+
+QStringList Language::known()
+{
+    makeTranslationsKnown();
+    QStringList codes = {kSource};
+    const QStringList files = QDir(kDirectory).entryList({QString(kPrefix) + "*.qm"});
+    for (const QString& file : files) {
+        codes << file.section('.', 0, 0).mid(int(qstrlen(kPrefix)));
+    }
+    return codes;
+}
+
+QString Language::chosen(const QStringList& asked)
+{
+    const QStringList codes = known();
+    for (const QString& tag : asked) {
+        const QString language = QString(tag).replace('-', '_').section('_', 0, 0).toLower();
+        if (codes.contains(language)) {
+            return language;
+        }
+    }
+    return kSource;
+}
+
+void Language::install(const QString& name, const QString& dir)
+{
+    auto translator = std::make_unique<QTranslator>();
+    // Qt's own may not be there; its few words are English then.
+    if (translator->load(name, dir)) {
+        QCoreApplication::installTranslator(translator.get());
+        translators.push_back(std::move(translator));
+    }
+}

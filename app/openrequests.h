@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QLocalServer>
+#include <QObject>
+#include <QStringList>
+
+class QLocalSocket;
+
+/// The first instance's ear for what a second one was to open.
+class OpenRequests : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit OpenRequests(QObject* parent = nullptr);
+
+    /// Listens in place of what an instance that crashed has left at the address. Only whoever may
+    /// enter its directory, and is the same user, reaches it.
+    /// \return an empty text, or why it cannot listen
+    [[nodiscard]] QString listen(const QString& address);
+
+signals:
+    /// Somebody started the application again; there may be no files.
+    void requested(const QStringList& files);
+
+private:
+    void welcome();
+    void read(QLocalSocket* socket);
+
+    QLocalServer server;
+};
