@@ -33,6 +33,7 @@ if(WAVEFORM_SANITIZE)
                            -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(waveform_options INTERFACE -fsanitize=${WAVEFORM_SANITIZE})
 endif()
+include(hardening)
 
 # What every target has, and by what it depends on: Qt's meta-object compiler, and the precompiled headers of the Qt
 # modules it may use. These are compiled once for all targets; the presets that check do without (who includes too

@@ -121,6 +121,18 @@ void saveSettings()
     save("settings", "all", "[MeasParams]\nwavelength=all\ndistance=1.5e5\npulse=20000\n");
 }
 
+/// One mistake each that chance hardly makes.
+void saveRefusedFibres()
+{
+    const std::string section = "{\"length_m\":1,\"attenuation_db_per_km\":0}";
+    const std::string sections = "\"sections\":[" + section + "]";
+    save("fibrefile", "list", "[]");
+    save("fibrefile", "section-of-text", "{\"sections\":[\"a\"]}");
+    save("fibrefile", "sections-of-text", "{\"sections\":\"a\"}");
+    save("fibrefile", "name-of-numbers", "{\"name\":1," + sections + "}");
+    save("fibrefile", "long-name", "{\"name\":\"" + std::string(300, 'a') + "\"," + sections + "}");
+}
+
 void saveFibres(const fs::path& fibres)
 {
     fs::create_directories(root / "fibrefile");
@@ -131,6 +143,7 @@ void saveFibres(const fs::path& fibres)
         }
     }
     save("fibrefile", "smallest", "{\"sections\":[{\"length_m\":1,\"attenuation_db_per_km\":0}]}");
+    saveRefusedFibres();
 }
 
 void saveMuseum(const fs::path& museum)

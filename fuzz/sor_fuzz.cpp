@@ -34,8 +34,21 @@ void askEverything(const sor::File& file)
     (void)sor::returnLoss_dB(file);
     (void)sor::fibreEnd_m(file);
     (void)sor::checksumVerdict(file);
-    const std::size_t events = file.keyEvents ? file.keyEvents->events.size() : 0;
-    claim(sor::eventKinds(file).size() == events, "every event has a kind");
+    claim(!std::isinf(sor::spacing_m(file)), "samples lie a distance apart, or nothing is told");
+    claim(std::isfinite(sor::level_dB(file, file.data.samples[0])), "a count has a level");
+    if (!file.keyEvents) {
+        claim(sor::eventKinds(file).empty(), "without events there are no kinds");
+        return;
+    }
+    claim(sor::eventKinds(file).size() == file.keyEvents->events.size(), "every event has a kind");
+    for (const sor::KeyEvent& event : file.keyEvents->events) {
+        claim(std::isfinite(sor::position_m(file, event)), "an event has a place");
+        claim(sor::codeText(event).size() == event.code.size(), "a code is shown whole");
+        claim(!std::isinf(sor::attenuation_dBPerKm(event)) && !std::isinf(sor::loss_dB(event))
+                  && !(sor::reflectance_dB(event) > 0.0),
+              "what an event tells is finite and of the right sign, or unknown");
+        (void)sor::isSaturated(event);
+    }
 }
 
 sor::File writtenAndRead(const sor::File& file)

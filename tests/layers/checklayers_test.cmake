@@ -33,6 +33,7 @@ check(window/a.cpp "\"plugin/plugin.h\"" bad)
 check(app/a.cpp "\"window/window.h\"" bad)
 check(window/a.cpp "\"platform/otdr/core/trace.h\"" bad)
 check(tests/plot/a_test.cpp "\"window/window.h\"" bad)
+check(tests/endtoend/a_test.cpp "\"window/window.h\"" bad)
 
 # Downwards
 check(platform/otdr/a.cpp "\"platform/otdr/core/trace.h\"" good)
@@ -45,6 +46,8 @@ check(programs/otdrreport/a.cpp "\"plot/plot.h\"" good)
 check(tests/plot/a_test.cpp "\"plot/plot.h\"" good)
 check(tests/plot/a_test.cpp "\"tests/support/warnings.h\"" good)
 check(tests/plot/a_test.cpp "\"a_test.moc\"" good)
+check(tests/endtoend/a_test.cpp "\"platform/otdr/reflectogram.h\"" good)
+check(tests/endtoend/a_test.cpp "\"tests/support/tracefiles.h\"" good)
 
 # Paths that do not start at the root, folders that nobody has placed
 check(plot/a.cpp "\"../events/eventmarkersview.h\"" bad)
