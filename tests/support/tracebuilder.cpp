@@ -94,6 +94,12 @@ double TraceBuilder::pulseSamples() const
     return pulse_ns / interval_ns;
 }
 
+TraceBuilder& TraceBuilder::reflectingEnd(Decibels height)
+{
+    endHeight = height;
+    return *this;
+}
+
 double TraceBuilder::trueLevel_dB(Length at) const
 {
     const double pulse_m = pulse_ns * metresPerNs();
@@ -118,7 +124,11 @@ std::vector<std::uint16_t> TraceBuilder::counts() const
     for (std::size_t i = frontSamples; i < result.size(); ++i) {
         const double scatter = sigma.dB > 0.0 ? gauss(generator) : 0.0;
         double level = 0.0;
-        if (i < fibreSamples) {
+        const bool isEnd =
+            endHeight.dB > 0.0 && static_cast<double>(i) < indexOf(length) + pulseSamples();
+        if (i >= fibreSamples && isEnd) {
+            level = trueLevel_dB(length) + endHeight.dB + sigma.dB * scatter;
+        } else if (i < fibreSamples) {
             const auto steps = static_cast<double>(i - frontSamples);
             level = trueLevel_dB({steps * interval_ns * metresPerNs()}) + sigma.dB * scatter;
         } else if (scatter > 0.0) {

@@ -74,6 +74,7 @@ public:
     TraceBuilder& splice(Length at, Decibels loss);
     TraceBuilder& reflection(Length at, Decibels height); ///< above the fibre before it
     TraceBuilder& connector(Length at, Decibels loss, Decibels height);
+    TraceBuilder& reflectingEnd(Decibels height); ///< of the fibre; above the fibre before it
 
     [[nodiscard]] std::vector<std::uint16_t> counts() const;
     [[nodiscard]] std::shared_ptr<const otdr::Trace> build() const;
@@ -103,6 +104,7 @@ private:
     Decibels sigma;
     std::uint64_t seed = 1;
     Decibels floorLevel;
+    Decibels endHeight;
     std::vector<Happening> happenings;
 };
 

@@ -22,6 +22,20 @@ constexpr double kEndTailPulses = 2.5;
 /// A launch that stands less than this above the fibre is not listed as a reflection.
 constexpr double kLaunchPeak_dB = 0.3;
 
+/// Where hardly any fibre can be seen before the end, its level is taken from so many pulses, and
+/// no fewer samples.
+constexpr double kLevelPulses = 0.4;
+constexpr double kFewestLevel = 3.0;
+
+/// The group of the start and of what stands in its dead zone.
+constexpr int kLaunch = -1;
+
+/// What rises nearer to the end than this is the end's own reflection.
+constexpr double kOwnRisePulses = 0.5;
+
+/// Light that has fallen by this much is gone: what rises then is no reflection of the fibre.
+constexpr double kGone_dB = 3.0;
+
 /// A trace of fewer pulses tells nothing.
 constexpr double kFewestPulses = 8.0;
 
@@ -90,7 +104,32 @@ private:
             start.behind = line->line;
             launchPeak(start);
         }
+        start.group = kLaunch;
         result.events.push_back(start);
+        if (start.behind.samples > 0) {
+            listInLaunch(start);
+        }
+    }
+
+    /// Reflections within the dead zone of the port: a patch cord in front of the link.
+    void listInLaunch(const DetectedEvent& start)
+    {
+        for (const double foot : risesBetween(fibre, extent.launch, extent.first)) {
+            const auto peak = peakAbove(trace, foot, foot + fibre.scale().pulse,
+                                        start.behind.at(foot) + kLaunchPeak_dB);
+            if (peak) {
+                DetectedEvent event;
+                event.kind = DetectedEvent::Kind::Reflective;
+                event.evidence = DetectedEvent::Evidence::Foot;
+                event.group = kLaunch;
+                event.index = foot;
+                event.height_dB = peak->level_dB - start.behind.at(foot);
+                event.reflectance_dB = reflectanceOf(event.height_dB);
+                event.behind = start.behind;
+                event.behindFrom = extent.first;
+                result.events.push_back(event);
+            }
+        }
     }
 
     /// The reflection of the port, where it stands above the fibre behind it.
@@ -145,10 +184,7 @@ private:
         end.group = group;
         end.index = extent.end;
         end.behindFrom = extent.lastLit;
-        const auto line = sites.fibre(sites.sites().size());
-        if (line) {
-            end.before = line->line;
-        }
+        end.before = lineBeforeEnd();
         if (extent.kind == FibreExtent::End::OutOfRange) {
             end.evidence = DetectedEvent::Evidence::Range;
             result.events.push_back(end);
@@ -157,22 +193,78 @@ private:
         end.evidence = DetectedEvent::Evidence::Fall;
         const double w = fibre.scale().pulse;
         const double sigma = fibre.noise().sigma_dB(extent.end - w);
-        const auto top = line ? peakAbove(trace, extent.end, extent.end + 2.0 * w,
-                                          end.before.at(extent.end) + std::max(0.1, 6.0 * sigma))
-                              : std::nullopt;
-        if (top) {
-            const PeakGroup peak = measurePeak(
-                fibre, extent.end, end.before.samples > 4 ? end.before.centre : extent.first,
-                extent.end + 4.0 * w);
-            end.index = peak.feet.front();
-            end.height_dB = peak.heights_dB.front();
-            end.reflectance_dB = reflectanceOf(end.height_dB);
-            end.saturated = peak.saturated;
-        } else if (line) {
-            end.index = footOfFall(fibre, extent.end - 2.0, end.before);
+        const double least = end.before.at(extent.end) + std::max(0.1, 6.0 * sigma);
+        const bool hasLine = end.before.samples > 0;
+        if (hasLine && peakAbove(trace, extent.end, extent.end + 2.0 * w, least)) {
+            listLastPeaks(end);
+        } else {
+            end.index = hasLine ? footOfFall(fibre, extent.end - 2.0, end.before) : extent.end;
+            result.events.push_back(end);
         }
-        result.end = end.index;
-        result.events.push_back(end);
+        result.end = result.events.back().index;
+    }
+
+    /// The fibre before the end; where little of it can be seen, its level.
+    [[nodiscard]] Line lineBeforeEnd() const
+    {
+        if (const auto line = sites.fibre(sites.sites().size())) {
+            return line->line;
+        }
+        const double seen = std::max(kFewestLevel, kLevelPulses * fibre.scale().pulse);
+        const double from = std::max(extent.first, extent.end - seen);
+        Line level;
+        if (extent.end - from >= kFewestLevel) {
+            level.level_dB = fibre.mean_dB(from, extent.end);
+            level.centre = 0.5 * (from + extent.end);
+            level.samples = static_cast<std::size_t>(extent.end - from);
+        }
+        return level;
+    }
+
+    /// The reflection of the end. Where others stand in its dead zone, they come first: that of the
+    /// end is the last one that rises before the light is gone.
+    void listLastPeaks(const DetectedEvent& end)
+    {
+        const double w = fibre.scale().pulse;
+        const PeakGroup peak =
+            measurePeak(fibre, extent.end, end.before.centre, extent.end + 4.0 * w);
+        const double apart = peak.feet.front() - kOwnRisePulses * w;
+        const double from = std::max(end.before.centre, apart - 2.0 * fibre.gap());
+        if (const auto first = firstPeak(fibre, from, apart, end.before)) {
+            const PeakGroup before = measurePeak(fibre, *first, end.before.centre, apart);
+            for (std::size_t i = 0; i < before.feet.size() && before.feet[i] < apart; ++i) {
+                result.events.push_back(lastPeak(end, before, i));
+            }
+        }
+        std::size_t last = 0;
+        while (last + 1 < peak.feet.size() && isLit(peak.feet[last + 1], end.before)) {
+            result.events.push_back(lastPeak(end, peak, last));
+            ++last;
+        }
+        DetectedEvent event = lastPeak(end, peak, last);
+        event.kind = end.kind;
+        event.evidence = end.evidence;
+        result.events.push_back(event);
+    }
+
+    /// One of the reflections in the dead zone of the end.
+    [[nodiscard]] DetectedEvent lastPeak(const DetectedEvent& end, const PeakGroup& peak,
+                                         std::size_t i) const
+    {
+        DetectedEvent event = end;
+        event.kind = DetectedEvent::Kind::Reflective;
+        event.evidence = i == 0 ? DetectedEvent::Evidence::Peak : DetectedEvent::Evidence::Foot;
+        event.index = peak.feet[i];
+        event.height_dB = peak.heights_dB[i];
+        event.reflectance_dB = reflectanceOf(event.height_dB);
+        event.saturated = peak.saturated;
+        return event;
+    }
+
+    /// Whether light of the fibre is still there at an index behind this line.
+    [[nodiscard]] bool isLit(double index, const Line& before) const
+    {
+        return fibre.mean_dB(index - 1.0, index + 1.0) > before.at(index) - kGone_dB;
     }
 
     /// What stands at 0 m is the start of the span.
@@ -184,8 +276,7 @@ private:
         });
         const double reach = fibre.gap();
         const auto same = std::find_if(events.begin(), events.end(), [&](const auto& event) {
-            return event.kind != DetectedEvent::Kind::Start
-                && event.kind != DetectedEvent::Kind::End
+            return event.group != kLaunch && event.kind != DetectedEvent::Kind::End
                 && std::abs(event.index - start->index) < reach;
         });
         if (same == events.end()) {
@@ -243,8 +334,12 @@ private:
         }
         const DetectedEvent& last = events.back();
         if (last.before.samples > 0) {
+            // To where its dead zone begins: what lies in there has no loss of its own.
+            const auto first = std::find_if(events.begin(), events.end(), [&](const auto& event) {
+                return event.group == last.group;
+            });
             result.spanLoss_dB =
-                start->behind.at(seenAt(start->index)) - last.before.at(seenAt(last.index));
+                start->behind.at(seenAt(start->index)) - last.before.at(seenAt(first->index));
         }
         std::vector<SaturatedPeak> saturated;
         const double tail = kEndTailPulses * fibre.scale().pulse;

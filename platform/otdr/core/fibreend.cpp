@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstddef>
 #include <optional>
+#include <vector>
 
 namespace otdr {
 
@@ -46,6 +47,18 @@ constexpr double kBehindPulses = 10.0;
 constexpr double kFewestBehind = 64.0;
 constexpr double kLongestTailPulses = 30.0;
 
+/// A short piece of fibre, a patch cord say, is known by half a pulse of it, and no fewer samples:
+/// it falls or rises by no more within a pulse than this or, where noise hides that, the larger
+/// limit, and stands no higher than the fibre before it but for the last of a tail.
+constexpr double kShortPulses = 0.5;
+constexpr double kFewestShort = 5.0;
+constexpr double kLevel_dB = 0.1;
+constexpr double kNoisyLevel_dB = 0.5;
+constexpr double kTail_dB = 0.3;
+
+/// A receiver that was not overloaded has come down within so many pulses.
+constexpr double kShortTailPulses = 3.0;
+
 /// Halves of a straight line agree within this many standard errors.
 constexpr double kChance = 5.0;
 
@@ -53,9 +66,15 @@ constexpr double kChance = 5.0;
 constexpr double kFootSigmas = 6.0;
 constexpr double kFoot_dB = 0.08;
 
-/// The fibre before the end is taken from so many pulses, from half of them where it does not fit.
+/// The fibre before the end is taken from so many pulses, or from a straight piece of them of no
+/// less than the other, that scatters no more than this by its samples.
 constexpr double kFootFitPulses = 6.0;
 constexpr double kMisfit = 3.0;
+constexpr double kLeastFitPulses = 0.7;
+constexpr double kLeastScatter_dB = 0.005;
+
+/// A normal distribution: its median of absolute values.
+constexpr double kMedianOfNormal = 0.6745;
 
 class EndSearch
 {
@@ -75,6 +94,7 @@ public:
         extent.lastLit = lastVisible(extent.first);
         extent.end = extent.lastLit;
         const double step = std::max(1.0, std::floor(w / 2.0));
+        double fibreBegins = extent.first;
         for (double at = extent.first + w; at < extent.lastLit + w; at += step) {
             const double change = changeAt(at);
             if (!(std::abs(change) > threshold_dB) || !isLit(at)) {
@@ -82,9 +102,16 @@ public:
             }
             // What falls or rises here does so not before the windows that it was seen with.
             const double from = at + 0.5 * w;
-            at = behindPeak(at);
+            const double top = behindPeak(at);
+            const double behind = fallenFrom(top);
+            if (top > at && isShortFibre(from, behind)) {
+                fibreBegins = behind;
+                at = std::max(behind, from);
+                continue;
+            }
+            at = top;
             for (; at < extent.lastLit + w && falls(at); at += step) { }
-            const double fibreFrom = std::max(extent.first, from - 20.0 * w);
+            const double fibreFrom = std::max(fibreBegins, from - 20.0 * w);
             if (trace.mean_dB(at, at + w) > trace.mean_dB(from - w, from) + threshold_dB
                 || isLaunch(at, extent) || fibreFollows(fibreFrom, from, at)) {
                 continue;
@@ -140,8 +167,55 @@ private:
         double last = at;
         for (double i = at; i < at + kLongestPeakPulses * w; i += 1.0) {
             last = trace.mean_dB(i, i + 1.0) > base + threshold_dB ? i : last;
+            if (last > at && i - last > w) {
+                break; // what rises again is another reflection
+            }
         }
         return last;
+    }
+
+    /// The first index behind the top of a peak where light falls by less than kLevel_dB within
+    /// half a pulse.
+    [[nodiscard]] double fallenFrom(double top) const
+    {
+        const double half = std::max(1.0, std::floor(0.5 * w));
+        double i = top;
+        while (i < top + kShortTailPulses * w
+               && trace.mean_dB(i, i + half) - trace.mean_dB(i + half, i + 2.0 * half)
+                   > kLevel_dB) {
+            i += 1.0;
+        }
+        return i + half;
+    }
+
+    /// Whether a piece of fibre begins between a peak and the next sudden change: level, and no
+    /// lower than the fibre before the peak but for the loss of an event.
+    [[nodiscard]] bool isShortFibre(double from, double begin) const
+    {
+        const double length = std::max(kFewestShort, kShortPulses * w);
+        const auto line = trace.fit(begin, begin + length);
+        if (!line || static_cast<double>(line->line.samples) < kFewestShort) {
+            return false;
+        }
+        const double before = trace.mean_dB(from - w, from);
+        const double level = line->at(begin);
+        const double chance_dB = std::min(kChance * line->slopeError_dB * w, kNoisyLevel_dB);
+        return std::abs(line->line.slope_dB) * w < std::max(kLevel_dB, chance_dB)
+            && level < before + kTail_dB && level > before - threshold_dB
+            && level > trace.noise().rms_dB() + kFibreAboveNoise_dB
+            && changesBehind(begin + length);
+    }
+
+    /// Whether a sudden change follows within some pulses.
+    [[nodiscard]] bool changesBehind(double from) const
+    {
+        const double step = std::max(1.0, std::floor(w / 2.0));
+        for (double at = from; at < std::min(from + kBehindPulses * w, trace.size()); at += step) {
+            if (std::abs(changeAt(at)) > threshold_dB) {
+                return true;
+            }
+        }
+        return false;
     }
 
     /// The last stretch whose median stands above the noise, of those that follow each other.
@@ -221,17 +295,59 @@ private:
         return -line.line.slope_dB > most + 3.0 * line.slopeError_dB;
     }
 
-    /// The first sample behind `from` that leaves the fibre before it, upwards or downwards.
+    /// Standard deviation of a sample, dB, by the differences of neighbours: nothing but the edges
+    /// of events moves their median.
+    [[nodiscard]] double scatterBefore_dB(double index, double length) const
+    {
+        std::vector<double> steps;
+        const auto end = static_cast<std::size_t>(std::max(0.0, index));
+        for (auto i = static_cast<std::size_t>(std::max(0.0, index - length)); i + 1 < end; ++i) {
+            steps.push_back(
+                std::abs(trace.samples().level_dB(i + 1) - trace.samples().level_dB(i)));
+        }
+        if (steps.empty()) {
+            return 0.0;
+        }
+        const auto middle = steps.begin() + static_cast<std::ptrdiff_t>(steps.size() / 2);
+        std::nth_element(steps.begin(), middle, steps.end());
+        return *middle / (kMedianOfNormal * std::sqrt(2.0));
+    }
+
+    /// A straight piece of fibre and where it ends.
+    struct Straight
+    {
+        std::optional<SideLine> line;
+        double until = 0.0;
+    };
+
+    /// The fibre before an index: of the straight pieces the nearest, and of those the longest.
+    /// What stands before the index within a few pulses may be another event.
+    [[nodiscard]] Straight straightBefore(double index, double fibreFrom) const
+    {
+        const double longest = kFootFitPulses * w;
+        const double step = std::max(1.0, std::floor(0.5 * w));
+        for (double until = index; until > index - longest; until -= step) {
+            for (double length = longest; length > kLeastFitPulses * w && length >= kFewestShort;
+                 length *= 0.5) {
+                const auto line = trace.fit(std::max(fibreFrom, until - length), until);
+                const double scatter = std::max(kLeastScatter_dB, scatterBefore_dB(until, length));
+                if (line && static_cast<double>(line->line.samples) >= kFewestShort
+                    && line->line.sigma_dB < kMisfit * scatter) {
+                    return {line, until};
+                }
+            }
+        }
+        return {trace.fit(std::max(fibreFrom, index - longest), index), index};
+    }
+
+    /// The first sample that leaves the fibre before `from`, upwards or downwards.
     [[nodiscard]] double foot(double from, double to, double fibreFrom) const
     {
-        auto line = trace.fit(std::max(fibreFrom, from - kFootFitPulses * w), from);
-        if (line && line->line.sigma_dB > kMisfit * line->sigma_dB) {
-            line = trace.fit(std::max(fibreFrom, from - 0.5 * kFootFitPulses * w), from);
-        }
+        const auto [line, until] = straightBefore(from, fibreFrom);
         const auto last =
             static_cast<std::size_t>(std::min(trace.size(), to + kFallPulses * w + 2.0));
         int outside = 0;
-        for (auto i = static_cast<std::size_t>(std::max(0.0, from)); i < last; ++i) {
+        for (auto i = static_cast<std::size_t>(std::max(0.0, until)); i < last; ++i) {
             const auto index = static_cast<double>(i);
             const double fibre =
                 line && line->line.samples > 4 ? line->at(index) : trace.mean_dB(from - w, from);

@@ -171,6 +171,9 @@ void NoiseProfile::measureFloor(const Trace& trace)
     // Whatever light scatters by is no less than the noise makes it. Where samples stand at the
     // least that the record can hold there is no light.
     const double least = *std::min_element(levels.begin(), levels.end());
+    if (median <= trace.toLevel_dB(kNoSignal)) {
+        rms = std::max(rms, median); // a record without noise: what stands at its least is dark
+    }
     std::vector<double> limits;
     for (std::size_t block = 0; block < sigmas.size(); ++block) {
         const std::size_t begin = first + block * blockSize;

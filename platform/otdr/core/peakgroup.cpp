@@ -69,7 +69,7 @@ public:
     [[nodiscard]] PeakGroup measure(double at)
     {
         fitFibre(at);
-        const std::size_t top = highest(at - w, at + w + trace.gap());
+        const std::size_t top = highest(at - w, std::min(at + w + trace.gap(), to));
         PeakGroup group;
         const double height = level(top) - fibre(top);
         const double edge = std::max({kEdge_dB, kEdgeSigmas * sigma, kEdgePart * height});
@@ -85,7 +85,10 @@ public:
         const double fallen = fallenFrom(top, std::min(1.0, 0.5 * height));
         group.behind = std::min(
             trace.settledFrom(std::max(rough, fallen - w) + trace.gap() + hidden, longest), to);
-        addRises(rough, group);
+        group.feet = {rough};
+        for (const double foot : risesBetween(trace, rough, group.behind)) {
+            group.feet.push_back(foot);
+        }
         for (std::size_t i = 0; i < group.feet.size(); ++i) {
             const double next = i + 1 < group.feet.size() ? group.feet[i + 1] : group.behind;
             const std::size_t peak =
@@ -183,28 +186,6 @@ private:
         return level(top) - fibre(top);
     }
 
-    void addRises(double first, PeakGroup& group) const
-    {
-        group.feet.push_back(first);
-        const auto lag = static_cast<std::size_t>(std::max(1.0, std::round(kSecondRisePulses * w)));
-        const double least = std::max(kSecondRise_dB, kSecondRiseSigmas * sigma);
-        const auto end = static_cast<std::size_t>(
-            std::clamp(group.behind, 0.0, trace.size() - 1.0 - static_cast<double>(lag)));
-        const double risen = std::max(trace.shape().riseTo(0.99), 0.5 * w);
-        auto i = lag + static_cast<std::size_t>(std::max(0.0, first + risen));
-        for (; i < end; ++i) {
-            if (level(i + lag) - level(i) < least || level(i) - level(i - lag) > 0.25 * least) {
-                continue;
-            }
-            std::size_t foot = i + lag;
-            while (foot > i && level(foot - 1) - level(i) > 0.25 * least) {
-                --foot;
-            }
-            group.feet.push_back(static_cast<double>(foot) - 0.5);
-            i = foot + lag + static_cast<std::size_t>(0.5 * w);
-        }
-    }
-
     [[nodiscard]] bool hasLongTop(std::size_t top) const
     {
         const double least = level(top) - kTop_dB;
@@ -256,9 +237,54 @@ private:
 
 } // namespace
 
+std::vector<double> risesBetween(const FibreTrace& trace, double foot, double to)
+{
+    const double w = trace.scale().pulse;
+    const auto level = [&](std::size_t i) { return trace.samples().level_dB(i); };
+    const auto lag = static_cast<std::size_t>(std::max(1.0, std::round(kSecondRisePulses * w)));
+    const double least = std::max(kSecondRise_dB, kSecondRiseSigmas * trace.noise().sigma_dB(foot));
+    const auto end = static_cast<std::size_t>(
+        std::clamp(to, 0.0, std::max(0.0, trace.size() - 1.0 - static_cast<double>(lag))));
+    const double risen = std::max(trace.shape().riseTo(0.99), 0.5 * w);
+    std::vector<double> feet;
+    auto i = lag + static_cast<std::size_t>(std::max(0.0, foot + risen));
+    for (; i < end; ++i) {
+        if (level(i + lag) - level(i) < least || level(i) - level(i - lag) > 0.25 * least) {
+            continue;
+        }
+        std::size_t next = i + lag;
+        while (next > i && level(next - 1) - level(i) > 0.25 * least) {
+            --next;
+        }
+        feet.push_back(static_cast<double>(next) - 0.5);
+        i = next + lag + static_cast<std::size_t>(0.5 * w);
+    }
+    return feet;
+}
+
 PeakGroup measurePeak(const FibreTrace& trace, double at, double from, double to)
 {
     return PeakMeasurement(trace, from, to).measure(at);
+}
+
+std::optional<double> firstPeak(const FibreTrace& trace, double from, double to, const Line& fibre)
+{
+    const double sigma = trace.noise().sigma_dB(to - trace.scale().pulse);
+    const double least = std::max(kSecondRise_dB, kSecondRiseSigmas * sigma);
+    std::optional<double> first;
+    double top = 0.0;
+    for (auto i = static_cast<std::size_t>(std::max(0.0, from)); static_cast<double>(i) < to; ++i) {
+        const auto index = static_cast<double>(i);
+        const double over = trace.samples().level_dB(i) - fibre.at(index);
+        if (!first && over > least) {
+            first = index;
+        }
+        top = std::max(top, over);
+        if (first && over < top - least) {
+            return first;
+        }
+    }
+    return std::nullopt;
 }
 
 std::optional<double> timeConstantOf(const FibreTrace& trace, const PeakGroup& peak,

@@ -20,6 +20,15 @@ struct PeakGroup
 /// what comes next at `to`.
 [[nodiscard]] PeakGroup measurePeak(const FibreTrace& trace, double at, double from, double to);
 
+/// Feet of further reflections that rise behind one with its foot at `foot`, up to an index: where
+/// the level rises within a third of a pulse by more than chance, and by 0.3 dB.
+[[nodiscard]] std::vector<double> risesBetween(const FibreTrace& trace, double foot, double to);
+
+/// The first index between two at which light rises above a line, to fall again before the second,
+/// by more than chance and by 0.3 dB.
+[[nodiscard]] std::optional<double> firstPeak(const FibreTrace& trace, double from, double to,
+                                              const Line& fibre);
+
 /// Time constant of the receiver by the falling flank of a reflection, samples. Empty where the
 /// peak is too low, overloads the receiver or is not alone.
 [[nodiscard]] std::optional<double> timeConstantOf(const FibreTrace& trace, const PeakGroup& peak,

@@ -126,6 +126,67 @@ TEST(EventDetection, ATopLongerThanThePulseIsSaturatedAndCostsReturnLoss)
     EXPECT_LT(found.returnLoss_dB, 2.0 * 7.0 * 0.2 - peak->reflectance_dB + 0.1);
 }
 
+/// The last patch cord: both its ends reflect, and the fibre between them tells the loss.
+TEST(EventDetection, TellsTheConnectorBeforeAShortLastFibre)
+{
+    const TraceBuilder builder =
+        link().connector(Length {11850.0}, 0.3_dB, 8_dB).reflectingEnd(12_dB);
+    const Detection found = detect(builder);
+    ASSERT_EQ(kindsOf(found), "sre");
+    EXPECT_NEAR(found.events[1].index, builder.indexOf(Length {11850.0}), 1.0);
+    EXPECT_NEAR(found.events[1].loss_dB, 0.3, 0.03);
+    EXPECT_NEAR(found.events[2].index, builder.indexOf(12_km), 1.0);
+    EXPECT_NEAR(found.events[2].height_dB, 12.0, 0.3);
+}
+
+/// 20 m: the fibre between the reflections can be seen, but not measured.
+TEST(EventDetection, TellsTheConnectorOfAPatchCordAtTheEnd)
+{
+    const TraceBuilder builder = link().connector(11.98_km, 0.3_dB, 10_dB).reflectingEnd(15_dB);
+    const Detection found = detect(builder);
+    ASSERT_EQ(kindsOf(found), "sre");
+    EXPECT_NEAR(found.events[1].index, builder.indexOf(11.98_km), 1.0);
+    EXPECT_NEAR(found.events[1].height_dB, 10.0, 0.1);
+    EXPECT_NEAR(found.events[2].index, builder.indexOf(12_km), 1.0);
+    double sum = 0.0;
+    for (const otdr::DetectedSection& section : found.sections) {
+        sum += section.loss_dB;
+    }
+    EXPECT_NEAR(sum, found.spanLoss_dB, 1e-9);
+}
+
+/// In front of the link: within the dead zone of the port no loss can be told, a reflection can.
+TEST(EventDetection, TellsTheConnectorOfAPatchCordAtTheStart)
+{
+    const TraceBuilder builder = link().connector(Length {20.0}, 0.3_dB, 10_dB);
+    const Detection found = detect(builder);
+    ASSERT_EQ(kindsOf(found), "sre");
+    EXPECT_NEAR(found.events[1].index, builder.indexOf(Length {20.0}), 1.0);
+    EXPECT_NEAR(found.events[1].height_dB, 10.3, 0.1) << "above the fibre behind it";
+    EXPECT_TRUE(std::isnan(found.events[1].loss_dB));
+    EXPECT_EQ(found.events[1].group, found.events[0].group);
+}
+
+/// A receiver that is slow to come up rises only once.
+TEST(EventDetection, RisingEdgeOfTheEndIsNoOtherReflection)
+{
+    EXPECT_EQ(kindsOf(detect(link().reflectingEnd(20_dB))), "se");
+    EXPECT_EQ(kindsOf(detect(link())), "se");
+}
+
+/// 12 m apart, with a pulse of 10 m: both are told, the loss between them cannot be.
+TEST(EventDetection, TellsAConnectorWithinTheDeadZoneOfTheEnd)
+{
+    const TraceBuilder builder =
+        link().connector(Length {11988.0}, 0.3_dB, 6_dB).reflectingEnd(14_dB);
+    const Detection found = detect(builder);
+    ASSERT_EQ(kindsOf(found), "sre");
+    EXPECT_NEAR(found.events[1].index, builder.indexOf(Length {11988.0}), 1.0);
+    EXPECT_NEAR(found.events[2].index, builder.indexOf(12_km), 1.5);
+    EXPECT_TRUE(std::isnan(found.events[1].loss_dB));
+    EXPECT_EQ(found.events[1].group, found.events[2].group);
+}
+
 TEST(EventDetection, FindsALowReflectionOnALoss)
 {
     const TraceBuilder builder = link().connector(7_km, 0.2_dB, 0.4_dB);

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 namespace {
 
 using namespace testing_support;
@@ -35,7 +37,7 @@ TEST(FibreEnd, OfACutStandsAtItsFoot)
 
 TEST(FibreEnd, OfAReflectionStandsAtItsFoot)
 {
-    const TraceBuilder builder = link().reflection(12_km, 12_dB);
+    const TraceBuilder builder = link().reflectingEnd(12_dB);
     const auto extent = extentOf(builder);
     EXPECT_EQ(extent.kind, End::Found);
     EXPECT_NEAR(extent.end, builder.indexOf(12_km), 2.0);
@@ -45,6 +47,25 @@ TEST(FibreEnd, IsNotAConnector)
 {
     const TraceBuilder builder = link().connector(4_km, 0.5_dB, 15_dB);
     EXPECT_NEAR(extentOf(builder).end, builder.indexOf(12_km), 2.0);
+}
+
+/// A patch cord behind the last connector, long enough to be seen: the end is its far end.
+TEST(FibreEnd, OfAShortPieceBehindAConnectorIsTheFarOne)
+{
+    for (const double length_m : {20.0, 30.0, 60.0, 120.0}) {
+        const TraceBuilder builder = link().connector(Length {12000.0 - length_m}, 0.3_dB, 10_dB);
+        EXPECT_NEAR(extentOf(builder).end, builder.indexOf(12_km), 2.5) << length_m;
+    }
+    const TraceBuilder builder = link().connector(11.9_km, 0.3_dB, 10_dB).reflectingEnd(12_dB);
+    EXPECT_NEAR(extentOf(builder).end, builder.indexOf(12_km), 2.5);
+}
+
+TEST(FibreEnd, IsFoundWhereTheRecordBehindItIsDarkAndWithoutNoise)
+{
+    const TraceBuilder builder = TraceBuilder().fibre(12_km).behind(3000);
+    const auto extent = extentOf(builder);
+    EXPECT_EQ(extent.kind, End::Found);
+    EXPECT_NEAR(extent.end, builder.indexOf(12_km), 2.5);
 }
 
 TEST(FibreEnd, IsNotASplitter)
