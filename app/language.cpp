@@ -16,10 +16,23 @@ constexpr char kDirectory[] = ":/translations";
 constexpr char kSource[] = "en";
 constexpr char kPrefix[] = "waveform_";
 
+/// Whether the system asks for no language. Then the list of languages in its environment does not
+/// count, as with every other program.
+bool isMute()
+{
+    for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+        const QByteArray locale = qgetenv(name);
+        if (!locale.isEmpty()) {
+            const QByteArray language = locale.split('.').first();
+            return language == "C" || language == "POSIX";
+        }
+    }
+    return true;
+}
+
 QString asked(const QLocale& system)
 {
-    // As every program does: the list of languages is for those who want one at all.
-    return system.language() == QLocale::C ? kSource : Language::chosen(system.uiLanguages());
+    return isMute() ? kSource : Language::chosen(system.uiLanguages());
 }
 
 } // namespace

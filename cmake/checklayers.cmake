@@ -29,6 +29,8 @@ set(layers
     "tests/support              platform/otdr platform/otdr/core"
     # The program is used from outside; of its parts only the reader is known, for what it has saved.
     "tests/endtoend             platform/otdr tests/support"
+    # Reads sources and translations as files; it knows no code of theirs.
+    "tests/translations         tests/support"
     "bench                      platform/otdr platform/otdr/core programs/wfgather plot events twomarkers tests/support"
     "fuzz                       platform/otdr platform/otdr/core programs/wfgather acquisition tests/support")
 # The tests of a folder include what the folder may, the folder, other tests, and the core to compare with.

@@ -968,8 +968,8 @@ Please, remove one or more from the &quot;Reflectograms&quot; table</source>
     <message>
         <source>In realtime mode you need sets pulse 275 ns or lesser. 
  Also you must choose one of wavelength, not both in same time </source>
-        <translation>В режиме реального времени длительность импульса должна быть не больше 275 нс. 
- Кроме того, нужно выбрать одну длину волны, а не обе сразу </translation>
+        <translation>В режиме реального времени длительность импульса должна быть не больше 275 нс.
+Кроме того, нужно выбрать одну длину волны, а не обе сразу </translation>
     </message>
 </context>
 </TS>

@@ -5,6 +5,7 @@
 #include "tests/support/tracefiles.h"
 
 #include <QDirIterator>
+#include <QImage>
 #include <QMimeDatabase>
 #include <QProcess>
 #include <QRegularExpression>
@@ -233,6 +234,24 @@ TEST_F(Installed, TraceFilesAreKnownByNameAndByContent)
               "application/x-otdr-sor");
     EXPECT_EQ(types.mimeTypeForData(trace.readAll()).name(), "application/x-otdr-sor");
     EXPECT_NE(types.mimeTypeForData("Maple").name(), "application/x-otdr-sor");
+}
+
+TEST_F(Installed, SpeaksItsLanguagesWhereverItStands)
+{
+    const AcquisitionDir directory;
+    const TraceFiles files;
+    const QString trace = files.write("a.sor", SorSketch::plain());
+    QMap<QString, QImage> pictures;
+    for (const char* code : {"en", "ru"}) {
+        const QString picture = dir.filePath("picture.png");
+        const Answer answer = run(path("bin/waveform"),
+                                  {"--language", code, "--screenshot", picture, trace}, dir.path());
+        EXPECT_EQ(answer.code, 0) << qPrintable(answer.err);
+        pictures[code] = QImage(picture);
+    }
+    EXPECT_FALSE(pictures["en"].isNull());
+    EXPECT_NE(pictures["ru"], pictures["en"]);
+    EXPECT_EQ(offered({"waveform", "--language", ""}), QStringList({"en", "ru"}));
 }
 
 TEST_F(Installed, DesktopEntryNamesWhatIsThere)

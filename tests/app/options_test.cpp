@@ -50,6 +50,16 @@ TEST(CommandLine, ScreenshotHasAFileAndASize)
     EXPECT_EQ(good({"--screenshot", "x.png", "a.sor"}).size, QSize(1280, 800));
 }
 
+TEST(CommandLine, LanguageIsOneThatThereAreWordsIn)
+{
+    EXPECT_EQ(good({}).language, "");
+    EXPECT_EQ(good({"--language", "ru"}).language, "ru");
+    EXPECT_EQ(good({"--language", "en"}).language, "en");
+    for (const char* code : {"", "xx", "RU", "ru_RU", "russian"}) {
+        EXPECT_EQ(refused({"--language", code}).exitCode, 2) << code;
+    }
+}
+
 TEST(CommandLine, PanelsToShowAreNamed)
 {
     EXPECT_TRUE(good({"a.sor"}).panels.isEmpty());

@@ -1,6 +1,7 @@
 #include "events/eventstablemodel.h"
 #include "platform/otdr/otdr.h"
 #include "tests/support/echo.h"
+#include "tests/support/inlocale.h"
 #include "tests/support/tracefiles.h"
 
 #include <QAbstractItemModelTester>
@@ -112,6 +113,17 @@ TEST_F(EventsTable, HeadersSpeakTheUsersLanguageButTheNumbersDoNot)
     EXPECT_EQ(headers(),
               QStringList({"N", "<Type>", "<Location>", "<Loss>", "<Reflection>", "<ORL>",
                            "<Attenuation>"}));
+}
+
+TEST_F(EventsTable, NumbersHaveTheMarkOfTheLocale)
+{
+    const testing_support::InLocale german(QLocale("de_DE"));
+    Event splice = eventAt(Event::NonReflective, 2000);
+    splice.loss = 0.25;
+    show({eventAt(Event::SpanStart, 0), splice});
+    EXPECT_EQ(text(0, 2), "0,00");
+    EXPECT_EQ(text(1, 3), "0,25");
+    EXPECT_FALSE(text(1, 2).contains('.')) << "grouped: " << qPrintable(text(1, 2));
 }
 
 TEST_F(EventsTable, OnlyColumnsHaveHeadersAndOnlyText)

@@ -1,4 +1,6 @@
 #include "plot/qmmarkerlegend.h"
+#include "tests/support/echo.h"
+#include "tests/support/inlocale.h"
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -28,6 +30,16 @@ TEST_F(Legend, IsBuiltToStandOnTheRightOfItsMarker)
     EXPECT_EQ(legend.indent(), 4);
     EXPECT_EQ(legend.margin(), 2);
     EXPECT_TRUE(legend.testAttribute(Qt::WA_DeleteOnClose));
+}
+
+TEST_F(Legend, SpeaksTheUsersLanguageAndLocale)
+{
+    const testing_support::InLocale german(QLocale("de_DE"));
+    legend.setText(1234.4, 17.256);
+    EXPECT_EQ(legend.text(), "1234 m\n17,26 dB");
+    const testing_support::Echo language;
+    legend.setText(1.0, 2.0);
+    EXPECT_EQ(legend.text(), "<1 m\n2,00 dB>");
 }
 
 TEST_F(Legend, DeletesItselfWhenClosed)

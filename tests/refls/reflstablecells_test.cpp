@@ -3,6 +3,7 @@
 #include "platform/launcher/palettefactory.h"
 #include "tests/refls/traceset.h"
 #include "tests/support/echo.h"
+#include "tests/support/inlocale.h"
 
 #include <QSemaphore>
 #include <QThreadPool>
@@ -43,6 +44,16 @@ TEST_F(TraceSet, ShowsWhatEachTraceSays)
     EXPECT_EQ(text(0, 5), "32.50");
     EXPECT_EQ(text(0, 6), "3.12");
     EXPECT_FALSE(model.data(model.index(0, 0), Qt::ToolTipRole).isValid());
+}
+
+TEST_F(TraceSet, NumbersHaveTheMarkOfTheLocale)
+{
+    add("north.sor");
+    const InLocale german(QLocale("de_DE"));
+    EXPECT_EQ(text(0, 3),
+              QString::number(model.refls().first().endOfFiber(), 'f', 2).replace('.', ','));
+    EXPECT_EQ(text(0, 5), "32,50");
+    EXPECT_EQ(text(0, 6), "3,12");
 }
 
 TEST_F(TraceSet, DateBeyondThirtyTwoBitsOfMillisecondsIsRight)

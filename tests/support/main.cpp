@@ -21,6 +21,9 @@ int main(int argc, char** argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qunsetenv("QT_SCALE_FACTOR");
+    // Whoever runs the tests, wherever: they read English words and numbers with a point.
+    qputenv("LC_ALL", "C.UTF-8");
+    qunsetenv("LANGUAGE");
     testing::InitGoogleMock(&argc, argv);
     QStandardPaths::setTestModeEnabled(true);
     QApplication application(argc, argv);

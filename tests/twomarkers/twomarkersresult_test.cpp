@@ -1,3 +1,4 @@
+#include "tests/support/inlocale.h"
 #include "tests/support/warnings.h"
 #include "twomarkers/twomarkersresult.h"
 
@@ -32,6 +33,18 @@ TEST(TwoMarkersResult, TakesItsValuesInTheOrderOfTheFields)
     EXPECT_EQ(result.reflection, 5.0);
     EXPECT_EQ(result.orl, 6.0);
     EXPECT_TRUE(result.lsaLine.isNull());
+}
+
+TEST(TwoMarkersResult, IsToldWithTheMarkOfTheLocale)
+{
+    const testing_support::InLocale german(QLocale("de_DE"));
+    const TwoMarkersResult result(1000.5, 12000.0, 30.0, 29.5, -40.25, 33.5);
+    EXPECT_EQ(result.formatted(TwoMarkersResult::A), "1000,5 m");
+    EXPECT_EQ(result.formatted(TwoMarkersResult::B), "12000,0 m");
+    EXPECT_EQ(result.formatted(TwoMarkersResult::Loss), "0,50 dB");
+    EXPECT_EQ(result.formatted(TwoMarkersResult::ORL), "33,50 dB");
+    testing_support::expectWarning("Argument missing");
+    EXPECT_TRUE(result.formatted().startsWith("A: 1000,5 m\nB: 12000 m\n"));
 }
 
 TEST(TwoMarkersResult, TellsLengthLossAndAttenuationOfAStretch)

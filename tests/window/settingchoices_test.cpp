@@ -1,3 +1,4 @@
+#include "tests/support/inlocale.h"
 #include "window/settingchoices.h"
 
 #include <QCoreApplication>
@@ -45,6 +46,14 @@ TEST(SettingChoices, PulseHasTheLongestOneWhereTheCardHas)
     const SettingChoices newer = pulseChoices(true);
     EXPECT_EQ(newer.labels, labels + QStringList("20 " + micro));
     EXPECT_EQ(newer.values, older.values + numbers({20000}));
+}
+
+TEST(SettingChoices, DistanceHasTheMarkOfTheLocaleOnTheScreenAlone)
+{
+    const testing_support::InLocale german(QLocale("de_DE"));
+    const SettingChoices distance = distanceChoices();
+    EXPECT_EQ(distance.labels.value(1), "2,5 km");
+    EXPECT_EQ(distance.values, numbers({1000, 2500, 5000, 10000, 20000, 40000, 80000, 160000}));
 }
 
 TEST(SettingChoices, DistanceIsShownInKilometresAndStoredInMetres)

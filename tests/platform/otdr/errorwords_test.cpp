@@ -20,7 +20,7 @@ Bytes filled(std::size_t size)
 QStringList noTraces(const TraceFiles& files)
 {
     SorSketch empty = SorSketch::plain();
-    empty.data.samples = {};
+    empty.samples.clear();
     const Bytes plain = SorSketch::plain().build();
     const Bytes cut(plain.begin(), plain.begin() + 40);
     const QString snapshot = files.writeSnapshot("whole.bin", TraceBuilder());

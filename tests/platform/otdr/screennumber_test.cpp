@@ -39,7 +39,8 @@ TEST(ScreenNumber, IsThatOfTheCodeInEnglish)
     const double infinite = std::numeric_limits<double>::infinity();
     for (const QLocale& locale : {QLocale::c(), kEnglish}) {
         const InLocale here(locale);
-        for (const double value : {0.0, -0.0, -0.004, 1.005, -43.125, 1e-7, 123456.789, 1e7, 1e22}) {
+        for (const double value :
+             {0.0, -0.0, -0.004, 1.005, -43.125, 1e-7, 123456.789, 1e7, 1e22}) {
             EXPECT_EQ(screennumber::fixed(value, 2), QString::number(value, 'f', 2)) << value;
             EXPECT_EQ(screennumber::general(value), QString("%1").arg(value)) << value;
         }
