@@ -1,12 +1,16 @@
 #!/usr/bin/env python3
 """Are the tests of the numeric library worth anything? Breaks the library in small ways and looks who notices.
 
-Samples mutants of platform/otdr/core/*.cpp, the same ones for the same seed and sources: a statement deleted, a
-condition turned round, a border moved, an operator swapped, a constant changed. Each is built in a scratch copy of the
-tree, with the library and its own tests only, and counts as killed when a test fails, crashes or runs out of time.
-Mutants that the compiler refuses are not counted, nor those of equal.txt.
+Samples mutants of platform/otdr/core/*.cpp: a statement deleted, a condition turned round, a border moved, an operator
+swapped, a constant changed. Each is built in a scratch copy of the tree, with the library and its own tests only, and
+counts as killed when a test fails, crashes or runs out of time. Mutants that the compiler refuses are not counted, nor
+those of equal.txt.
 
-    tests/mutation/mutate.py [--count 80] [--seed 1] [--only sor] [--scratch DIRECTORY]
+A mutant's place in the sample follows from the seed and from its own text: a source that changes elsewhere leaves the
+rest of the sample as it is.
+
+    tests/mutation/mutate.py [--count 80] [--seed 1] [--only sor] [--scratch DIRECTORY] > told.txt
+    tests/mutation/mutate.py --again told.txt     # only those that survived
 
 Fails when fewer than --least percent are killed.
 """
@@ -17,12 +21,13 @@ sys.dont_write_bytecode = True
 
 import argparse  # noqa: E402
 import collections  # noqa: E402
+import hashlib  # noqa: E402
 import os  # noqa: E402
 import pathlib  # noqa: E402
-import random  # noqa: E402
 import re  # noqa: E402
 import resource  # noqa: E402
 import shutil  # noqa: E402
+import signal  # noqa: E402
 import subprocess  # noqa: E402
 import tempfile  # noqa: E402
 
@@ -47,19 +52,26 @@ def nameOf(mutant, source):
 
 
 def inOrder(sources, seed):
-    """All mutants, shuffled, with the kinds taking turns: there are more statements than conditions."""
+    """All mutants, as if shuffled, with the kinds taking turns: there are more statements than conditions."""
     kinds = collections.defaultdict(list)
     for file, source in sources.items():
+        same = collections.Counter()  # of mutants that read alike
         for mutant in mutants.mutantsOf(file, source):
-            kinds[mutant.kind].append(mutant)
-    chance = random.Random(seed)
-    queues = [kinds[kind] for kind in sorted(kinds)]
-    for queue in queues:
-        chance.shuffle(queue)
+            name = nameOf(mutant, source)
+            place = f"{seed} {same[name]} {name}"
+            same[name] += 1
+            kinds[mutant.kind].append((hashlib.sha256(place.encode()).digest(), mutant))
+    queues = [sorted(kinds[kind], key=lambda entry: entry[0], reverse=True) for kind in sorted(kinds)]
     while any(queues):
         for queue in queues:
             if queue:
-                yield queue.pop()
+                yield queue.pop()[1]
+
+
+def survivorsIn(path):
+    """The mutants that an earlier run told to have survived, by their names."""
+    told = path.read_text().splitlines()
+    return {name.strip() for line, name in zip(told, told[1:]) if re.match(r"\s*\d+  survived ", line)}
 
 
 class Workshop:
@@ -87,9 +99,10 @@ class Workshop:
         command = ["ninja", "-C", self.build, "-j", self.jobs, *targets]
         return subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
 
-    def test(self):
-        """Who noticed: the name of a test, a word for what else went wrong, or nothing."""
-        for test in TESTS:
+    def test(self, file=""):
+        """Who noticed a change of a file: the name of a test, a word for what else went wrong, or nothing."""
+        likely = TESTS if pathlib.Path(file).name.startswith("sor") else reversed(TESTS)
+        for test in likely:
             noticed = self._run(test)
             if noticed:
                 return noticed
@@ -136,7 +149,7 @@ class Workshop:
                 return "refused", ""
             if self.make(*TESTS).returncode:
                 return "killed", "a test does not build"
-            noticed = self.test()
+            noticed = self.test(mutant.file)
             return ("killed", noticed) if noticed else ("survived", "")
         finally:
             file.write_text(source)
@@ -153,10 +166,13 @@ def sample(workshop, sources, options, equal):
     """Judges mutants until `options.count` have been counted; how many had each outcome, by kind."""
     counts = collections.defaultdict(collections.Counter)
     counted = 0
+    survivors = survivorsIn(options.again) if options.again else None
     for mutant in inOrder(sources, options.seed):
         if counted == options.count:
             break
         source = sources[mutant.file]
+        if survivors is not None and nameOf(mutant, source) not in survivors:
+            continue
         if nameOf(mutant, source) in equal:
             outcome, noticed = "equal", ""
         else:
@@ -184,15 +200,27 @@ def sumUp(counts):
     return rate
 
 
+def tellStale(sources, equal):
+    """An entry of equal.txt that names no mutant any more excuses nothing: its line has changed."""
+    names = {nameOf(mutant, source) for file, source in sources.items() for mutant in mutants.mutantsOf(file, source)}
+    files = {pathlib.Path(file).name for file in sources}
+    for entry in sorted(equal - names):
+        if entry.split(":")[0] in files:
+            print(f"equal.txt: no such mutant any more\n        {entry}", flush=True)
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--count", type=int, default=80, help="mutants to count")
     parser.add_argument("--seed", type=int, default=1)
+    parser.add_argument("--again", type=pathlib.Path, help="only those that survived by this output of an earlier run")
     parser.add_argument("--least", type=float, default=90.0, help="percent that must be killed")
     parser.add_argument("--only", default="", help="only files whose names begin so")
     parser.add_argument("--jobs", type=int, default=os.cpu_count())
     parser.add_argument("--scratch", help="where to put the scratch copy (a temporary directory otherwise)")
     options = parser.parse_args()
+    # Ends as by Ctrl-C, so that the scratch copy is removed.
+    signal.signal(signal.SIGTERM, signal.default_int_handler)
 
     with tempfile.TemporaryDirectory(prefix="waveform-mutation-", dir=options.scratch) as directory:
         workshop = Workshop(directory, options.jobs)
@@ -206,9 +234,13 @@ def main():
         if noticed:
             sys.exit(f"The tests fail without a mutant: {noticed}")
         equal = readEqual(pathlib.Path(__file__).with_name("equal.txt"))
+        tellStale(sources, equal)
         rate = sumUp(sample(workshop, sources, options, equal))
     return 0 if rate >= options.least else 1
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    try:
+        sys.exit(main())
+    except KeyboardInterrupt:
+        sys.exit("stopped")

@@ -1,6 +1,7 @@
 #include "platform/otdr/core/atomicfile.h"
 #include "tests/support/sorsketch.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -82,6 +83,24 @@ private:
     rlimit before {};
     void (*signalBefore)(int) = nullptr;
 };
+
+/// Where nobody reads, a program may have no standard input: the next file that is opened has its
+/// number, 0.
+TEST_F(AtomicFile, IsClosedAfterAFailureWhateverItsNumber)
+{
+    const int input = ::fcntl(0, F_DUPFD_CLOEXEC, 10);
+    ASSERT_GE(input, 10);
+    ::close(0);
+    {
+        const FullDisk full(1000);
+        EXPECT_FALSE(writeFileAtomically(at("new"), Bytes(5000)).ok());
+    }
+    const bool isClosed = ::fcntl(0, F_GETFD) < 0;
+    ::dup2(input, 0);
+    ::close(input);
+    EXPECT_TRUE(isClosed);
+    EXPECT_EQ(entries(), 0);
+}
 
 TEST_F(AtomicFile, WritesANewFile)
 {

@@ -133,6 +133,33 @@ TEST(EventLoss, WaitsUntilTheTailOfAHighPeakHasSettled)
     EXPECT_NEAR(found.loss_dB, 0.4, 0.005);
 }
 
+/// Whether a tail is over is told by twice its longest length of fibre behind it, a hundred samples
+/// here: where that falls differently further on does not matter.
+TEST(EventLoss, TailIsComparedWithTheFibreRightBehindIt)
+{
+    const auto beginOf = [](double bend) {
+        std::vector<std::uint16_t> counts(3000);
+        for (std::size_t i = 0; i < counts.size(); ++i) {
+            const double behind = static_cast<double>(i) - 1000.0;
+            const double tail = behind < 0.0 ? 0.0 : 2.0 * std::exp(-behind / 20.0);
+            const double level = 30.0 + tail - 0.02 * std::max(0.0, behind - bend);
+            counts[i] = static_cast<std::uint16_t>(std::lround(65535.0 - 1000.0 * level));
+        }
+        const Trace trace(otdr::RawSamples(counts), 0.001, {});
+        EventSite site;
+        site.index = 1000.0;
+        site.pulse = 10.0;
+        site.rightLimit = 2000.0;
+        site.longestWindow = 100.0;
+        return fibreBehind(trace, site)->centre;
+    };
+    const double dead = 10.0 * otdr::kDeadZonePulses;
+    const double unbent = beginOf(5000.0);
+    EXPECT_NEAR(unbent, 1000.0 + 20.0 * std::log(2.0 / 0.1) + 49.5, 3.0);
+    EXPECT_EQ(beginOf(dead + 300.0), unbent);
+    EXPECT_NE(beginOf(dead + 200.0), unbent);
+}
+
 TEST(EventLoss, OfASmallSpliceInNoiseIsNotMovedByTheSearchForATail)
 {
     double sum = 0.0;

@@ -90,6 +90,31 @@ TEST(NoiseProfile, FloorBelowTheRecordFollowsFromTheScatter)
     EXPECT_NEAR(profileOf(*trace).rms_dB(), 20.0 + 5.0 * std::log10(0.02 / 2.1715), 1.0);
 }
 
+/// Levels that jump to and fro: second differences of neighbours are all twice the jump.
+otdr::NoiseProfile jumping(int nearCounts, int farCounts, double fall_dB = 1.0)
+{
+    std::vector<std::uint16_t> counts(512);
+    for (std::size_t i = 0; i < counts.size(); ++i) {
+        const bool isNear = i < 256;
+        const int level = 30000 + (isNear ? 0 : static_cast<int>(1000.0 * fall_dB));
+        const int jump = i % 2 == 0 ? 0 : (isNear ? nearCounts : farCounts);
+        counts[i] = static_cast<std::uint16_t>(level + jump);
+    }
+    return {otdr::Trace(otdr::RawSamples(counts), 0.001, {}), 1.0, 0, counts.size()};
+}
+
+/// Stronger light scatters less: what scatters more than the weaker light behind it, and by more
+/// than two fifths, which is chance, shows an event and no noise.
+TEST(NoiseProfile, IsLevelledOutWhereTheNearerFibreScattersClearlyMore)
+{
+    const double far = jumping(5, 5).sigma_dB(384.0);
+    EXPECT_NEAR(jumping(7, 5).sigma_dB(128.0), 1.4 * far, 1e-9);
+    EXPECT_NEAR(jumping(8, 5).sigma_dB(128.0), far, 1e-9);
+    EXPECT_NEAR(jumping(3, 5).sigma_dB(128.0), 0.6 * far, 1e-9);
+    // Weaker light may scatter more.
+    EXPECT_NEAR(jumping(8, 5, -1.0).sigma_dB(128.0), 1.6 * far, 1e-9);
+}
+
 TEST(NoiseProfile, StandsEmptyAndTinyTraces)
 {
     for (const std::size_t size : {0U, 1U, 2U, 17U, 300U}) {

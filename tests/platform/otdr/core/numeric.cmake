@@ -2,10 +2,19 @@ waveform_test(otdr_core_numeric_test
     SOURCES
         crc32_test.cpp
         decimation_test.cpp
+        detectedspan_test.cpp
         detectionfigures_test.cpp
         detectionlinks.cpp
+        echoes_test.cpp
         eventdetection_test.cpp
+        eventfit_test.cpp
+        eventscan_test.cpp
+        eventsearch_test.cpp
+        eventsites_test.cpp
+        eventsitesfit_test.cpp
         fibreend_test.cpp
+        fibreextent_test.cpp
+        fibretrace_test.cpp
         linefit_test.cpp
         loss_test.cpp
         noise_test.cpp

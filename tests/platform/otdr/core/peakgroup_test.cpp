@@ -1,7 +1,10 @@
 #include "platform/otdr/core/peakgroup.h"
+#include "tests/platform/otdr/core/drawnfibre.h"
 #include "tests/support/tracebuilder.h"
 
 #include <gtest/gtest.h>
+
+#include <vector>
 
 namespace {
 
@@ -43,6 +46,116 @@ TEST(PeakGroup, FootIsNotSoughtWhereNothingRisesYet)
         const PeakGroup found = measuredAt5km(link, timeConstantPulses);
         EXPECT_NEAR(found.feet.front(), link.indexOf(5_km), 2.0) << timeConstantPulses;
     }
+}
+
+/// Fibre at 30 dB but for these stretches, with a pulse of 20 samples.
+struct Raised
+{
+    double from;
+    double to;
+    double height_dB;
+};
+
+DrawnFibre withRaised(const std::vector<Raised>& stretches)
+{
+    return {4000, scaleOf(20.0), [=](double i) {
+                double level = 30.0;
+                for (const Raised& one : stretches) {
+                    level += i >= one.from && i < one.to ? one.height_dB : 0.0;
+                }
+                return level;
+            }};
+}
+
+PeakGroup measuredAt1000(const DrawnFibre& fibre)
+{
+    return measurePeak(*fibre, 1000.0, 0.0, 4000.0);
+}
+
+TEST(PeakGroup, HeightIsThatAboveTheFibreAndBehindItTheFibreIsUndisturbed)
+{
+    const DrawnFibre fibre = withRaised({{1000, 1020, 6.0}});
+    const PeakGroup found = measuredAt1000(fibre);
+    ASSERT_EQ(found.feet.size(), 1U);
+    EXPECT_NEAR(found.heights_dB.front(), 6.0, 1e-9);
+    EXPECT_FALSE(found.saturated);
+    // By half a pulse, in which the last of a tail could hide, later than its dead zone.
+    EXPECT_GE(found.behind, 1000.0 + fibre->gap());
+    EXPECT_LE(found.behind, 1000.0 + fibre->gap() + 20.0);
+}
+
+TEST(PeakGroup, WhatStandsLessThanAPulseBeforeBelongsToIt)
+{
+    EXPECT_NEAR(measuredAt1000(withRaised({{981, 982, 3.0}, {1000, 1020, 6.0}})).feet.front(),
+                980.5, 2.0);
+    EXPECT_NEAR(measuredAt1000(withRaised({{980, 981, 3.0}, {1000, 1020, 6.0}})).feet.front(),
+                999.5, 2.0);
+}
+
+/// A top within a tenth of a decibel for the pulse, a twentieth of it and a sample.
+TEST(PeakGroup, ATopLongerThanThePulseIsSaturated)
+{
+    EXPECT_FALSE(measuredAt1000(withRaised({{1000, 1023, 6.0}})).saturated);
+    EXPECT_TRUE(measuredAt1000(withRaised({{1000, 1024, 6.0}})).saturated);
+    EXPECT_TRUE(measuredAt1000(withRaised({{1000, 1024, 6.0}, {1000, 1012, 0.09}})).saturated);
+    EXPECT_FALSE(measuredAt1000(withRaised({{1000, 1024, 6.0}, {1000, 1012, 0.11}})).saturated);
+}
+
+TEST(PeakGroup, FurtherRisesInTheDeadZoneAreReflections)
+{
+    const PeakGroup found =
+        measuredAt1000(withRaised({{1000, 1060, 3.0}, {1018, 1060, 3.0}, {1050, 1060, 3.0}}));
+    ASSERT_EQ(found.feet.size(), 3U);
+    EXPECT_NEAR(found.feet[1], 1017.5, 1e-9);
+    EXPECT_NEAR(found.feet[2], 1049.5, 1e-9);
+    EXPECT_NEAR(found.heights_dB[0], 3.0, 1e-9);
+    EXPECT_NEAR(found.heights_dB[1], 6.0, 1e-9);
+    EXPECT_NEAR(found.heights_dB[2], 9.0, 1e-9);
+}
+
+/// What rises again within half a pulse is the same edge, seen by a receiver that rings.
+TEST(PeakGroup, ARiseInTwoStepsIsOneReflection)
+{
+    const PeakGroup found =
+        measuredAt1000(withRaised({{1000, 1040, 3.0}, {1018, 1040, 3.0}, {1028, 1040, 3.0}}));
+    ASSERT_EQ(found.feet.size(), 2U);
+    EXPECT_NEAR(found.feet[1], 1017.5, 1e-9);
+}
+
+TEST(PeakGroup, ARiseOfLessThanThreeTenthsIsNone)
+{
+    const auto feet = [](double rise_dB) {
+        return measuredAt1000(withRaised({{1000, 1040, 3.0}, {1018, 1040, rise_dB}})).feet.size();
+    };
+    EXPECT_EQ(feet(0.29), 1U);
+    EXPECT_EQ(feet(0.31), 2U);
+}
+
+/// Behind the pulse light falls as exp(-t / tau): the slope of the flank tells tau.
+TEST(TimeConstant, IsThatOfTheFallingFlank)
+{
+    for (const double tau : {3.0, 8.0, 15.0}) {
+        const otdr::PulseShape shape(20.0, tau);
+        const DrawnFibre fibre(4000, scaleOf(20.0), [&](double i) {
+            return eventLevel_dB(shape, i - 1000.0, 30.0, 30.0, 15.0);
+        });
+        PeakGroup peak {{1000.0}, {15.0}, 1200.0, false};
+        const auto found = timeConstantOf(*fibre, peak, flatLine(30.0));
+        ASSERT_TRUE(found) << tau;
+        EXPECT_NEAR(*found, tau, 0.1 * tau);
+        peak.saturated = true;
+        EXPECT_FALSE(timeConstantOf(*fibre, peak, flatLine(30.0)));
+        peak.saturated = false;
+        peak.feet.push_back(1010.0);
+        EXPECT_FALSE(timeConstantOf(*fibre, peak, flatLine(30.0)));
+        EXPECT_FALSE(timeConstantOf(*fibre, {{1000.0}, {4.4}, 1200.0, false}, flatLine(30.0)));
+    }
+}
+
+TEST(TimeConstant, IsUnknownWhereLightDoesNotComeDown)
+{
+    const DrawnFibre fibre = withRaised({{1000, 4000, 15.0}});
+    EXPECT_FALSE(timeConstantOf(*fibre, {{1000.0}, {15.0}, 1200.0, false}, flatLine(30.0)));
 }
 
 } // namespace

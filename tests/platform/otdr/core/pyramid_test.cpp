@@ -232,6 +232,14 @@ TEST(Pyramid, TakesAtMostATwelfthOfTheMemoryOfTheSamples)
     }
 }
 
+/// A place and a count for each group of 64, of the strongest and of the weakest: 6 bytes. Sixteen
+/// groups are looked through at once; one more, and a level of two stands above them.
+TEST(Pyramid, HasAFurtherLevelAboveMoreThanSixteenGroups)
+{
+    EXPECT_EQ(Pyramid {RawSamples(Counts(16 * 64, 1))}.bytes(), 16U * 6U);
+    EXPECT_EQ(Pyramid {RawSamples(Counts(17 * 64, 1))}.bytes(), 17U * 6U + 2U * 2U * 2U);
+}
+
 TEST(ExtremeScan, FindsTheFirstOfTheSmallestAndOfTheLargest)
 {
     using namespace otdr::scan;

@@ -122,6 +122,19 @@ TEST(SorMap, TellsOfBlocksBehindTheEnd)
     EXPECT_THAT(file->notes, ElementsAre(HasSubstr("ends before the block \"Cksum\"")));
 }
 
+/// Nothing of it is missing.
+TEST(SorMap, TakesABlockOfNoBytesAtTheEndOfTheFile)
+{
+    auto blocks = SorSketch::plain().blocks();
+    blocks.push_back({"Empty", {}});
+    blocks.back().hasName = false;
+    const auto file = readBytes(SorSketch::assemble(2, blocks));
+    ASSERT_TRUE(file.ok());
+    EXPECT_THAT(file->notes, testing::IsEmpty());
+    EXPECT_EQ(file->blocks.back().name, "Empty");
+    EXPECT_EQ(file->blocks.back().size, 0U);
+}
+
 TEST(SorMap, KeepsBytesBehindTheLastBlock)
 {
     SorSketch sketch = SorSketch::plain();

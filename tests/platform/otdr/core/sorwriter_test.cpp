@@ -331,10 +331,8 @@ TEST(SorWriter, WritesSeveralPulsesAndLandmarks)
 {
     sor::File file = newTrace();
     file.fxd.pulses = {{10, 250'000, 100}, {100, 500'000, 3900}};
-    sor::Landmark mark;
-    mark.position = -5;
-    mark.comment = "pole";
-    file.landmarks = {mark};
+    file.landmarks.resize(1);
+    file.landmarks[0].comment = "pole";
     const sor::File again = readBytes(written(file));
     ASSERT_EQ(again.fxd.pulses.size(), 2U);
     EXPECT_EQ(again.fxd.pulses[1].dataSpacing, 500'000U);
@@ -363,6 +361,8 @@ TEST(SorWriter, RefusesWhatNoFileCanHold)
     EXPECT_FALSE(otdr::encodeSor(file).ok());
     file.keyEvents->events.resize(65'535);
     EXPECT_TRUE(otdr::encodeSor(file).ok());
+    file.landmarks.resize(65'536);
+    EXPECT_FALSE(otdr::encodeSor(file).ok());
 }
 
 TEST(SorWriter, RefusesATraceThatItWouldNotReadAgain)

@@ -1,0 +1,45 @@
+#include "platform/otdr/core/eventdetection.h"
+#include "tests/support/tracebuilder.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace {
+
+using namespace testing_support;
+using otdr::DetectedEvent;
+
+/// The trace of a link whose 0 m lies at a sample of it.
+otdr::Trace withZeroAt(const TraceBuilder& builder, double index)
+{
+    const auto plain = builder.build();
+    otdr::TraceAxis axis = plain->axis();
+    axis.firstSample_ns = -index * axis.sampleInterval_ns;
+    return {plain->samples(), plain->dbPerCount(), axis};
+}
+
+TEST(DetectedSpan, ThatStartsOnBareFibreHasNoLoss)
+{
+    const TraceBuilder builder =
+        TraceBuilder().fibre(12_km).noise(0.01_dB, 21).splice(6_km, 0.1_dB);
+    const otdr::Trace trace = withZeroAt(builder, builder.indexOf(2_km));
+    const otdr::Detection found = otdr::detectEvents(trace, {100.0, builder.metresPerNs(), -80.0});
+    ASSERT_EQ(found.events.size(), 3U);
+    EXPECT_EQ(found.events[0].behind.samples, 0U);
+    EXPECT_TRUE(std::isnan(found.spanLoss_dB));
+    EXPECT_TRUE(std::isnan(found.returnLoss_dB));
+}
+
+TEST(DetectedSpan, StartComesBeforeTheEndWhereBothStandAtTheLastSample)
+{
+    const TraceBuilder builder = TraceBuilder().fibre(12_km).noise(0.01_dB, 22);
+    const otdr::Trace trace = withZeroAt(builder, 1e9);
+    const otdr::Detection found = otdr::detectEvents(trace, {100.0, builder.metresPerNs(), -80.0});
+    ASSERT_EQ(found.events.size(), 2U);
+    EXPECT_EQ(found.events[0].kind, DetectedEvent::Kind::Start);
+    EXPECT_EQ(found.events[1].kind, DetectedEvent::Kind::End);
+    EXPECT_EQ(found.events[0].index, found.events[1].index);
+}
+
+} // namespace

@@ -1,0 +1,86 @@
+#pragma once
+
+#include "platform/otdr/core/fibretrace.h"
+#include "platform/otdr/core/trace.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <random>
+#include <vector>
+
+namespace testing_support {
+
+/// A trace drawn from a formula, and what the search asks of it: the truth is the formula itself.
+class DrawnFibre
+{
+public:
+    using Level = std::function<double(double index)>; ///< dB
+
+    /// Levels are rounded to thousandths of a decibel. `sigma_dB`: Gaussian noise on them.
+    DrawnFibre(std::size_t samples, const otdr::SearchScale& scale, const Level& level,
+               double sigma_dB = 0.0, std::uint64_t seed = 1)
+        : drawn(traceOf(samples, level, sigma_dB, seed))
+        , searched(*drawn, scale)
+    {
+    }
+
+    [[nodiscard]] const otdr::FibreTrace& operator*() const { return searched; }
+
+    [[nodiscard]] const otdr::FibreTrace* operator->() const { return &searched; }
+
+    [[nodiscard]] otdr::FibreTrace& changed() { return searched; }
+
+private:
+    static std::shared_ptr<const otdr::Trace> traceOf(std::size_t samples, const Level& level,
+                                                      double sigma_dB, std::uint64_t seed)
+    {
+        std::mt19937_64 random(seed);
+        std::normal_distribution<double> noise;
+        std::vector<std::uint16_t> counts(samples);
+        for (std::size_t i = 0; i < samples; ++i) {
+            const double scatter = sigma_dB > 0.0 ? sigma_dB * noise(random) : 0.0;
+            const double raw = otdr::kNoSignal - 1000.0 * (level(static_cast<double>(i)) + scatter);
+            counts[i] =
+                static_cast<std::uint16_t>(std::lround(std::min(65535.0, std::max(0.0, raw))));
+        }
+        return std::make_shared<const otdr::Trace>(otdr::RawSamples(counts), otdr::kUsualDbPerCount,
+                                                   otdr::TraceAxis {});
+    }
+
+    std::shared_ptr<const otdr::Trace> drawn;
+    otdr::FibreTrace searched;
+};
+
+/// A scale whose receiver suits its pulse, with lines as long as the trace and no kilometres.
+inline otdr::SearchScale scaleOf(double pulse, double kilometre = 0.0)
+{
+    return {pulse, 0.08 * pulse, 1e6, kilometre};
+}
+
+/// The straight line at a level.
+inline otdr::Line flatLine(double level_dB)
+{
+    otdr::Line line;
+    line.level_dB = level_dB;
+    line.samples = 100;
+    return line;
+}
+
+/// Level at an index of fibre that goes over from one level to another behind a foot, with a
+/// reflection of a height, dB above the first, on it: powers add.
+inline double eventLevel_dB(const otdr::PulseShape& shape, double behindFoot, double before_dB,
+                            double behind_dB, double height_dB = 0.0)
+{
+    const double first = std::pow(10.0, before_dB / 5.0);
+    const double second = std::pow(10.0, behind_dB / 5.0);
+    const double light = (std::pow(10.0, height_dB / 5.0) - 1.0) * first;
+    const double step = shape.step(behindFoot);
+    return 5.0
+        * std::log10(first * (1.0 - step) + second * step + light * shape.peak(behindFoot) + 1e-9);
+}
+
+} // namespace testing_support

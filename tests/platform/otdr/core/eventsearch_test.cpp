@@ -1,0 +1,138 @@
+#include "platform/otdr/core/eventdetection.h"
+#include "platform/otdr/core/eventsearch.h"
+#include "tests/platform/otdr/core/drawnfibre.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace {
+
+using namespace testing_support;
+using otdr::EventSearch;
+
+constexpr double kPulse = 20.0;
+
+struct Place
+{
+    double at;
+    double loss_dB;
+    double height_dB;
+};
+
+/// 12,000 samples of a nanosecond and a decimetre each, as a receiver of this time constant shows
+/// them.
+DrawnFibre linkOf(const std::vector<Place>& places, double timeConstant)
+{
+    const otdr::PulseShape shape(kPulse, timeConstant);
+    return {12000, scaleOf(kPulse),
+            [=](double i) {
+                double level = 40.0 - 0.00003 * i;
+                for (const Place& place : places) {
+                    level +=
+                        eventLevel_dB(shape, i - place.at, 0.0, -place.loss_dB, place.height_dB);
+                }
+                return level;
+            },
+            0.003};
+}
+
+otdr::Measurement measurement(double metresPerNs = 0.1)
+{
+    return {kPulse, metresPerNs, -80.0};
+}
+
+otdr::SearchScale scaleFoundOn(const DrawnFibre& link, const otdr::DetectionSettings& settings = {},
+                               double metresPerNs = 0.1)
+{
+    return EventSearch(link->samples(), measurement(metresPerNs), settings).trace().scale();
+}
+
+TEST(EventSearch, CountsInSamples)
+{
+    const DrawnFibre link = linkOf({}, 1.6);
+    otdr::DetectionSettings settings;
+    settings.longestWindow_m = 300.0;
+    const otdr::SearchScale scale = scaleFoundOn(link, settings);
+    EXPECT_DOUBLE_EQ(scale.pulse, kPulse);
+    EXPECT_DOUBLE_EQ(scale.kilometre, 10'000.0);
+    EXPECT_DOUBLE_EQ(scale.longestWindow, 3000.0);
+    EXPECT_DOUBLE_EQ(scale.timeConstant, 1.6);
+}
+
+TEST(EventSearch, LinesAreNoLongerThanTheTraceAndNoShorterThanEightSamples)
+{
+    const DrawnFibre link = linkOf({}, 1.6);
+    otdr::DetectionSettings settings;
+    settings.longestWindow_m = 1e6;
+    EXPECT_EQ(scaleFoundOn(link, settings).longestWindow, 12'000.0);
+    settings.longestWindow_m = 0.1;
+    EXPECT_EQ(scaleFoundOn(link, settings).longestWindow, 8.0);
+    const otdr::SearchScale unknown = scaleFoundOn(link, settings, 0.0);
+    EXPECT_EQ(unknown.longestWindow, 12'000.0);
+    EXPECT_EQ(unknown.kilometre, 0.0);
+}
+
+TEST(EventSearch, LearnsASlowReceiverFromAReflection)
+{
+    const DrawnFibre link = linkOf({{5000.0, 0.2, 15.0}}, 10.0);
+    EXPECT_NEAR(scaleFoundOn(link).timeConstant, 10.0, 1.5);
+}
+
+/// What recovers from an overload looks slower than the receiver is.
+TEST(EventSearch, LearnsTheReceiverFromTheFastestReflection)
+{
+    const otdr::PulseShape slow(kPulse, 25.0);
+    const otdr::PulseShape fast(kPulse, 8.0);
+    const DrawnFibre link(
+        12000, scaleOf(kPulse),
+        [&](double i) {
+            return 40.0 - 0.00003 * i + eventLevel_dB(slow, i - 3000.0, 0.0, 0.0, 15.0)
+                + eventLevel_dB(fast, i - 7000.0, 0.0, 0.0, 15.0);
+        },
+        0.003);
+    EXPECT_NEAR(scaleFoundOn(link).timeConstant, 8.0, 1.5);
+}
+
+/// Receivers are tried that differ by a factor of 1.8.
+TEST(EventSearch, LearnsASlowReceiverFromClearLosses)
+{
+    for (const double timeConstant : {5.0, 10.0, 16.0}) {
+        const DrawnFibre link =
+            linkOf({{3000.0, 0.3, 0.0}, {6000.0, 0.4, 0.0}, {9000.0, 0.3, 0.0}}, timeConstant);
+        const double found = scaleFoundOn(link).timeConstant;
+        EXPECT_GT(found, timeConstant / 1.8) << timeConstant;
+        EXPECT_LT(found, timeConstant * 1.8) << timeConstant;
+    }
+}
+
+TEST(EventSearch, KeepsTheUsualReceiverWhereNothingSpeaksAgainstIt)
+{
+    const DrawnFibre link = linkOf({{3000.0, 0.3, 0.0}, {6000.0, 0.1, 15.0}}, 1.6);
+    EXPECT_DOUBLE_EQ(scaleFoundOn(link).timeConstant, 1.6);
+}
+
+TEST(EventSearch, FindsEachPlaceOnce)
+{
+    const DrawnFibre link = linkOf(
+        {{2000.0, 0.1, 0.0}, {5000.0, 0.2, 8.0}, {5200.0, -0.1, 0.0}, {8000.0, 0.0, 1.5}}, 1.6);
+    const EventSearch search(link->samples(), measurement(), {});
+    ASSERT_EQ(search.places().sites().size(), 4U);
+    const double truth[] = {2000.0, 5000.0, 5200.0, 8000.0};
+    for (std::size_t k = 0; k < 4; ++k) {
+        EXPECT_NEAR(search.places().sites()[k].at, truth[k], 1.0) << k;
+        EXPECT_EQ(search.places().sites()[k].peak.has_value(), k % 2 == 1) << k;
+    }
+}
+
+/// -70 dB stand 0.9 dB above the fibre where a pulse of 20 ns scatters -80 dB a nanosecond.
+TEST(EventSearch, ListsNoReflectionLowerThanTheLeast)
+{
+    const DrawnFibre link = linkOf({{5000.0, 0.0, 1.2}}, 1.6);
+    otdr::DetectionSettings settings;
+    EXPECT_EQ(EventSearch(link->samples(), measurement(), settings).places().sites().size(), 1U);
+    settings.reflectance_dB = -65.0; // 2.1 dB above the fibre
+    EXPECT_TRUE(EventSearch(link->samples(), measurement(), settings).places().sites().empty());
+}
+
+} // namespace

@@ -1,0 +1,259 @@
+#include "platform/otdr/core/eventsites.h"
+#include "tests/platform/otdr/core/drawnsites.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+namespace {
+
+using namespace testing_support;
+using otdr::EventSites;
+using otdr::Site;
+
+TEST(Site, StatisticIsTheLossOverItsError)
+{
+    Site site;
+    EXPECT_EQ(site.statistic(), 0.0);
+    site.loss_dB = -0.5;
+    site.error_dB = 0.1;
+    EXPECT_DOUBLE_EQ(site.statistic(), 5.0);
+    site.error_dB = 0.0;
+    EXPECT_EQ(site.statistic(), 0.0);
+}
+
+TEST(EventSites, KeepsItsPlacesInOrder)
+{
+    const DrawnFibre fibre = fibreWith({});
+    EventSites sites(*fibre, 100.0, 5900.0);
+    sites.add({siteAt(fibre, 3000.0), siteAt(fibre, 1000.0)});
+    sites.add({siteAt(fibre, 2000.0)});
+    EXPECT_EQ(placesOf(sites), (std::vector<double> {1000.0, 2000.0, 3000.0}));
+}
+
+/// They may meet, and overlap by a sample; no more.
+TEST(EventSites, LeavesOutWhatFallsIntoADeadZone)
+{
+    const DrawnFibre fibre = fibreWith({});
+    EventSites sites(*fibre, 100.0, 5900.0);
+    const auto site = [](double at, double behind) {
+        Site one;
+        one.at = at;
+        one.behind = behind;
+        return one;
+    };
+    sites.add({site(1000.0, 1050.0)});
+    sites.add({site(1048.9, 1099.0), site(951.0, 1001.1), site(1000.0, 1050.0)});
+    EXPECT_EQ(placesOf(sites), (std::vector<double> {1000.0}));
+    sites.add({site(1049.0, 1099.0), site(951.0, 1001.0)});
+    EXPECT_EQ(placesOf(sites), (std::vector<double> {951.0, 1000.0, 1049.0}));
+}
+
+/// A foot without a reflection is known to a sample, one with a reflection exactly.
+TEST(EventSites, FibreLiesBetweenTheDeadZonesAndTheNextFoot)
+{
+    const DrawnFibre fibre = fibreWith({});
+    EventSites sites(*fibre, 100.0, 5900.0);
+    EXPECT_EQ(sites.fibreFrom(0), 100.0);
+    EXPECT_EQ(sites.fibreTo(0), 5899.0);
+    sites.add({siteAt(fibre, 1000.0), peakAt(fibre, 2000.0, 3.0)});
+    EXPECT_EQ(sites.fibreTo(0), 999.0);
+    EXPECT_EQ(sites.fibreFrom(1), 1000.0 + fibre->gap());
+    EXPECT_EQ(sites.fibreTo(1), 2000.0);
+    EXPECT_EQ(sites.fibreFrom(2), 2000.0 + fibre->gap());
+    EXPECT_EQ(sites.fibreTo(2), 5899.0);
+    const auto line = sites.fibre(1);
+    ASSERT_TRUE(line);
+    EXPECT_NEAR(line->line.slope_dB, -0.0005, 1e-6);
+}
+
+TEST(EventSites, MeasuresALossWithItsError)
+{
+    const DrawnFibre fibre = fibreWith({{2000.0, 0.2}}, 0.01);
+    EventSites sites(*fibre, 100.0, 5900.0);
+    sites.add({siteAt(fibre, 2000.0)});
+    sites.measure();
+    const Site& site = sites.sites().front();
+    EXPECT_NEAR(site.loss_dB, 0.2, 4.0 * site.error_dB);
+    const double seen = 2000.0 + fibre->shape().centre();
+    EXPECT_DOUBLE_EQ(site.error_dB,
+                     std::hypot(site.left->errorAt_dB(seen), site.right->errorAt_dB(seen)));
+    EXPECT_LT(site.error_dB, 0.002);
+}
+
+/// Where fibres fall differently the lines meet at the event, half a pulse before it is seen.
+TEST(EventSites, MeasuresWhereTheEventIsSeenFromBothSides)
+{
+    const DrawnFibre fibre(6000, scaleOf(kSitesPulse, 2000.0), [](double i) {
+        const double behind = i - 3000.0;
+        return 40.0 - (behind < 0.0 ? 0.0005 : 0.001) * behind;
+    });
+    EventSites sites(*fibre, 100.0, 5900.0);
+    sites.add({siteAt(fibre, 3000.0 - fibre->shape().centre())});
+    sites.measure();
+    EXPECT_NEAR(sites.sites().front().loss_dB, 0.0, 4e-4);
+}
+
+TEST(EventSites, LinesAreNoLongerThanTheLongestWindow)
+{
+    otdr::SearchScale scale = scaleOf(kSitesPulse, 2000.0);
+    scale.longestWindow = 500.0;
+    const DrawnFibre fibre(6000, scale, [](double i) { return 40.0 - 0.0005 * i; });
+    EventSites sites(*fibre, 100.0, 5900.0);
+    sites.add({siteAt(fibre, 3000.0)});
+    sites.measure();
+    EXPECT_EQ(sites.sites().front().left->line.samples, 500U);
+    EXPECT_EQ(sites.sites().front().right->line.samples, 500U);
+}
+
+/// Too short to tell its slope, a stretch takes that of the other fibre, and is not sure of it.
+TEST(EventSites, AShortStretchTakesTheUsualSlope)
+{
+    const DrawnFibre fibre = fibreWith({}, 0.01);
+    EventSites sites(*fibre, 100.0, 5900.0);
+    sites.add({siteAt(fibre, 2000.0), siteAt(fibre, 2060.0)});
+    sites.measure();
+    const auto& line = sites.sites().front().right;
+    ASSERT_TRUE(line);
+    EXPECT_NEAR(line->line.slope_dB, -0.0005, 1e-4);
+    EXPECT_DOUBLE_EQ(line->slopeError_dB, 0.03 / 2000.0);
+}
+
+TEST(EventSites, AStretchTakesItsOwnSlopeWhereItIsSurerOfThat)
+{
+    const auto level = [](double i) {
+        return 40.0 - 0.0005 * i - (i < 1000.0 ? 0.0 : 0.0025 * (std::min(i, 1100.0) - 1000.0));
+    };
+    const auto stretchWith = [&](double kilometre) {
+        const DrawnFibre fibre(6000, scaleOf(kSitesPulse, kilometre), level);
+        EventSites sites(*fibre, 100.0, 5900.0);
+        sites.add({siteAt(fibre, 1000.0 - fibre->gap()), siteAt(fibre, 1101.0)});
+        return *sites.fibre(1);
+    };
+    // Fibres of one link differ by 0.03 dB/km, so that the kilometre decides how sure that is.
+    const double own = stretchWith(1.0).slopeError_dB;
+    double even = 0.03 / own;
+    even = 0.03 / even < own ? std::nextafter(even, 0.0) : even;
+    even = 0.03 / even > own ? std::nextafter(even, 1e9) : even;
+    EXPECT_NEAR(stretchWith(0.99 * even).line.slope_dB, -0.003, 1e-4);
+    EXPECT_NEAR(stretchWith(even).line.slope_dB, -0.0005, 1e-4);
+    EXPECT_NEAR(stretchWith(1.01 * even).line.slope_dB, -0.0005, 1e-4);
+}
+
+TEST(EventSites, WithoutThreeSamplesThereIsNoLine)
+{
+    const DrawnFibre fibre = fibreWith({});
+    EventSites sites(*fibre, 1996.5, 5900.0);
+    sites.add({siteAt(fibre, 2000.0)}); // 2.5 before it, but for the sample of its foot
+    sites.measure();
+    EXPECT_FALSE(sites.sites().front().left);
+    EXPECT_TRUE(std::isnan(sites.sites().front().loss_dB));
+    EventSites more(*fibre, 1996.0, 5900.0);
+    more.add({siteAt(fibre, 2000.0)});
+    more.measure();
+    EXPECT_TRUE(more.sites().front().left);
+}
+
+TEST(EventSites, DropsWhatALineThroughBothSidesExplains)
+{
+    const DrawnFibre fibre = fibreWith({{3000.0, 0.2}}, 0.005);
+    EventSites sites(*fibre, 100.0, 5900.0);
+    sites.add({siteAt(fibre, 1000.0), siteAt(fibre, 2000.0), siteAt(fibre, 3000.0),
+               siteAt(fibre, 4000.0)});
+    sites.dropUnlikely(0.015, 5.0);
+    ASSERT_EQ(placesOf(sites), std::vector<double> {3000.0});
+    // Measured anew between the neighbours that are left.
+    EXPECT_GT(sites.sites().front().left->line.samples, 2500U);
+    EXPECT_GT(sites.sites().front().right->line.samples, 2500U);
+}
+
+TEST(EventSites, KeepsALossOfTheLeastThatIsListed)
+{
+    const DrawnFibre fibre = fibreWith({{3000.0, 0.1}});
+    EventSites sites(*fibre, 100.0, 5900.0);
+    sites.add({siteAt(fibre, 3000.0)});
+    sites.dropUnlikely(0.099, 5.0);
+    EXPECT_EQ(sites.sites().size(), 1U);
+    sites.dropUnlikely(0.101, 5.0);
+    EXPECT_TRUE(sites.sites().empty());
+}
+
+TEST(EventSites, ALossMayBeAsSmallAsTheLeastThatIsListed)
+{
+    const DrawnFibre fibre = fibreWith({{3000.0, 0.1}});
+    EventSites sites(*fibre, 100.0, 5900.0);
+    sites.add({siteAt(fibre, 3000.0)});
+    sites.measure();
+    const double loss_dB = sites.sites().front().loss_dB;
+    sites.dropUnlikely(loss_dB, 5.0);
+    EXPECT_EQ(sites.sites().size(), 1U);
+    sites.dropUnlikely(std::nextafter(loss_dB, 1.0), 5.0);
+    EXPECT_TRUE(sites.sites().empty());
+}
+
+/// Too close to each other for a line between them, neither tells its loss: the nearer one goes,
+/// and what is behind it can be measured.
+TEST(EventSites, OfPlacesThatTellNothingTheFirstIsDropped)
+{
+    const DrawnFibre fibre = fibreWith({{3000.0, 0.3}});
+    EventSites sites(*fibre, 100.0, 5900.0);
+    const double next = 2960.0 + fibre->gap() + 3.0;
+    sites.add({siteAt(fibre, 2960.0), siteAt(fibre, next)});
+    sites.dropUnlikely(0.015, 5.0);
+    EXPECT_EQ(placesOf(sites), std::vector<double> {next});
+}
+
+TEST(EventSites, KeepsReflectionsWhateverTheyLose)
+{
+    const DrawnFibre fibre = fibreWith({{3000.0, 0.0, 2.0}});
+    EventSites sites(*fibre, 100.0, 5900.0);
+    sites.add({peakAt(fibre, 3000.0, 2.0), siteAt(fibre, 4000.0)});
+    sites.dropUnlikely(0.015, 5.0);
+    EXPECT_EQ(placesOf(sites), std::vector<double> {3000.0});
+}
+
+TEST(EventSites, TwoPlacesOfOneRampBecomeOne)
+{
+    const DrawnFibre fibre = fibreWith({{3000.0, 0.3}}, 0.002);
+    EventSites sites(*fibre, 100.0, 5900.0);
+    sites.add({siteAt(fibre, 2985.0), siteAt(fibre, 2985.0 + fibre->gap() + 5.0)});
+    ASSERT_EQ(sites.sites().size(), 2U);
+    sites.measure();
+    sites.mergePairs();
+    ASSERT_EQ(sites.sites().size(), 1U);
+    EXPECT_NEAR(sites.sites().front().at, 3000.0, 0.5);
+    EXPECT_DOUBLE_EQ(sites.sites().front().behind, sites.sites().front().at + fibre->gap());
+    EXPECT_NEAR(sites.sites().front().loss_dB, 0.3, 0.005);
+}
+
+TEST(EventSites, TwoLossesStayTwo)
+{
+    const double next = 3000.0 + 1.8 * fibreWith({})->gap();
+    const DrawnFibre fibre = fibreWith({{3000.0, 0.3}, {next, 0.2}}, 0.002);
+    EventSites sites(*fibre, 100.0, 5900.0);
+    sites.add({siteAt(fibre, 3000.0), siteAt(fibre, next)});
+    sites.measure();
+    sites.mergePairs();
+    EXPECT_EQ(sites.sites().size(), 2U);
+}
+
+/// What a low reflection looks like to a search for steps.
+TEST(EventSites, AGainWithALossBehindItIsOneReflection)
+{
+    const DrawnFibre fibre = fibreWith({{3000.0, 0.0, 0.3}}, 0.002);
+    EventSites sites(*fibre, 100.0, 5900.0);
+    Site gain;
+    gain.at = 3000.0;
+    gain.behind = 3005.0;
+    sites.add({gain, siteAt(fibre, 3019.0)});
+    sites.measure();
+    ASSERT_LT(sites.sites()[0].loss_dB, 0.0);
+    ASSERT_GT(sites.sites()[1].loss_dB, 0.0);
+    sites.mergePairs();
+    ASSERT_EQ(sites.sites().size(), 1U);
+    EXPECT_NEAR(sites.sites().front().at, 3000.0, 0.5);
+}
+
+} // namespace

@@ -1,0 +1,158 @@
+#include "platform/otdr/core/eventfit.h"
+#include "platform/otdr/core/eventsites.h"
+#include "tests/platform/otdr/core/drawnsites.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <vector>
+
+namespace {
+
+using namespace testing_support;
+using otdr::EventSites;
+using otdr::Site;
+
+TEST(EventSites, RefiningMovesALossToItsFoot)
+{
+    const DrawnFibre fibre = fibreWith({{3000.4, 0.3}}, 0.002);
+    EventSites sites(*fibre, 100.0, 5900.0);
+    sites.add({siteAt(fibre, 2990.0)});
+    sites.measure();
+    sites.refine(20.0);
+    sites.refine(20.0);
+    EXPECT_NEAR(sites.sites().front().at, 3000.4, 0.2);
+    EXPECT_DOUBLE_EQ(sites.sites().front().behind, sites.sites().front().at + fibre->gap());
+    EXPECT_NEAR(sites.sites().front().loss_dB, 0.3, 0.002);
+}
+
+TEST(EventSites, RefiningMovesALowReflectionToItsShape)
+{
+    const DrawnFibre fibre = fibreWith({{3000.4, 0.1, 1.0}}, 0.002);
+    EventSites sites(*fibre, 100.0, 5900.0);
+    sites.add({peakAt(fibre, 2995.0, 0.7)});
+    sites.measure();
+    sites.refine(20.0);
+    const Site& site = sites.sites().front();
+    EXPECT_NEAR(site.at, 3000.4, 0.1);
+    EXPECT_EQ(site.peak->feet.front(), site.at);
+    EXPECT_NEAR(site.peak->heights_dB.front(), 1.0, 0.01);
+    EXPECT_EQ(site.behind, site.peak->behind);
+    EXPECT_GE(site.behind, site.at + fibre->gap());
+}
+
+/// The edge of a high reflection tells its place better than its shape.
+TEST(EventSites, RefiningLeavesHighSaturatedAndGroupedReflectionsWhereTheyStand)
+{
+    const DrawnFibre fibre = fibreWith({{3000.4, 0.1, 1.0}}, 0.002);
+    Site high = peakAt(fibre, 2995.0, 1.6);
+    Site saturated = peakAt(fibre, 2995.0, 0.7);
+    saturated.peak->saturated = true;
+    Site group = peakAt(fibre, 2995.0, 0.7);
+    group.peak->feet.push_back(3005.0);
+    group.peak->heights_dB.push_back(0.7);
+    for (const Site& site : {high, saturated, group}) {
+        EventSites sites(*fibre, 100.0, 5900.0);
+        sites.add({site});
+        sites.measure();
+        sites.refine(20.0);
+        EXPECT_EQ(placesOf(sites), std::vector<double> {2995.0});
+    }
+}
+
+TEST(EventSites, AReflectionLowerThanTheLeastIsNone)
+{
+    const DrawnFibre fibre = fibreWith({});
+    EventSites sites(*fibre, 100.0, 5900.0);
+    Site group = peakAt(fibre, 3000.0, 0.1);
+    group.peak->feet.push_back(3010.0);
+    group.peak->heights_dB.push_back(0.1);
+    sites.add({peakAt(fibre, 1000.0, 0.1), peakAt(fibre, 2000.0, 0.25), group});
+    sites.dropLowPeaks(0.25);
+    EXPECT_FALSE(sites.sites()[0].peak);
+    EXPECT_EQ(sites.sites()[0].peakStatistic, 0.0);
+    EXPECT_TRUE(sites.sites()[1].peak);
+    EXPECT_EQ(sites.sites()[1].peakStatistic, 10.0);
+    EXPECT_TRUE(sites.sites()[2].peak);
+}
+
+TEST(EventSites, FindsALowReflectionOnTheRampOfALoss)
+{
+    const DrawnFibre fibre = fibreWith({{3000.0, 0.2, 0.3}, {4500.0, 0.2}}, 0.005);
+    EventSites sites(*fibre, 100.0, 5900.0);
+    sites.add({siteAt(fibre, 2997.0), siteAt(fibre, 4500.0)});
+    sites.measure();
+    sites.findReflections(0.1, 5.0);
+    const Site& site = sites.sites()[0];
+    ASSERT_TRUE(site.peak);
+    EXPECT_NEAR(site.at, 3000.0, 0.3);
+    EXPECT_NEAR(site.peak->heights_dB.front(), 0.3, 0.02);
+    EXPECT_EQ(site.peak->feet.front(), site.at);
+    EXPECT_DOUBLE_EQ(site.behind, site.at + fibre->gap());
+    EXPECT_EQ(site.peak->behind, site.behind);
+    EXPECT_GT(site.peakStatistic, 5.0);
+    EXPECT_FALSE(sites.sites()[1].peak);
+}
+
+TEST(EventSites, FindsNoReflectionLowerThanTheLeastOrOfLessThanItsSignificance)
+{
+    const DrawnFibre fibre = fibreWith({{3000.0, 0.2, 0.3}}, 0.005);
+    EventSites sites(*fibre, 100.0, 5900.0);
+    sites.add({siteAt(fibre, 2997.0)});
+    sites.measure();
+    sites.findReflections(0.35, 5.0);
+    EXPECT_FALSE(sites.sites()[0].peak);
+    sites.findReflections(0.1, 1000.0);
+    EXPECT_FALSE(sites.sites()[0].peak);
+}
+
+/// To be more than what is asked is to exceed it.
+TEST(EventSites, AReflectionExceedsItsLimits)
+{
+    const DrawnFibre fibre = fibreWith({{3000.0, 0.2, 0.3}}, 0.005);
+    const auto found = [&](double height_dB, double significance) {
+        EventSites sites(*fibre, 100.0, 5900.0);
+        sites.add({siteAt(fibre, 2997.0)});
+        sites.measure();
+        sites.findReflections(height_dB, significance);
+        return sites.sites().front();
+    };
+    const Site site = found(0.1, 5.0);
+    ASSERT_TRUE(site.peak);
+    const double height_dB = site.peak->heights_dB.front();
+    EXPECT_FALSE(found(height_dB, 5.0).peak);
+    EXPECT_TRUE(found(std::nextafter(height_dB, 0.0), 5.0).peak);
+    EXPECT_FALSE(found(0.1, site.peakStatistic).peak);
+    EXPECT_TRUE(found(0.1, std::nextafter(site.peakStatistic, 0.0)).peak);
+}
+
+/// A reflection whose dead zone would reach the next place is none.
+TEST(EventSites, AReflectionLeavesRoomForTheNextPlace)
+{
+    const DrawnFibre fibre = fibreWith({{3000.3, 0.0, 0.5}});
+    const auto sitesWith = [&](double next) {
+        EventSites sites(*fibre, 100.0, 5900.0);
+        sites.add({siteAt(fibre, 2990.0), siteAt(fibre, next)});
+        sites.measure();
+        return sites;
+    };
+    // The fibre up to the next place has a part in where the foot is: both are sought together.
+    double next = 3003.0 + fibre->gap();
+    for (int i = 0; i < 5; ++i) {
+        const EventSites sites = sitesWith(next);
+        const Site& site = sites.sites().front();
+        const double foot = otdr::fitPeak(*fibre, site.at, site.left->line, site.right->line).foot;
+        next = foot + fibre->gap();
+        next = next - fibre->gap() < foot ? std::nextafter(next, 6000.0) : next;
+        next = next - fibre->gap() > foot ? std::nextafter(next, 0.0) : next;
+    }
+    const auto isFound = [&](double place) {
+        EventSites sites = sitesWith(place);
+        sites.findReflections(0.1, 5.0);
+        return sites.sites().front().peak.has_value();
+    };
+    EXPECT_FALSE(isFound(next));
+    EXPECT_TRUE(isFound(next + 1e-9));
+}
+
+} // namespace

@@ -1,0 +1,71 @@
+#include "platform/otdr/core/fibreend.h"
+#include "tests/platform/otdr/core/drawnfibre.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace {
+
+using namespace testing_support;
+
+/// A receiver that is overloaded holds its top and then falls; what rises by more than 3 dB above
+/// it is another reflection.
+TEST(FibreExtent, LaunchThatIsHeldAtItsTopIsOverWhereItFalls)
+{
+    const auto firstWhere = [](double rise_dB) {
+        const DrawnFibre fibre(6000, scaleOf(20.0), [=](double i) {
+            return i < 60.0 ? 40.0 : (i < 80.0 ? 40.0 + rise_dB : 30.0);
+        });
+        return otdr::findFibre(*fibre, 3.0).first;
+    };
+    EXPECT_EQ(firstWhere(0.0), 80.0);
+    EXPECT_EQ(firstWhere(3.0), 80.0);
+    EXPECT_LT(firstWhere(3.001), 60.0);
+}
+
+TEST(FibreExtent, LaunchThatDoesNotFallInSixPulsesIsFibre)
+{
+    const auto firstWhere = [](double held) {
+        const DrawnFibre fibre(6000, scaleOf(20.0),
+                               [=](double i) { return i < held ? 40.0 : 36.9; });
+        return otdr::findFibre(*fibre, 3.0).first;
+    };
+    EXPECT_EQ(firstWhere(119.0), 119.0);
+    EXPECT_LT(firstWhere(120.0), 60.0);
+}
+
+/// Behind a peak a patch cord may stand as high as the fibre before it, but for the last of a tail:
+/// three tenths of a decibel higher it is the tail itself.
+TEST(FibreExtent, AShortPieceOfFibreStandsNoHigherThanThatBefore)
+{
+    const auto endWith = [](double above_dB) {
+        const DrawnFibre fibre(8000, scaleOf(20.0), [=](double i) {
+            const double noise = std::fmod(i, 3.0) == 0.0 ? 6.0 : 0.0;
+            const double piece = i < 4020.0 ? 12.0 : above_dB;
+            return i < 4000.0 ? 32.0 : (i < 4080.0 ? 32.0 + piece : noise);
+        });
+        return otdr::findFibre(*fibre, 3.0).end;
+    };
+    EXPECT_NEAR(endWith(0.0), 4079.5, 1.0);
+    EXPECT_NEAR(endWith(0.299), 4079.5, 1.0);
+    EXPECT_NEAR(endWith(0.3), 3999.5, 1.0);
+    EXPECT_NEAR(endWith(0.301), 3999.5, 1.0);
+}
+
+/// Fibre is followed in stretches of 32 samples: the rest of the record shows noise if it has two.
+TEST(FibreExtent, LightReachesToTheEndOfARecordWithoutTwoStretchesOfNoise)
+{
+    const double dark = 60.0 + 14.0 * 32.0;
+    const auto lastLit = [=](std::size_t samples) {
+        const DrawnFibre fibre(samples, scaleOf(20.0), [=](double i) {
+            const double noise = std::fmod(i, 3.0) == 0.0 ? 6.0 : 0.0;
+            return i < 60.0 ? 50.0 : (i < dark ? 30.0 : noise);
+        });
+        return otdr::findFibre(*fibre, 3.0).lastLit;
+    };
+    EXPECT_EQ(lastLit(572), dark);
+    EXPECT_EQ(lastLit(571), 570.0);
+}
+
+} // namespace
