@@ -5,6 +5,7 @@
 #include "app/frame.h"
 #include "platform/launcher/abstractkeeper.h"
 #include "platform/launcher/launcherplugininterface.h"
+#include "platform/launcher/measmodel.h"
 #include "platform/launcher/pluginmodel.h"
 #include "platform/launcher/pluginwindow.h"
 #include "platform/otdr/errorwords.h"
@@ -13,6 +14,8 @@
 #include <QFileInfo>
 #include <QThreadPool>
 
+#include <malloc.h>
+
 namespace {
 
 /// So many traces may be loaded at a time; the one after them is refused with words.
@@ -20,6 +23,15 @@ constexpr int kMostTraces = 4;
 
 /// A message is to be read on a small screen.
 constexpr int kMostLines = 5;
+
+/// Runs, saves and loads allocate and free pictures and traces by the megabyte, and the allocator
+/// keeps what was freed: on an instrument that is used for days, as much as all the rest takes.
+void giveMemoryBack()
+{
+#ifdef __GLIBC__
+    ::malloc_trim(0);
+#endif
+}
 
 } // namespace
 
@@ -78,6 +90,20 @@ QString Host::load()
             takeDropped(files, elsewhere);
         },
         Qt::QueuedConnection);
+    if (const auto* model = qobject_cast<MeasModel*>(plugin->model())) {
+        QObject::connect(model, qOverload<MeasModel*>(&MeasModel::stopped), outer.get(),
+                         giveMemoryBack, Qt::QueuedConnection);
+    }
+    if (const AbstractKeeper* keeper = plugin->myKeeper()) {
+        QObject::connect(
+            keeper, &AbstractKeeper::busyChanged, outer.get(),
+            [](bool busy) {
+                if (!busy) {
+                    giveMemoryBack();
+                }
+            },
+            Qt::QueuedConnection);
+    }
     plugin->window()->show();
     emit plugin->window()->setTitle(plugin->name());
     return {};

@@ -31,7 +31,9 @@ set(layers
     "tests/endtoend             platform/otdr tests/support"
     # Reads sources and translations as files; it knows no code of theirs.
     "tests/translations         tests/support"
-    "bench                      platform/otdr platform/otdr/core programs/wfgather plot events twomarkers tests/support"
+    # The host with its plugin, seen from the desk of a user.
+    "tests/soak                 app ${face} tests/support"
+    "bench                      platform/otdr platform/otdr/core platform/launcher programs/wfgather plot events twomarkers app tests/support"
     "fuzz                       platform/otdr platform/otdr/core programs/wfgather acquisition tests/support")
 # The tests of a folder include what the folder may, the folder, other tests, and the core to compare with.
 
@@ -62,7 +64,7 @@ function(objection file name system result)
         set(layer ${CMAKE_MATCH_1})
         list(APPEND allowed ${layer} platform/otdr/core)
         string(REGEX MATCH "^tests/" anyTest ${name})
-    elseif(folder STREQUAL "bench")
+    elseif(folder MATCHES "^(bench|tests/soak)$")
         string(REGEX MATCH "^tests/" anyTest ${name}) # the fingers that drive widgets there drive them here
     endif()
     list(APPEND allowed ${below_${layer}})

@@ -139,6 +139,8 @@ void Panels::followMainTrace()
     if (!(main == shownMain)) {
         shownMain = main;
         scrollToMainTrace();
+        // Again when the rows have the heights that their texts need.
+        QMetaObject::invokeMethod(this, "scrollToMainTrace", Qt::QueuedConnection);
     }
 }
 

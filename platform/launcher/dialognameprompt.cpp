@@ -1,9 +1,9 @@
 #include "platform/launcher/dialognameprompt.h"
 
 #include "platform/launcher/namedialog.h"
+#include "platform/launcher/windowbelow.h"
 
 #include <QAbstractButton>
-#include <QApplication>
 #include <QCoreApplication>
 #include <QFontMetrics>
 #include <QMessageBox>
@@ -12,7 +12,7 @@
 std::optional<QString> DialogNamePrompt::askName(const QString& proposed)
 {
     // On the heap and watched: the window below may go while the user types.
-    const QPointer<NameDialog> dialog = new NameDialog(proposed, QApplication::activeWindow());
+    const QPointer<NameDialog> dialog = new NameDialog(proposed, windowBelow());
     const bool accepted = dialog->exec() == QDialog::Accepted;
     if (dialog.isNull()) {
         return std::nullopt;
@@ -26,7 +26,7 @@ bool DialogNamePrompt::askOverwrite(const QString& name)
 {
     constexpr int kTouchHeight = 44;
     constexpr int kNameWidth = 360; // a name has no place where its line could be broken
-    const QPointer<QMessageBox> box = new QMessageBox(QApplication::activeWindow());
+    const QPointer<QMessageBox> box = new QMessageBox(windowBelow());
     box->setIcon(QMessageBox::Question);
     box->setTextFormat(Qt::PlainText);
     box->setText(

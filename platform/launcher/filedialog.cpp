@@ -1,9 +1,9 @@
 #include "platform/launcher/filedialog.h"
 
 #include "platform/launcher/opendialog.h"
+#include "platform/launcher/windowbelow.h"
 #include "platform/launcher/zulauncherconfig.h"
 
-#include <QApplication>
 #include <QPointer>
 
 QString FileDialog::getOpenFileName(QWidget* parent, const QString& title, const QString& dir,
@@ -14,7 +14,7 @@ QString FileDialog::getOpenFileName(QWidget* parent, const QString& title, const
 
 QStringList FileDialog::getOpenFileNames(QWidget* parent, const Request& request)
 {
-    QWidget* below = parent != nullptr ? parent : QApplication::activeWindow();
+    QWidget* below = parent != nullptr ? parent : windowBelow();
     // On the heap and watched: the parent may go while the user chooses.
     const QPointer<OpenDialog> dialog = new OpenDialog(request, below);
     ZuLauncherConfig lastDir("paths", request.rememberedAs);

@@ -74,6 +74,18 @@ bool isKey(QEvent::Type type)
     return type == QEvent::KeyPress || type == QEvent::ShortcutOverride;
 }
 
+/// The edge of a dialog, by which it stands out from a window of the same colour: on an instrument
+/// there is no window manager to draw one.
+void drawEdge(QWidget& dialog)
+{
+    constexpr int kHalf = 128;
+    QColor line = dialog.palette().color(QPalette::WindowText);
+    line.setAlpha(kHalf);
+    QPainter painter(&dialog);
+    painter.setPen(line);
+    painter.drawRect(dialog.rect().adjusted(0, 0, -1, -1));
+}
+
 } // namespace
 
 LauncherStyle::LauncherStyle()
@@ -230,6 +242,8 @@ bool LauncherStyle::eventFilter(QObject* watched, QEvent* event)
         showFocus(*widget.window(), false);
     } else if (type == QEvent::Show && widget.isWindow() && isByKeys) {
         showFocus(widget, true); // opened by keys: they go on in it
+    } else if (type == QEvent::Paint && widget.isWindow() && widget.inherits("QDialog")) {
+        drawEdge(widget); // first: what the dialog paints itself comes upon it
     }
     return QProxyStyle::eventFilter(watched, event);
 }

@@ -215,6 +215,17 @@ TEST_F(FullTable, ShowsTheRowOfTheMainTraceWhole)
     EXPECT_TRUE(isInSight(2)) << "after the main trace was deleted";
 }
 
+TEST_F(FullTable, ShowsTheMainTraceAgainWhenItHasMoreRoom)
+{
+    part<Waveform::EventsTableView>()->hide();
+    for (const bool shown : {false, true, false}) {
+        window->findChild<QWidget*>("bottomPanel")->setVisible(shown);
+        settle();
+        ASSERT_FALSE(isInSight(0));
+        EXPECT_TRUE(isInSight(3)) << shown;
+    }
+}
+
 TEST_F(FullTable, LeavesAUserAloneWhoHasScrolledOn)
 {
     ASSERT_FALSE(isInSight(0));

@@ -2,10 +2,11 @@
 #include "platform/launcher/historycombo.h"
 #include "platform/launcher/launcherstyle.h"
 #include "platform/launcher/touchbutton.h"
-#include "tests/support/contrast.h"
 #include "tests/platform/launcher/look.h"
+#include "tests/support/contrast.h"
 
 #include <QCheckBox>
+#include <QDialog>
 #include <QLineEdit>
 #include <QPainter>
 #include <QToolButton>
@@ -55,6 +56,33 @@ TEST(LauncherStyle, ChildrenTakeThePaletteOfWhatTheyLieOn)
     };
     EXPECT_EQ(onPaper.palette().color(QPalette::Button), button(Light::Day));
     EXPECT_EQ(onPage.palette().color(QPalette::Button), button(Light::Night));
+}
+
+TEST(LauncherStyle, DialogsHaveAnEdgeThatIsSeenByDayAndByNight)
+{
+    for (const Light light : {Light::Day, Light::Night}) {
+        const LookIn look(light);
+        QDialog dialog;
+        dialog.resize(200, 100);
+        dialog.show();
+        const QImage picture = dialog.grab().toImage();
+        const QColor ground = picture.pixelColor(100, 50);
+        for (const QPoint edge :
+             {QPoint(0, 50), QPoint(199, 50), QPoint(100, 0), QPoint(100, 99)}) {
+            EXPECT_GE(contrast(picture.pixelColor(edge), ground), 3.0)
+                << edge.x() << " " << edge.y();
+        }
+    }
+}
+
+TEST(LauncherStyle, WindowsThatAreNoDialogsHaveNoEdge)
+{
+    const LookIn look(Light::Day);
+    QWidget window;
+    window.resize(200, 100);
+    window.show();
+    const QImage picture = window.grab().toImage();
+    EXPECT_EQ(picture.pixelColor(0, 50), picture.pixelColor(100, 50));
 }
 
 TEST(LauncherStyle, GivesThePaletteToAWidgetThatNamedItBefore)

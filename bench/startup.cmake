@@ -1,0 +1,19 @@
+# From the start to the first painted window, and the memory with four traces: build/bench/startup
+add_library(paint_teller MODULE paintteller.cpp paintteller.h)
+target_link_libraries(paint_teller PRIVATE Qt5::Widgets waveform_options)
+set_target_properties(paint_teller PROPERTIES
+    AUTOMOC ON
+    PREFIX ""
+    LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bench/plugins/generic)
+
+waveform_program(emptywindow SOURCES emptywindow.cpp DEPENDS Qt5::Widgets Qwt::Qwt)
+waveform_program(startup
+    SOURCES benchtrace.cpp benchtrace.h startup.cpp windowrun.cpp windowrun.h
+    DEPENDS otdr)
+set_target_properties(emptywindow startup PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bench)
+target_compile_definitions(startup PRIVATE
+    WAVEFORM_BIN="${CMAKE_BINARY_DIR}/bin"
+    WAVEFORM_TELLER_DIR="${CMAKE_BINARY_DIR}/bench/plugins")
+add_dependencies(startup emptywindow paint_teller waveform waveform_plugin)
+add_test(NAME bench.startup COMMAND startup --rounds 2)
+set_tests_properties(bench.startup PROPERTIES TIMEOUT 120 RESOURCE_LOCK acquisition_directory)
