@@ -19,7 +19,8 @@ protected:
 
     ~InstrumentEnvironment() override
     {
-        QFile::remove(AcquisitionDir::path());
+        QFile::remove(AcquisitionDir::path()); // a link or a file
+        QDir(AcquisitionDir::path()).removeRecursively(); // perhaps somebody else's
         QDir().mkpath(AcquisitionDir::path());
     }
 
