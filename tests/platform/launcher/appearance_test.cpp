@@ -4,8 +4,8 @@
 #include "platform/launcher/zuconfig.h"
 #include "platform/launcher/zuconfigmodel.h"
 #include "tests/platform/launcher/confighome.h"
-#include "tests/support/contrast.h"
 #include "tests/platform/launcher/look.h"
+#include "tests/support/contrast.h"
 
 #include <QFontInfo>
 #include <QFontMetricsF>
