@@ -28,7 +28,7 @@ protected:
         for (QWidget* panel : panels) {
             panel->show();
         }
-        QCoreApplication::processEvents();
+        QTest::qWait(50); // the places settle in more than one turn of the events
     }
 
     QPushButton* button(const QString& name) const { return window->findChild<QPushButton*>(name); }
@@ -96,6 +96,8 @@ TEST_F(LowCanvas, ResultsOfAMeasurementAreWholeWithAllPanels)
     showPanels({events(), traces()});
     EXPECT_EQ(window->size(), kPage);
     ASSERT_TRUE(results->isVisible());
+    const auto isWhole = [&] { return plot()->canvas()->rect().contains(results->geometry()); };
+    EXPECT_TRUE(QTest::qWaitFor(isWhole, 2000));
     EXPECT_TRUE(plot()->canvas()->rect().contains(results->geometry()));
     EXPECT_GE(results->height(), results->minimumSizeHint().height());
     EXPECT_LT(QFontInfo(results->font()).pixelSize(), usual);
