@@ -1,6 +1,7 @@
 #include "plot/reflcurve.h"
 
 #include "platform/otdr/tracestate.h"
+#include "plot/lazypoints.h"
 #include "plot/stickcolumns.h"
 
 #include <qwt_scale_map.h>
@@ -9,6 +10,8 @@
 #include <QImage>
 #include <QPainter>
 #include <QSignalBlocker>
+
+#include <utility>
 
 ReflCurve::ReflCurve(wf_clip_t clip, const Reflectogram& refl, QColor color)
     : QwtPlotCurve(QwtText())
@@ -38,12 +41,16 @@ void ReflCurve::scale(wf_clip_t clip)
 
 void ReflCurve::scale(wf_clip_t clip, bool notify)
 {
-    QPolygonF points = decimator(clip);
-    limitYBy(points, 0.0);
+    // The trace as it is now, whenever the points are asked for.
+    auto sampled = [this, clip, state = decimator.state()] {
+        QPolygonF points = Decimize::points(state.get(), clip, true);
+        limitYBy(points, 0.0);
+        return points;
+    };
     {
         // Qwt's own notification of new samples has the name of our signal and would emit it.
         const QSignalBlocker quiet(this);
-        setSamples(points);
+        setSamples(new LazyPoints(std::move(sampled))); // the curve's from now on
     }
     itemChanged();
     if (notify) {
@@ -70,7 +77,7 @@ void ReflCurve::limitYBy(QPolygonF& points, double floor)
     }
 }
 
-void ReflCurve::drawSticks(QPainter* painter, const QwtScaleMap& xMap, const QwtScaleMap& yMap,
+void ReflCurve::drawSeries(QPainter* painter, const QwtScaleMap& xMap, const QwtScaleMap& yMap,
                            const QRectF& canvasRect, int /*from*/, int /*to*/) const
 {
     const auto state = decimator.state();

@@ -29,7 +29,8 @@ public:
 
     void scale(wf_clip_t clip);
 
-    /// Samples the trace for a window; says so by dataChanged() if notify is set.
+    /// Samples the trace for a window, with the computation put off until a sample is asked for;
+    /// says so by dataChanged() if notify is set.
     void scale(wf_clip_t clip, bool notify);
 
     [[nodiscard]] QColor color() const;
@@ -38,15 +39,14 @@ public:
     /// Raises every point below floor to it.
     void limitYBy(QPolygonF& points, double floor);
 
+    /// The picture that a stick for each sample of the trace would give, with every column painted
+    /// once. It does without the decimated samples: those would leave gaps, because two of them may
+    /// fall into one pixel column and none into the next.
+    void drawSeries(QPainter* painter, const QwtScaleMap& xMap, const QwtScaleMap& yMap,
+                    const QRectF& canvasRect, int from, int to) const override;
+
 signals:
     void dataChanged() override;
-
-protected:
-    /// The picture that a stick for each sample of the trace would give, with every column painted
-    /// once. Decimated samples alone would leave gaps: two of them may fall into one pixel column
-    /// and none into the next.
-    void drawSticks(QPainter* painter, const QwtScaleMap& xMap, const QwtScaleMap& yMap,
-                    const QRectF& canvasRect, int from, int to) const override;
 
 private:
     /// A brush that paints the columns of sticks and leaves those between them.

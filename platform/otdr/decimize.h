@@ -19,6 +19,9 @@ public:
     /// window of no width.
     [[nodiscard]] QPolygonF operator()(wf_clip_t clip) const;
 
+    /// The same of one state of a trace, which may be null.
+    [[nodiscard]] static QPolygonF points(const TraceState* state, wf_clip_t clip, bool peaksOnly);
+
 private:
     bool peaksOnly;
 };

@@ -68,6 +68,17 @@ TEST_F(Curve, IsSilentWhereAskedToBe)
     EXPECT_NE(curve.dataSize(), before);
 }
 
+TEST_F(Curve, SamplesAreThoseOfTheTraceWhenItWasScaled)
+{
+    curve.scale(whole);
+    const double farthest_m = refl.maxdist();
+    refl.setIOR(2.0 * refl.IOR());
+    const int last = static_cast<int>(curve.dataSize()) - 1;
+    EXPECT_NEAR(curve.sample(last).x(), std::min(farthest_m, whole.end), farthest_m / 100.0);
+    curve.scale(whole);
+    EXPECT_LE(curve.sample(static_cast<int>(curve.dataSize()) - 1).x(), 0.51 * farthest_m);
+}
+
 TEST_F(Curve, AnotherTraceKeepsColourAndPlaceInTheStack)
 {
     SorSketch other = SorSketch::plain();
