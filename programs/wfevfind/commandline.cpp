@@ -15,6 +15,7 @@ constexpr const char* kDescription =
     "\n"
     "  wfevfind -i FILE           a line for each event, KIND = SAMPLE, in order of distance\n"
     "  wfevfind -i FILE --json    one JSON object, with losses, reflectances and distances\n"
+    "  wfevfind --json FILE...    one JSON object a line for each file\n"
     "\n"
     "KIND: r reflective, n non-reflective, p level rises, e end of the fibre; in JSON also s, the "
     "start\n"
@@ -32,7 +33,7 @@ constexpr const char* kDescription =
     "index %1,\n"
     "reflectances those of the usual fibre of its wavelength. The samples do not depend on them.\n"
     "\n"
-    "Exit code: 0 success, 1 the file could not be read or cannot be searched, 2 wrong command "
+    "Exit code: 0 success, 1 a file could not be read or cannot be searched, 2 wrong command "
     "line.";
 
 /// Latin-1 takes the bytes of a name one to one, whatever they are encoded in.
@@ -60,8 +61,9 @@ Request parseCommandLine(int argc, const char* const* argv)
     const QCommandLineOption help = parser.addHelpOption();
     const QCommandLineOption version = parser.addVersionOption();
     const QCommandLineOption input("i", "The trace.", "FILE");
-    const QCommandLineOption json("json", "One JSON object instead of lines.");
+    const QCommandLineOption json("json", "JSON instead of lines; takes any number of files.");
     parser.addOptions({input, json});
+    parser.addPositionalArgument("FILE", "Traces, with --json.", "[FILE...]");
     if (!parser.parse(arguments)) {
         return answer(Form::Wrong, parser.errorText());
     }
@@ -71,13 +73,21 @@ Request parseCommandLine(int argc, const char* const* argv)
     if (parser.isSet(version)) {
         return answer(Form::ShowVersion);
     }
-    if (!parser.positionalArguments().isEmpty()) {
-        return answer(Form::Wrong, "unexpected " + parser.positionalArguments().constFirst());
+    const bool takesMany = parser.isSet(json);
+    const QStringList more = parser.positionalArguments();
+    const QStringList names = parser.values(input) + more;
+    if (!takesMany && !more.isEmpty()) {
+        return answer(Form::Wrong, "unexpected " + more.constFirst());
     }
-    if (parser.values(input).size() != 1 || parser.value(input).isEmpty()) {
+    if (names.isEmpty() || names.contains(QString()) || parser.values(input).size() > 1) {
         return answer(Form::Wrong, "one file is needed: -i FILE");
     }
-    return {parser.isSet(json) ? Form::Json : Form::Lines, bytesOf(parser.value(input)), {}};
+    Request request;
+    request.form = takesMany ? Form::Json : Form::Lines;
+    for (const QString& name : names) {
+        request.files.push_back(bytesOf(name));
+    }
+    return request;
 }
 
 } // namespace evfind

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace evfind {
 
@@ -17,7 +18,7 @@ enum class Form
 struct Request
 {
     Form form = Form::Wrong;
-    std::string file; ///< name as the system gave it, byte for byte
+    std::vector<std::string> files; ///< names as the system gave them, byte for byte; one for Lines
     std::string message; ///< for ShowHelp the help, for Wrong what is wrong
 };
 

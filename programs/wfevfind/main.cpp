@@ -6,6 +6,7 @@
 #include <QCoreApplication>
 #include <QTextCodec>
 
+#include <algorithm>
 #include <cstdio>
 #include <exception>
 
@@ -29,14 +30,31 @@ int print(const QByteArray& text)
     return 0;
 }
 
-int find(const evfind::Request& request)
+int find(const std::string& file, evfind::Form form)
 {
-    const otdr::Result<evfind::Findings> found = evfind::findEvents(request.file);
-    if (!found) {
-        return fail(found.error().message);
+    try {
+        const otdr::Result<evfind::Findings> found = evfind::findEvents(file);
+        if (!found) {
+            return fail(found.error().message);
+        }
+        return print(form == evfind::Form::Json ? evfind::jsonOf(*found) + '\n'
+                                                : evfind::linesOf(*found));
+    } catch (const std::exception& problem) { // memory that a trace does not get
+        return fail(file + ": " + problem.what());
     }
-    const bool wantsJson = request.form == evfind::Form::Json;
-    return print(wantsJson ? evfind::jsonOf(*found) + '\n' : evfind::linesOf(*found));
+}
+
+/// A file that fails is told, and the next one is searched, as long as somebody takes the answers.
+int findAll(const evfind::Request& request)
+{
+    int code = 0;
+    for (const std::string& file : request.files) {
+        code = std::max(code, find(file, request.form));
+        if (std::ferror(stdout) != 0) {
+            break;
+        }
+    }
+    return code;
 }
 
 int answer(const evfind::Request& request)
@@ -52,7 +70,7 @@ int answer(const evfind::Request& request)
         std::fprintf(stderr, "wfevfind: %s; see --help\n", request.message.c_str());
         return 2;
     default:
-        return find(request);
+        return findAll(request);
     }
 }
 
@@ -63,9 +81,5 @@ int main(int argc, char** argv)
     const QCoreApplication application(argc, argv);
     // File names are bytes: in no locale may one of them be lost between here and the disk.
     QTextCodec::setCodecForLocale(QTextCodec::codecForMib(kLatin1));
-    try {
-        return answer(evfind::parseCommandLine(argc, argv));
-    } catch (const std::exception& problem) { // memory that a trace does not get
-        return fail(problem.what());
-    }
+    return answer(evfind::parseCommandLine(argc, argv));
 }

@@ -128,6 +128,28 @@ TEST_F(EvFindInput, AFullDiskBehindStandardOutputIsAnError)
     EXPECT_EQ(process.readAllStandardError(), "wfevfind: cannot write to standard output\n");
 }
 
+TEST_F(EvFindInput, OfManyFilesThoseThatCannotBeReadAreToldAndTheOthersSearched)
+{
+    const QString snapshot = files.writeSnapshot("snapshot.bin", link());
+    const QString trace = files.write("trace.sor", sorOf(link()));
+    const Outcome outcome = run({"--json", snapshot, files.path("missing.sor"), trace});
+    EXPECT_EQ(outcome.code, 1);
+    EXPECT_EQ(outcome.err.count('\n'), 1);
+    EXPECT_THAT(outcome.err.toStdString(), HasSubstr("missing.sor: No such file"));
+    EXPECT_EQ(outcome.out, run({"-i", snapshot, "--json"}).out + run({"-i", trace, "--json"}).out);
+}
+
+TEST_F(EvFindInput, ManyFilesEndWithTheFirstAnswerThatNobodyTakes)
+{
+    const QString file = files.writeSnapshot("snapshot.bin", link());
+    QProcess process;
+    process.setStandardOutputFile("/dev/full");
+    process.start(QStringLiteral(WAVEFORM_BIN "/wfevfind"), {"--json", file, file, file});
+    ASSERT_TRUE(process.waitForFinished(20'000));
+    EXPECT_EQ(process.exitCode(), 1);
+    EXPECT_EQ(process.readAllStandardError(), "wfevfind: cannot write to standard output\n");
+}
+
 TEST_F(EvFindInput, TellsAWrongCommandLineByItsExitCode)
 {
     const QString file = files.writeSnapshot("snapshot.bin", link());
@@ -138,6 +160,8 @@ TEST_F(EvFindInput, TellsAWrongCommandLineByItsExitCode)
                                  {"-i", ""},
                                  {"-i", file, file},
                                  {"-i", file, "-i", file},
+                                 {"--json", "-i", file, "-i", file},
+                                 {"--json", file, ""},
                                  {"-i", file, "--nonsense"},
                                  {"-o", file}};
     for (const QStringList& arguments : wrong) {
