@@ -6,9 +6,12 @@
 #include <QGridLayout>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QLocale>
+#include <QStackedLayout>
 
 namespace {
 
+using touchkeys::Alphabet;
 using touchkeys::Deed;
 using touchkeys::Key;
 using touchkeys::Shift;
@@ -31,31 +34,43 @@ bool repeats(Deed deed)
 TouchKeyboard::TouchKeyboard(QLineEdit* edit, QWidget* parent)
     : QWidget(parent)
     , edit(edit)
+    , alphabets(new QStackedLayout(this))
 {
-    constexpr int kGap = 4;
-    auto* grid = new QGridLayout(this);
-    grid->setContentsMargins(0, 0, 0, 0);
-    grid->setSpacing(kGap);
-    for (int column = 0; column < touchkeys::kColumns; ++column) {
-        grid->setColumnStretch(column, 1);
-    }
-    const auto rows = touchkeys::rows();
-    for (int row = 0; row < rows.size(); ++row) {
-        for (const Key& key : rows.at(row)) {
-            QPushButton* button = newButton(key);
-            grid->addWidget(button, row, key.column, 1, key.columns);
-            buttons << Button {key, button};
-        }
+    const bool hasCyrillic = QLocale().script() == QLocale::CyrillicScript;
+    alphabets->addWidget(newKeys(Alphabet::Latin, hasCyrillic));
+    if (hasCyrillic) {
+        alphabets->addWidget(newKeys(Alphabet::Cyrillic, true));
     }
     showShift();
 }
 
-QPushButton* TouchKeyboard::newButton(const Key& key)
+QWidget* TouchKeyboard::newKeys(Alphabet alphabet, bool hasOther)
+{
+    constexpr int kGap = 4;
+    auto* keys = new QWidget(this);
+    auto* grid = new QGridLayout(keys);
+    grid->setContentsMargins(0, 0, 0, 0);
+    grid->setSpacing(kGap);
+    for (int column = 0; column < touchkeys::columnsOf(alphabet); ++column) {
+        grid->setColumnStretch(column, 1);
+    }
+    const auto rows = touchkeys::rows(alphabet, hasOther);
+    for (int row = 0; row < rows.size(); ++row) {
+        for (const Key& key : rows.at(row)) {
+            QPushButton* button = newButton(key, keys);
+            grid->addWidget(button, row, key.column, 1, key.columns);
+            buttons << Button {key, button};
+        }
+    }
+    return keys;
+}
+
+QPushButton* TouchKeyboard::newButton(const Key& key, QWidget* parent)
 {
     constexpr int kWidth = 60;
     constexpr int kHeight = 46;
     constexpr int kFont_percent = 125;
-    auto* button = new TouchButton(QString(), this);
+    auto* button = new TouchButton(QString(), parent);
     button->setFocusPolicy(Qt::NoFocus);
     button->setAutoDefault(false);
     button->setAutoRepeat(repeats(key.deed));
@@ -74,31 +89,40 @@ QPushButton* TouchKeyboard::newButton(const Key& key)
 void TouchKeyboard::press(const Key& key)
 {
     if (QLineEdit* line = target()) {
-        const QChar character = characterOf(key);
-        switch (key.deed) {
-        case Deed::Type:
-            sendKey(*line, character.toUpper().unicode(),
-                    character.isUpper() ? Qt::ShiftModifier : Qt::NoModifier, character);
-            break;
-        case Deed::Backspace:
-            sendKey(*line, Qt::Key_Backspace, Qt::NoModifier, QString());
-            break;
-        case Deed::Clear:
-            sendKey(*line, Qt::Key_A, Qt::ControlModifier, QString());
-            sendKey(*line, Qt::Key_Backspace, Qt::NoModifier, QString());
-            break;
-        case Deed::Left:
-            sendKey(*line, Qt::Key_Left, Qt::NoModifier, QString());
-            break;
-        case Deed::Right:
-            sendKey(*line, Qt::Key_Right, Qt::NoModifier, QString());
-            break;
-        case Deed::Shift:
-            break;
-        }
+        type(key, *line);
+    }
+    if (key.deed == Deed::OtherAlphabet) {
+        alphabets->setCurrentIndex((alphabets->currentIndex() + 1) % alphabets->count());
     }
     shift = touchkeys::after(shift, key);
     showShift();
+}
+
+void TouchKeyboard::type(const Key& key, QLineEdit& line)
+{
+    const QChar character = characterOf(key);
+    switch (key.deed) {
+    case Deed::Type:
+        sendKey(line, character.toUpper().unicode(),
+                character.isUpper() ? Qt::ShiftModifier : Qt::NoModifier, character);
+        break;
+    case Deed::Backspace:
+        sendKey(line, Qt::Key_Backspace, Qt::NoModifier, QString());
+        break;
+    case Deed::Clear:
+        sendKey(line, Qt::Key_A, Qt::ControlModifier, QString());
+        sendKey(line, Qt::Key_Backspace, Qt::NoModifier, QString());
+        break;
+    case Deed::Left:
+        sendKey(line, Qt::Key_Left, Qt::NoModifier, QString());
+        break;
+    case Deed::Right:
+        sendKey(line, Qt::Key_Right, Qt::NoModifier, QString());
+        break;
+    case Deed::Shift:
+    case Deed::OtherAlphabet:
+        break;
+    }
 }
 
 void TouchKeyboard::showShift()
@@ -112,6 +136,11 @@ void TouchKeyboard::showShift()
         case Deed::Shift:
             one.button->setText(shift == Shift::Locked ? tr("CAPS") : tr("Shift"));
             one.button->setChecked(shift != Shift::Off);
+            break;
+        case Deed::OtherAlphabet:
+            one.button->setText(alphabets->currentIndex() == int(Alphabet::Latin)
+                                    ? QStringLiteral("АБВ")
+                                    : QStringLiteral("ABC"));
             break;
         case Deed::Backspace:
             one.button->setText(tr("Delete"));

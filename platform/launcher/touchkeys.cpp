@@ -31,35 +31,48 @@ QVector<Key> letters(const QString& characters, int firstColumn)
     return row;
 }
 
-QVector<Key> lastLetters()
+QVector<Key> lastLetters(const QString& characters)
 {
     constexpr int kSide = 3;
     QVector<Key> row;
     append(row, Deed::Shift, {}, kSide);
-    append(row, QStringLiteral("zxcvbnm"));
+    append(row, characters);
     append(row, Deed::Backspace, {}, kSide);
     return row;
 }
 
-QVector<Key> lastRow()
+/// The space takes what the others leave.
+QVector<Key> lastRow(Alphabet alphabet, bool hasOther)
 {
-    constexpr int kClear = 3;
-    constexpr int kBlank = 7;
+    // Narrower keys, but longer words on them.
+    const int clear = alphabet == Alphabet::Latin ? 3 : 4;
+    const QString signs = QStringLiteral("_-.");
     QVector<Key> row;
-    append(row, Deed::Clear, {}, kClear);
+    append(row, Deed::Clear, {}, clear);
     append(row, Deed::Left, {}, kKey);
     append(row, Deed::Right, {}, kKey);
-    append(row, Deed::Type, QLatin1Char(' '), kBlank);
-    append(row, QStringLiteral("_-."));
+    if (hasOther) {
+        append(row, Deed::OtherAlphabet, {}, kKey);
+    }
+    const int taken = row.last().column + row.last().columns + kKey * signs.size();
+    append(row, Deed::Type, QLatin1Char(' '), columnsOf(alphabet) - taken);
+    append(row, signs);
     return row;
 }
 
 } // namespace
 
-QVector<QVector<Key>> rows()
+QVector<QVector<Key>> rows(Alphabet alphabet, bool hasOther)
 {
-    return {letters(QStringLiteral("1234567890"), 0), letters(QStringLiteral("qwertyuiop"), 0),
-            letters(QStringLiteral("asdfghjkl"), 1), lastLetters(), lastRow()};
+    const QVector<Key> last = lastRow(alphabet, hasOther);
+    if (alphabet == Alphabet::Latin) {
+        return {letters(QStringLiteral("1234567890"), 0), letters(QStringLiteral("qwertyuiop"), 0),
+                letters(QStringLiteral("asdfghjkl"), 1), lastLetters(QStringLiteral("zxcvbnm")),
+                last};
+    }
+    return {letters(QStringLiteral("ё1234567890"), 1), letters(QStringLiteral("йцукенгшщзхъ"), 0),
+            letters(QStringLiteral("фывапролджэ"), 1), lastLetters(QStringLiteral("ячсмитьбю")),
+            last};
 }
 
 Shift touched(Shift shift)

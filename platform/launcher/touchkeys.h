@@ -6,13 +6,23 @@
 /// Where the keys of a keyboard on the screen lie and what they do. No widget.
 namespace touchkeys {
 
+enum class Alphabet
+{
+    Latin,
+    Cyrillic
+};
+
 /// The keyboard is so many half keys wide.
-constexpr int kColumns = 20;
+[[nodiscard]] constexpr int columnsOf(Alphabet alphabet)
+{
+    return alphabet == Alphabet::Latin ? 20 : 24;
+}
 
 enum class Deed
 {
     Type, ///< its character
     Shift,
+    OtherAlphabet,
     Backspace,
     Clear,
     Left,
@@ -30,8 +40,8 @@ struct Key
 };
 
 /// The rows from above, each from the left: digits, three rows of letters, and what else a file
-/// name wants.
-[[nodiscard]] QVector<QVector<Key>> rows();
+/// name wants. With a key for the other alphabet if wanted.
+[[nodiscard]] QVector<QVector<Key>> rows(Alphabet alphabet, bool hasOther);
 
 enum class Shift
 {

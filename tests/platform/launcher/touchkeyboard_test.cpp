@@ -1,6 +1,8 @@
 #include "platform/launcher/touchkeyboard.h"
+#include "tests/support/inlocale.h"
 
 #include <QLineEdit>
+#include <QLocale>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
@@ -29,8 +31,9 @@ public:
 class OnScreenKeys : public testing::Test
 {
 protected:
-    OnScreenKeys()
-        : edit(new QLineEdit(&page))
+    explicit OnScreenKeys(QLocale::Language language = QLocale::English)
+        : locale(language)
+        , edit(new QLineEdit(&page))
         , second(new QLineEdit(&page))
         , button(new QPushButton("x", &page))
         , keyboard(new TouchKeyboard(edit, &page))
@@ -47,10 +50,11 @@ protected:
         EXPECT_TRUE(QTest::qWaitForWindowActive(&page));
     }
 
+    /// Of those that are to be seen.
     QPushButton* key(const QString& text) const
     {
         for (QPushButton* one : keyboard->findChildren<QPushButton*>()) {
-            if (one->text() == text || one->accessibleName() == text) {
+            if (one->isVisible() && (one->text() == text || one->accessibleName() == text)) {
                 return one;
             }
         }
@@ -65,6 +69,21 @@ protected:
         }
     }
 
+    /// Every key has its text, and room for a finger.
+    void expectWideEnough() const
+    {
+        EXPECT_LE(keyboard->width(), 780);
+        EXPECT_LE(keyboard->height(), 300);
+        for (const QPushButton* one : keyboard->findChildren<QPushButton*>()) {
+            EXPECT_GE(one->width(), 44) << one->text().toStdString();
+            EXPECT_GE(one->height(), 44) << one->text().toStdString();
+            EXPECT_EQ(one->focusPolicy(), Qt::NoFocus);
+            const int text = one->fontMetrics().horizontalAdvance(one->text());
+            EXPECT_LE(text + 8, one->width()) << one->text().toStdString() << " is cut";
+        }
+    }
+
+    const testing_support::InLocale locale;
     QWidget page;
     QLineEdit* edit;
     QLineEdit* second;
@@ -142,15 +161,44 @@ TEST_F(OnScreenKeys, StandALineThatWent)
 
 TEST_F(OnScreenKeys, AreWideEnoughForFingersOnASmallScreen)
 {
-    EXPECT_LE(keyboard->width(), 780);
-    EXPECT_LE(keyboard->height(), 300);
+    expectWideEnough();
+}
+
+TEST_F(OnScreenKeys, HaveLatinLettersAloneWhereNothingElseIsWritten)
+{
     for (const QPushButton* one : keyboard->findChildren<QPushButton*>()) {
-        EXPECT_GE(one->width(), 44) << one->text().toStdString();
-        EXPECT_GE(one->height(), 44) << one->text().toStdString();
-        EXPECT_EQ(one->focusPolicy(), Qt::NoFocus);
-        const int text = one->fontMetrics().horizontalAdvance(one->text());
-        EXPECT_LE(text + 8, one->width()) << one->text().toStdString() << " is cut";
+        EXPECT_NE(one->text(), QStringLiteral("АБВ"));
     }
+}
+
+class RussianKeys : public OnScreenKeys
+{
+protected:
+    RussianKeys()
+        : OnScreenKeys(QLocale::Russian)
+    {
+    }
+};
+
+TEST_F(RussianKeys, ChangeBetweenTheAlphabets)
+{
+    touch({"q", "АБВ", "ё", "Shift", "Ж", "5", "ABC", "w"});
+    EXPECT_EQ(edit->text(), QStringLiteral("qёЖ5w"));
+}
+
+TEST_F(RussianKeys, KeepTheShiftInTheOtherAlphabet)
+{
+    touch({"Shift", "АБВ", "Щ", "щ"});
+    EXPECT_EQ(edit->text(), QStringLiteral("Щщ"));
+}
+
+TEST_F(RussianKeys, AreWideEnoughForFingersInEitherAlphabet)
+{
+    const QSize latin = keyboard->size();
+    expectWideEnough();
+    touch({"АБВ"});
+    expectWideEnough();
+    EXPECT_EQ(keyboard->size(), latin) << "the window jumps";
 }
 
 TEST_F(OnScreenKeys, LeaveAHardwareKeyboardItsUse)

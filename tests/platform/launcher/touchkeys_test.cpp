@@ -8,10 +8,10 @@ namespace {
 
 using namespace touchkeys;
 
-QString allCharacters()
+QString allCharacters(Alphabet alphabet)
 {
     QString all;
-    for (const auto& row : rows()) {
+    for (const auto& row : rows(alphabet, true)) {
         for (const Key& key : row) {
             all += key.deed == Deed::Type ? QString(key.character) : QString();
         }
@@ -19,10 +19,10 @@ QString allCharacters()
     return all;
 }
 
-int count(Deed deed)
+int count(const QVector<QVector<Key>>& rows, Deed deed)
 {
     int count = 0;
-    for (const auto& row : rows()) {
+    for (const auto& row : rows) {
         for (const Key& key : row) {
             count += key.deed == deed ? 1 : 0;
         }
@@ -30,6 +30,7 @@ int count(Deed deed)
     return count;
 }
 
+constexpr Alphabet kAlphabets[] = {Alphabet::Latin, Alphabet::Cyrillic};
 const Key kLetter {Deed::Type, 'a', 0, 2};
 const Key kDigit {Deed::Type, '7', 0, 2};
 const Key kShift {Deed::Shift, {}, 0, 2};
@@ -38,30 +39,45 @@ const Key kShift {Deed::Shift, {}, 0, 2};
 
 TEST(TouchKeys, HaveEachCharacterOfAFileNameOnce)
 {
-    const QString all = allCharacters();
-    for (const QChar wanted : QStringLiteral("abcdefghijklmnopqrstuvwxyz0123456789_-. ")) {
-        EXPECT_EQ(all.count(wanted), 1) << wanted.toLatin1();
+    const QString signs = QStringLiteral("0123456789_-. ");
+    const QString letters[] = {QStringLiteral("abcdefghijklmnopqrstuvwxyz"),
+                               QStringLiteral("абвгдеёжзийклмнопрстуфхцчшщъыьэюя")};
+    for (const Alphabet alphabet : kAlphabets) {
+        const QString all = allCharacters(alphabet);
+        const QString expected = letters[static_cast<int>(alphabet)] + signs;
+        for (const QChar wanted : expected) {
+            EXPECT_EQ(all.count(wanted), 1) << QString(wanted).toStdString();
+        }
+        EXPECT_EQ(all.size(), expected.size());
     }
-    EXPECT_EQ(all.size(), 40);
 }
 
 TEST(TouchKeys, HaveEachDeedOnce)
 {
-    for (const Deed deed : {Deed::Shift, Deed::Backspace, Deed::Clear, Deed::Left, Deed::Right}) {
-        EXPECT_EQ(count(deed), 1);
+    for (const Alphabet alphabet : kAlphabets) {
+        for (const bool hasOther : {false, true}) {
+            const auto all = rows(alphabet, hasOther);
+            for (const Deed deed :
+                 {Deed::Shift, Deed::Backspace, Deed::Clear, Deed::Left, Deed::Right}) {
+                EXPECT_EQ(count(all, deed), 1);
+            }
+            EXPECT_EQ(count(all, Deed::OtherAlphabet), hasOther ? 1 : 0);
+        }
     }
 }
 
 TEST(TouchKeys, LieBesideEachOtherWithinTheKeyboard)
 {
-    for (const auto& row : rows()) {
-        int end = 0;
-        for (const Key& key : row) {
-            EXPECT_GE(key.column, end);
-            EXPECT_GE(key.columns, 2);
-            end = key.column + key.columns;
+    for (const Alphabet alphabet : kAlphabets) {
+        for (const auto& row : rows(alphabet, true)) {
+            int end = 0;
+            for (const Key& key : row) {
+                EXPECT_GE(key.column, end);
+                EXPECT_GE(key.columns, 2);
+                end = key.column + key.columns;
+            }
+            EXPECT_LE(end, columnsOf(alphabet));
         }
-        EXPECT_LE(end, kColumns);
     }
 }
 
