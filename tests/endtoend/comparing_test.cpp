@@ -105,8 +105,7 @@ TEST_F(UserWhoCompares, LoadsFourTracesAndNoFifth)
     ASSERT_NO_FATAL_FAILURE(tapNamed("loadButton"));
     waitUntil([this] { return ofClass("WarningWindow").isThere(); }, "the fifth is refused");
     EXPECT_FALSE(ofClass("OpenDialog").isThere());
-    ASSERT_NO_FATAL_FAILURE(tapInDialog("OK"));
-    waitUntil([this] { return !ofClass("WarningWindow").isThere(); }, "the warning goes");
+    ASSERT_NO_FATAL_FAILURE(tapOk());
     EXPECT_EQ(traces(), four);
 
     ASSERT_NO_FATAL_FAILURE(openMenuOf("trace2"));
@@ -134,7 +133,7 @@ TEST_F(UserWhoCompares, IsToldWhenFiveFilesAreGivenAtOnce)
     ASSERT_NO_FATAL_FAILURE(start(all));
     waitUntil([this] { return ofClass("WarningWindow").isThere(); }, "the fifth is refused");
     EXPECT_EQ(plot().curves(), 4);
-    ASSERT_NO_FATAL_FAILURE(tapInDialog("OK"));
+    ASSERT_NO_FATAL_FAILURE(tapOk());
     ASSERT_NO_FATAL_FAILURE(quit());
 }
 

@@ -83,7 +83,7 @@ TEST_F(UserWhoMeasures, FindsItAllAgainAfterARestart)
               QStringList({"abc_1310nm.html", "abc_1310nm.png", "abc_1310nm.sor", "abc_1550nm.html",
                            "abc_1550nm.png", "abc_1550nm.sor"}));
     waitUntil([this] { return inDialog("OK").isThere(); }, "the user is told");
-    ASSERT_NO_FATAL_FAILURE(tapInDialog("OK"));
+    ASSERT_NO_FATAL_FAILURE(tapOk());
     for (const int wavelength : {1310, 1550}) {
         const Reflectogram saved(homePath(QString("otdr/abc_%1nm.sor").arg(wavelength)));
         ASSERT_TRUE(saved.isValid()) << qPrintable(saved.error());

@@ -60,6 +60,7 @@ void UserAtTheScreen::start(const QStringList& arguments)
     environment.insert("QT_MESSAGE_PATTERN", "[%{type}] %{message}");
     environment.remove("WAYLAND_DISPLAY");
     environment.remove("QT_QPA_PLATFORM");
+    environment.insert("QT_XCB_GL_INTEGRATION", "none"); // its driver keeps memory that looks lost
     application.setProcessEnvironment(environment);
     application.setProcessChannelMode(QProcess::MergedChannels);
     application.start(QString(WAVEFORM_BIN) + "/waveform", arguments);
@@ -230,6 +231,12 @@ void UserAtTheScreen::tapNamed(const QString& name)
 void UserAtTheScreen::tapInDialog(const QString& text)
 {
     tap([&] { return inDialog(text); }, qPrintable(text));
+}
+
+void UserAtTheScreen::tapOk()
+{
+    ASSERT_NO_FATAL_FAILURE(tapInDialog("OK"));
+    waitUntil([this] { return !inDialog("OK").isThere(); }, "the message goes");
 }
 
 void UserAtTheScreen::choose(const QString& caption, const QString& entry)

@@ -53,6 +53,7 @@ protected:
     void tapButton(const QString& text);
     void tapNamed(const QString& name);
     void tapInDialog(const QString& text);
+    void tapOk(); ///< a message that goes then: as long as it stands, the window cannot be closed
 
     /// Opens the box under a caption and takes an entry.
     void choose(const QString& caption, const QString& entry);
