@@ -34,15 +34,12 @@ QString Environment::enter()
     if (!problem.isEmpty()) {
         return problem;
     }
-    lock = std::make_unique<QLockFile>(temporaryDir() + "/.waveform.lock");
-    lock->setStaleLockTime(0); // a lock is old only when its process is gone
-    otherHoldsIt = !lock->tryLock(100) && lock->error() == QLockFile::LockFailedError;
+    const FileLock::Outcome outcome = lock.take(temporaryDir() + "/.waveform.lock");
+    otherHoldsIt = outcome == FileLock::Outcome::HeldByOther;
     if (otherHoldsIt) {
-        lock.reset();
         return tr("another instance of Waveform is running (it holds %1)").arg(temporaryDir());
     }
-    if (!lock->isLocked()) {
-        lock.reset();
+    if (outcome == FileLock::Outcome::NoFile) {
         return tr("cannot make a lock file in %1").arg(temporaryDir());
     }
     return {};

@@ -1,10 +1,9 @@
 #pragma once
 
-#include <QCoreApplication>
-#include <QLockFile>
-#include <QString>
+#include "app/filelock.h"
 
-#include <memory>
+#include <QCoreApplication>
+#include <QString>
 
 /// The instrument's environment, set up on any machine: its user, its temporary directory, its
 /// programs.
@@ -28,6 +27,6 @@ public:
 private:
     [[nodiscard]] static QString makeDirectory();
 
-    std::unique_ptr<QLockFile> lock;
+    FileLock lock;
     bool otherHoldsIt = false;
 };

@@ -15,6 +15,7 @@
 #include "app/shownpanels.h"
 #include "app/stopping.h"
 #include "platform/launcher/appearance.h"
+#include "platform/launcher/keysreturn.h"
 #include "platform/launcher/pluginwindow.h"
 #include "platform/launcher/zuconfig.h"
 
@@ -195,5 +196,6 @@ int main(int argc, char** argv)
     QApplication application(argc, argv);
     const Language language(options.language); // before the plugin makes its window
     const Appearance appearance;
+    const KeysReturn keys;
     return beginning.refused.isEmpty() ? run(options) : stopping::failOnScreen(beginning.refused);
 }

@@ -7,7 +7,6 @@
 OpenRequests::OpenRequests(QObject* parent)
     : QObject(parent)
 {
-    server.setSocketOptions(QLocalServer::UserAccessOption);
     connect(&server, &QLocalServer::newConnection, this, &OpenRequests::welcome);
 }
 

@@ -14,8 +14,8 @@ class OpenRequests : public QObject
 public:
     explicit OpenRequests(QObject* parent = nullptr);
 
-    /// Listens in place of what an instance that crashed has left at the address. Only whoever may
-    /// enter its directory, and is the same user, reaches it.
+    /// Listens in place of what an instance that crashed has left at the address. Who may enter its
+    /// directory reaches it: that has to be the user's own.
     /// \return an empty text, or why it cannot listen
     [[nodiscard]] QString listen(const QString& address);
 

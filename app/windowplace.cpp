@@ -1,8 +1,7 @@
 #include "app/windowplace.h"
 
-#include <QRegularExpression>
-
 #include <algorithm>
+#include <cstdio>
 
 namespace {
 
@@ -52,15 +51,16 @@ QString toText(const WindowPlace& place)
 
 std::optional<WindowPlace> windowPlace(const QString& text)
 {
-    static const QRegularExpression form(
-        R"(^(\d{2,5})x(\d{2,5})\+(-?\d{1,5})\+(-?\d{1,5})( filled)?$)");
-    const QRegularExpressionMatch match = form.match(text);
-    if (!match.hasMatch()) {
-        return std::nullopt;
-    }
-    const auto number = [&match](int group) { return match.captured(group).toInt(); };
-    return WindowPlace {QRect(number(3), number(4), number(1), number(2)),
-                        match.captured(5) == kFilled};
+    constexpr int kLeastSide = 10;
+    QSize size;
+    QPoint corner;
+    const int numbers = std::sscanf(text.toUtf8().constData(), "%5dx%5d+%6d+%6d", &size.rwidth(),
+                                    &size.rheight(), &corner.rx(), &corner.ry());
+    const WindowPlace place {QRect(corner, size), text.endsWith(kFilled)};
+    // The form is read loosely, so it must be the one that is written.
+    const bool isPlace = numbers == 4 && toText(place) == text;
+    return isPlace && qMin(size.width(), size.height()) >= kLeastSide ? std::optional(place)
+                                                                      : std::nullopt;
 }
 
 WindowPlace placeOn(const QVector<QRect>& screens, const std::optional<WindowPlace>& wish,

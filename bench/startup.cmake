@@ -14,6 +14,7 @@ set_target_properties(emptywindow startup PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${
 target_compile_definitions(startup PRIVATE
     WAVEFORM_BIN="${CMAKE_BINARY_DIR}/bin"
     WAVEFORM_TELLER_DIR="${CMAKE_BINARY_DIR}/bench/plugins")
-add_dependencies(startup emptywindow paint_teller waveform waveform_plugin)
+# The child programs too: where they are missing, the window opens with a dialog that says so.
+add_dependencies(startup emptywindow paint_teller waveform waveform_plugin wfgather wfevfind otdrreport)
 add_test(NAME bench.startup COMMAND startup --rounds 2)
 set_tests_properties(bench.startup PROPERTIES TIMEOUT 120 RESOURCE_LOCK acquisition_directory)

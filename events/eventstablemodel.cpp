@@ -4,6 +4,7 @@
 #include "platform/otdr/screennumber.h"
 
 #include <QGuiApplication>
+#include <QImageReader>
 #include <QItemSelectionModel>
 
 #include <cmath>
@@ -24,7 +25,11 @@ QPixmap iconFrom(const QString& file)
 {
     QString dense = file;
     dense.replace(".png", "@2x.png");
-    return {qApp->devicePixelRatio() > 1.0 ? dense : file};
+    // Told the format, Qt loads none of its plugins for images, which took longer than all else
+    // here.
+    QImageReader reader(qApp->devicePixelRatio() > 1.0 ? dense : file, "png");
+    reader.setAutoDetectImageFormat(false);
+    return QPixmap::fromImage(reader.read());
 }
 
 QString orDash(double value, int decimals)

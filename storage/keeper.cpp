@@ -9,6 +9,7 @@
 #include "platform/otdr/errorwords.h"
 #include "platform/otdrconfig/otdrconfig.h"
 #include "refls/reflstablemodel.h"
+#include "storage/driveask.h"
 #include "storage/savethread.h"
 
 #include <QCoreApplication>
@@ -27,7 +28,8 @@ namespace {
 
 constexpr unsigned long kSavePoll_ms = 5;
 
-/// How long a user who wants to quit waits for a report and for the copies.
+/// How long a user who wants to quit waits for a report and for the copies, and whoever asks for
+/// the answer of a drive.
 constexpr int kLeaveAfter_ms = 5000;
 
 QString subPath()
@@ -38,6 +40,11 @@ QString subPath()
 bool copiesToFlash()
 {
     return ZuLauncherConfig("flash", "save").toBool();
+}
+
+QString storePath()
+{
+    return QDir::homePath() + "/" + subPath();
 }
 
 /// A path as the user knows it: without the home directory.
@@ -69,8 +76,8 @@ void Keeper::setMeasModel(Model* newModel)
 
 QString Keeper::storeDir() const
 {
-    QString dir = QDir::homePath() + "/" + subPath();
-    if (!QDir().exists(dir) && !QDir().mkpath(dir)) {
+    QString dir = storePath();
+    if (!makeDirectory(dir, patienceOf(kLeaveAfter_ms)).value_or(false)) {
         qDebug().noquote() << "Can't create directory " + dir + " " + "for saving";
     }
     return dir;
@@ -84,11 +91,16 @@ QString Keeper::flashcardDir() const
 bool Keeper::fileExists(const QString& typed) const
 {
     const QString name = nameConverter->convert(typed);
-    const auto isThere = [&name](const QString& dir) {
-        return QFile::exists(dir + "/" + name + ".sor")
-            || QFile::exists(dir + "/" + name + ".html");
+    QStringList paths;
+    const auto add = [&](const QString& dir) {
+        paths << dir + "/" + name + ".sor" << dir + "/" + name + ".html";
     };
-    return isThere(storeDir()) || (copiesToFlash() && isThere(flashcardDir()));
+    add(storePath());
+    if (copiesToFlash()) {
+        add(flashcardDir());
+    }
+    // Of a drive that does not answer nobody knows: better a question than a file that was lost.
+    return isAnyThere(paths, patienceOf(kLeaveAfter_ms)).value_or(true);
 }
 
 QString Keeper::reportAutoName() const
@@ -144,6 +156,9 @@ int Keeper::doSave(const QString& name)
     int result = 0;
     for (int i = 0; i < group.size(); ++i) {
         const QString base = storeDir() + "/" + fileName + suffix[i];
+        if (!alive) {
+            return -1;
+        }
         const bool ok = saveOne(group[i], base, leaveBy);
         if (!alive) {
             return -1;
@@ -238,9 +253,12 @@ int Keeper::doLoad()
         return -1;
     }
     const QPointer<Keeper> alive(this);
+    const QVector<FileDialog::Place> known = places();
+    if (!alive) {
+        return -1;
+    }
     const QStringList files = FileDialog::getOpenFileNames(
-        nullptr,
-        {tr("Open reflectogram"), places(), ".sor", maxRefls - refls->rowCount(), "loaded"});
+        nullptr, {tr("Open reflectogram"), known, ".sor", maxRefls - refls->rowCount(), "loaded"});
     if (!alive) {
         return -1;
     }
@@ -263,9 +281,10 @@ QVector<FileDialog::Place> Keeper::places() const
 {
     QVector<FileDialog::Place> places {{tr("Storage"), storeDir()}};
     const QString drive = ZuLauncherConfig("flash", "dir").toString();
+    const std::function<bool()> isGivenUp = patienceOf(kLeaveAfter_ms); // with both together
     // Traces of other instruments lie where their makers put them.
-    for (const QString& dir : {flashcardDir(), drive}) {
-        if (!drive.isEmpty() && QDir(dir).exists()) {
+    for (const QString& dir : {drive + "/" + subPath(), drive}) {
+        if (!drive.isEmpty() && isAnyThere({dir + "/."}, isGivenUp).value_or(false)) {
             places.append({tr("Flash drive"), dir});
             break;
         }

@@ -145,7 +145,11 @@ QString AbstractKeeper::acceptedName()
             qCInfo(launcherLog) << "not a usable file name:" << *typed;
             return {};
         }
-        if (!fileExists(name) || asked->askOverwrite(name)) {
+        const bool isThere = fileExists(name); // a drive may take its time, and the window goes on
+        if (alive.isNull()) {
+            return {};
+        }
+        if (!isThere || asked->askOverwrite(name)) {
             return alive.isNull() ? QString() : name;
         }
         if (alive.isNull()) {

@@ -10,15 +10,31 @@
 #include <QStandardPaths>
 #include <QStringList>
 
+#include <sys/stat.h>
+
+#include <array>
+#include <optional>
+
 namespace configstore {
 
 namespace {
+
+/// By which a file is known to be the one that was read: whoever writes to it, or puts another in
+/// its place, changes one of these.
+using Stamp = std::array<qint64, 7>;
+
+struct FileContent
+{
+    Stamp stamp {};
+    QVariantMap values;
+};
 
 /// What this process knows besides the files.
 struct Process
 {
     QHash<QString, QVariantMap> thisRun; // by module
     QHash<QString, QVariantMap> unwritten; // by file name
+    QHash<QString, FileContent> read; // by file name
     QSet<QString> complained; // files about which the log has been told
 };
 
@@ -50,7 +66,19 @@ QString textOf(const QVariant& value)
                                                       : value.toString();
 }
 
-QVariantMap readFile(const QString& file)
+std::optional<Stamp> stampOf(const QString& file)
+{
+    struct stat info = {};
+    if (::stat(QFile::encodeName(file).constData(), &info) != 0) {
+        return std::nullopt;
+    }
+    return Stamp {qint64(info.st_dev),          qint64(info.st_ino),
+                  qint64(info.st_size),         qint64(info.st_mtim.tv_sec),
+                  qint64(info.st_mtim.tv_nsec), qint64(info.st_ctim.tv_sec),
+                  qint64(info.st_ctim.tv_nsec)};
+}
+
+QVariantMap parseFile(const QString& file)
 {
     QSettings settings(file, QSettings::IniFormat);
     settings.setIniCodec("UTF-8");
@@ -64,6 +92,22 @@ QVariantMap readFile(const QString& file)
         complainOnce(file, QStringLiteral("damaged lines are ignored in"));
     }
     return map;
+}
+
+/// A window that opens asks some fifty times: the file is looked at each time, parsed when it has
+/// changed.
+QVariantMap readFile(const QString& file)
+{
+    const std::optional<Stamp> stamp = stampOf(file); // before: what is written meanwhile is newer
+    if (!stamp) {
+        process().read.remove(file);
+        return {};
+    }
+    FileContent& content = process().read[file];
+    if (content.stamp != *stamp) {
+        content = {*stamp, parseFile(file)};
+    }
+    return content.values;
 }
 
 QVariantMap behind(const QString& module)
@@ -84,6 +128,7 @@ bool writeFile(const QString& file, const QVariantMap& values)
         settings.setValue(it.key(), textOf(it.value()));
     }
     settings.sync();
+    process().read.remove(file); // two writes within a tick of its clock may look the same
     // Damaged lines that were read before are dropped by the writing: no failure.
     return settings.status() != QSettings::AccessError;
 }

@@ -6,7 +6,7 @@
 
 /// The configuration files, one for each module, and the values for this run in front of them.
 ///
-/// GUI thread only. Values are read from the file at each call, so that nothing goes stale; all are
+/// GUI thread only. The file is looked at at each call, so that nothing goes stale; all values are
 /// text.
 namespace configstore {
 

@@ -3,6 +3,7 @@
 #include "platform/launcher/fittedfont.h"
 
 #include <QPainter>
+#include <QStyle>
 
 namespace {
 
@@ -28,4 +29,10 @@ void FittingHeader::paintSection(QPainter* painter, const QRect& rect, int secti
     painter->setFont(titleFont(section));
     QHeaderView::paintSection(painter, rect, section);
     painter->restore();
+}
+
+QSize FittingHeader::sectionSizeFromContents(int /*section*/) const
+{
+    const int margin_px = style()->pixelMetric(QStyle::PM_HeaderMargin, nullptr, this);
+    return {minimumSectionSize(), fontMetrics().height() + 2 * margin_px};
 }

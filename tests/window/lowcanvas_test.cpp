@@ -1,6 +1,7 @@
 // What lies over the canvas, where panels leave little height to it.
 
 #include "events/eventstableview.h"
+#include "plot/qmminiplot.h"
 #include "refls/reflstableview.h"
 #include "tests/window/screen.h"
 #include "twomarkers/twomarkersresultwidget.h"
@@ -106,6 +107,19 @@ TEST_F(LowCanvas, ResultsOfAMeasurementAreWholeWithAllPanels)
     events()->hide();
     QCoreApplication::processEvents();
     EXPECT_EQ(QFontInfo(results->font()).pixelSize(), usual) << "the letters stay small";
+}
+
+TEST_F(LowCanvas, OverviewStandsApartFromResultsAndButtons)
+{
+    constexpr int kApart = 4;
+    showPanels({bar()});
+    const QRect overview = window->findChild<QmMiniPlot*>()->geometry();
+    const auto* results = window->findChild<Waveform::TwoMarkersResultWidget*>();
+    ASSERT_TRUE(results->isVisible());
+    EXPECT_GE(overview.left() - results->geometry().right() - 1, kApart);
+    EXPECT_GE(place("zoomOffButton").left() - overview.right() - 1, kApart);
+    EXPECT_TRUE(plot()->canvas()->rect().contains(place("zoomOffButton")));
+    EXPECT_EQ(overview.width(), 200);
 }
 
 TEST_F(LowCanvas, PlotKeepsMostOfThePageBesideOneTable)

@@ -67,6 +67,17 @@ TEST_F(Titles, ShrinkEachToItsColumn)
     EXPECT_EQ(QFontInfo(header->titleFont(1)).pixelSize(), QFontInfo(header->font()).pixelSize());
 }
 
+TEST_F(Titles, HaveRoomForALineAsInAnyHeader)
+{
+    const int margins = 2 * header->style()->pixelMetric(QStyle::PM_HeaderMargin, nullptr, header);
+    EXPECT_EQ(header->height(), QFontMetrics(header->font()).height() + margins);
+    QTableView other;
+    other.setModel(&model);
+    other.resize(table.size());
+    other.show();
+    EXPECT_NEAR(header->height(), other.horizontalHeader()->height(), 1);
+}
+
 TEST_F(Titles, AreDrawnWholeInsideTheirColumns)
 {
     const QImage picture = header->grab().toImage();

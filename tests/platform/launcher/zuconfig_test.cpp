@@ -4,10 +4,13 @@
 #include "tests/platform/launcher/confighome.h"
 #include "tests/support/warnings.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 
 #include <gtest/gtest.h>
+
+#include <cstdio>
 
 using testing_support::ConfigHome;
 
@@ -92,6 +95,35 @@ TEST(ZuConfig, SeesAFileThatChangedOnDisk)
     EXPECT_EQ(ZuConfig("zuotdr", "MeasParams", "pulse").toString(), "30");
     write(home.file("zuotdr"), "[MeasParams]\npulse=1000\n");
     EXPECT_EQ(ZuConfig("zuotdr", "MeasParams", "pulse").toString(), "1000");
+}
+
+TEST(ZuConfig, SeesAFileOfTheSameSizeThatTookItsPlace)
+{
+    const ConfigHome home;
+    const ZuConfig pulse("zuotdr", "MeasParams", "pulse");
+    write(home.file("zuotdr"), "[MeasParams]\npulse=100\n");
+    EXPECT_EQ(pulse.toString(), "100");
+    write(home.file("other"), "[MeasParams]\npulse=275\n");
+    QFile other(home.file("other"));
+    ASSERT_TRUE(other.open(QIODevice::ReadWrite));
+    ASSERT_TRUE(other.setFileTime(QDateTime::currentDateTime().addSecs(-3600),
+                                  QFileDevice::FileModificationTime)); // an older file, even
+    other.close();
+    ASSERT_EQ(std::rename(qPrintable(home.file("other")), qPrintable(home.file("zuotdr"))), 0);
+    EXPECT_EQ(pulse.toString(), "275");
+    ASSERT_TRUE(QFile::remove(home.file("zuotdr")));
+    EXPECT_FALSE(pulse.value().isValid());
+}
+
+TEST(ZuConfig, SeesEachOfManyWritesInARow)
+{
+    const ConfigHome home;
+    ZuConfig pulse("zuotdr", "MeasParams", "pulse");
+    for (int value = 100; value < 200;
+         ++value) { // all of one size, and in a few ticks of the clock
+        ASSERT_TRUE(pulse.store(value));
+        ASSERT_EQ(pulse.toString(), QString::number(value));
+    }
 }
 
 TEST(ZuConfig, ReplacesTheFileWholeAndLeavesNothingBeside)
