@@ -83,7 +83,9 @@ private:
         listStart();
         int group = 0;
         for (const Site& site : sites.sites()) {
-            listSite(site, ++group);
+            if (!site.isBorder) {
+                listSite(site, ++group);
+            }
         }
         listEnd(++group);
         std::stable_sort(
@@ -115,21 +117,34 @@ private:
     void listInLaunch(const DetectedEvent& start)
     {
         for (const double foot : risesBetween(fibre, extent.launch, extent.first)) {
-            const auto peak = peakAbove(trace, foot, foot + fibre.scale().pulse,
-                                        start.behind.at(foot) + kLaunchPeak_dB);
+            const double level = start.behind.at(foot);
+            const auto peak =
+                peakAbove(trace, foot, foot + fibre.scale().pulse, level + kLaunchPeak_dB);
             if (peak) {
-                DetectedEvent event;
-                event.kind = DetectedEvent::Kind::Reflective;
-                event.evidence = DetectedEvent::Evidence::Foot;
-                event.group = kLaunch;
-                event.index = foot;
-                event.height_dB = peak->level_dB - start.behind.at(foot);
-                event.reflectance_dB = reflectanceOf(event.height_dB);
-                event.behind = start.behind;
-                event.behindFrom = extent.first;
-                result.events.push_back(event);
+                result.events.push_back(reflectionIn(start, DetectedEvent::Evidence::Foot, foot,
+                                                     peak->level_dB - level));
             }
         }
+    }
+
+    /// A reflection in the dead zone of the start or the end: what is known of the fibre is the
+    /// same for both.
+    [[nodiscard]] DetectedEvent reflectionIn(const DetectedEvent& zone,
+                                             DetectedEvent::Evidence evidence, double foot,
+                                             double height_dB) const
+    {
+        DetectedEvent event = zone;
+        event.index = foot;
+        reflect(event, evidence, height_dB);
+        return event;
+    }
+
+    void reflect(DetectedEvent& event, DetectedEvent::Evidence evidence, double height_dB) const
+    {
+        event.kind = DetectedEvent::Kind::Reflective;
+        event.evidence = evidence;
+        event.height_dB = height_dB;
+        event.reflectance_dB = reflectanceOf(height_dB);
     }
 
     /// The reflection of the port, where it stands above the fibre behind it.
@@ -150,7 +165,7 @@ private:
             DetectedEvent event;
             event.group = group;
             event.index = site.peak ? site.peak->feet[i] : site.at;
-            event.behindFrom = site.behind;
+            event.behindFrom = std::max(site.behind, site.clear);
             event.peakStatistic = site.peakStatistic;
             if (site.left) {
                 event.before = site.left->line;
@@ -164,11 +179,7 @@ private:
                 event.stepStatistic = site.statistic();
             }
             if (site.peak) {
-                event.kind = DetectedEvent::Kind::Reflective;
-                event.evidence =
-                    i == 0 ? DetectedEvent::Evidence::Peak : DetectedEvent::Evidence::Foot;
-                event.height_dB = site.peak->heights_dB[i];
-                event.reflectance_dB = reflectanceOf(event.height_dB);
+                reflect(event, evidenceOf(i), site.peak->heights_dB[i]);
                 event.saturated = site.peak->saturated;
             } else if (site.loss_dB < 0.0) {
                 event.kind = DetectedEvent::Kind::Gain;
@@ -251,14 +262,15 @@ private:
     [[nodiscard]] DetectedEvent lastPeak(const DetectedEvent& end, const PeakGroup& peak,
                                          std::size_t i) const
     {
-        DetectedEvent event = end;
-        event.kind = DetectedEvent::Kind::Reflective;
-        event.evidence = i == 0 ? DetectedEvent::Evidence::Peak : DetectedEvent::Evidence::Foot;
-        event.index = peak.feet[i];
-        event.height_dB = peak.heights_dB[i];
-        event.reflectance_dB = reflectanceOf(event.height_dB);
+        DetectedEvent event = reflectionIn(end, evidenceOf(i), peak.feet[i], peak.heights_dB[i]);
         event.saturated = peak.saturated;
         return event;
+    }
+
+    /// Of the reflections of a group.
+    [[nodiscard]] static DetectedEvent::Evidence evidenceOf(std::size_t i)
+    {
+        return i == 0 ? DetectedEvent::Evidence::Peak : DetectedEvent::Evidence::Foot;
     }
 
     /// Whether light of the fibre is still there at an index behind this line.

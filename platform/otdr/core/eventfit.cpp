@@ -17,6 +17,10 @@ constexpr double kNepersPerDb = 0.46051701859880914;
 /// Light that is left where the lines tell none.
 constexpr double kLeastPart = 1e-6;
 
+/// A ramp is sought in so many dead zones before its place and behind it.
+constexpr double kGapsBefore = 2.0;
+constexpr double kGapsBehind = 3.0;
+
 /// A fit as good as this is beyond what samples tell.
 constexpr double kLeastSquares = 1e-12;
 
@@ -72,6 +76,12 @@ struct Stretch
     /// Samples for each value.
     [[nodiscard]] double step() const { return width; }
 
+    /// How many values lie at an index or before it.
+    [[nodiscard]] std::size_t valuesUpTo(double index) const
+    {
+        return static_cast<std::size_t>(std::upper_bound(at.begin(), at.end(), index) - at.begin());
+    }
+
     Stretch(const FibreTrace& trace, double from, double to)
     {
         constexpr double kPerPulse = 16.0;
@@ -94,10 +104,11 @@ private:
 class Ramp
 {
 public:
-    Ramp(const Stretch& stretch, const Line& before, const Line& behind)
-        : stretch(stretch)
-        , decayBefore(-before.slope_dB * kNepersPerDb)
-        , decayBehind(-behind.slope_dB * kNepersPerDb)
+    Ramp(const PulseShape& shape, const Stretch& stretch, const Line& before, const Line& behind)
+        : shape(shape)
+        , stretch(stretch)
+        , fallBefore(shape, -before.slope_dB * kNepersPerDb)
+        , fallBehind(shape, -behind.slope_dB * kNepersPerDb)
     {
         left.reserve(stretch.at.size());
         for (const double at : stretch.at) {
@@ -106,19 +117,75 @@ public:
     }
 
     /// Power at a value of the stretch over that of the line before.
-    [[nodiscard]] double part(const PulseShape& shape, double foot, std::size_t k) const
+    [[nodiscard]] double part(double foot, std::size_t k) const
     {
-        const double over = stretch.at[k] - foot;
+        const PulseShape::Passed passed = shape.passed(stretch.at[k] - foot);
         return std::max(kLeastPart,
-                        1.0 - shape.step(over, decayBefore)
-                            + shape.step(over, decayBehind) * left[k]);
+                        1.0 - PulseShape::step(passed, fallBefore)
+                            + PulseShape::step(passed, fallBehind) * left[k]);
+    }
+
+    /// The same where the ramp is over.
+    [[nodiscard]] double partBehind(std::size_t k) const { return std::max(kLeastPart, left[k]); }
+
+    /// Values that the change does not reach, and those up to where it is over.
+    [[nodiscard]] std::size_t valuesBefore(double foot) const { return stretch.valuesUpTo(foot); }
+
+    [[nodiscard]] std::size_t valuesWithin(double foot) const
+    {
+        return stretch.valuesUpTo(foot + shape.over());
     }
 
 private:
+    const PulseShape& shape;
     const Stretch& stretch;
-    double decayBefore;
-    double decayBehind;
+    PulseShape::Fall fallBefore;
+    PulseShape::Fall fallBehind;
     std::vector<double> left; ///< power of the line behind over that of the line before
+};
+
+/// What a ramp leaves of a stretch. Most values lie before it or behind it, where the same is left
+/// wherever its foot is sought.
+class RampMisfit
+{
+public:
+    RampMisfit(const PulseShape& shape, const Stretch& stretch, const Line& before,
+               const Line& behind)
+        : ramp(shape, stretch, before, behind)
+        , squaresBefore(1, 0.0)
+    {
+        const std::size_t size = stretch.at.size();
+        over.reserve(size);
+        offBehind.reserve(size);
+        squaresBefore.reserve(size + 1);
+        for (std::size_t k = 0; k < size; ++k) {
+            over.push_back((stretch.level_dB[k] - before.at(stretch.at[k])) * kNepersPerDb);
+            offBehind.push_back(over[k] - std::log(ramp.partBehind(k)));
+            squaresBefore.push_back(squaresBefore[k] + over[k] * over[k]);
+        }
+    }
+
+    /// Sum of squares with the foot at a place, dB squared.
+    [[nodiscard]] double at(double foot) const
+    {
+        const std::size_t within = ramp.valuesWithin(foot);
+        std::size_t k = ramp.valuesBefore(foot);
+        double squares = squaresBefore[k];
+        for (; k < within; ++k) {
+            const double off = over[k] - std::log(ramp.part(foot, k));
+            squares += off * off;
+        }
+        for (; k < over.size(); ++k) {
+            squares += offBehind[k] * offBehind[k];
+        }
+        return squares / (kNepersPerDb * kNepersPerDb);
+    }
+
+private:
+    Ramp ramp;
+    std::vector<double> over; ///< nepers above the line before
+    std::vector<double> offBehind; ///< and above the line behind
+    std::vector<double> squaresBefore; ///< of the values before each
 };
 
 /// Light on a ramp: what a stretch shows, as powers over that of the line before, because light
@@ -130,12 +197,19 @@ public:
                 const Line& behind)
         : shape(trace.shape())
         , stretch(stretch)
-        , ramp(stretch, before, behind)
+        , ramp(trace.shape(), stretch, before, behind)
+        , decay(-before.slope_dB * kNepersPerDb)
+        , squaresBefore(1, 0.0)
     {
         power.reserve(stretch.at.size());
+        rise.reserve(stretch.at.size());
+        squaresBefore.reserve(stretch.at.size() + 1);
         for (std::size_t k = 0; k < stretch.at.size(); ++k) {
             power.push_back(
                 std::exp((stretch.level_dB[k] - before.at(stretch.at[k])) * kNepersPerDb));
+            rise.push_back(std::exp(decay * (stretch.at[k] - stretch.at.front())));
+            const double over = power.back() - 1.0;
+            squaresBefore.push_back(squaresBefore.back() + over * over);
         }
     }
 
@@ -152,12 +226,25 @@ public:
     {
         Fit result;
         double product = 0.0;
-        for (std::size_t k = 0; k < power.size(); ++k) {
-            const double part = shape.peak(stretch.at[k] - foot);
-            const double over = power[k] - ramp.part(shape, foot, k);
+        const std::size_t within = ramp.valuesWithin(foot);
+        std::size_t k = ramp.valuesBefore(foot);
+        result.plainSquares = squaresBefore[k];
+        // What a reflector sends back stays the same while the pulse passes it; the line falls. It
+        // is told by the fibre around the reflector, seen half a pulse behind the foot.
+        const double seen = foot + 0.5 * shape.pulse();
+        const double unit = power.empty() ? 1.0 : std::exp(-decay * (seen - stretch.at.front()));
+        const auto add = [&](double ramped) {
+            const double part = unit * rise[k] * shape.peak(stretch.at[k] - foot);
+            const double over = power[k] - ramped;
             product += part * over;
             result.shown += part * part;
             result.plainSquares += over * over;
+        };
+        for (; k < within; ++k) {
+            add(ramp.part(foot, k));
+        }
+        for (; k < power.size(); ++k) {
+            add(ramp.partBehind(k));
         }
         result.light = result.shown > 0.0 ? std::max(0.0, product / result.shown) : 0.0;
         result.squares = std::max(0.0, result.plainSquares - result.light * product);
@@ -168,7 +255,10 @@ private:
     const PulseShape& shape;
     const Stretch& stretch;
     Ramp ramp;
+    double decay; ///< of the line before, nepers by the sample
     std::vector<double> power;
+    std::vector<double> rise; ///< of a constant light over that line, from the first value on
+    std::vector<double> squaresBefore; ///< of the values before each, over the line before
 };
 
 } // namespace
@@ -194,27 +284,20 @@ PeakFit fitPeak(const FibreTrace& trace, double at, const Line& before, const Li
             std::sqrt(std::max(0.0, plain - best.squares) / variance)};
 }
 
+double rampSamples(const FibreTrace& trace)
+{
+    return (kGapsBefore + kGapsBehind) * trace.gap();
+}
+
 StepFit fitStep(const FibreTrace& trace, const PulseShape& shape, double at, double reach,
                 const Line& before, const Line& behind)
 {
     const double gap = trace.gap();
-    const Stretch stretch(trace, at - 2.0 * gap, at + 3.0 * gap);
-    const Ramp ramp(stretch, before, behind);
-    std::vector<double> over(stretch.at.size()); // nepers above the line before
-    for (std::size_t k = 0; k < over.size(); ++k) {
-        over[k] = (stretch.level_dB[k] - before.at(stretch.at[k])) * kNepersPerDb;
-    }
-    const auto cost = [&](double foot) {
-        double squares = 0.0;
-        for (std::size_t k = 0; k < over.size(); ++k) {
-            const double off = over[k] - std::log(ramp.part(shape, foot, k));
-            squares += off * off;
-        }
-        return squares / (kNepersPerDb * kNepersPerDb);
-    };
-    const double foot =
-        leastOf(cost, at - reach, at + reach, std::max(0.25, trace.scale().pulse / 6.0));
-    const double squares = cost(foot);
+    const Stretch stretch(trace, at - kGapsBefore * gap, at + kGapsBehind * gap);
+    const RampMisfit misfit(shape, stretch, before, behind);
+    const double foot = leastOf([&](double place) { return misfit.at(place); }, at - reach,
+                                at + reach, std::max(0.25, trace.scale().pulse / 6.0));
+    const double squares = misfit.at(foot);
     const auto values = static_cast<double>(std::max<std::size_t>(1, stretch.at.size()));
     return {foot, squares, std::sqrt(squares / values)};
 }

@@ -17,6 +17,9 @@ struct StepFit
 [[nodiscard]] StepFit fitStep(const FibreTrace& trace, const PulseShape& shape, double at,
                               double reach, const Line& before, const Line& behind);
 
+/// Samples that such a fit looks at, with a small reach.
+[[nodiscard]] double rampSamples(const FibreTrace& trace);
+
 /// A reflection on fibre that goes over from one line to another.
 struct PeakFit
 {

@@ -1,11 +1,11 @@
 #include "platform/otdr/core/eventscan.h"
 
+#include "platform/otdr/core/scanpass.h"
 #include "platform/otdr/core/trace.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <cstdint>
 #include <set>
 #include <vector>
 
@@ -31,96 +31,86 @@ constexpr double kSure = 1.5;
 /// close to another.
 constexpr double kPeakWindowGaps[] = {1.5, 4.0};
 
-/// A line from sums over the samples first .. last - 1 about their middle.
-struct WindowLine
-{
-    double level = 0.0; ///< in counts below the base, at the middle
-    double slope = 0.0;
-};
-
-/// Running sums of the counts: a line through any stretch in a few steps.
-class RunningSums
-{
-public:
-    RunningSums(const Trace& trace, std::size_t first, std::size_t last)
-        : begin(first)
-        , scale(trace.dbPerCount())
-        , sums(last - first + 1)
-    {
-        std::int64_t y = 0;
-        std::int64_t xy = 0;
-        for (std::size_t i = first; i < last; ++i) {
-            const std::int64_t raw = trace.samples()[i];
-            sums[i - first] = {y, xy};
-            y += raw;
-            xy += static_cast<std::int64_t>(i - first) * raw;
-        }
-        sums[last - first] = {y, xy};
-    }
-
-    /// The line through first .. last - 1, level in dB at the middle, slope by the sample. Levels
-    /// count from that of no signal.
-    [[nodiscard]] WindowLine line(std::size_t first, std::size_t last) const
-    {
-        const Sum& a = sums[first - begin];
-        const Sum& b = sums[last - begin];
-        const auto n = static_cast<double>(last - first);
-        const auto y = static_cast<double>(b.y - a.y);
-        const double middle = static_cast<double>(first - begin + last - begin - 1) / 2.0;
-        const auto whole = static_cast<std::int64_t>(middle);
-        const double xy = static_cast<double>((b.xy - a.xy) - whole * (b.y - a.y))
-            - (middle - static_cast<double>(whole)) * y;
-        return {-scale * y / n, -scale * xy * 12.0 / (n * (n * n - 1.0))};
-    }
-
-    [[nodiscard]] double mean(std::size_t first, std::size_t last) const
-    {
-        return -scale * static_cast<double>(sums[last - begin].y - sums[first - begin].y)
-            / static_cast<double>(last - first);
-    }
-
-private:
-    struct Sum
-    {
-        std::int64_t y;
-        std::int64_t xy;
-    };
-
-    std::size_t begin;
-    double scale;
-    std::vector<Sum> sums;
-};
-
-/// The part of a trace that is scanned, in whole samples.
-struct Stretch
-{
-    std::size_t first = 0;
-    std::size_t last = 0;
-
-    [[nodiscard]] std::size_t size() const { return last > first ? last - first : 0; }
-};
-
-Stretch stretchOf(const FibreTrace& trace, double from, double to)
+ScanStretch stretchOf(const FibreTrace& trace, double from, double to)
 {
     const double end = std::clamp(to, 0.0, trace.size());
     const double begin = std::clamp(std::ceil(from), 0.0, end);
     return {static_cast<std::size_t>(begin), static_cast<std::size_t>(end)};
 }
 
+/// Sum of the squared distances of n samples from their middle: what tells a slope.
+double slopeSamples(std::size_t samples)
+{
+    const auto n = static_cast<double>(samples);
+    return n * (n * n - 1.0) / 12.0;
+}
+
+/// The distance of the lines on both sides, taken to the middle between them: a step within a short
+/// window bends its line, and far from it that would look like a larger one.
+class StepWindow
+{
+public:
+    StepWindow(const FibreTrace& trace, std::size_t gap, std::size_t samples, double stride)
+        : gap(gap)
+        , samples(samples)
+        , stride(static_cast<std::size_t>(stride))
+        , trace(trace)
+    {
+        const auto n = static_cast<double>(samples);
+        const double away = 0.5 * (n + static_cast<double>(gap));
+        // Variance of a line at a distance d from its middle, by the sample's: 1/n + 12 d^2 / n^3.
+        variance = trace.noise().correlation() * (1.0 / n + 12.0 * away * away / (n * n * n));
+        error = std::sqrt(2.0 * variance);
+        perCount_dB = trace.samples().dbPerCount() / n;
+        perMoment_dB = trace.samples().dbPerCount() * 0.5 * away / slopeSamples(samples);
+        beside = 0.5 * n;
+    }
+
+    template <typename Sums>
+    [[nodiscard]] double change_dB(std::size_t at, const Sums& sums) const
+    {
+        const WindowSums left = sums.of(at - samples, at);
+        const WindowSums right = sums.of(at + gap, at + gap + samples);
+        // Counts grow as levels fall.
+        return std::abs(perCount_dB * static_cast<double>(right.y - left.y)
+                        - perMoment_dB * static_cast<double>(left.xy2 + right.xy2));
+    }
+
+    [[nodiscard]] double statistic(std::size_t at, double change_dB) const
+    {
+        const auto place = static_cast<double>(at);
+        const double left = trace.noise().sigma_dB(place - beside);
+        const double right = trace.noise().sigma_dB(place + static_cast<double>(gap) + beside);
+        return change_dB / std::sqrt(variance * (left * left + right * right));
+    }
+
+    std::size_t gap;
+    std::size_t samples;
+    std::size_t stride;
+    double error = 0.0; ///< standard error of a change where a sample's is 1
+
+private:
+    const FibreTrace& trace;
+    double variance = 0.0; ///< of a line, by that of a sample
+    double perCount_dB = 0.0;
+    double perMoment_dB = 0.0;
+    double beside = 0.0;
+};
+
 class StepScan
 {
 public:
-    StepScan(const FibreTrace& trace, Stretch stretch, double threshold)
+    StepScan(const FibreTrace& trace, ScanStretch stretch, double threshold)
         : trace(trace)
         , stretch(stretch)
         , threshold(threshold)
         , gap(static_cast<std::size_t>(std::ceil(trace.gap())))
-        , sums(trace.samples(), stretch.first, stretch.last)
     {
     }
 
     [[nodiscard]] std::vector<Candidate> scan()
     {
+        std::vector<ScanPass<StepWindow>> passes;
         const auto longest = static_cast<std::size_t>(trace.scale().longestWindow);
         auto window = static_cast<std::size_t>(shortest());
         for (;; window *= 2) {
@@ -128,11 +118,12 @@ public:
             if (2 * window + gap > stretch.size()) {
                 break;
             }
-            scanWith(window);
+            passes.emplace_back(StepWindow(trace, gap, window, strideOf(window)));
             if (window == longest) {
                 break;
             }
         }
+        found = scanWith(trace, stretch, threshold, passes);
         return strongest();
     }
 
@@ -143,55 +134,21 @@ private:
             {1.0, static_cast<double>(window) / kPlacesPerWindow, trace.gap() / kPlacesPerGap});
     }
 
-    void scanWith(std::size_t window)
+    /// Slope of the line through so many samples, dB.
+    [[nodiscard]] double slope_dB(std::size_t first, std::size_t window) const
     {
-        const auto n = static_cast<double>(window);
-        const auto stride = static_cast<std::size_t>(strideOf(window));
-        Candidate before;
-        Candidate top;
-        for (std::size_t at = stretch.first + window; at + gap + window <= stretch.last;
-             at += stride) {
-            const double statistic = statisticAt(at, window);
-            if (top.statistic > threshold && top.statistic >= before.statistic
-                && top.statistic > statistic) {
-                found.push_back(top);
-            }
-            before = top;
-            top = {static_cast<double>(at), statistic, n};
-        }
-        if (top.statistic > threshold && top.statistic >= before.statistic) {
-            found.push_back(top);
-        }
+        const WindowSums sums = FarSums(trace.samples()).of(first, first + window);
+        return -0.5 * trace.samples().dbPerCount() * static_cast<double>(sums.xy2)
+            / slopeSamples(window);
     }
 
-    /// Distance of the lines on both sides over its standard error. The windows lie in the stretch.
-    [[nodiscard]] double statisticAt(std::size_t at, std::size_t window) const
-    {
-        const auto n = static_cast<double>(window);
-        const WindowLine left = sums.line(at - window, at);
-        const WindowLine right = sums.line(at + gap, at + gap + window);
-        // Both are taken to the middle between them: a step within a short window bends its line,
-        // and far from it that would look like a larger one.
-        const double dLeft = (n + static_cast<double>(gap)) / 2.0;
-        const double dRight = dLeft;
-        const double change =
-            (left.level + dLeft * left.slope) - (right.level - dRight * right.slope);
-        // Variance of a line at a distance d from its middle, by the sample's: 1/n + 12 d^2 / n^3.
-        const double unit = trace.noise().correlation()
-            * (1.0 / n + 6.0 * (dLeft * dLeft + dRight * dRight) / (n * n * n));
-        const auto place = static_cast<double>(at);
-        const double sigmaLeft = trace.noise().sigma_dB(place - n / 2.0);
-        const double sigmaRight =
-            trace.noise().sigma_dB(place + static_cast<double>(gap) + n / 2.0);
-        return std::abs(change)
-            / std::sqrt(unit * (sigmaLeft * sigmaLeft + sigmaRight * sigmaRight));
-    }
-
-    /// The same for two levels where the slope is known: short windows do not tell their own.
+    /// The statistic of two levels where the slope is known: short windows do not tell their own.
     [[nodiscard]] double levelStatisticAt(std::size_t at, std::size_t window, double slope) const
     {
         const auto n = static_cast<double>(window);
-        const double change = sums.mean(at - window, at) - sums.mean(at + gap, at + gap + window)
+        const PrefixSums& sums = trace.samples().sums();
+        const double change = trace.samples().dbPerCount()
+                * (sums.mean(at + gap, at + gap + window) - sums.mean(at - window, at))
             + slope * (n + static_cast<double>(gap));
         const double sigma = trace.noise().sigma_dB(static_cast<double>(at));
         return std::abs(change) / (sigma * std::sqrt(2.0 * trace.noise().correlation() / n));
@@ -204,9 +161,7 @@ private:
         const double stride = std::max(1.0, trace.gap() / (2.0 * kPlacesPerGap));
         const auto place = static_cast<std::size_t>(one.at);
         const auto whole = static_cast<std::size_t>(one.window);
-        const double slope = 0.5
-            * (sums.line(place - whole, place).slope
-               + sums.line(place + gap, place + gap + whole).slope);
+        const double slope = 0.5 * (slope_dB(place - whole, whole) + slope_dB(place + gap, whole));
         for (double n = std::max(6.0, 0.5 * trace.gap()); n < one.window; n *= 2.0) {
             const auto window = static_cast<std::size_t>(n);
             Candidate best = one;
@@ -256,10 +211,9 @@ private:
     }
 
     const FibreTrace& trace;
-    Stretch stretch;
+    ScanStretch stretch;
     double threshold;
     std::size_t gap;
-    RunningSums sums;
     std::vector<Candidate> found;
 };
 
@@ -267,7 +221,7 @@ private:
 
 std::vector<Candidate> scanSteps(const FibreTrace& trace, double from, double to, double threshold)
 {
-    const Stretch stretch = stretchOf(trace, from, to);
+    const ScanStretch stretch = stretchOf(trace, from, to);
     if (stretch.size() < 8) {
         return {};
     }
@@ -276,69 +230,70 @@ std::vector<Candidate> scanSteps(const FibreTrace& trace, double from, double to
 
 namespace {
 
-class PeakScan
+/// The level within a pulse over the higher of the lines on both sides: a loss within the pulse is
+/// no peak.
+class PeakWindow
 {
 public:
-    PeakScan(const FibreTrace& trace, Stretch stretch, double threshold)
-        : trace(trace)
-        , stretch(stretch)
-        , threshold(threshold)
-        , gap(static_cast<std::size_t>(std::ceil(trace.gap())))
+    PeakWindow(const FibreTrace& trace, std::size_t samples)
+        : gap(static_cast<std::size_t>(std::ceil(trace.gap())))
+        , samples(samples)
+        , trace(trace)
         , pulse(static_cast<std::size_t>(std::max(1.0, std::round(trace.scale().pulse))))
         , rise(static_cast<std::size_t>(trace.shape().riseTo(0.6)))
-        , sums(trace.samples(), stretch.first, stretch.last)
     {
+        stride = std::max<std::size_t>(1, pulse / 4);
+        const auto n = static_cast<double>(samples);
+        const auto w = static_cast<double>(pulse);
+        beside = 0.5 * n;
+        // From the middle of either window to that of the peak.
+        const double middle = static_cast<double>(rise) + 0.5 * w;
+        const double fromLeft = beside + middle;
+        const double fromRight = static_cast<double>(gap) + beside - middle;
+        // Of the mean over a pulse, and of the less certain line there.
+        const double away = std::max(fromLeft, fromRight);
+        error = std::sqrt(trace.noise().correlation()
+                          * (1.0 / w + 1.0 / n + 12.0 * away * away / (n * n * n)));
+        const double perCount_dB = trace.samples().dbPerCount();
+        perLevel_dB = perCount_dB / n;
+        perPeak_dB = perCount_dB / w;
+        perLeft_dB = perCount_dB * 0.5 * fromLeft / slopeSamples(samples);
+        perRight_dB = perCount_dB * 0.5 * fromRight / slopeSamples(samples);
     }
 
-    /// Adds to `found`.
-    void scanWith(std::size_t window, std::vector<Candidate>& found)
+    template <typename Sums>
+    [[nodiscard]] double change_dB(std::size_t at, const Sums& sums) const
     {
-        if (stretch.size() < 2 * window + gap) {
-            return;
-        }
-        const auto n = static_cast<double>(window);
-        const std::size_t stride = std::max<std::size_t>(1, pulse / 4);
-        // From the middle of either window to that of the peak, and the variance of the higher of
-        // their lines there.
-        const double middle = static_cast<double>(rise) + static_cast<double>(pulse) / 2.0;
-        const double fromLeft = n / 2.0 + middle;
-        const double fromRight = static_cast<double>(gap) + n / 2.0 - middle;
-        const double away = std::max(fromLeft, fromRight);
-        const double unit = trace.noise().correlation()
-            * (1.0 / static_cast<double>(pulse) + 1.0 / n + 12.0 * away * away / (n * n * n));
-        Candidate last;
-        Candidate top;
-        for (std::size_t at = stretch.first + window; at + gap + window <= stretch.last;
-             at += stride) {
-            const WindowLine before = sums.line(at - window, at);
-            const WindowLine behind = sums.line(at + gap, at + gap + window);
-            const double left = before.level + before.slope * fromLeft;
-            const double right = behind.level - behind.slope * fromRight;
-            const double peak = sums.mean(at + rise, at + rise + pulse);
-            const auto place = static_cast<double>(at);
-            // Against the higher side: a loss within the pulse is no peak.
-            const double sigma = trace.noise().sigma_dB(place - n / 2.0);
-            const double statistic = (peak - std::max(left, right)) / (sigma * std::sqrt(unit));
-            if (top.statistic > threshold && top.statistic >= last.statistic
-                && top.statistic > statistic) {
-                found.push_back(top);
-            }
-            last = top;
-            top = {place, statistic, n};
-        }
-        if (top.statistic > threshold && top.statistic >= last.statistic) {
-            found.push_back(top);
-        }
+        const WindowSums before = sums.of(at - samples, at);
+        const WindowSums behind = sums.of(at + gap, at + gap + samples);
+        // Below no light, as counts are.
+        const double left = perLevel_dB * static_cast<double>(before.y)
+            + perLeft_dB * static_cast<double>(before.xy2);
+        const double right = perLevel_dB * static_cast<double>(behind.y)
+            - perRight_dB * static_cast<double>(behind.xy2);
+        return std::min(left, right)
+            - perPeak_dB * static_cast<double>(sums.of(at + rise, at + rise + pulse).y);
     }
+
+    [[nodiscard]] double statistic(std::size_t at, double change_dB) const
+    {
+        return change_dB / (error * trace.noise().sigma_dB(static_cast<double>(at) - beside));
+    }
+
+    std::size_t gap;
+    std::size_t samples;
+    std::size_t stride = 1;
+    double error = 0.0; ///< standard error of a change where a sample's is 1
 
 private:
     const FibreTrace& trace;
-    Stretch stretch;
-    double threshold;
-    std::size_t gap;
     std::size_t pulse;
     std::size_t rise;
-    RunningSums sums;
+    double beside = 0.0;
+    double perLevel_dB = 0.0;
+    double perPeak_dB = 0.0;
+    double perLeft_dB = 0.0;
+    double perRight_dB = 0.0;
 };
 
 } // namespace
@@ -346,14 +301,18 @@ private:
 std::vector<Candidate> scanPeaks(const FibreTrace& trace, double from, double to, double threshold)
 {
     std::vector<Candidate> found;
-    const Stretch stretch = stretchOf(trace, from, to);
+    const ScanStretch stretch = stretchOf(trace, from, to);
     if (stretch.size() < 8) {
         return found;
     }
-    PeakScan scan(trace, stretch, threshold);
+    std::vector<ScanPass<PeakWindow>> passes;
     for (const double gaps : kPeakWindowGaps) {
-        scan.scanWith(static_cast<std::size_t>(std::ceil(gaps * trace.gap())), found);
+        const PeakWindow window(trace, static_cast<std::size_t>(std::ceil(gaps * trace.gap())));
+        if (stretch.size() >= 2 * window.samples + window.gap) {
+            passes.emplace_back(window);
+        }
     }
+    found = scanWith(trace, stretch, threshold, passes);
     std::stable_sort(found.begin(), found.end(), [](const Candidate& a, const Candidate& b) {
         return a.statistic > b.statistic;
     });

@@ -20,16 +20,17 @@ constexpr double kScanPart = 0.8;
 /// Rounds of scanning what lies between the events found so far.
 constexpr int kRounds = 3;
 
-/// A receiver slower than usual by this factor is believed.
-constexpr double kSlowReceiver = 2.0;
+/// A receiver slower or faster than was thought by this factor is believed.
+constexpr double kOtherReceiver = 2.0;
 
 /// Losses that stand out by this many standard errors show the receiver; a few of them do. Another
-/// time constant is taken if it leaves a tenth less.
+/// time constant is taken if it leaves a tenth less, and less by so many standard deviations.
 constexpr double kClear = 20.0;
 constexpr std::size_t kMostClear = 4;
 constexpr double kTrialFactor = 1.8;
 constexpr double kSlowestPulses = 3.5;
 constexpr double kClearlyBetter = 0.1;
+constexpr double kChance = 5.0;
 constexpr double kLeastSquares = 1e-12;
 
 /// Reflections from this height on need no closer look; lower ones must have the shape of a pulse
@@ -60,23 +61,6 @@ SearchScale scaleOf(const Trace& trace, const Measurement& measurement,
         ? std::min(size, std::max(kFewestSamples, settings.longestWindow_m / spacing_m))
         : size;
     return scale;
-}
-
-double heightOf(const PeakGroup& peak)
-{
-    return *std::max_element(peak.heights_dB.begin(), peak.heights_dB.end());
-}
-
-/// Leaves out what rises less than this, but the highest.
-void dropLowFeet(PeakGroup& peak, double least_dB)
-{
-    const double least = std::min(least_dB, heightOf(peak));
-    for (std::size_t i = peak.feet.size(); i-- > 0;) {
-        if (!(peak.heights_dB[i] >= least)) {
-            peak.feet.erase(peak.feet.begin() + static_cast<std::ptrdiff_t>(i));
-            peak.heights_dB.erase(peak.heights_dB.begin() + static_cast<std::ptrdiff_t>(i));
-        }
-    }
 }
 
 } // namespace
@@ -113,8 +97,10 @@ void EventSearch::learnFromPeaks()
     }
     // A receiver that recovers from an overload is slower than it is.
     const double fastest = *std::min_element(constants.begin(), constants.end());
-    if (fastest > kSlowReceiver * fibre.scale().timeConstant) {
-        beginWith(fastest);
+    const double shown = std::max(fastest, PulseShape::kUsualTimeConstant * fibre.scale().pulse);
+    const double thought = fibre.scale().timeConstant;
+    if (shown > kOtherReceiver * thought || kOtherReceiver * shown < thought) {
+        beginWith(shown);
     }
 }
 
@@ -182,7 +168,12 @@ bool EventSearch::learnFromSteps()
     };
     follow(kTrialFactor);
     follow(1.0 / kTrialFactor);
-    const bool isBetter = least < before - kClearlyBetter;
+    // Of n samples that are no more than noise, one more parameter takes a part of 1 / n in the
+    // mean. Noise that has passed the receiver is alike over two of its time constants.
+    const double alike = std::clamp(2.0 * now, 1.0, fibre.noise().correlation());
+    const double byChance =
+        kChance * kChance * alike / (static_cast<double>(clear.size()) * rampSamples(fibre));
+    const bool isBetter = least < before - std::max(kClearlyBetter, byChance);
     if (isBetter) {
         beginWith(best);
     }
@@ -214,7 +205,7 @@ std::vector<Site> EventSearch::peaks(double begin, double end) const
         site.at = site.peak->feet.front();
         site.behind = site.peak->behind;
         site.peakStatistic = one.statistic;
-        if (heightOf(*site.peak) > kHigh_dB || isLowPeak(site, from, to)) {
+        if (site.peak->height_dB() > kHigh_dB || isLowPeak(site, from, to)) {
             found.push_back(site);
         }
     }
@@ -308,6 +299,7 @@ void EventSearch::findAll()
         const std::size_t before = sites.sites().size();
         addSteps();
         sites.dropUnlikely(settings.loss_dB, kScanPart * settings.significance);
+        sites.remeasurePeaks(leastHeight_dB());
         sites.refine(fibre.gap());
         sites.mergePairs();
         sites.findReflections(leastHeight_dB(), settings.significance);

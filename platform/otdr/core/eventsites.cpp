@@ -29,14 +29,31 @@ constexpr double kFootMargin = 1.0;
 /// Lines on both sides stray; they average over more than a pulse or two.
 constexpr double kWanders = 1.0;
 
+/// A change too small to be listed that is this clear still divides the fibre: lines that ran over
+/// it would tell wrong losses at both of its neighbours. It stands out by so many standard errors,
+/// and far more than the fibre strays by within two pulses: over kilometres it strays further. On
+/// both sides there are so many dead zones: what is left of a tail bends a line, too.
+constexpr double kBorder_dB = 0.004;
+constexpr double kBorderErrors = 10.0;
+constexpr double kBorderGaps = 4.0;
+constexpr double kBorderWanders = 20.0;
+
 /// Losses or gains so close, in dead zones, may be one event; one explains them where it leaves no
 /// more than noise, or this part of the change.
 constexpr double kPairGaps = 2.0;
 constexpr double kPairSigmas = 1.5;
 constexpr double kPairPart = 0.03;
 
+/// Light that is too weak to be listed is believed where it leaves no more than noise.
+constexpr double kGlowSigmas = 1.5;
+
 /// Reflections up to this height are placed by their whole shape, higher ones by their edge.
 constexpr double kLow_dB = 1.5;
+
+bool isLow(const PeakGroup& peak)
+{
+    return peak.feet.size() == 1 && !peak.saturated && peak.heights_dB.front() <= kLow_dB;
+}
 
 } // namespace
 
@@ -55,19 +72,7 @@ EventSites::EventSites(const FibreTrace& trace, double first, double end)
 
 void EventSites::findUsualSlope()
 {
-    const double length = std::max(4.0 * fibreTrace->gap(), 64.0);
-    const double step = std::max(length, (end - first) / 1000.0);
-    std::vector<double> slopes;
-    for (double at = first; at + 2.0 * length <= end; at += step) {
-        slopes.push_back((fibreTrace->mean_dB(at + length, at + 2.0 * length)
-                          - fibreTrace->mean_dB(at, at + length))
-                         / length);
-    }
-    if (!slopes.empty()) {
-        const auto middle = slopes.begin() + static_cast<std::ptrdiff_t>(slopes.size() / 2);
-        std::nth_element(slopes.begin(), middle, slopes.end());
-        usualSlope_dB = *middle;
-    }
+    usualSlope_dB = fibreTrace->usualSlope_dB(first, end);
     const double kilometre = fibreTrace->scale().kilometre;
     slopeSpread_dB = kilometre > 0.0 ? kSlopeSpread_dBPerKm / kilometre
                                      : kSlopeSpreadPart * std::abs(usualSlope_dB);
@@ -85,9 +90,14 @@ double EventSites::fibreTo(std::size_t k) const
     return foot - (isFoot && places[k].peak ? 0.0 : kFootMargin);
 }
 
+double EventSites::lineFrom(std::size_t k) const
+{
+    return k == 0 ? first : std::max(places[k - 1].behind, places[k - 1].clear);
+}
+
 std::optional<SideLine> EventSites::fibre(std::size_t k) const
 {
-    return side(fibreFrom(k), fibreTo(k));
+    return side(lineFrom(k), fibreTo(k));
 }
 
 void EventSites::add(const std::vector<Site>& more)
@@ -124,8 +134,10 @@ void EventSites::measure(std::size_t k)
     Site& site = places[k];
     const double longest = fibreTrace->scale().longestWindow;
     const double to = fibreTo(k);
-    site.left = side(std::max(fibreFrom(k), to - longest), to);
-    site.right = side(site.behind, std::min(fibreTo(k + 1), site.behind + longest));
+    site.clear =
+        site.peak ? clearOfTail(*fibreTrace, *site.peak, site.behind, fibreTo(k + 1)) : site.behind;
+    site.left = side(std::max(lineFrom(k), to - longest), to);
+    site.right = side(site.clear, std::min(fibreTo(k + 1), site.clear + longest));
     site.loss_dB = std::numeric_limits<double>::quiet_NaN();
     site.error_dB = site.loss_dB;
     if (site.left && site.right) {
@@ -144,24 +156,39 @@ void EventSites::measure()
     }
 }
 
+/// How well founded a place is: by so many times what is asked for. Below 1 it is dropped.
+double EventSites::foundationOf(const Site& site, double loss_dB, double significance) const
+{
+    if (site.peak) {
+        return std::numeric_limits<double>::infinity();
+    }
+    const double byLoss = std::abs(site.loss_dB) / loss_dB;
+    // A step within what the fibre itself strays by is none, however little noise there is.
+    const double byChance = std::abs(site.loss_dB)
+        / std::hypot(site.error_dB, kWanders * fibreTrace->noise().wander_dB()) / significance;
+    if (std::isnan(byLoss)) {
+        return 0.0;
+    }
+    const double clear =
+        std::max(kBorderErrors * site.error_dB, kBorderWanders * fibreTrace->noise().wander_dB());
+    const auto fewest =
+        static_cast<double>(std::min(site.left->line.samples, site.right->line.samples));
+    const bool isBorder = fibreTrace->noise().knowsWander() && byChance > 1.0
+        && std::abs(site.loss_dB) > std::max(kBorder_dB, clear)
+        && fewest > kBorderGaps * fibreTrace->gap();
+    return isBorder ? byChance : std::min(byLoss, byChance);
+}
+
 void EventSites::dropUnlikely(double loss_dB, double significance)
 {
     measure();
-    const auto doubt = [&](const Site& site) {
-        if (site.peak) {
-            return std::numeric_limits<double>::infinity();
-        }
-        const double byLoss = std::abs(site.loss_dB) / loss_dB;
-        // A step within what the fibre itself strays by is none, however little noise there is.
-        const double byChance = std::abs(site.loss_dB)
-            / std::hypot(site.error_dB, kWanders * fibreTrace->noise().wander_dB()) / significance;
-        return std::isnan(byLoss) ? 0.0 : std::min(byLoss, byChance);
-    };
     while (!places.empty()) {
         const auto weakest =
-            std::min_element(places.begin(), places.end(),
-                             [&](const Site& a, const Site& b) { return doubt(a) < doubt(b); });
-        if (doubt(*weakest) >= 1.0) {
+            std::min_element(places.begin(), places.end(), [&](const Site& a, const Site& b) {
+                return foundationOf(a, loss_dB, significance)
+                    < foundationOf(b, loss_dB, significance);
+            });
+        if (foundationOf(*weakest, loss_dB, significance) >= 1.0) {
             break;
         }
         const auto k = static_cast<std::size_t>(weakest - places.begin());
@@ -172,6 +199,9 @@ void EventSites::dropUnlikely(double loss_dB, double significance)
         if (k < places.size()) {
             measure(k);
         }
+    }
+    for (Site& site : places) {
+        site.isBorder = !site.peak && std::abs(site.loss_dB) < loss_dB;
     }
 }
 
@@ -221,6 +251,32 @@ void EventSites::mergePairs()
     measure();
 }
 
+/// Whether the fibre before a reflection, as it was measured, holds the place before it.
+bool EventSites::reachesOverPlace(std::size_t k) const
+{
+    return k > 0 && fibreFrom(k) > places[k].at - fibreBeforePeak(*fibreTrace);
+}
+
+void EventSites::remeasurePeaks(double leastHeight_dB)
+{
+    for (std::size_t k = 0; k < places.size(); ++k) {
+        Site& site = places[k];
+        if (!site.peak || isLow(*site.peak) || !reachesOverPlace(k)) {
+            continue;
+        }
+        const double from = fibreFrom(k);
+        const double to = k + 1 < places.size() ? places[k + 1].at : end;
+        PeakGroup peak = measurePeak(*fibreTrace, highestFoot(*site.peak), from, to);
+        dropLowFeet(peak, leastHeight_dB);
+        if (peak.feet.front() > from + kOwnLevelSamples) {
+            site.at = peak.feet.front();
+            site.behind = peak.behind;
+            site.peak = peak;
+        }
+    }
+    measure();
+}
+
 void EventSites::refine(double reach)
 {
     for (std::size_t k = 0; k < places.size(); ++k) {
@@ -234,9 +290,11 @@ void EventSites::refine(double reach)
             refinePeak(site, least, most);
             continue;
         }
-        const double foot = fitStep(*fibreTrace, fibreTrace->shape(), site.at, reach,
-                                    site.left->line, site.right->line)
-                                .foot;
+        const Line& before = site.left->line;
+        const Line& behind = site.right->line;
+        const double foot = site.glows
+            ? fitPeak(*fibreTrace, site.at, before, behind).foot
+            : fitStep(*fibreTrace, fibreTrace->shape(), site.at, reach, before, behind).foot;
         if (foot > least && foot < most) {
             site.at = foot;
             site.behind = foot + fibreTrace->gap();
@@ -267,10 +325,17 @@ void EventSites::findReflections(double leastHeight_dB, double significance)
         const PeakFit fit = fitPeak(*fibreTrace, site.at, site.left->line, site.right->line);
         const double statistic = std::min(fit.height_dB / fit.error_dB, fit.gain);
         const double most = (k + 1 < places.size() ? places[k + 1].at : end) - fibreTrace->gap();
-        if (fit.height_dB > leastHeight_dB && statistic > significance && fit.foot < most
-            && fit.foot > fibreFrom(k) + kOwnLevelSamples) {
+        const bool isLight = statistic > significance && fit.foot < most
+            && fit.foot > fibreFrom(k) + kOwnLevelSamples;
+        const bool isHigh = fit.height_dB > leastHeight_dB;
+        // What fibre itself strays by looks like light, but for its shape.
+        const double sigma = fibreTrace->noise().sigma_dB(fit.foot);
+        site.glows = isLight && !isHigh && fit.scatter_dB < kGlowSigmas * sigma;
+        if (site.glows || (isLight && isHigh)) {
             site.at = fit.foot;
             site.behind = fit.foot + fibreTrace->gap();
+        }
+        if (isLight && isHigh) {
             site.peak = PeakGroup {{fit.foot}, {fit.height_dB}, site.behind, false};
             site.peakStatistic = statistic;
         }
@@ -281,7 +346,7 @@ void EventSites::findReflections(double leastHeight_dB, double significance)
 void EventSites::refinePeak(Site& site, double least, double most)
 {
     PeakGroup& peak = *site.peak;
-    if (peak.feet.size() > 1 || peak.saturated || peak.heights_dB.front() > kLow_dB) {
+    if (!isLow(peak)) {
         return;
     }
     const PeakFit fit = fitPeak(*fibreTrace, site.at, site.left->line, site.right->line);

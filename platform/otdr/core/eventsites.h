@@ -13,9 +13,12 @@ namespace otdr {
 struct Site
 {
     double at = 0.0; ///< index of its foot
-    double behind = 0.0; ///< from here on the fibre is undisturbed
+    double behind = 0.0; ///< from here on the fibre is undisturbed, as far as can be seen here
+    double clear = 0.0; ///< from here on lines are fitted: no tail that only a long line shows
     std::optional<PeakGroup> peak;
     double peakStatistic = 0.0;
+    bool isBorder = false; ///< too small to be listed, yet lines end there
+    bool glows = false; ///< light stands on its ramp, too little to be listed: it moves the foot
 
     std::optional<SideLine> left; ///< the fibre before it
     std::optional<SideLine> right; ///< the fibre behind it
@@ -42,7 +45,8 @@ public:
     void measure();
 
     /// Drops the places that a line through both sides explains, the weakest first: those whose
-    /// loss is below loss_dB or below `significance` standard errors, and that reflect nothing.
+    /// loss is below loss_dB or below `significance` standard errors, and that reflect nothing. Of
+    /// those below loss_dB the clear ones stay as borders.
     void dropUnlikely(double loss_dB, double significance);
 
     /// Takes two neighbouring changes of level for one event where one explains both, a loss or a
@@ -53,11 +57,16 @@ public:
     /// a low reflection fits best, and measures all anew.
     void refine(double reach);
 
+    /// Measures the high reflections anew before which a place was found that their lines ran over;
+    /// what rises less than leastHeight_dB does not count.
+    void remeasurePeaks(double leastHeight_dB);
+
     /// Takes a reflection that turned out lower than this, dB, for none.
     void dropLowPeaks(double leastHeight_dB);
 
     /// Looks at every place without a reflection whether one stands on its ramp, by so many
-    /// standard errors at least and higher than leastHeight_dB, and measures all anew.
+    /// standard errors at least and higher than leastHeight_dB, and measures all anew. A lower one
+    /// is not taken for a reflection, but it tells where the foot is.
     void findReflections(double leastHeight_dB, double significance);
 
     /// The undisturbed fibre between two places: from behind place k - 1 (the launch for 0) to the
@@ -65,12 +74,17 @@ public:
     [[nodiscard]] double fibreFrom(std::size_t k) const;
     [[nodiscard]] double fibreTo(std::size_t k) const;
 
+    /// From where on lines through it are fitted.
+    [[nodiscard]] double lineFrom(std::size_t k) const;
+
     /// The line through the fibre between them. Empty where there are too few samples.
     [[nodiscard]] std::optional<SideLine> fibre(std::size_t k) const;
 
 private:
     void measure(std::size_t k);
+    [[nodiscard]] double foundationOf(const Site& site, double loss_dB, double significance) const;
     [[nodiscard]] std::optional<double> footOfBoth(const Site& first, const Site& second) const;
+    [[nodiscard]] bool reachesOverPlace(std::size_t k) const;
     void refinePeak(Site& site, double least, double most);
     [[nodiscard]] std::optional<SideLine> side(double from, double to) const;
     void findUsualSlope();

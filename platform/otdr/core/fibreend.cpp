@@ -6,7 +6,6 @@
 #include <cmath>
 #include <cstddef>
 #include <optional>
-#include <vector>
 
 namespace otdr {
 
@@ -59,6 +58,9 @@ constexpr double kTail_dB = 0.3;
 /// A receiver that was not overloaded has come down within so many pulses.
 constexpr double kShortTailPulses = 3.0;
 
+/// Neighbours that pass the same receiver are alike; samples so many pulses apart, hardly.
+constexpr double kApartPulses = 0.1;
+
 /// Halves of a straight line agree within this many standard errors.
 constexpr double kChance = 5.0;
 
@@ -72,9 +74,6 @@ constexpr double kFootFitPulses = 6.0;
 constexpr double kMisfit = 3.0;
 constexpr double kLeastFitPulses = 0.7;
 constexpr double kLeastScatter_dB = 0.005;
-
-/// A normal distribution: its median of absolute values.
-constexpr double kMedianOfNormal = 0.6745;
 
 class EndSearch
 {
@@ -93,6 +92,7 @@ public:
         extent.first = launchOver();
         extent.lastLit = lastVisible(extent.first);
         extent.end = extent.lastLit;
+        usualSlope_dB = trace.usualSlope_dB(extent.first, extent.lastLit);
         const double step = std::max(1.0, std::floor(w / 2.0));
         double fibreBegins = extent.first;
         for (double at = extent.first + w; at < extent.lastLit + w; at += step) {
@@ -241,11 +241,24 @@ private:
         return last + 2.0 * length > trace.size() ? trace.size() - 1.0 : last;
     }
 
-    /// By how much the level falls across the two pulses behind an index, dB.
+    /// By how much the level falls across the two pulses behind an index, beyond what fibre loses
+    /// on the way, dB.
     [[nodiscard]] double changeAt(double at) const
     {
         return trace.mean_dB(at - w, at)
-            - trace.mean_dB(at + kFallPulses * w, at + (kFallPulses + 1.0) * w);
+            - trace.mean_dB(at + kFallPulses * w, at + (kFallPulses + 1.0) * w)
+            + usualSlope_dB * (kFallPulses + 1.0) * w;
+    }
+
+    /// Level of the fibre before an index, dB: what stands above it for no longer than a pulse is a
+    /// reflection.
+    [[nodiscard]] double levelBefore_dB(double fibreFrom, double index) const
+    {
+        const double level = trace.mean_dB(index - w, index);
+        const double begin = index - (kFallPulses + 1.0) * w;
+        return begin < fibreFrom
+            ? level
+            : std::min(level, trace.mean_dB(begin, begin + w) + usualSlope_dB * kFallPulses * w);
     }
 
     /// Whether there is more than noise before an index, or behind it.
@@ -273,7 +286,9 @@ private:
         if (level < trace.noise().rms_dB() + kFibreAboveNoise_dB) {
             return false;
         }
-        if (trace.mean_dB(from - w, from) - level < threshold_dB) { // the fall was that of a peak
+        const double lost =
+            levelBefore_dB(fibreFrom, from) - level + usualSlope_dB * (start - from + 0.5 * w);
+        if (lost < threshold_dB) { // the fall was that of a peak
             return !trace.isSteep(*line) || -line->line.slope_dB * length < kSteepFall_dB;
         }
         const double bend = half->line.slope_dB - rest->line.slope_dB;
@@ -295,22 +310,13 @@ private:
         return -line.line.slope_dB > most + 3.0 * line.slopeError_dB;
     }
 
-    /// Standard deviation of a sample, dB, by the differences of neighbours: nothing but the edges
-    /// of events moves their median.
+    /// Standard deviation of a sample before an index, dB.
     [[nodiscard]] double scatterBefore_dB(double index, double length) const
     {
-        std::vector<double> steps;
-        const auto end = static_cast<std::size_t>(std::max(0.0, index));
-        for (auto i = static_cast<std::size_t>(std::max(0.0, index - length)); i + 1 < end; ++i) {
-            steps.push_back(
-                std::abs(trace.samples().level_dB(i + 1) - trace.samples().level_dB(i)));
-        }
-        if (steps.empty()) {
-            return 0.0;
-        }
-        const auto middle = steps.begin() + static_cast<std::ptrdiff_t>(steps.size() / 2);
-        std::nth_element(steps.begin(), middle, steps.end());
-        return *middle / (kMedianOfNormal * std::sqrt(2.0));
+        return scatterOf_dB(trace.samples(),
+                            static_cast<std::size_t>(std::max(0.0, index - length)),
+                            static_cast<std::size_t>(std::max(0.0, index)),
+                            static_cast<std::size_t>(std::max(1.0, kApartPulses * w)));
     }
 
     /// A straight piece of fibre and where it ends.
@@ -364,6 +370,7 @@ private:
     const FibreTrace& trace;
     double w;
     double threshold_dB;
+    double usualSlope_dB = 0.0; ///< of the fibre, by the sample
 };
 
 } // namespace

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <limits>
 #include <vector>
 
 namespace otdr {
@@ -27,6 +26,11 @@ constexpr double kStepPulses = 0.5;
 constexpr double kChunkPulses[] = {0.5, 1.5};
 constexpr double kBehindLengths[] = {6.0, 1.5};
 constexpr double kFewestSamples = 4.0;
+
+/// Slopes are told by two means over so many dead zones and samples each, at so many places.
+constexpr double kSlopeGaps = 4.0;
+constexpr double kFewestSlope = 64.0;
+constexpr double kMostSlopes = 1000.0;
 
 /// What no fibre exceeds, dB/km.
 constexpr double kSteepest_dBPerKm = 5.0;
@@ -127,12 +131,24 @@ std::optional<SideLine> FibreTrace::fitWithSlope(double from, double to, double 
 double FibreTrace::mean_dB(double from, double to) const
 {
     const SampleRange range = samplesBetween(from, to, trace->size());
-    const LineSums sums = trace->sums().sums(range.first, range.last);
-    if (sums.samples == 0) {
-        return std::numeric_limits<double>::quiet_NaN();
+    return trace->toLevel_dB(trace->sums().mean(range.first, range.last));
+}
+
+double FibreTrace::usualSlope_dB(double from, double to) const
+{
+    const double length = std::max(kSlopeGaps * deadZone, kFewestSlope);
+    const double step = std::max(length, (to - from) / kMostSlopes);
+    std::vector<double> slopes;
+    for (double at = from; at + 2.0 * length <= to; at += step) {
+        slopes.push_back((mean_dB(at + length, at + 2.0 * length) - mean_dB(at, at + length))
+                         / length);
     }
-    return trace->toLevel_dB(static_cast<double>(sums.base)
-                             + static_cast<double>(sums.y) / static_cast<double>(sums.samples));
+    if (slopes.empty()) {
+        return 0.0;
+    }
+    const auto middle = slopes.begin() + static_cast<std::ptrdiff_t>(slopes.size() / 2);
+    std::nth_element(slopes.begin(), middle, slopes.end());
+    return *middle;
 }
 
 bool FibreTrace::isSteep(const SideLine& line) const

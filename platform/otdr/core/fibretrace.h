@@ -78,6 +78,10 @@ public:
     /// Mean level of from <= i < to, dB; NaN without samples.
     [[nodiscard]] double mean_dB(double from, double to) const;
 
+    /// Slope of the fibre between two indices, dB by the sample: the median of what pieces of it
+    /// tell; 0 where it is too short for one.
+    [[nodiscard]] double usualSlope_dB(double from, double to) const;
+
     /// The first index behind `from` at which the trace has come down to the fibre that follows it,
     /// but for so much, dB, or what chance makes it; at most `longest` samples behind it.
     [[nodiscard]] double settledFrom(double from, double longest,

@@ -4,7 +4,10 @@
 #include "platform/otdr/core/trace.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstdint>
+#include <limits>
 
 namespace otdr {
 
@@ -17,6 +20,9 @@ constexpr std::size_t kMostBlocks = 512;
 constexpr double kBlockPulses = 10.0;
 constexpr std::size_t kDifferencesPerBlock = 256;
 constexpr std::size_t kFewestDifferences = 64;
+
+/// Differences of fewer counts are small; 1 dB for nearly every trace.
+constexpr std::size_t kSmallNumbers = 1024;
 
 /// Counts of 0.001 dB scatter by 0.29 thousandths; a receiver has more.
 constexpr double kLeastSigma_dB = 0.0003;
@@ -51,6 +57,18 @@ constexpr double kMeanPulses = 2.0;
 constexpr double kShortestMean = 32.0;
 constexpr std::size_t kFewestBends = 48;
 
+/// Differences over a lag are taken at so many places at most; where the scatter is no more than so
+/// many times what rounding makes it, they tell nothing of neighbours.
+constexpr std::size_t kMostDifferences = 16384;
+constexpr double kRoundings = 10.0;
+
+/// Variance that rounding to whole counts adds to a second difference: (1 + 4 + 1) / 12.
+constexpr double kRoundingOfDifference = 0.5;
+
+/// Time constants of noise that are tried, samples, and from one to the next.
+constexpr double kShortestLikeness = 0.2;
+constexpr double kLikenessFactor = 1.1;
+
 /// Beyond this scatter the logarithm of noisy light has a shape of its own, dB.
 constexpr double kLogarithmic_dB = 0.3;
 
@@ -59,9 +77,7 @@ constexpr double kMedianOfSquare = 0.4549;
 
 double meanLevel(const Trace& trace, std::size_t first, std::size_t last)
 {
-    const LineSums sums = trace.sums().sums(first, last);
-    return trace.toLevel_dB(static_cast<double>(sums.base)
-                            + static_cast<double>(sums.y) / static_cast<double>(sums.samples));
+    return trace.toLevel_dB(trace.sums().mean(first, last));
 }
 
 template <typename Number>
@@ -72,7 +88,47 @@ double medianOf(std::vector<Number>& values)
     return static_cast<double>(*middle);
 }
 
+/// The same of whole numbers from 0 on that are mostly small. These are counted: no processor
+/// foresees the branches of a sort, which would cost more than all else that is done with a block.
+double medianOfSmall(std::vector<int>& values)
+{
+    std::array<std::uint32_t, kSmallNumbers> found {};
+    for (const int value : values) {
+        ++found[static_cast<std::size_t>(std::min(value, static_cast<int>(kSmallNumbers) - 1))];
+    }
+    std::size_t below = 0;
+    for (std::size_t value = 0; value + 1 < kSmallNumbers; ++value) {
+        below += found[value];
+        if (below > values.size() / 2) {
+            return static_cast<double>(value);
+        }
+    }
+    return medianOf(values);
+}
+
+/// By how many counts a sample is off the middle between those at a distance on both sides, twice.
+int differenceAt(const Trace& trace, std::size_t i, std::size_t lag)
+{
+    const RawSamples& counts = trace.samples();
+    return std::abs(int {counts[i - lag]} - 2 * int {counts[i]} + int {counts[i + lag]});
+}
+
+double scatterBy_dB(const Trace& trace, std::vector<int>& differences)
+{
+    return medianOfSmall(differences) * trace.dbPerCount() / (kMedianOfNormal * std::sqrt(6.0));
+}
+
 } // namespace
+
+double scatterOf_dB(const Trace& trace, std::size_t first, std::size_t last, std::size_t lag)
+{
+    std::vector<int> differences;
+    last = std::min(last, trace.size());
+    for (std::size_t i = first + lag; i + lag < last; ++i) {
+        differences.push_back(differenceAt(trace, i, lag));
+    }
+    return differences.empty() ? 0.0 : scatterBy_dB(trace, differences);
+}
 
 NoiseProfile::NoiseProfile(const Trace& trace, double pulse, std::size_t first, std::size_t last)
     : first(std::min(first, trace.size()))
@@ -94,8 +150,6 @@ void NoiseProfile::measureScatter(const Trace& trace, double pulse)
     const std::size_t lag = std::clamp<std::size_t>(static_cast<std::size_t>(std::lround(pulse)), 1,
                                                     std::max<std::size_t>(1, n / 8));
     const std::size_t stride = std::max<std::size_t>(1, blockSize / kDifferencesPerBlock);
-    const RawSamples& counts = trace.samples();
-    const double perCount = trace.dbPerCount() / (kMedianOfNormal * std::sqrt(6.0));
     std::vector<int> differences;
     for (std::size_t begin = first; begin < last; begin += blockSize) {
         differences.clear();
@@ -103,12 +157,11 @@ void NoiseProfile::measureScatter(const Trace& trace, double pulse)
         // A short last block looks further back.
         const std::size_t from = end - std::min(end - first, blockSize);
         for (std::size_t i = std::max(from, first + lag); i < end && i + lag < last; i += stride) {
-            differences.push_back(
-                std::abs(int {counts[i - lag]} - 2 * int {counts[i]} + int {counts[i + lag]}));
+            differences.push_back(differenceAt(trace, i, lag));
         }
         double sigma = sigmas.empty() ? kLeastSigma_dB : sigmas.back();
         if (differences.size() >= kFewestDifferences || sigmas.empty()) {
-            sigma = differences.empty() ? kLeastSigma_dB : medianOf(differences) * perCount;
+            sigma = differences.empty() ? kLeastSigma_dB : scatterBy_dB(trace, differences);
         }
         sigmas.push_back(std::clamp(sigma, kLeastSigma_dB, kMostSigma_dB));
     }
@@ -130,22 +183,38 @@ void NoiseProfile::levelOut(const Trace& trace)
     }
 }
 
+// Light that falls as exp(-x) scatters, in decibels, by exp(x) more: geometric means between the
+// middles of the blocks, and the same on to the ends of the stretch.
 double NoiseProfile::sigma_dB(double index) const
 {
     if (sigmas.empty()) {
         return kMostSigma_dB;
     }
-    const double place =
-        (index - static_cast<double>(first)) / static_cast<double>(blockSize) - 0.5;
-    if (!(place > 0.0)) {
+    if (sigmas.size() == 1) {
         return sigmas.front();
     }
-    const auto block = static_cast<std::size_t>(place);
-    if (block + 1 >= sigmas.size()) {
-        return sigmas.back();
+    const auto from = static_cast<double>(first);
+    const double within =
+        index > from ? std::min(index, static_cast<double>(last)) : from; // of NaN, the first
+    const double place = (within - from) / static_cast<double>(blockSize) - 0.5;
+    const double block = std::clamp(std::floor(place), 0.0, static_cast<double>(sigmas.size() - 2));
+    const auto k = static_cast<std::size_t>(block);
+    const double part = place - block;
+    const double sigma = sigmas[k] * std::pow(sigmas[k + 1] / sigmas[k], part);
+    return std::clamp(sigma, kLeastSigma_dB, kMostSigma_dB);
+}
+
+double NoiseProfile::leastSigma_dB(double from, double to) const
+{
+    double least = std::min(sigma_dB(from), sigma_dB(to));
+    const auto begin = static_cast<double>(first);
+    const auto size = static_cast<double>(blockSize);
+    for (double block = std::max(0.0, std::ceil((from - begin) / size - 0.5));
+         block < static_cast<double>(sigmas.size()) && begin + (block + 0.5) * size < to;
+         block += 1.0) {
+        least = std::min(least, sigmas[static_cast<std::size_t>(block)]);
     }
-    const double part = place - static_cast<double>(block);
-    return (1.0 - part) * sigmas[block] + part * sigmas[block + 1];
+    return least;
 }
 
 void NoiseProfile::measureFloor(const Trace& trace)
@@ -207,11 +276,72 @@ std::vector<NoiseProfile::Bend> NoiseProfile::bendsOf(const Trace& trace, std::s
     return bends;
 }
 
+/// Variance of the second differences over a lag, by that of a sample as it was measured, by their
+/// median. NaN where noise hardly shows.
+double NoiseProfile::differenceOver(const Trace& trace, std::size_t lag) const
+{
+    std::vector<double> values;
+    double rounding = 0.0;
+    const std::size_t stride = 1 + (last - first) / kMostDifferences;
+    for (std::size_t i = first + lag; i + lag < last; i += stride) {
+        const double sigma = sigma_dB(static_cast<double>(i));
+        if (sigma > kRoundings * kLeastSigma_dB && sigma < kLogarithmic_dB) {
+            values.push_back(differenceAt(trace, i, lag) * trace.dbPerCount() / sigma);
+            rounding += std::pow(trace.dbPerCount() / sigma, 2.0) * kRoundingOfDifference;
+        }
+    }
+    if (values.size() < kFewestDifferences) {
+        return std::numeric_limits<double>::quiet_NaN();
+    }
+    const double median = medianOf(values) / kMedianOfNormal;
+    rounding /= static_cast<double>(values.size());
+    return std::max(rounding, median * median - rounding);
+}
+
+/// On a record of few pulses there are few bends, and events disturb many of the differences over a
+/// pulse; over some samples they do not. Noise behind a single pole is alike by c = exp(-lag / tau)
+/// over a lag, and its second differences vary by 6 - 8 c + 2 c^2: the time constant is the one
+/// with which this fits best over lags of 1, 2, 4 .. samples, by ratios.
+void NoiseProfile::measureCorrelationByLags(const Trace& trace, double pulse)
+{
+    std::vector<double> logarithms;
+    for (std::size_t lag = 1; 2.0 * static_cast<double>(lag) <= pulse; lag *= 2) {
+        logarithms.push_back(std::log(differenceOver(trace, lag)));
+    }
+    double least = std::numeric_limits<double>::infinity();
+    double level = 0.0;
+    double best = 0.0;
+    for (double tau = kShortestLikeness; tau < pulse; tau *= kLikenessFactor) {
+        double sum = 0.0;
+        double squares = 0.0;
+        for (std::size_t k = 0; k < logarithms.size(); ++k) {
+            const double c = std::exp(-std::ldexp(1.0, static_cast<int>(k)) / tau);
+            const double off = logarithms[k] - std::log(2.0 * (1.0 - c) * (3.0 - c));
+            sum += off;
+            squares += off * off;
+        }
+        const auto n = static_cast<double>(logarithms.size());
+        if (squares - sum * sum / n < least) {
+            least = squares - sum * sum / n;
+            level = sum / n;
+            best = std::exp(-1.0 / tau);
+        }
+    }
+    if (std::isfinite(least)) {
+        alike = (1.0 + best) / (1.0 - best);
+        const double part = std::min(1.0, std::exp(0.5 * level));
+        for (double& sigma : sigmas) {
+            sigma = std::max(kLeastSigma_dB, sigma * part);
+        }
+    }
+}
+
 void NoiseProfile::measureCorrelation(const Trace& trace, double pulse)
 {
     const double length = std::max(kShortestMean, std::ceil(kMeanPulses * pulse));
     const std::vector<Bend> bends = bendsOf(trace, static_cast<std::size_t>(length));
     if (bends.size() < kFewestBends) {
+        measureCorrelationByLags(trace, pulse);
         return;
     }
     std::vector<double> values;
@@ -226,6 +356,7 @@ void NoiseProfile::measureCorrelation(const Trace& trace, double pulse)
         values.push_back(bend->square
                          - kMedianOfSquare * alike * bend->sigma * bend->sigma / length);
     }
+    isWanderKnown = true;
     wander = std::sqrt(std::max(0.0, medianOf(values) / kMedianOfSquare));
 }
 

@@ -7,6 +7,12 @@ namespace otdr {
 
 class Trace;
 
+/// Standard deviation of the samples first .. last - 1 about the fibre, dB, by the median of second
+/// differences over `lag` samples, > 0: slopes do not count, nor what disturbs few of them. 0 where
+/// there are none.
+[[nodiscard]] double scatterOf_dB(const Trace& trace, std::size_t first, std::size_t last,
+                                  std::size_t lag);
+
 /// The noise of a trace, estimated from its own samples.
 ///
 /// Scatter is told per sample, for a trace without its events and slopes: the median of second
@@ -22,6 +28,9 @@ public:
     /// Standard deviation of a single sample about the fibre at an index, dB.
     [[nodiscard]] double sigma_dB(double index) const;
 
+    /// No index of a stretch has less, dB.
+    [[nodiscard]] double leastSigma_dB(double from, double to) const;
+
     /// By how much the variance of a mean over n samples exceeds sigma^2 / n: neighbours that pass
     /// the same receiver are alike. At least 1.
     [[nodiscard]] double correlation() const { return alike; }
@@ -29,6 +38,9 @@ public:
     /// What a mean over a pulse or two strays from the straight line by beyond its noise, dB: fibre
     /// is not quite even, and receivers are not quite linear.
     [[nodiscard]] double wander_dB() const { return wander; }
+
+    /// Whether the record was long enough to tell that; else it is 0.
+    [[nodiscard]] bool knowsWander() const { return isWanderKnown; }
 
     /// Level of light as strong as the RMS noise (SNR = 1), dB. Where the record does not reach the
     /// noise it follows from the scatter of its last part.
@@ -48,6 +60,8 @@ private:
     void levelOut(const Trace& trace);
     void measureFloor(const Trace& trace);
     void measureCorrelation(const Trace& trace, double pulse);
+    void measureCorrelationByLags(const Trace& trace, double pulse);
+    [[nodiscard]] double differenceOver(const Trace& trace, std::size_t lag) const;
 
     std::size_t first;
     std::size_t last;
@@ -55,6 +69,7 @@ private:
     std::vector<double> sigmas; ///< of each block
     double alike = 1.0;
     double wander = 0.0;
+    bool isWanderKnown = false;
     double rms = 0.0;
 };
 

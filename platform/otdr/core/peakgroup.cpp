@@ -50,6 +50,15 @@ constexpr double kNeighbour_dB = 0.5;
 constexpr double kTailPulses = 1.5;
 constexpr double kTailPulsesPerDb = 0.8;
 
+/// Reflections from this height on have a tail that counts. It is seen where it exceeds so many
+/// standard errors, goes on for so many pulses more, and is given so many and this part of the
+/// fibre behind it at most.
+constexpr double kTail_dB = 1.0;
+constexpr double kTailErrors = 2.5;
+constexpr double kHiddenTailPulses = 2.5;
+constexpr double kLongestTailPulses = 10.0;
+constexpr double kTailPart = 0.25;
+
 double power(double level_dB)
 {
     return std::pow(10.0, level_dB / 5.0);
@@ -236,6 +245,57 @@ private:
 };
 
 } // namespace
+
+double PeakGroup::height_dB() const
+{
+    return *std::max_element(heights_dB.begin(), heights_dB.end());
+}
+
+double highestFoot(const PeakGroup& peak)
+{
+    const auto highest = std::max_element(peak.heights_dB.begin(), peak.heights_dB.end());
+    return peak.feet[static_cast<std::size_t>(highest - peak.heights_dB.begin())];
+}
+
+void dropLowFeet(PeakGroup& peak, double least_dB)
+{
+    const double least = std::min(least_dB, peak.height_dB());
+    for (std::size_t i = peak.feet.size(); i-- > 0;) {
+        if (!(peak.heights_dB[i] >= least)) {
+            peak.feet.erase(peak.feet.begin() + static_cast<std::ptrdiff_t>(i));
+            peak.heights_dB.erase(peak.heights_dB.begin() + static_cast<std::ptrdiff_t>(i));
+        }
+    }
+}
+
+double fibreBeforePeak(const FibreTrace& trace)
+{
+    return (kClearGaps + kFibreGaps) * trace.gap();
+}
+
+double clearOfTail(const FibreTrace& trace, const PeakGroup& peak, double from, double to)
+{
+    if (peak.height_dB() < kTail_dB) {
+        return from;
+    }
+    const double w = trace.scale().pulse;
+    const double longest = trace.scale().longestWindow;
+    const double last = from + std::min(kLongestTailPulses * w, kTailPart * (to - from));
+    const auto isTail = [&](double at) {
+        const auto line = trace.fit(at + w, std::min(to, at + w + longest));
+        const double middle = at + 0.5 * (w - 1.0);
+        const double error =
+            trace.noise().sigma_dB(middle) * std::sqrt(trace.noise().correlation() / w);
+        return line
+            && trace.mean_dB(at, at + w) - line->at(middle)
+            > kTailErrors * std::hypot(error, line->errorAt_dB(middle));
+    };
+    double at = from;
+    while (at < last && isTail(at)) {
+        at += std::max(1.0, 0.5 * w);
+    }
+    return std::min(at + kHiddenTailPulses * w, std::max(from, last));
+}
 
 std::vector<double> risesBetween(const FibreTrace& trace, double foot, double to)
 {

@@ -14,7 +14,26 @@ struct PeakGroup
     std::vector<double> heights_dB; ///< of each above the fibre before the group
     double behind = 0.0; ///< from here on the fibre is undisturbed
     bool saturated = false;
+
+    /// Of the highest.
+    [[nodiscard]] double height_dB() const;
 };
+
+/// Index of the rise to the highest reflection of a group.
+[[nodiscard]] double highestFoot(const PeakGroup& peak);
+
+/// Leaves out what rises less than this, but the highest.
+void dropLowFeet(PeakGroup& peak, double least_dB);
+
+/// Where no tail of a reflection is left on the fibre between two indices, the first of which lies
+/// behind its dead zone. What stands above the line through all the fibre that follows is tail, and
+/// once it is no more seen it goes on in the noise for a while; at most a part of that fibre is
+/// given to it.
+[[nodiscard]] double clearOfTail(const FibreTrace& trace, const PeakGroup& peak, double from,
+                                 double to);
+
+/// How far before a reflection the fibre is looked at, samples.
+[[nodiscard]] double fibreBeforePeak(const FibreTrace& trace);
 
 /// Looks closely at a reflection near `at`, between the undisturbed fibre that begins at `from` and
 /// what comes next at `to`.

@@ -27,51 +27,105 @@ std::uint16_t smallestCount(const RawSamples& samples)
 
 } // namespace
 
-PrefixSums::PrefixSums(RawSamples shared)
-    : samples(std::move(shared))
-{
-    const std::size_t blocks = samples.size() / kBlock;
-    marks.resize(blocks + 1);
-    for (std::size_t b = 0; b < blocks; ++b) {
-        marks[b + 1] = marks[b] + straightSum(b * kBlock, (b + 1) * kBlock);
-    }
-}
-
 /// Sums over a short stretch, sample by sample.
+template <bool squares>
 PrefixSums::Running PrefixSums::straightSum(std::size_t first, std::size_t last) const
 {
     // Of a short stretch, counted from its own start, 64 bits are far from needed: 32 make faster
     // vectors.
-    const std::uint16_t* counts = samples.data();
+    const std::uint16_t* counts = samples.data() + first;
+    const auto n = static_cast<std::int16_t>(last - first);
     std::int32_t y = 0;
     std::int32_t xy = 0;
     std::int64_t yy = 0;
-    for (std::size_t i = first; i < last; ++i) {
-        const auto value =
-            static_cast<std::int32_t>(counts[i]) - static_cast<std::int32_t>(kMiddle);
+    for (std::int16_t i = 0; i < n; ++i) {
+        const auto value = static_cast<std::int16_t>(counts[i] - kMiddle);
         y += value;
-        xy += static_cast<std::int32_t>(i - first) * value;
-        yy += static_cast<std::int64_t>(value) * value;
+        xy += static_cast<std::int32_t>(i) * value;
+        if (squares) {
+            yy += static_cast<std::int32_t>(value) * value;
+        }
     }
     const auto sum = static_cast<std::uint64_t>(static_cast<std::int64_t>(y));
     return {sum, static_cast<std::uint64_t>(static_cast<std::int64_t>(xy)) + first * sum,
             static_cast<std::uint64_t>(yy)};
 }
 
+PrefixSums::PrefixSums(RawSamples shared)
+    : samples(std::move(shared))
+{
+    const std::size_t blocks = samples.size() / kBlock;
+    marks.resize(blocks + 1);
+    for (std::size_t b = 0; b < blocks; ++b) {
+        marks[b + 1] = marks[b] + straightSum<true>(b * kBlock, (b + 1) * kBlock);
+    }
+}
+
+std::int64_t PrefixSums::straightTotal(std::size_t first, std::size_t last) const
+{
+    const std::uint16_t* counts = samples.data();
+    std::int32_t y = 0; // of at most two blocks
+    for (std::size_t i = first; i < last; ++i) {
+        y += static_cast<std::int16_t>(counts[i] - kMiddle);
+    }
+    return y;
+}
+
+/// The mark nearest to an index: what lies between is half a block at most, but behind the last
+/// mark.
+std::size_t PrefixSums::markNear(std::size_t i) const
+{
+    return std::min((i + kBlock / 2) / kBlock, marks.size() - 1);
+}
+
+template <bool squares>
 PrefixSums::Running PrefixSums::before(std::size_t i) const
 {
-    const std::size_t block = i / kBlock;
-    return marks[block] + straightSum(block * kBlock, i);
+    const std::size_t mark = markNear(i);
+    const std::size_t at = mark * kBlock;
+    return at <= i ? marks[mark] + straightSum<squares>(at, i)
+                   : marks[mark] - straightSum<squares>(i, at);
+}
+
+std::int64_t PrefixSums::totalBefore(std::size_t i) const
+{
+    const std::size_t mark = markNear(i);
+    const std::size_t at = mark * kBlock;
+    const auto total = static_cast<std::int64_t>(marks[mark].y);
+    return at <= i ? total + straightTotal(at, i) : total - straightTotal(i, at);
+}
+
+double PrefixSums::mean(std::size_t first, std::size_t last) const
+{
+    last = std::min(last, samples.size());
+    if (first >= last) {
+        return std::numeric_limits<double>::quiet_NaN();
+    }
+    const std::size_t n = last - first;
+    const std::int64_t total =
+        n <= 2 * kBlock ? straightTotal(first, last) : totalBefore(last) - totalBefore(first);
+    return kMiddle + static_cast<double>(total) / static_cast<double>(n);
 }
 
 LineSums PrefixSums::sums(std::size_t first, std::size_t last) const
+{
+    return sumsWith<true>(first, last);
+}
+
+LineSums PrefixSums::sumsWithoutSquares(std::size_t first, std::size_t last) const
+{
+    return sumsWith<false>(first, last);
+}
+
+template <bool squares>
+LineSums PrefixSums::sumsWith(std::size_t first, std::size_t last) const
 {
     last = std::min(last, samples.size());
     LineSums result;
     if (first >= last || last - first > kLongest) {
         return result;
     }
-    const Running sum = before(last) - before(first);
+    const Running sum = before<squares>(last) - before<squares>(first);
     const std::size_t n = last - first;
     result.samples = n;
     result.centre = first + (n - 1) / 2;
@@ -85,7 +139,9 @@ LineSums PrefixSums::sums(std::size_t first, std::size_t last) const
     result.base = kMiddle + shift;
     result.y = y - shift * count;
     result.xy = static_cast<std::int64_t>(sum.xy - result.centre * sum.y) - shift * positions;
-    result.yy = static_cast<std::int64_t>(sum.yy) - 2 * shift * y + shift * shift * count;
+    if (squares) {
+        result.yy = static_cast<std::int64_t>(sum.yy) - 2 * shift * y + shift * shift * count;
+    }
     return result;
 }
 

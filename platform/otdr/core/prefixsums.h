@@ -40,6 +40,13 @@ public:
     /// more than kLongest.
     [[nodiscard]] LineSums sums(std::size_t first, std::size_t last) const;
 
+    /// The same where the scatter about the line is not asked for: yy stays 0, at half the cost.
+    [[nodiscard]] LineSums sumsWithoutSquares(std::size_t first, std::size_t last) const;
+
+    /// Mean raw count of the samples first .. last - 1, cut to the trace, however many; NaN for
+    /// none.
+    [[nodiscard]] double mean(std::size_t first, std::size_t last) const;
+
     /// Bytes kept beside the samples.
     [[nodiscard]] std::size_t bytes() const { return marks.size() * sizeof(Running); }
 
@@ -62,8 +69,17 @@ private:
     };
 
     /// Sums of the samples before index i.
+    template <bool squares>
     [[nodiscard]] Running before(std::size_t i) const;
+    template <bool squares>
     [[nodiscard]] Running straightSum(std::size_t first, std::size_t last) const;
+    template <bool squares>
+    [[nodiscard]] LineSums sumsWith(std::size_t first, std::size_t last) const;
+
+    /// Of raw - 2^15 alone.
+    [[nodiscard]] std::int64_t totalBefore(std::size_t i) const;
+    [[nodiscard]] std::int64_t straightTotal(std::size_t first, std::size_t last) const;
+    [[nodiscard]] std::size_t markNear(std::size_t i) const;
 
     RawSamples samples;
     std::vector<Running> marks;

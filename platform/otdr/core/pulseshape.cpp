@@ -58,6 +58,7 @@ PulseShape::PulseShape(double pulse, double timeConstant)
     for (std::size_t i = 1; i < size; ++i) {
         areas[i] = areas[i - 1] + 0.5 * cell * (steps[i - 1] + steps[i]);
     }
+    lastArea = static_cast<double>(size - 1) * cell;
     delay = static_cast<double>(size - 1) * cell - areas.back();
     length = static_cast<double>(size) * cell;
     half = static_cast<double>(std::lower_bound(steps.begin(), steps.end(), 0.5) - steps.begin())
@@ -68,16 +69,10 @@ PulseShape::PulseShape(double pulse, double timeConstant)
 // of t k(t), both from 0 to u: the light of u samples of a falling fibre is the integral of k(t)
 // exp(decay t), so that its part of the whole is (S + decay M) / (1 + decay M(infinity)). By parts,
 // M = u S - (area under S up to u), and M(infinity) is the mean delay.
-double PulseShape::step(double behind, double decay) const
+PulseShape::Fall::Fall(const PulseShape& shape, double decay)
+    : tilt(std::clamp(decay, -0.5 / shape.delay, 0.5 / shape.delay))
+    , whole(1.0 + tilt * shape.delay)
 {
-    if (!(behind > 0.0)) {
-        return 0.0;
-    }
-    const double part = step(behind);
-    const auto last = static_cast<double>(areas.size() - 1) * cell;
-    const double moment = behind < last ? behind * part - at(areas, behind) : delay;
-    const double tilt = std::clamp(decay, -0.5 / delay, 0.5 / delay);
-    return std::clamp((part + tilt * moment) / (1.0 + tilt * delay), 0.0, 1.0);
 }
 
 double PulseShape::riseTo(double part) const

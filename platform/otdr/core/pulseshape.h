@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <vector>
 
@@ -27,10 +28,46 @@ public:
     /// behind it.
     [[nodiscard]] double step(double behind) const { return at(steps, behind); }
 
-    /// The same in a fibre whose light falls as exp(-decay x) from sample to sample: what the pulse
-    /// has nearer by counts for more. To the first order of the decay within a pulse; steeper ones,
-    /// by more than half of it, are taken for that.
-    [[nodiscard]] double step(double behind, double decay) const;
+    /// Fibre whose light falls as exp(-decay x) from sample to sample.
+    class Fall
+    {
+    public:
+        Fall(const PulseShape& shape, double decay);
+
+    private:
+        friend class PulseShape;
+        double tilt; ///< decay within a pulse, as far as it is believed
+        double whole; ///< what the pulse shows of such a fibre
+    };
+
+    /// What the pulse shows of a change of level at a place, for fibres that fall in any way.
+    struct Passed
+    {
+        double part = 0.0;
+        double moment = 0.0;
+    };
+
+    [[nodiscard]] Passed passed(double behind) const
+    {
+        const double part = step(behind);
+        return {part, behind < lastArea ? behind * part - at(areas, behind) : delay};
+    }
+
+    /// As step() in a falling fibre: what the pulse has nearer by counts for more. To the first
+    /// order of the decay within a pulse; steeper ones, by more than half of it, are taken for
+    /// that.
+    [[nodiscard]] static double step(const Passed& passed, const Fall& fall)
+    {
+        return std::clamp((passed.part + fall.tilt * passed.moment) / fall.whole, 0.0, 1.0);
+    }
+
+    [[nodiscard]] double step(double behind, double decay) const
+    {
+        return behind > 0.0 ? step(passed(behind), Fall(*this, decay)) : 0.0;
+    }
+
+    /// From so many samples behind an event on, nothing more changes.
+    [[nodiscard]] double over() const { return lastArea; }
 
     /// Part of the height of a reflection that shows `behind` samples behind the reflector.
     [[nodiscard]] double peak(double behind) const
@@ -72,6 +109,7 @@ private:
     std::vector<double> rises; ///< the edge: what a step of the light becomes
     std::vector<double> steps; ///< its mean over the pulse
     std::vector<double> areas; ///< samples' worth of step up to each entry
+    double lastArea = 0.0; ///< where the tables end
     double delay = 0.0; ///< by which a step comes late, in the mean
 };
 

@@ -42,4 +42,29 @@ TEST(DetectedSpan, StartComesBeforeTheEndWhereBothStandAtTheLastSample)
     EXPECT_EQ(found.events[0].index, found.events[1].index);
 }
 
+/// What is too small to be listed is part of the section that it lies in.
+TEST(DetectedSpan, SectionsHoldTheLossesThatAreNotListed)
+{
+    const TraceBuilder builder = TraceBuilder()
+                                     .fibre(12_km)
+                                     .behind(3000)
+                                     .noise(0.002_dB, 23)
+                                     .splice(4_km, 0.1_dB)
+                                     .splice(5_km, 0.01_dB)
+                                     .splice(6_km, 0.2_dB);
+    const auto trace = builder.build();
+    const otdr::Detection found = otdr::detectEvents(*trace, {100.0, builder.metresPerNs(), -80.0});
+    ASSERT_EQ(found.events.size(), 4U);
+    EXPECT_NEAR(found.events[1].loss_dB, 0.1, 0.001);
+    EXPECT_NEAR(found.events[2].loss_dB, 0.2, 0.001);
+    ASSERT_EQ(found.sections.size(), 3U);
+    const double fibre_dB = found.sections[2].loss_dB / 6.0; // in a kilometre
+    EXPECT_NEAR(found.sections[1].loss_dB, 2.0 * fibre_dB + 0.01, 0.001);
+    double sum = found.events[1].loss_dB + found.events[2].loss_dB;
+    for (const otdr::DetectedSection& section : found.sections) {
+        sum += section.loss_dB;
+    }
+    EXPECT_NEAR(sum, found.spanLoss_dB, 1e-9);
+}
+
 } // namespace

@@ -116,6 +116,30 @@ TEST(FitPeak, FindsFootAndHeightOfAReflectionOnALoss)
     }
 }
 
+/// The light of a reflector stays the same while the pulse passes it, that of the fibre falls: over
+/// the line before, the top of the pulse rises. The height is the one in the middle of the pulse.
+TEST(FitPeak, FindsTheFootOnFibreThatFallsWithinAPulse)
+{
+    const double foot = 1000.4;
+    const double pulse = 200.0;
+    const double slope_dB = -0.002; // 0.4 dB in a pulse
+    const PulseShape shape(pulse, 0.08 * pulse);
+    otdr::Line line = flatLine(30.0);
+    line.centre = foot;
+    line.slope_dB = slope_dB;
+    const double middle = std::pow(10.0, line.at(foot + 0.5 * pulse) / 5.0);
+    for (const double height_dB : {0.1, 1.0}) {
+        const double light = (std::pow(10.0, height_dB / 5.0) - 1.0) * middle;
+        const DrawnFibre fibre(4000, scaleOf(pulse), [&](double i) {
+            return 5.0
+                * std::log10(std::pow(10.0, line.at(i) / 5.0) + light * shape.peak(i - foot));
+        });
+        const auto fit = otdr::fitPeak(*fibre, foot + 20.0, line, line);
+        EXPECT_NEAR(fit.foot, foot, 0.5) << height_dB;
+        EXPECT_NEAR(fit.height_dB, height_dB, 0.002) << height_dB;
+    }
+}
+
 /// Least squares: a height that n samples show is known to s / sqrt(n), whatever they are gathered
 /// into.
 TEST(FitPeak, HeightIsKnownByTheSamplesThatShowIt)

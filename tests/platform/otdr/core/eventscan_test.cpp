@@ -128,6 +128,31 @@ TEST(ScanSteps, WindowsAreTwiceAsLongEachTimeUpToTheLongest)
     EXPECT_GT(found.front().window, shortest);
 }
 
+/// A long trace is scanned piece by piece: the seams lose nothing and list nothing twice.
+TEST(ScanSteps, FindsALossWhereverItLiesOnALongTrace)
+{
+    for (double at = 200.0; at < 19800.0; at += 377.0) {
+        const DrawnFibre fibre(20'000, windowsUpTo(600.0),
+                               [=](double i) { return i < at ? 30.0 : 29.7; });
+        const auto found = otdr::scanSteps(*fibre, 0.0, 20'000.0, 8.0);
+        ASSERT_EQ(found.size(), 1U) << at;
+        EXPECT_NEAR(found[0].at, at, 1.25 * fibre->gap());
+    }
+}
+
+TEST(ScanPeaks, FindsAReflectionWhereverItLiesOnALongTrace)
+{
+    for (double at = 200.0; at < 19800.0; at += 377.0) {
+        const DrawnFibre fibre(20'000, windowsUpTo(600.0),
+                               [=](double i) { return i < at || i >= at + kPulse ? 30.0 : 31.0; });
+        const auto found = otdr::scanPeaks(*fibre, 0.0, 20'000.0, 8.0);
+        ASSERT_FALSE(found.empty()) << at;
+        for (const Candidate& one : found) {
+            EXPECT_NEAR(one.at, at, 1.25 * fibre->gap());
+        }
+    }
+}
+
 /// Long windows hardly tell where a loss is; shorter ones that show it do.
 TEST(ScanSteps, PlacesAreThoseOfTheShortestWindowsThatShowThem)
 {

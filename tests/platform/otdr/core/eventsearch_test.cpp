@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <random>
 #include <vector>
 
 namespace {
@@ -94,6 +96,17 @@ TEST(EventSearch, LearnsTheReceiverFromTheFastestReflection)
     EXPECT_NEAR(scaleFoundOn(link).timeConstant, 8.0, 1.5);
 }
 
+/// With a pulse of a nanosecond or two the receiver might be far slower than suits the pulse; a
+/// steep flank shows that it is not.
+TEST(EventSearch, LearnsAFastReceiverFromAReflection)
+{
+    const DrawnFibre link = linkOf({{5000.0, 0.2, 8.0}}, 1.6);
+    const otdr::Trace trace(link->samples().samples(), otdr::kUsualDbPerCount,
+                            otdr::TraceAxis {0.1, 0.0}); // so that 1 ns is ten samples
+    const EventSearch search(trace, {0.1 * kPulse, 0.1, -80.0}, {});
+    EXPECT_NEAR(search.trace().scale().timeConstant, 1.6, 0.8);
+}
+
 /// Receivers are tried that differ by a factor of 1.8.
 TEST(EventSearch, LearnsASlowReceiverFromClearLosses)
 {
@@ -110,6 +123,35 @@ TEST(EventSearch, KeepsTheUsualReceiverWhereNothingSpeaksAgainstIt)
 {
     const DrawnFibre link = linkOf({{3000.0, 0.3, 0.0}, {6000.0, 0.1, 15.0}}, 1.6);
     EXPECT_DOUBLE_EQ(scaleFoundOn(link).timeConstant, 1.6);
+}
+
+/// Noise that has passed the receiver, too.
+std::vector<double> smoothNoise_dB(std::size_t samples, double sigma_dB, std::uint64_t seed)
+{
+    const double alike = std::exp(-1.0 / 1.6);
+    std::mt19937_64 random(seed);
+    std::normal_distribution<double> normal(0.0, sigma_dB);
+    std::vector<double> noise(samples);
+    double value = normal(random);
+    for (double& one : noise) {
+        one = value;
+        value = alike * value + std::sqrt(1.0 - alike * alike) * normal(random);
+    }
+    return noise;
+}
+
+/// Some slow ramp always follows the noise around a loss a little better.
+TEST(EventSearch, LearnsNoReceiverFromNoise)
+{
+    const otdr::PulseShape shape(kPulse, 1.6);
+    for (std::uint64_t seed = 1; seed <= 400; ++seed) {
+        const std::vector<double> noise = smoothNoise_dB(6000, 0.06, seed);
+        const DrawnFibre link(6000, scaleOf(kPulse), [&](double i) {
+            return 40.0 - 0.00003 * i + eventLevel_dB(shape, i - 3000.0, 0.0, -0.085)
+                + noise[static_cast<std::size_t>(i)];
+        });
+        EXPECT_DOUBLE_EQ(scaleFoundOn(link).timeConstant, 1.6) << seed;
+    }
 }
 
 TEST(EventSearch, FindsEachPlaceOnce)

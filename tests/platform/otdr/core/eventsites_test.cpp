@@ -169,28 +169,48 @@ TEST(EventSites, DropsWhatALineThroughBothSidesExplains)
     EXPECT_GT(sites.sites().front().right->line.samples, 2500U);
 }
 
-TEST(EventSites, KeepsALossOfTheLeastThatIsListed)
-{
-    const DrawnFibre fibre = fibreWith({{3000.0, 0.1}});
-    EventSites sites(*fibre, 100.0, 5900.0);
-    sites.add({siteAt(fibre, 3000.0)});
-    sites.dropUnlikely(0.099, 5.0);
-    EXPECT_EQ(sites.sites().size(), 1U);
-    sites.dropUnlikely(0.101, 5.0);
-    EXPECT_TRUE(sites.sites().empty());
-}
-
 TEST(EventSites, ALossMayBeAsSmallAsTheLeastThatIsListed)
 {
-    const DrawnFibre fibre = fibreWith({{3000.0, 0.1}});
+    const DrawnFibre fibre = fibreWith({{3000.0, 0.05}}, 0.1);
     EventSites sites(*fibre, 100.0, 5900.0);
     sites.add({siteAt(fibre, 3000.0)});
     sites.measure();
     const double loss_dB = sites.sites().front().loss_dB;
-    sites.dropUnlikely(loss_dB, 5.0);
-    EXPECT_EQ(sites.sites().size(), 1U);
-    sites.dropUnlikely(std::nextafter(loss_dB, 1.0), 5.0);
+    sites.dropUnlikely(loss_dB, 2.0);
+    ASSERT_EQ(sites.sites().size(), 1U);
+    EXPECT_FALSE(sites.sites().front().isBorder);
+    // Ten standard errors would make it a border.
+    ASSERT_LT(loss_dB, 10.0 * sites.sites().front().error_dB);
+    sites.dropUnlikely(std::nextafter(loss_dB, 1.0), 2.0);
     EXPECT_TRUE(sites.sites().empty());
+}
+
+/// Lines that ran over a small change would tell wrong losses at both of its neighbours.
+TEST(EventSites, AClearChangeTooSmallToBeListedStaysAsABorder)
+{
+    const DrawnFibre fibre = fibreWith({{2000.0, 0.1}, {3000.0, 0.01}, {4000.0, 0.1}}, 0.002);
+    EventSites sites(*fibre, 100.0, 5900.0);
+    sites.add({siteAt(fibre, 2000.0), siteAt(fibre, 3000.0), siteAt(fibre, 4000.0)});
+    sites.dropUnlikely(0.015, 5.0);
+    ASSERT_EQ(placesOf(sites), (std::vector<double> {2000.0, 3000.0, 4000.0}));
+    EXPECT_FALSE(sites.sites()[0].isBorder);
+    EXPECT_TRUE(sites.sites()[1].isBorder);
+    EXPECT_FALSE(sites.sites()[2].isBorder);
+    for (const std::size_t k : {0U, 2U}) {
+        EXPECT_NEAR(sites.sites()[k].loss_dB, 0.1, 3.0 * sites.sites()[k].error_dB) << k;
+    }
+}
+
+TEST(EventSites, ASmallChangeIsDroppedWhereItIsNotClear)
+{
+    for (const DrawnEvent& small : {DrawnEvent {3000.0, 0.01}, DrawnEvent {3000.0, 0.003}}) {
+        const double sigma = small.loss_dB > 0.005 ? 0.02 : 0.001;
+        const DrawnFibre fibre = fibreWith({small}, sigma);
+        EventSites sites(*fibre, 100.0, 5900.0);
+        sites.add({siteAt(fibre, 3000.0)});
+        sites.dropUnlikely(0.015, 5.0);
+        EXPECT_TRUE(sites.sites().empty()) << small.loss_dB;
+    }
 }
 
 /// Too close to each other for a line between them, neither tells its loss: the nearer one goes,

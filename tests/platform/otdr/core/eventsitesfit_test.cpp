@@ -76,6 +76,68 @@ TEST(EventSites, AReflectionLowerThanTheLeastIsNone)
     EXPECT_TRUE(sites.sites()[2].peak);
 }
 
+/// Light too weak to be listed bends the ramp all the same.
+TEST(EventSites, LightTooWeakToBeListedTellsTheFoot)
+{
+    const DrawnFibre fibre = fibreWith({{3000.4, 0.1, 0.05}}, 0.001);
+    EventSites sites(*fibre, 100.0, 5900.0);
+    sites.add({siteAt(fibre, 2995.0)});
+    sites.measure();
+    sites.refine(20.0);
+    EXPECT_GT(sites.sites().front().at, 3003.0); // as the ramp alone has it
+    sites.findReflections(0.1, 5.0);
+    sites.refine(20.0);
+    const Site& site = sites.sites().front();
+    EXPECT_FALSE(site.peak);
+    EXPECT_TRUE(site.glows);
+    EXPECT_NEAR(site.at, 3000.4, 0.5);
+    EXPECT_DOUBLE_EQ(site.behind, site.at + fibre->gap());
+}
+
+/// What is no pulse on a ramp moves no foot: here a step up a pulse before the loss.
+TEST(EventSites, LightOfAnotherShapeTellsNoFoot)
+{
+    const DrawnFibre fibre = fibreWith({{2960.0, -0.04}, {3000.4, 0.14}}, 0.001);
+    EventSites sites(*fibre, 100.0, 5900.0);
+    sites.add({siteAt(fibre, 3000.0)});
+    sites.measure();
+    sites.findReflections(0.1, 5.0);
+    EXPECT_FALSE(sites.sites().front().glows);
+}
+
+/// A loss before a reflection bends the line through both sides of it; once it is known, the line
+/// ends behind it.
+TEST(EventSites, MeasuresAReflectionAnewBehindAPlaceThatItsLineRanOver)
+{
+    const DrawnFibre fibre = fibreWith({{2930.0, 0.4}, {3000.4, 0.3, 4.0}}, 0.001);
+    const otdr::PeakGroup bent = measurePeak(*fibre, 3000.0, 100.0, 5900.0);
+    ASSERT_GT(std::abs(bent.heights_dB.front() - 4.0), 0.05);
+    Site site;
+    site.at = bent.feet.front();
+    site.behind = bent.behind;
+    site.peak = bent;
+    EventSites sites(*fibre, 100.0, 5900.0);
+    sites.add({siteAt(fibre, 2930.0), site});
+    sites.measure();
+    sites.remeasurePeaks(0.05);
+    const Site& found = sites.sites().back();
+    EXPECT_NEAR(found.at, 3000.4, 1.0);
+    EXPECT_EQ(found.at, found.peak->feet.front());
+    EXPECT_EQ(found.behind, found.peak->behind);
+    EXPECT_NEAR(found.peak->heights_dB.front(), 4.0, 0.03);
+}
+
+TEST(EventSites, LeavesReflectionsWithFibreEnoughBeforeThemAsTheyWere)
+{
+    const DrawnFibre fibre = fibreWith({{1000.0, 0.4}, {3000.4, 0.3, 4.0}}, 0.001);
+    EventSites sites(*fibre, 100.0, 5900.0);
+    sites.add({siteAt(fibre, 1000.0), peakAt(fibre, 3010.0, 3.0)});
+    sites.measure();
+    sites.remeasurePeaks(0.05);
+    EXPECT_EQ(sites.sites().back().at, 3010.0);
+    EXPECT_EQ(sites.sites().back().peak->heights_dB.front(), 3.0);
+}
+
 TEST(EventSites, FindsALowReflectionOnTheRampOfALoss)
 {
     const DrawnFibre fibre = fibreWith({{3000.0, 0.2, 0.3}, {4500.0, 0.2}}, 0.005);
@@ -153,6 +215,47 @@ TEST(EventSites, AReflectionLeavesRoomForTheNextPlace)
     };
     EXPECT_FALSE(isFound(next));
     EXPECT_TRUE(isFound(next + 1e-9));
+}
+
+/// A tail that the samples next to it hide in their noise shows beside all the fibre that follows.
+TEST(EventSites, LinesBeginBehindTheTailOfAReflection)
+{
+    const double at = 3000.0;
+    const otdr::PulseShape shape(kSitesPulse, 0.08 * kSitesPulse);
+    const DrawnFibre fibre(
+        6000, scaleOf(kSitesPulse, 2000.0),
+        [&](double i) {
+            const double tail = i > at + 60.0 ? 0.08 * std::exp((at + 60.0 - i) / 40.0) : 0.0;
+            return 40.0 - 0.0005 * i + eventLevel_dB(shape, i - at, 0.0, -0.2, 12.0) + tail;
+        },
+        0.02);
+    EventSites sites(*fibre, 100.0, 5900.0);
+    Site site = peakAt(fibre, at, 12.0);
+    site.behind = at + 60.0;
+    sites.add({site});
+    sites.measure();
+    const Site& found = sites.sites().front();
+    EXPECT_GT(found.clear, at + 60.0 + 2.5 * kSitesPulse);
+    EXPECT_LE(found.clear, at + 60.0 + 10.0 * kSitesPulse);
+    EXPECT_EQ(sites.lineFrom(1), found.clear);
+    EXPECT_EQ(sites.fibreFrom(1), found.behind);
+    EXPECT_NEAR(found.loss_dB, 0.2, 2.5 * found.error_dB);
+
+    // Of short fibre a quarter at most is given to it.
+    sites.add({siteAt(fibre, at + 160.0)});
+    sites.measure();
+    EXPECT_LE(sites.sites().front().clear, at + 60.0 + 25.0);
+}
+
+TEST(EventSites, LinesBeginAtOnceBehindALossOrALowReflection)
+{
+    const DrawnFibre fibre = fibreWith({{2000.0, 0.1}, {4000.0, 0.1, 0.9}}, 0.002);
+    EventSites sites(*fibre, 100.0, 5900.0);
+    sites.add({siteAt(fibre, 2000.0), peakAt(fibre, 4000.0, 0.9)});
+    sites.measure();
+    for (const Site& site : sites.sites()) {
+        EXPECT_EQ(site.clear, site.behind);
+    }
 }
 
 } // namespace

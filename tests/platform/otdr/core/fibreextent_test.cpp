@@ -68,4 +68,22 @@ TEST(FibreExtent, LightReachesToTheEndOfARecordWithoutTwoStretchesOfNoise)
     EXPECT_EQ(lastLit(571), 570.0);
 }
 
+/// With long pulses fibre itself loses a decibel from before a reflection to behind it.
+TEST(FibreExtent, WhatFibreLosesOnTheWayIsNoFall)
+{
+    const double pulse = 400.0;
+    const otdr::PulseShape shape(pulse, 0.08 * pulse);
+    for (const double height_dB : {0.0, 2.0, 2.6, 2.9}) {
+        const DrawnFibre fibre(24'000, scaleOf(pulse), [&](double i) {
+            const double line = 36.0 - 0.001 * i;
+            const double event = eventLevel_dB(shape, i - 6000.0, 0.0, -0.4, height_dB);
+            const double next = eventLevel_dB(shape, i - 11'000.0, 0.0, -0.3);
+            return i < 20'000.0 ? line + event + next : std::fmod(i, 3.0) * 2.0;
+        });
+        const otdr::FibreExtent extent = otdr::findFibre(*fibre, 3.0);
+        EXPECT_EQ(extent.kind, otdr::FibreExtent::End::Found) << height_dB;
+        EXPECT_NEAR(extent.end, 19'999.5, 2.0) << height_dB;
+    }
+}
+
 } // namespace

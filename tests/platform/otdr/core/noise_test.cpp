@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <random>
 #include <vector>
 
@@ -113,6 +115,113 @@ TEST(NoiseProfile, IsLevelledOutWhereTheNearerFibreScattersClearlyMore)
     EXPECT_NEAR(jumping(3, 5).sigma_dB(128.0), 0.6 * far, 1e-9);
     // Weaker light may scatter more.
     EXPECT_NEAR(jumping(8, 5, -1.0).sigma_dB(128.0), 1.6 * far, 1e-9);
+}
+
+/// Beyond 0.4 dB the median of the differences is more than what is counted, 1 dB.
+TEST(NoiseProfile, TellsScatterOfAnySize)
+{
+    for (const double sigma : {0.01, 0.1, 0.38, 0.45, 2.0}) {
+        const auto trace = TraceBuilder().fibre(10_km).noise(Decibels {sigma}, 3).build();
+        const NoiseProfile noise = profileOf(*trace);
+        for (double at = 500.0; at < 9000.0; at += 1000.0) {
+            EXPECT_NEAR(noise.sigma_dB(at), sigma, 0.2 * sigma) << at;
+        }
+    }
+}
+
+/// Noise of a pole of 20 samples on fibre with a loss every four pulses, a record of 40 pulses:
+/// (1 + c) / (1 - c) with c = exp(-1 / 20) is 40.
+TEST(NoiseProfile, OfARecordOfFewPulsesIsMeasuredBetweenItsEvents)
+{
+    const double pulse = 250.0;
+    const double c = std::exp(-1.0 / 20.0);
+    std::mt19937_64 random(12);
+    std::normal_distribution<double> normal(0.0, 30.0);
+    std::vector<std::uint16_t> counts(10000);
+    double noise = normal(random);
+    for (std::size_t i = 0; i < counts.size(); ++i) {
+        noise = c * noise + std::sqrt(1.0 - c * c) * normal(random);
+        const double part = std::fmod(static_cast<double>(i), 4.0 * pulse) / pulse;
+        const double lost =
+            std::floor(static_cast<double>(i) / (4.0 * pulse)) + std::min(1.0, part);
+        counts[i] = static_cast<std::uint16_t>(std::lround(20000.0 + 300.0 * lost + noise));
+    }
+    const otdr::Trace trace(otdr::RawSamples(counts), otdr::kUsualDbPerCount, {});
+    const NoiseProfile found = profileOf(trace, pulse);
+    EXPECT_GT(found.correlation(), 20.0);
+    EXPECT_LT(found.correlation(), 80.0);
+    EXPECT_NEAR(found.sigma_dB(5000.0), 0.03, 0.01);
+}
+
+/// Light that falls evenly scatters by a power of e more from place to place.
+TEST(NoiseProfile, FollowsTheLightBetweenItsBlocksAndToTheEnds)
+{
+    std::mt19937_64 random(13);
+    std::normal_distribution<double> normal;
+    std::vector<std::uint16_t> counts(20000);
+    const auto sigma = [](double i) { return 0.005 * std::exp(i / 6000.0); };
+    for (std::size_t i = 0; i < counts.size(); ++i) {
+        counts[i] = static_cast<std::uint16_t>(
+            std::lround(20000.0 + 1000.0 * sigma(static_cast<double>(i)) * normal(random)));
+    }
+    const otdr::Trace trace(otdr::RawSamples(counts), otdr::kUsualDbPerCount, {});
+    const NoiseProfile noise = profileOf(trace, 300.0); // blocks of 3000 samples
+    for (double at = 0.0; at < 20000.0; at += 500.0) {
+        EXPECT_NEAR(noise.sigma_dB(at) / sigma(at), 1.0, 0.2) << at;
+    }
+}
+
+TEST(NoiseProfile, OutsideItsStretchIsThatOfItsEnds)
+{
+    const auto trace = TraceBuilder().fibre(10_km).noise(0.02_dB, 5).build();
+    const NoiseProfile noise(*trace, 10.0, 1000, 8000);
+    EXPECT_EQ(noise.sigma_dB(-1e9), noise.sigma_dB(1000.0));
+    EXPECT_EQ(noise.sigma_dB(1e9), noise.sigma_dB(8000.0));
+    EXPECT_EQ(noise.sigma_dB(std::nan("")), noise.sigma_dB(1000.0));
+}
+
+TEST(ScatterOf, KnowsNoSlopeAndNothingOfNoSamples)
+{
+    std::vector<std::uint16_t> counts(1000);
+    std::mt19937_64 random(14);
+    std::normal_distribution<double> normal(0.0, 20.0);
+    for (std::size_t i = 0; i < counts.size(); ++i) {
+        counts[i] = static_cast<std::uint16_t>(
+            std::lround(20000.0 + 10.0 * static_cast<double>(i) + normal(random)));
+    }
+    const otdr::Trace trace(otdr::RawSamples(counts), otdr::kUsualDbPerCount, {});
+    for (const std::size_t lag : {1U, 10U, 100U}) {
+        EXPECT_NEAR(otdr::scatterOf_dB(trace, 0, 1000, lag), 0.02, 0.003) << lag;
+    }
+    EXPECT_EQ(otdr::scatterOf_dB(trace, 500, 500, 1), 0.0);
+    EXPECT_EQ(otdr::scatterOf_dB(trace, 990, 2000, 5), 0.0);
+}
+
+/// Flat light whose scatter grows from one end to the other.
+TEST(NoiseProfile, NoPlaceOfAStretchHasLessThanItsLeast)
+{
+    std::mt19937_64 random(9);
+    std::normal_distribution<double> normal;
+    std::vector<std::uint16_t> counts(10000);
+    for (std::size_t i = 0; i < counts.size(); ++i) {
+        const double wave = 60.0 + 50.0 * std::sin(0.001 * static_cast<double>(i));
+        counts[i] = static_cast<std::uint16_t>(30000.0 + wave * normal(random));
+    }
+    const otdr::Trace trace(otdr::RawSamples(counts), otdr::kUsualDbPerCount, {});
+    const NoiseProfile noise(trace, 10.0, 100, 9900);
+    for (double from = -500.0; from < 10500.0; from += 333.0) {
+        for (const double length : {0.0, 10.0, 256.0, 1000.0, 5000.0}) {
+            double least = noise.sigma_dB(from);
+            for (double at = from; at <= from + length; at += 1.0) {
+                least = std::min(least, noise.sigma_dB(at));
+            }
+            const double told = noise.leastSigma_dB(from, from + length);
+            EXPECT_LE(told, least);
+            // Two blocks more than the stretch has may count.
+            EXPECT_GE(told, noise.leastSigma_dB(from - 512.0, from + length + 512.0));
+        }
+    }
+    EXPECT_LT(noise.leastSigma_dB(4000.0, 5000.0), 0.5 * noise.leastSigma_dB(1000.0, 2000.0));
 }
 
 TEST(NoiseProfile, StandsEmptyAndTinyTraces)

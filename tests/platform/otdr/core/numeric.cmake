@@ -27,6 +27,7 @@ waveform_test(otdr_core_numeric_test
         snapshot_test.cpp
         storedthresholds_test.cpp
         trace_test.cpp
+        windowsums_test.cpp
         ${PROJECT_SOURCE_DIR}/tests/support/tracebuilder.cpp
     DEPENDS otdr_core)
 

@@ -28,6 +28,18 @@ TraceBuilder quiet()
     return TraceBuilder().fibre(10_km).noise(0.002_dB, 5);
 }
 
+TEST(PeakGroup, WithoutItsLowFeetKeepsTheHighestHoweverLow)
+{
+    PeakGroup group {{100.0, 120.0, 140.0}, {0.2, 0.9, 0.4}, 200.0, false};
+    EXPECT_EQ(group.height_dB(), 0.9);
+    EXPECT_EQ(highestFoot(group), 120.0);
+    dropLowFeet(group, 0.4);
+    EXPECT_EQ(group.feet, (std::vector<double> {120.0, 140.0}));
+    EXPECT_EQ(group.heights_dB, (std::vector<double> {0.9, 0.4}));
+    dropLowFeet(group, 2.0);
+    EXPECT_EQ(group.feet, std::vector<double> {120.0});
+}
+
 TEST(PeakGroup, FootOfASharpRiseLiesAtItsFirstSample)
 {
     const TraceBuilder link = quiet().reflection(5_km, 6_dB);

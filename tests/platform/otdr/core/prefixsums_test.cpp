@@ -46,6 +46,17 @@ void expectExact(const Counts& counts, const PrefixSums& sums, std::size_t first
     ASSERT_EQ(found.xy, xy) << first << " .. " << last;
     ASSERT_EQ(found.yy, yy) << first << " .. " << last;
     ASSERT_LT(std::abs(found.y), static_cast<std::int64_t>(found.samples));
+
+    const LineSums plain = sums.sumsWithoutSquares(first, last);
+    ASSERT_EQ(plain.samples, found.samples);
+    ASSERT_EQ(plain.centre, found.centre);
+    ASSERT_EQ(plain.base, found.base);
+    ASSERT_EQ(plain.y, found.y);
+    ASSERT_EQ(plain.xy, found.xy);
+    ASSERT_EQ(plain.yy, 0);
+    const double mean = static_cast<double>(found.base)
+        + static_cast<double>(y) / static_cast<double>(found.samples);
+    ASSERT_NEAR(sums.mean(first, last), mean, 1e-9) << first << " .. " << last;
 }
 
 TEST(PrefixSums, AreAllZeroForNoSamples)
@@ -59,12 +70,15 @@ TEST(PrefixSums, AreAllZeroForNoSamples)
         EXPECT_EQ(none.xy, 0);
         EXPECT_EQ(none.yy, 0);
     }
+    EXPECT_TRUE(std::isnan(sums.mean(0, 5)));
+    EXPECT_TRUE(std::isnan(some.mean(2, 1)));
 }
 
 TEST(PrefixSums, AreCutToTheTrace)
 {
     const PrefixSums sums {RawSamples(Counts {1, 2, 3})};
     EXPECT_EQ(sums.sums(1, 100).samples, 2U);
+    EXPECT_DOUBLE_EQ(sums.mean(1, 100), 2.5);
 }
 
 TEST(PrefixSums, AreExactForEveryStretchOfAShortTrace)
