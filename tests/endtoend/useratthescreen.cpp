@@ -60,7 +60,6 @@ void UserAtTheScreen::start(const QStringList& arguments)
     environment.insert("QT_MESSAGE_PATTERN", "[%{type}] %{message}");
     environment.remove("WAYLAND_DISPLAY");
     environment.remove("QT_QPA_PLATFORM");
-    environment.insert("QT_XCB_GL_INTEGRATION", "none"); // its driver keeps memory that looks lost
     application.setProcessEnvironment(environment);
     application.setProcessChannelMode(QProcess::MergedChannels);
     application.start(QString(WAVEFORM_BIN) + "/waveform", arguments);
