@@ -266,7 +266,8 @@ private:
 PeakFit fitPeak(const FibreTrace& trace, double at, const Line& before, const Line& behind)
 {
     const double w = trace.scale().pulse;
-    const Stretch stretch(trace, at - 2.0 * w, at + w + 2.0 * trace.gap());
+    const Stretch stretch(trace, std::max(at - 2.0 * w, before.first()),
+                          std::min(at + w + 2.0 * trace.gap(), behind.last() + 1.0));
     const LightOnRamp fits(trace, stretch, before, behind);
     const double grid = std::max(0.25, w / 6.0);
     const auto leastAt = [&](auto LightOnRamp::Fit::*squares) {
@@ -293,7 +294,8 @@ StepFit fitStep(const FibreTrace& trace, const PulseShape& shape, double at, dou
                 const Line& before, const Line& behind)
 {
     const double gap = trace.gap();
-    const Stretch stretch(trace, at - kGapsBefore * gap, at + kGapsBehind * gap);
+    const Stretch stretch(trace, std::max(at - kGapsBefore * gap, before.first()),
+                          std::min(at + kGapsBehind * gap, behind.last() + 1.0));
     const RampMisfit misfit(shape, stretch, before, behind);
     const double foot = leastOf([&](double place) { return misfit.at(place); }, at - reach,
                                 at + reach, std::max(0.25, trace.scale().pulse / 6.0));

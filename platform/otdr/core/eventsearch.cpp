@@ -43,6 +43,9 @@ constexpr double kMisfitPart = 0.2;
 /// However weak a reflection may be that is listed, it stands as high as this: fibre is not even.
 constexpr double kLeastPeak_dB = 0.02;
 
+/// Where a scan for reflections with lines on both sides has no room for the first, dead zones.
+constexpr double kUnscannedGaps = 1.5;
+
 /// Lines beside an event are sought in no less, however far apart the samples lie.
 constexpr double kFewestSamples = 8.0;
 
@@ -186,7 +189,13 @@ std::vector<Site> EventSearch::peaks(double begin, double end) const
 {
     std::vector<Site> found;
     const double w = fibre.scale().pulse;
-    for (const Candidate& one : scanPeaks(fibre, begin, end, settings.significance)) {
+    std::vector<Candidate> offered = scanPeaks(fibre, begin, end, settings.significance);
+    // Nearer to the begin of the fibre than the windows of the scan are long.
+    for (const double foot :
+         risesIn(fibre, begin - w, std::min(end, begin + kUnscannedGaps * fibre.gap()))) {
+        offered.push_back({foot, settings.significance, w});
+    }
+    for (const Candidate& one : offered) {
         const bool isKnown = std::any_of(found.begin(), found.end(), [&](const Site& site) {
             return one.at > site.at - w && one.at < site.behind + w;
         });

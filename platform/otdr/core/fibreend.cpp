@@ -1,5 +1,6 @@
 #include "platform/otdr/core/fibreend.h"
 
+#include "platform/otdr/core/peakgroup.h"
 #include "platform/otdr/core/trace.h"
 
 #include <algorithm>
@@ -147,9 +148,9 @@ private:
                 break;
             }
         }
-        const double from = launch + trace.gap();
-        return trace.settledFrom(fallen < last ? std::max(from, fallen) : from,
-                                 kLongestLaunchPulses * w, kLaunchTail_dB);
+        const double from = std::max(launch + trace.gap(), fallen < last ? fallen : launch);
+        const double settled = trace.settledFrom(from, kLongestLaunchPulses * w, kLaunchTail_dB);
+        return fibreBeforeRise(trace, from, settled).value_or(settled);
     }
 
     /// Whether a fall belongs to the launch: near to it, with light for long behind.

@@ -19,6 +19,17 @@ struct Line
 
     /// Level of the line at a sample index, dB.
     [[nodiscard]] double at(double index) const { return level_dB + slope_dB * (index - centre); }
+
+    /// Index of the first and of the last sample of the stretch.
+    [[nodiscard]] double first() const
+    {
+        return centre - 0.5 * (static_cast<double>(samples) - 1.0);
+    }
+
+    [[nodiscard]] double last() const
+    {
+        return centre + 0.5 * (static_cast<double>(samples) - 1.0);
+    }
 };
 
 /// The least-squares line through the levels of the samples first .. last - 1, cut to the trace;

@@ -59,6 +59,11 @@ constexpr double kHiddenTailPulses = 2.5;
 constexpr double kLongestTailPulses = 10.0;
 constexpr double kTailPart = 0.25;
 
+/// Half a pulse, and no fewer samples, is fibre where it falls by less than this within a pulse.
+constexpr double kLevelPulses = 0.5;
+constexpr double kFewestLevel = 5.0;
+constexpr double kLevel_dB = 0.05;
+
 double power(double level_dB)
 {
     return std::pow(10.0, level_dB / 5.0);
@@ -299,15 +304,20 @@ double clearOfTail(const FibreTrace& trace, const PeakGroup& peak, double from, 
 
 std::vector<double> risesBetween(const FibreTrace& trace, double foot, double to)
 {
+    const double risen = std::max(trace.shape().riseTo(0.99), 0.5 * trace.scale().pulse);
+    return risesIn(trace, foot + risen, to);
+}
+
+std::vector<double> risesIn(const FibreTrace& trace, double from, double to)
+{
     const double w = trace.scale().pulse;
     const auto level = [&](std::size_t i) { return trace.samples().level_dB(i); };
     const auto lag = static_cast<std::size_t>(std::max(1.0, std::round(kSecondRisePulses * w)));
-    const double least = std::max(kSecondRise_dB, kSecondRiseSigmas * trace.noise().sigma_dB(foot));
+    const double least = std::max(kSecondRise_dB, kSecondRiseSigmas * trace.noise().sigma_dB(from));
     const auto end = static_cast<std::size_t>(
         std::clamp(to, 0.0, std::max(0.0, trace.size() - 1.0 - static_cast<double>(lag))));
-    const double risen = std::max(trace.shape().riseTo(0.99), 0.5 * w);
     std::vector<double> feet;
-    auto i = lag + static_cast<std::size_t>(std::max(0.0, foot + risen));
+    auto i = lag + static_cast<std::size_t>(std::max(0.0, from));
     for (; i < end; ++i) {
         if (level(i + lag) - level(i) < least || level(i) - level(i - lag) > 0.25 * least) {
             continue;
@@ -320,6 +330,20 @@ std::vector<double> risesBetween(const FibreTrace& trace, double foot, double to
         i = next + lag + static_cast<std::size_t>(0.5 * w);
     }
     return feet;
+}
+
+std::optional<double> fibreBeforeRise(const FibreTrace& trace, double from, double to)
+{
+    const double w = trace.scale().pulse;
+    const double length = std::max(kFewestLevel, kLevelPulses * w);
+    for (const double foot : risesIn(trace, from, to)) {
+        const double begin = foot - 1.0 - length;
+        const auto line = begin < from ? std::nullopt : trace.fit(begin, begin + length);
+        if (line && std::abs(line->line.slope_dB) * w < kLevel_dB) {
+            return begin;
+        }
+    }
+    return std::nullopt;
 }
 
 PeakGroup measurePeak(const FibreTrace& trace, double at, double from, double to)

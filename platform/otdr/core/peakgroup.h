@@ -43,6 +43,14 @@ void dropLowFeet(PeakGroup& peak, double least_dB);
 /// the level rises within a third of a pulse by more than chance, and by 0.3 dB.
 [[nodiscard]] std::vector<double> risesBetween(const FibreTrace& trace, double foot, double to);
 
+/// The same of fibre that begins at `from`.
+[[nodiscard]] std::vector<double> risesIn(const FibreTrace& trace, double from, double to);
+
+/// Where fibre begins, behind `from`, that ends at the first reflection before `to`: half a pulse
+/// of it, level. It stands above the fibre behind that reflection by its loss, as a tail would.
+[[nodiscard]] std::optional<double> fibreBeforeRise(const FibreTrace& trace, double from,
+                                                    double to);
+
 /// The first index between two at which light rises above a line, to fall again before the second,
 /// by more than chance and by 0.3 dB.
 [[nodiscard]] std::optional<double> firstPeak(const FibreTrace& trace, double from, double to,

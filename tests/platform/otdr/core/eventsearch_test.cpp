@@ -177,4 +177,20 @@ TEST(EventSearch, ListsNoReflectionLowerThanTheLeast)
     EXPECT_TRUE(EventSearch(link->samples(), measurement(), settings).places().sites().empty());
 }
 
+TEST(EventSearch, ReflectionCloseBehindTheLaunchIsNoStep)
+{
+    // Between its foot and the dead zone of the port there is no room for a window of the scans.
+    for (int part = 0; part < 8; ++part) {
+        const double at = 48.0 + part;
+        const DrawnFibre link =
+            linkOf({{1.0, 0.0, 6.0}, {at, 0.26, 1.45}, {3000.0, 0.1, 0.0}}, 1.6);
+        const EventSearch search(link->samples(), measurement(), {});
+        const auto& sites = search.places().sites();
+        ASSERT_EQ(sites.size(), 2U) << at;
+        EXPECT_TRUE(sites[0].peak) << at;
+        EXPECT_NEAR(sites[0].at, at, 0.5);
+        EXPECT_NEAR(sites[0].loss_dB, 0.26, 0.02) << at;
+    }
+}
+
 } // namespace
