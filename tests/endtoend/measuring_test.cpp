@@ -82,8 +82,8 @@ TEST_F(UserWhoMeasures, FindsItAllAgainAfterARestart)
     EXPECT_EQ(stored("abc*"),
               QStringList({"abc_1310nm.html", "abc_1310nm.png", "abc_1310nm.sor", "abc_1550nm.html",
                            "abc_1550nm.png", "abc_1550nm.sor"}));
-    waitUntil([this] { return inDialog("OK").isThere(); }, "the user is told");
-    ASSERT_NO_FATAL_FAILURE(tapOk());
+    waitUntil([this] { return isSaid("abc_1550nm.html"); }, "the user is told of both traces");
+    ASSERT_NO_FATAL_FAILURE(tapOk()); // until then the message grows
     for (const int wavelength : {1310, 1550}) {
         const Reflectogram saved(homePath(QString("otdr/abc_%1nm.sor").arg(wavelength)));
         ASSERT_TRUE(saved.isValid()) << qPrintable(saved.error());

@@ -222,6 +222,13 @@ void UserAtTheScreen::tapButton(const QString& text)
     tap([&] { return button(text); }, qPrintable(text));
 }
 
+bool UserAtTheScreen::isSaid(const QString& words)
+{
+    const QList<SeenWidget> all = look();
+    return std::any_of(all.begin(), all.end(),
+                       [&](const SeenWidget& widget) { return widget.text().contains(words); });
+}
+
 void UserAtTheScreen::tapNamed(const QString& name)
 {
     tap([&] { return named(name); }, qPrintable(name));

@@ -41,6 +41,9 @@ protected:
     /// The text of the label in the line of a caption, to the right of it.
     [[nodiscard]] QString valueBeside(const QString& caption);
 
+    /// Whether these words stand somewhere.
+    [[nodiscard]] bool isSaid(const QString& words);
+
     /// The box under or beside a caption.
     [[nodiscard]] SeenWidget box(const QString& caption);
 
