@@ -5,5 +5,7 @@ waveform_program(detection_compare SOURCES detection_compare.cpp DEPENDS otdr_co
 set_target_properties(detection_compare PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bench)
 
 # What it finds on simulated links whose truth is known.
-waveform_program(detection_accuracy SOURCES detection_accuracy.cpp DEPENDS otdr_core gather)
+waveform_program(detection_accuracy
+    SOURCES accuracyfigures.cpp accuracyfigures.h accuracylinks.cpp accuracylinks.h detection_accuracy.cpp
+    DEPENDS otdr_core gather)
 set_target_properties(detection_accuracy PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bench)

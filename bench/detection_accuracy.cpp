@@ -10,6 +10,8 @@
 // six standard deviations of a sample above the fibre; the end of the fibre where the fibre stands
 // 3 dB above the noise there. "alone" are events with nothing else within four dead zones.
 
+#include "bench/accuracyfigures.h"
+#include "bench/accuracylinks.h"
 #include "platform/otdr/core/constants.h"
 #include "platform/otdr/core/eventdetection.h"
 #include "platform/otdr/core/reflectance.h"
@@ -30,132 +32,18 @@
 
 namespace {
 
+using accuracy::Figures;
+using accuracy::kBackscatter_dB;
+using accuracy::kIor;
+using accuracy::kMeasuring_s;
+using accuracy::Row;
 using gather::TruthEvent;
 using otdr::DetectedEvent;
 
 constexpr int kWavelength_nm = 1550;
-constexpr double kBackscatter_dB = -81.9;
-constexpr double kIor = 1.4683;
-constexpr double kMeasuring_s = 15.0;
 constexpr double kNoiseLevel_dB = 6.0; // of the simulated instrument
 constexpr double kDbPerRelative = 2.1715; // 5 / ln 10
 constexpr double kRounding_dB = 0.00029; // counts of 0.001 dB
-
-/// Links of one kind, measured in one way.
-struct Row
-{
-    const char* name;
-    double pulse_ns;
-    double length_km;
-    int events;
-    double dynamicRange_dB; // from the backscatter at the port down to the RMS noise
-    double shortest_m; // between two events
-};
-
-const Row kRows[] = {
-    {"access 10 ns", 10.0, 2.0, 6, 15.0, 60.0},
-    {"access 30 ns", 30.0, 5.0, 6, 15.0, 120.0},
-    {"metro 100 ns", 100.0, 15.0, 7, 15.0, 500.0},
-    {"metro 500 ns", 500.0, 30.0, 8, 16.0, 1200.0},
-    {"long haul 1 us", 1000.0, 40.0, 8, 17.0, 2500.0},
-    {"long haul 2.5 us", 2500.0, 60.0, 8, 19.0, 4000.0},
-    {"long haul 20 us", 20000.0, 120.0, 5, 30.0, 14000.0},
-    {"clean 30 ns", 30.0, 5.0, 6, 28.0, 120.0},
-    {"clean 500 ns", 500.0, 40.0, 10, 28.0, 1200.0},
-    {"clean 2.5 us", 2500.0, 80.0, 10, 32.0, 4000.0},
-    {"noisy 100 ns", 100.0, 12.0, 5, 9.0, 800.0},
-    {"noisy 1 us", 1000.0, 30.0, 5, 11.0, 3000.0},
-};
-
-/// Sums over the links of a row.
-struct Figures
-{
-    int steps = 0;
-    int stepsFound = 0;
-    int peaks = 0;
-    int peaksFound = 0;
-    int ends = 0;
-    int endsFound = 0;
-    int extra = 0;
-    int ghosts = 0;
-    int ghostsKnown = 0;
-    std::vector<double> peakOff; // samples
-    std::vector<double> stepOff; // by the bound
-    std::vector<double> lossOff_dB;
-    std::vector<double> lossOff; // by the bound
-    std::vector<double> reflectanceOff_dB;
-    std::vector<double> returnLossOff_dB;
-    std::vector<double> sumOff_dB;
-};
-
-double draw(std::mt19937_64& random, double from, double to)
-{
-    return from + (to - from) * std::uniform_real_distribution<double>()(random);
-}
-
-gather::FibreEvent drawEvent(std::mt19937_64& random, double at_m)
-{
-    gather::FibreEvent event;
-    event.at_m = at_m;
-    const double kind = draw(random, 0.0, 1.0);
-    if (kind < 0.3) {
-        event.kind = "connector";
-        event.loss_dB = gather::Spectrum(draw(random, 0.05, 0.5));
-        event.reflectance_dB = gather::Spectrum(draw(random, -65.0, -35.0));
-    } else if (kind < 0.45) {
-        event.kind = "bend";
-        event.loss_dB = gather::Spectrum(draw(random, 0.05, 0.5));
-    } else {
-        event.kind = "splice";
-        event.loss_dB = gather::Spectrum(0.02 * std::pow(25.0, draw(random, 0.0, 1.0)));
-    }
-    return event;
-}
-
-gather::Fibre drawLink(const Row& row, std::mt19937_64& random)
-{
-    gather::Fibre fibre;
-    fibre.name = row.name;
-    fibre.ior = gather::Spectrum(kIor);
-    // The simulator is told what the range would be with 20 us and 3 minutes.
-    fibre.dynamicRange_dB = gather::Spectrum(
-        row.dynamicRange_dB - gather::dynamicRange_dB(0.0, row.pulse_ns, kMeasuring_s));
-    const double length_m = row.length_km * 1000.0 * draw(random, 0.6, 0.9);
-    std::vector<double> places;
-    for (int tries = 0; tries < 100 && static_cast<int>(places.size()) < row.events; ++tries) {
-        const double at_m = draw(random, row.shortest_m, length_m - row.shortest_m);
-        const bool isFree = std::all_of(places.begin(), places.end(), [&](double other) {
-            return std::abs(other - at_m) > row.shortest_m;
-        });
-        if (isFree) {
-            places.push_back(at_m);
-        }
-    }
-    std::sort(places.begin(), places.end());
-    double sectionFrom_m = 0.0;
-    double scatter_dB = kBackscatter_dB;
-    for (const double at_m : places) {
-        gather::FibreEvent event = drawEvent(random, at_m);
-        if (event.kind == "splice"
-            && draw(random, 0.0, 1.0) < 0.25) { // another fibre: maybe a gainer
-            fibre.sections.push_back({at_m - sectionFrom_m,
-                                      gather::Spectrum(draw(random, 0.18, 0.21)),
-                                      gather::Spectrum(scatter_dB)});
-            scatter_dB = kBackscatter_dB + draw(random, -0.3, 0.3);
-            sectionFrom_m = at_m;
-        }
-        fibre.events.push_back(event);
-    }
-    fibre.sections.push_back({length_m - sectionFrom_m, gather::Spectrum(draw(random, 0.18, 0.21)),
-                              gather::Spectrum(scatter_dB)});
-    const double end = draw(random, 0.0, 1.0);
-    if (end < 0.4) { // open; else cut at an angle, or absorbed
-        fibre.endReflectance_dB = gather::Spectrum(-14.7);
-    } else if (end < 0.7) {
-        fibre.endReflectance_dB = gather::Spectrum(draw(random, -60.0, -30.0));
-    }
-    return fibre;
-}
 
 /// One link, its trace, what is on it and what was found.
 class Link
@@ -164,7 +52,7 @@ public:
     Link(const Row& row, std::uint64_t seed)
         : row(row)
         , random(seed)
-        , fibre(drawLink(row, random))
+        , fibre(accuracy::drawLink(row, random))
         , source(fibre, requestFor(row, seed))
     {
         source.measure(kMeasuring_s);
@@ -468,45 +356,6 @@ private:
     double gap = 1.0;
 };
 
-double meanOf(const std::vector<double>& values)
-{
-    double sum = 0.0;
-    for (const double value : values) {
-        sum += value;
-    }
-    return values.empty() ? 0.0 : sum / static_cast<double>(values.size());
-}
-
-double rmsOf(const std::vector<double>& values)
-{
-    double sum = 0.0;
-    for (const double value : values) {
-        sum += value * value;
-    }
-    return values.empty() ? 0.0 : std::sqrt(sum / static_cast<double>(values.size()));
-}
-
-double worstOf(const std::vector<double>& values)
-{
-    double worst = 0.0;
-    for (const double value : values) {
-        worst = std::max(worst, std::abs(value));
-    }
-    return worst;
-}
-
-void printRow(const char* name, const Figures& figures, int traces)
-{
-    std::printf("%-17s %4d/%-4d %4d/%-4d %3d/%-3d  %5.2f %3d/%-3d  %5.2f  %5.2f  %6.2f %5.2f  "
-                "%5.2f  %5.2f  %5.2f\n",
-                name, figures.stepsFound, figures.steps, figures.peaksFound, figures.peaks,
-                figures.endsFound, figures.ends, static_cast<double>(figures.extra) / traces,
-                figures.ghostsKnown, figures.ghosts, rmsOf(figures.peakOff), rmsOf(figures.stepOff),
-                1000.0 * meanOf(figures.lossOff_dB), rmsOf(figures.lossOff),
-                rmsOf(figures.reflectanceOff_dB), worstOf(figures.returnLossOff_dB),
-                1000.0 * worstOf(figures.sumOff_dB));
-}
-
 } // namespace
 
 int main(int argc, char** argv)
@@ -514,12 +363,8 @@ int main(int argc, char** argv)
     const std::string onlyRow = argc > 2 ? argv[1] : "";
     const int onlyLink = argc > 2 ? std::atoi(argv[2]) : -1;
     const int traces = argc == 2 ? std::max(1, std::atoi(argv[1])) : std::max(25, onlyLink);
-    std::printf(
-        "                   steps     peaks     ends     extra  echoes  peak    step    loss mdB   "
-        "   "
-        " refl.  ORL    sum\n                   found/all                   /trace known   at, "
-        "smp by CRB  bias  by LSB  dB rms worst  mdB\n");
-    for (const Row& row : kRows) {
+    accuracy::printHead();
+    for (const Row& row : accuracy::rows()) {
         if (!onlyRow.empty() && onlyRow != row.name) {
             continue;
         }
