@@ -78,7 +78,7 @@ QString Language::chosen(const QStringList& asked)
 {
     const QStringList codes = known();
     for (const QString& tag : asked) {
-        const QString language = QString(tag).replace('-', '_').section('_', 0, 0).toLower();
+        QString language = QString(tag).replace('-', '_').section('_', 0, 0).toLower();
         if (codes.contains(language)) {
             return language;
         }

@@ -158,7 +158,7 @@ Beginning begin(int argc, char** argv, Environment& environment)
         QTextStream(text->exitCode == 0 ? stdout : stderr) << text->text;
         return {{}, {}, text->exitCode};
     }
-    const Options& options = std::get<Options>(parsed);
+    const Options& options = *std::get_if<Options>(&parsed);
     const Language language(options.language); // of why there will be no window
     Beginning result {options, environment.enter(), {}};
     if (environment.otherRuns() && !unattended(result.options)) {

@@ -139,7 +139,8 @@ void tell(const char* what, const ChildRun& run, std::size_t files)
 {
     const auto count = static_cast<double>(files);
     std::printf("%-34s %6zu files %9.1f us a file  %7.2f s in all  peak %5.1f MB  code %d\n", what,
-                files, 1e6 * run.cpu_s / count, run.cpu_s, run.peak_KB / 1024.0, run.code);
+                files, 1e6 * run.cpu_s / count, run.cpu_s,
+                static_cast<double>(run.peak_KB) / 1024.0, run.code);
     std::fflush(stdout);
 }
 
