@@ -52,7 +52,7 @@ QString readWhole(const QByteArray& path, QByteArray& bytes)
         count = ::read(file, part.data(), part.size());
         bytes.append(part.data(), static_cast<int>(std::max<ssize_t>(count, 0)));
     }
-    const QString reason = count < 0 ? reasonOf(errno) : QString();
+    QString reason = count < 0 ? reasonOf(errno) : QString();
     if (file >= 0) {
         ::close(file);
     }
@@ -69,7 +69,7 @@ QString copy(const QString& path, const QString& target)
     }
     OTDR::removeLeftovers(QFileInfo(target).path());
     QByteArray bytes;
-    const QString unread = readWhole(from, bytes);
+    QString unread = readWhole(from, bytes);
     if (!unread.isEmpty()) {
         return unread;
     }

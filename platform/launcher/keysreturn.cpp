@@ -3,7 +3,6 @@
 #include "platform/launcher/windowbelow.h"
 
 #include <QApplication>
-#include <QEvent>
 #include <QTimer>
 #include <QWindow>
 

@@ -312,7 +312,7 @@ double footOfFall(const FibreTrace& trace, double at, const Line& before)
     double weights = 0.0;
     const auto first = static_cast<std::size_t>(std::max(0.0, std::ceil(at)));
     for (std::size_t i = first; i < trace.samples().size(); ++i) {
-        const double behind = static_cast<double>(i);
+        const auto behind = static_cast<double>(i);
         const double left = power(trace.samples().level_dB(i) - before.at(behind));
         if (left < 0.3 || behind > at + 2.0 * w) {
             break;

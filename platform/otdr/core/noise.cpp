@@ -263,7 +263,8 @@ std::vector<NoiseProfile::Bend> NoiseProfile::bendsOf(const Trace& trace, std::s
     const std::size_t stride =
         std::max<std::size_t>(1, length * (1 + (last - first) / length / 4096) / 2);
     for (std::size_t i = first + length; i + 2 * length <= last; i += stride) {
-        const double sigma = sigma_dB(static_cast<double>(i + length / 2));
+        const std::size_t middle = i + length / 2;
+        const double sigma = sigma_dB(static_cast<double>(middle));
         if (sigma < kLogarithmic_dB) {
             const double bend = meanLevel(trace, i - length, i)
                 - 2.0 * meanLevel(trace, i, i + length)

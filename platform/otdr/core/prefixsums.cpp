@@ -43,7 +43,8 @@ PrefixSums::Running PrefixSums::straightSum(std::size_t first, std::size_t last)
         y += value;
         xy += static_cast<std::int32_t>(i) * value;
         if (squares) {
-            yy += static_cast<std::int32_t>(value) * value;
+            const std::int32_t square = static_cast<std::int32_t>(value) * value;
+            yy += square;
         }
     }
     const auto sum = static_cast<std::uint64_t>(static_cast<std::int64_t>(y));
