@@ -93,7 +93,7 @@ public:
              before < first; before = higherBefore(first, std::max(edge, kNeighbour_dB))) {
             first = firstAbove(before, edge);
         }
-        const double rough = static_cast<double>(first) - 0.5;
+        const double rough = std::max(0.0, static_cast<double>(first) - 0.5);
         const double longest = w * (kTailPulses + kTailPulsesPerDb * std::max(0.0, height));
         const double hidden = kHiddenTailPulsesPerDb * std::max(0.0, height) * w;
         const double fallen = fallenFrom(top, std::min(1.0, 0.5 * height));
@@ -238,7 +238,8 @@ private:
         // Had it begun earlier, the samples before would stand above the fibre.
         const double height = std::max(top_dB - fibre(top), 2.0 * edge);
         const double unseen = (power(edge) - 1.0) / (power(height) - 1.0);
-        return std::clamp(found, rough - trace.shape().riseTo(unseen) - 1.0, rough + 1.0);
+        const double least = rough - trace.shape().riseTo(unseen) - 1.0;
+        return std::clamp(found, std::max(0.0, least), rough + 1.0);
     }
 
     const FibreTrace& trace;

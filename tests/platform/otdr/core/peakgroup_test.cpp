@@ -51,6 +51,15 @@ TEST(PeakGroup, FootOfASharpRiseLiesAtItsFirstSample)
 
 /// Some instruments smooth the fibre, and leave reflections sharp: however slow the fibre shows the
 /// receiver to be, nothing rises before it is seen to.
+TEST(PeakGroup, FootOfWhatRoseBeforeTheRecordLiesAtItsFirstSample)
+{
+    const otdr::PulseShape shape(20.0, 1.6);
+    const DrawnFibre fibre(2000, scaleOf(20.0), [&](double i) {
+        return eventLevel_dB(shape, i + 8.0, 30.0, 30.0, 6.0);
+    });
+    EXPECT_EQ(measurePeak(*fibre, 1.0, 0.0, 1000.0).feet.front(), 0.0);
+}
+
 TEST(PeakGroup, FootIsNotSoughtWhereNothingRisesYet)
 {
     const TraceBuilder link = quiet().reflection(5_km, 20_dB);
