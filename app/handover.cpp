@@ -1,9 +1,9 @@
 #include "app/handover.h"
 
 #include "app/filename.h"
+#include "app/localsocket.h"
 
 #include <QDeadlineTimer>
-#include <QLocalSocket>
 #include <QThread>
 
 namespace handover {
@@ -55,20 +55,20 @@ bool send(const QString& address, const QStringList& files, std::chrono::millise
 {
     constexpr unsigned long kRetry_ms = 50;
     const QDeadlineTimer deadline(patience);
-    QLocalSocket socket;
-    socket.connectToServer(address);
-    while (!socket.waitForConnected(static_cast<int>(deadline.remainingTime()))) {
+    const auto left = [&] { return std::chrono::milliseconds(deadline.remainingTime()); };
+    LocalSocket socket = LocalSocket::connectTo(address, left());
+    while (!socket.isOpen()) {
         if (deadline.hasExpired()) {
             return false;
         }
         QThread::msleep(kRetry_ms); // it has the lock, and will listen in a moment
-        socket.connectToServer(address);
+        socket = LocalSocket::connectTo(address, left());
     }
-    socket.write(message(files));
     QByteArray answer;
-    while (answer.size() < int(sizeof kTaken) - 1
-           && socket.waitForReadyRead(static_cast<int>(deadline.remainingTime()))) {
-        answer += socket.readAll();
+    bool goesOn = socket.write(message(files));
+    while (goesOn && answer.size() < kTaken.size() && !deadline.hasExpired()) {
+        socket.setPatience(left());
+        goesOn = socket.read(answer, kTaken.size()) == LocalSocket::Got::Bytes;
     }
     return answer == kTaken;
 }

@@ -17,7 +17,7 @@ namespace handover {
 constexpr int kMostBytes = 1 << 20; ///< of a message; longer ones are refused
 
 /// The answer to a message that was understood.
-constexpr char kTaken[] = "taken";
+const QByteArray kTaken = "taken";
 
 /// Where the first instance listens.
 [[nodiscard]] QString address(const QString& temporaryDir);

@@ -1,10 +1,13 @@
 #pragma once
 
-#include <QLocalServer>
+#include "app/localsocket.h"
+
 #include <QObject>
 #include <QStringList>
 
-class QLocalSocket;
+#include <memory>
+
+class QSocketNotifier;
 
 /// The first instance's ear for what a second one was to open.
 class OpenRequests : public QObject
@@ -13,6 +16,7 @@ class OpenRequests : public QObject
 
 public:
     explicit OpenRequests(QObject* parent = nullptr);
+    ~OpenRequests() override;
 
     /// Listens in place of what an instance that crashed has left at the address. Who may enter its
     /// directory reaches it: that has to be the user's own.
@@ -25,7 +29,8 @@ signals:
 
 private:
     void welcome();
-    void read(QLocalSocket* socket);
 
-    QLocalServer server;
+    QString listensAt;
+    LocalSocket ear;
+    std::unique_ptr<QSocketNotifier> calls;
 };

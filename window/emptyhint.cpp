@@ -70,7 +70,6 @@ void EmptyHint::onStopped()
 void EmptyHint::showWhereEmpty()
 {
     setVisible(!isMeasuring && !refls.isNull() && refls->rowCount() == 0);
-    centre();
 }
 
 void EmptyHint::centre()
@@ -82,10 +81,16 @@ void EmptyHint::centre()
 
 bool EmptyHint::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched == parentWidget() && event->type() == QEvent::Resize) {
+    if (watched == parentWidget() && event->type() == QEvent::Resize && isVisible()) {
         centre();
     }
     return QLabel::eventFilter(watched, event);
+}
+
+void EmptyHint::showEvent(QShowEvent* event)
+{
+    centre();
+    QLabel::showEvent(event);
 }
 
 } // namespace Waveform

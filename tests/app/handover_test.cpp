@@ -2,6 +2,7 @@
 #include "app/handover.h"
 #include "app/openrequests.h"
 
+#include <QLocalServer>
 #include <QLocalSocket>
 #include <QSignalSpy>
 #include <QtConcurrent>
