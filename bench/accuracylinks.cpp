@@ -22,7 +22,7 @@ gather::FibreEvent drawEvent(std::mt19937_64& random, double at_m)
     if (kind < 0.3) {
         event.kind = "connector";
         event.loss_dB = gather::Spectrum(draw(random, 0.05, 0.5));
-        event.reflectance_dB = gather::Spectrum(draw(random, -65.0, -35.0));
+        event.reflectance_dB = gather::Spectrum(draw(random, -65.0, -14.0));
     } else if (kind < 0.45) {
         event.kind = "bend";
         event.loss_dB = gather::Spectrum(draw(random, 0.05, 0.5));

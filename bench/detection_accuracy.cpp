@@ -79,7 +79,7 @@ public:
             const TruthEvent& event = truth[k];
             const DetectedEvent* nearest = nearestTo(event, isTrue);
             if (event.ghost) {
-                countGhost(event, nearest, figures);
+                countGhost(k, nearest, figures);
             } else if (event.end) {
                 countEnd(event, nearest, figures, prints);
             } else if (event.time_ns / interval_ns < limit) {
@@ -307,12 +307,16 @@ private:
         }
     }
 
-    void countGhost(const TruthEvent& event, const DetectedEvent* nearest, Figures& figures) const
+    /// An echo is told from an event where it is told at all; where it is not, it is a false alarm.
+    void countGhost(std::size_t k, const DetectedEvent* nearest, Figures& figures) const
     {
-        if (nearest != nullptr && nearest->kind == DetectedEvent::Kind::Reflective
-            && indexOf(event) < endOf()) {
+        const bool isAlone = std::none_of(truth.begin(), truth.end(), [&](const TruthEvent& other) {
+            return !other.ghost && std::abs(indexOf(other) - indexOf(truth[k])) < 2.0 * pulse + 2.0;
+        });
+        if (isAlone && nearest != nullptr) {
             ++figures.ghosts;
             figures.ghostsKnown += nearest->echo ? 1 : 0;
+            figures.extra += nearest->echo ? 0 : 1;
         }
     }
 

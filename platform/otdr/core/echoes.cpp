@@ -19,8 +19,14 @@ constexpr double kNoLoss_dB = 0.02;
 /// What an echo may be stronger by than its path allows: reflectances are that uncertain.
 constexpr double kStrength_dB = 4.0;
 
+/// What overloads the receiver may reflect as much as glass in air, and nothing reflects more.
+constexpr double kStrongest_dB = -14.0;
+
 /// The connector of an instrument reflects at most so much.
 constexpr double kPort_dB = -30.0;
+
+/// Of more reflections than any link has, the strongest are mirrors.
+constexpr std::size_t kMostMirrors = 64;
 
 bool losesNothing(const DetectedEvent& event)
 {
@@ -48,24 +54,35 @@ public:
     void add(const DetectedEvent& event)
     {
         const bool reflects = !std::isnan(event.reflectance_dB) && !event.echo;
-        if (reflects && event.index > mirrors.front().index + pulse) {
-            mirrors.push_back({event.index, event.reflectance_dB, event.before.at(event.index)});
+        if (!reflects || !(event.index > mirrors.front().index + pulse)) {
+            return;
+        }
+        const double reflectance_dB =
+            event.saturated ? std::max(event.reflectance_dB, kStrongest_dB) : event.reflectance_dB;
+        mirrors.push_back({event.index, reflectance_dB, event.before.at(event.index)});
+        if (mirrors.size() > kMostMirrors) {
+            mirrors.erase(std::min_element(mirrors.begin() + 1, mirrors.end(),
+                                           [](const Mirror& a, const Mirror& b) {
+                                               return a.reflectance_dB < b.reflectance_dB;
+                                           }));
         }
     }
 
-    /// Light that went to a mirror j, back to i, to j again and home comes from as far behind j as
-    /// j lies behind i: for every i there is one place for j.
+    /// Light that went to a mirror j, back to i, on to k and home comes from as far behind k as j
+    /// lies behind i, whichever of j and k was first: for every i and j there is one place for k.
     [[nodiscard]] bool isEcho(const DetectedEvent& event) const
     {
-        const double tolerance = 0.5 * (kPlacePulses * pulse + kPlacePart * event.index);
+        const double tolerance = kPlacePulses * pulse + kPlacePart * event.index;
         for (auto i = mirrors.begin(); i != mirrors.end(); ++i) {
-            const double place = 0.5 * (event.index + i->index);
-            auto j = std::lower_bound(
-                i + 1, mirrors.end(), place - tolerance,
-                [](const Mirror& mirror, double index) { return mirror.index < index; });
-            for (; j != mirrors.end() && j->index < place + tolerance; ++j) {
-                if (isStrongEnough(*i, *j, event)) {
-                    return true;
+            for (auto j = i + 1; j != mirrors.end(); ++j) {
+                const double place = event.index + i->index - j->index;
+                auto k = std::lower_bound(
+                    j, mirrors.end(), place - tolerance,
+                    [](const Mirror& mirror, double index) { return mirror.index < index; });
+                for (; k != mirrors.end() && k->index < place + tolerance; ++k) {
+                    if (event.reflectance_dB <= most_dB(*i, *j, *k, event) + kStrength_dB) {
+                        return true;
+                    }
                 }
             }
         }
@@ -73,23 +90,19 @@ public:
     }
 
 private:
-    [[nodiscard]] static bool isStrongEnough(const Mirror& i, const Mirror& j,
-                                             const DetectedEvent& echo)
+    /// How strong the echo may seem as a reflection at its place, dB: by what the way there and
+    /// home would have lost more than the detour did.
+    [[nodiscard]] static double most_dB(const Mirror& i, const Mirror& j, const Mirror& k,
+                                        const DetectedEvent& echo)
     {
-        // Of the detour i .. j and back, the way from j on is a real way that the light did not
-        // take: seen as a reflection at its place the echo seems the stronger by what it did not
-        // lose there.
-        const double notLost = j.level_dB - echo.before.at(echo.index);
-        double most = 2.0 * j.reflectance_dB + i.reflectance_dB + kStrength_dB;
-        if (std::isfinite(notLost)) {
-            const double detour = std::isfinite(i.level_dB) ? i.level_dB - j.level_dB : 0.0;
-            most += 2.0 * notLost - 2.0 * detour;
-        }
-        return echo.reflectance_dB <= most;
+        const double reflected = i.reflectance_dB + j.reflectance_dB + k.reflectance_dB;
+        const double back = std::isfinite(i.level_dB) ? i.level_dB : j.level_dB;
+        const double notLost = j.level_dB + k.level_dB - back - echo.before.at(echo.index);
+        return std::isfinite(notLost) ? reflected + 2.0 * notLost : reflected;
     }
 
     double pulse;
-    std::vector<Mirror> mirrors; ///< in order
+    std::vector<Mirror> mirrors; ///< in order, the port first
 };
 
 } // namespace

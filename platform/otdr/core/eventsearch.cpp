@@ -117,14 +117,6 @@ void EventSearch::beginWith(double timeConstant)
     scannedForSteps.clear();
 }
 
-/// Whether there are receivers of such a time constant, samples.
-bool EventSearch::isReceiver(double timeConstant) const
-{
-    const double pulse = fibre.scale().pulse;
-    return timeConstant > PulseShape::kUsualTimeConstant * pulse
-        && timeConstant < kSlowestPulses * pulse;
-}
-
 /// What the ramps at the clearest losses leave with a time constant: mean logarithm of squares.
 double EventSearch::misfit(const std::vector<const Site*>& clear, double timeConstant) const
 {
@@ -138,8 +130,37 @@ double EventSearch::misfit(const std::vector<const Site*>& clear, double timeCon
     return sum / static_cast<double>(clear.size());
 }
 
-/// The receiver as the clearest losses show it: the time constant with which the ramps fit
-/// best. False where it is the one in use.
+/// The receiver with which the ramps at these losses fit best, from this one on: by steps while
+/// they fit better, for the misfit has one least, then between the steps.
+EventSearch::Receiver EventSearch::bestReceiver(const std::vector<const Site*>& clear,
+                                                const Receiver& first) const
+{
+    const double fastest = PulseShape::kUsualTimeConstant * fibre.scale().pulse;
+    const double slowest = kSlowestPulses * fibre.scale().pulse;
+    Receiver best = first;
+    const auto isBetter = [&](double trial) {
+        const double left = misfit(clear, trial);
+        const bool fitsBetter = left < best.misfit;
+        best = fitsBetter ? Receiver {trial, left} : best;
+        return fitsBetter;
+    };
+    for (double trial = first.timeConstant * kTrialFactor; trial < slowest && isBetter(trial);) {
+        trial *= kTrialFactor;
+    }
+    for (double trial = first.timeConstant; trial > fastest;) {
+        trial = std::max(fastest, trial / kTrialFactor);
+        trial = isBetter(trial) ? trial : fastest;
+    }
+    const double between = std::sqrt(kTrialFactor);
+    for (const double trial : {best.timeConstant * between, best.timeConstant / between}) {
+        if (trial > fastest) {
+            isBetter(trial);
+        }
+    }
+    return best;
+}
+
+/// The receiver as the clearest losses show it. False where it is the one in use.
 bool EventSearch::learnFromSteps()
 {
     std::vector<const Site*> clear;
@@ -154,33 +175,19 @@ bool EventSearch::learnFromSteps()
     if (clear.empty()) {
         return false;
     }
-    // The misfit has one least: beyond it, it only grows.
     const double now = fibre.scale().timeConstant;
-    double best = now;
-    const double before = misfit(clear, now);
-    double least = before;
-    const auto follow = [&](double factor) {
-        for (double trial = now * factor; isReceiver(trial); trial *= factor) {
-            const double left = misfit(clear, trial);
-            if (!(left < least)) {
-                break;
-            }
-            least = left;
-            best = trial;
-        }
-    };
-    follow(kTrialFactor);
-    follow(1.0 / kTrialFactor);
+    const Receiver before {now, misfit(clear, now)};
+    const Receiver best = bestReceiver(clear, before);
     // Of n samples that are no more than noise, one more parameter takes a part of 1 / n in the
     // mean. Noise that has passed the receiver is alike over two of its time constants.
     const double alike = std::clamp(2.0 * now, 1.0, fibre.noise().correlation());
     const double byChance =
         kChance * kChance * alike / (static_cast<double>(clear.size()) * rampSamples(fibre));
-    const bool isBetter = least < before - std::max(kClearlyBetter, byChance);
-    if (isBetter) {
-        beginWith(best);
+    const bool isOther = best.misfit < before.misfit - std::max(kClearlyBetter, byChance);
+    if (isOther) {
+        beginWith(best.timeConstant);
     }
-    return isBetter;
+    return isOther;
 }
 
 /// Reflections between two indices, strongest first, each as far as the next one lets it be
@@ -320,6 +327,7 @@ void EventSearch::findAll()
             break;
         }
     }
+    sites.joinCrowded();
 }
 
 } // namespace otdr

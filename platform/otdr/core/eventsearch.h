@@ -31,8 +31,16 @@ private:
     void learnFromPeaks();
     bool learnFromSteps();
     void beginWith(double timeConstant);
-    [[nodiscard]] bool isReceiver(double timeConstant) const;
     [[nodiscard]] double misfit(const std::vector<const Site*>& clear, double timeConstant) const;
+
+    struct Receiver
+    {
+        double timeConstant; ///< samples
+        double misfit;
+    };
+
+    [[nodiscard]] Receiver bestReceiver(const std::vector<const Site*>& clear,
+                                        const Receiver& first) const;
 
     [[nodiscard]] std::vector<Site> peaks(double begin, double end) const;
     [[nodiscard]] bool isLowPeak(Site& site, double from, double to) const;

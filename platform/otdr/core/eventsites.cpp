@@ -159,7 +159,7 @@ void EventSites::measure()
 /// How well founded a place is: by so many times what is asked for. Below 1 it is dropped.
 double EventSites::foundationOf(const Site& site, double loss_dB, double significance) const
 {
-    if (site.peak) {
+    if (site.peak || site.glows) {
         return std::numeric_limits<double>::infinity();
     }
     const double byLoss = std::abs(site.loss_dB) / loss_dB;
@@ -247,6 +247,29 @@ void EventSites::mergePairs()
             places.erase(places.begin() + static_cast<std::ptrdiff_t>(k) + 1);
             measure(k);
         }
+    }
+    measure();
+}
+
+void EventSites::joinCrowded()
+{
+    for (std::size_t k = 1; k < places.size();) {
+        Site& one = places[k - 1];
+        const Site& next = places[k];
+        if (!one.peak || !next.peak || fibre(k)) {
+            ++k;
+            continue;
+        }
+        PeakGroup& group = *one.peak;
+        const PeakGroup& more = *next.peak;
+        group.feet.insert(group.feet.end(), more.feet.begin(), more.feet.end());
+        group.heights_dB.insert(group.heights_dB.end(), more.heights_dB.begin(),
+                                more.heights_dB.end());
+        group.behind = more.behind;
+        group.saturated = group.saturated || more.saturated;
+        one.behind = next.behind;
+        one.peakStatistic = std::max(one.peakStatistic, next.peakStatistic);
+        places.erase(places.begin() + static_cast<std::ptrdiff_t>(k));
     }
     measure();
 }

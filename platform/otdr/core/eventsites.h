@@ -53,6 +53,10 @@ public:
     /// reflection, and measures all anew.
     void mergePairs();
 
+    /// Takes reflections with too little fibre between them to tell its level for one group, of
+    /// which the loss is known together, and measures all anew.
+    void joinCrowded();
+
     /// Moves the places, by so many samples at most, to where the ramp of the pulse or the shape of
     /// a low reflection fits best, and measures all anew.
     void refine(double reach);

@@ -57,7 +57,7 @@ constexpr double kTail_dB = 1.0;
 constexpr double kTailErrors = 2.5;
 constexpr double kHiddenTailPulses = 2.5;
 constexpr double kLongestTailPulses = 10.0;
-constexpr double kTailPart = 0.25;
+constexpr double kTailPart = 0.5;
 
 /// Half a pulse, and no fewer samples, is fibre where it falls by less than this within a pulse.
 constexpr double kLevelPulses = 0.5;

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <vector>
 
 namespace {
@@ -61,6 +62,51 @@ TEST(Echoes, ComeFromTwoReflectorsToo)
         isLastAnEcho({reflector(2000, -40.0), reflector(3300, -45.0), reflector(4600, -130.0)}));
     EXPECT_FALSE(
         isLastAnEcho({reflector(2000, -40.0), reflector(3300, -45.0), reflector(4630, -130.0)}));
+}
+
+/// To 3400, back to 2000, on to 4100, home: 1400 behind 4100.
+TEST(Echoes, ComeFromThreeReflectorsToo)
+{
+    const std::vector<DetectedEvent> mirrors = {reflector(2000, -40.0), reflector(3400, -45.0),
+                                                reflector(4100, -50.0)};
+    const auto isEcho = [&](double index, double reflectance_dB) {
+        std::vector<DetectedEvent> events = mirrors;
+        events.push_back(reflector(index, reflectance_dB));
+        return isLastAnEcho(events);
+    };
+    EXPECT_TRUE(isEcho(5500, -131.0)); // all three and 4 dB
+    EXPECT_FALSE(isEcho(5500, -130.9));
+    EXPECT_FALSE(isEcho(5520, -131.0));
+}
+
+/// What overloads the receiver reflects more than is seen: as much as glass in air, it may be.
+TEST(Echoes, OfAnOverloadMayBeAsStrongAsThoseOfGlassInAir)
+{
+    DetectedEvent bright = reflector(3000, -30.0);
+    EXPECT_FALSE(isLastAnEcho({bright, reflector(6000, -54.1)}));
+    bright.saturated = true;
+    EXPECT_TRUE(isLastAnEcho({bright, reflector(6000, -54.1)})); // -30 - 14 - 14 + 4
+    EXPECT_FALSE(isLastAnEcho({bright, reflector(6000, -53.9)}));
+}
+
+/// Of more reflections than any link has, the strongest are taken. No two of these stand together
+/// where the last one is.
+TEST(Echoes, AreSoughtOfTheStrongest)
+{
+    const auto isEchoAmong = [](int others, double index, double reflectance_dB) {
+        std::vector<DetectedEvent> events = {reflector(149'000, -61.0), reflector(150'000, -20.0)};
+        for (int i = 0; i < others; ++i) {
+            events.push_back(reflector(100'000 + 397 * i, -60.0));
+        }
+        std::sort(events.begin(), events.end(),
+                  [](const DetectedEvent& a, const DetectedEvent& b) { return a.index < b.index; });
+        events.push_back(reflector(index, reflectance_dB));
+        return isLastAnEcho(events);
+    };
+    EXPECT_TRUE(isEchoAmong(5, 300'000, -66.0));
+    EXPECT_TRUE(isEchoAmong(200, 300'000, -66.0));
+    EXPECT_TRUE(isEchoAmong(5, 298'000, -148.0));
+    EXPECT_FALSE(isEchoAmong(200, 298'000, -148.0));
 }
 
 /// Twice the further reflector, once the nearer, and 4 dB for what is not known of them: the port

@@ -241,10 +241,45 @@ TEST(EventSites, LinesBeginBehindTheTailOfAReflection)
     EXPECT_EQ(sites.fibreFrom(1), found.behind);
     EXPECT_NEAR(found.loss_dB, 0.2, 2.5 * found.error_dB);
 
-    // Of short fibre a quarter at most is given to it.
+    // Of short fibre half at most is given to it.
     sites.add({siteAt(fibre, at + 160.0)});
     sites.measure();
-    EXPECT_LE(sites.sites().front().clear, at + 60.0 + 25.0);
+    EXPECT_LE(sites.sites().front().clear, at + 60.0 + 50.0);
+}
+
+/// Each alone has no fibre on one side, and the loss of both would be lost.
+TEST(EventSites, ReflectionsWithoutFibreBetweenThemAreOneGroup)
+{
+    const DrawnFibre fibre = fibreWith({{3000.0, 0.1, 3.0}, {3032.0, 0.2, 4.0}});
+    EventSites sites(*fibre, 100.0, 5900.0);
+    Site first = peakAt(fibre, 3000.0, 3.0);
+    first.behind = 3031.0;
+    first.peakStatistic = 20.0;
+    Site second = peakAt(fibre, 3032.0, 4.0);
+    second.behind = 3120.0;
+    second.peak->behind = 3120.0;
+    second.peak->saturated = true;
+    const Site alone = peakAt(fibre, 5000.0, 1.0);
+    sites.add({first, second, alone});
+    sites.joinCrowded();
+    ASSERT_EQ(placesOf(sites), (std::vector<double> {3000.0, 5000.0}));
+    const Site& group = sites.sites().front();
+    EXPECT_EQ(group.peak->feet, (std::vector<double> {3000.0, 3032.0}));
+    EXPECT_EQ(group.peak->heights_dB, (std::vector<double> {3.0, 4.0}));
+    EXPECT_TRUE(group.peak->saturated);
+    EXPECT_EQ(group.peak->behind, 3120.0);
+    EXPECT_EQ(group.behind, 3120.0);
+    EXPECT_EQ(group.peakStatistic, 20.0);
+    EXPECT_NEAR(group.loss_dB, 0.3, 0.002);
+}
+
+TEST(EventSites, ReflectionsWithFibreBetweenThemStandAlone)
+{
+    const DrawnFibre fibre = fibreWith({{3000.0, 0.1, 0.8}, {3060.0, 0.2, 0.8}});
+    EventSites sites(*fibre, 100.0, 5900.0);
+    sites.add({peakAt(fibre, 3000.0, 0.8), peakAt(fibre, 3060.0, 0.8)});
+    sites.joinCrowded();
+    EXPECT_EQ(sites.sites().size(), 2U);
 }
 
 TEST(EventSites, LinesBeginAtOnceBehindALossOrALowReflection)
