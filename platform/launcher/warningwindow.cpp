@@ -1,8 +1,11 @@
 #include "platform/launcher/warningwindow.h"
 
+#include "platform/launcher/popupgeometry.h"
+
 #include <QHideEvent>
 #include <QLabel>
 #include <QPushButton>
+#include <QScreen>
 #include <QVBoxLayout>
 
 namespace {
@@ -33,6 +36,7 @@ QString breakable(const QString& text)
 WarningWindow::WarningWindow(QWidget* parent)
     : QDialog(parent)
     , label(new QLabel(this))
+    , ok(new QPushButton(tr("OK"), this))
 {
     constexpr int kTouchHeight = 44;
     // Texts hold file names and what children said: never markup.
@@ -40,7 +44,6 @@ WarningWindow::WarningWindow(QWidget* parent)
     label->setWordWrap(true);
     label->setMinimumWidth(kTextWidth);
 
-    auto* ok = new QPushButton(tr("OK"), this);
     ok->setMinimumSize(2 * kTouchHeight, kTouchHeight);
     ok->setDefault(true);
     connect(ok, &QPushButton::clicked, this, &QDialog::accept);
@@ -69,13 +72,32 @@ void WarningWindow::show(const QString& text, const QString& title)
     } else if (!shown.split(QStringLiteral("\n\n")).contains(text)) {
         message = shown + QStringLiteral("\n\n") + text;
     }
+    setWindowTitle(title);
+    if (isVisible()) {
+        growAroundButton();
+    } else {
+        fitText();
+    }
+    QDialog::show();
+    raise();
+}
+
+void WarningWindow::fitText()
+{
     const QString broken = breakable(message);
     label->setMinimumWidth(broken == message ? kTextWidth : kLongTextWidth);
     label->setText(broken);
-    setWindowTitle(title);
     adjustSize();
-    QDialog::show();
-    raise();
+}
+
+/// A finger may be on its way to the button, which stays where it is as far as the screen lets it.
+void WarningWindow::growAroundButton()
+{
+    const QPoint stood = ok->mapToGlobal(ok->rect().center());
+    fitText();
+    const QPoint moved = ok->mapToGlobal(ok->rect().center()) - stood;
+    move(popupgeometry::keptInside(screen()->availableGeometry(),
+                                   frameGeometry().translated(-moved)));
 }
 
 void WarningWindow::hideEvent(QHideEvent* event)

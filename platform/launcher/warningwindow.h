@@ -29,6 +29,10 @@ protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
+    void fitText();
+    void growAroundButton();
+
     QLabel* label;
+    QPushButton* ok;
     QString message;
 };

@@ -104,7 +104,7 @@ KeyEventsBlock keyFigures(const TraceState& state)
     }
     const double start = state.indexAt(0.0);
     const double end_m = state.endOfFibre_m();
-    double last = static_cast<double>(state.trace->size());
+    auto last = static_cast<double>(state.trace->size());
     if (end_m > 0.0) {
         const double end = state.indexAt(end_m);
         block.totalLoss = otdr::spanLoss(*state.trace, siteOf(state, start), siteOf(state, end));

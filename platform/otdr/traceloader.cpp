@@ -36,7 +36,7 @@ double usualBackscatter_dB(int wavelength_nm)
 
 QByteArray bytesOf(const std::string& text)
 {
-    return QByteArray(text.data(), static_cast<int>(text.size()));
+    return {text.data(), static_cast<int>(text.size())};
 }
 
 EventList eventsOf(const otdr::sor::File& file, const TraceState& state)

@@ -72,17 +72,10 @@ public:
     /// lies behind i, whichever of j and k was first: for every i and j there is one place for k.
     [[nodiscard]] bool isEcho(const DetectedEvent& event) const
     {
-        const double tolerance = kPlacePulses * pulse + kPlacePart * event.index;
         for (auto i = mirrors.begin(); i != mirrors.end(); ++i) {
             for (auto j = i + 1; j != mirrors.end(); ++j) {
-                const double place = event.index + i->index - j->index;
-                auto k = std::lower_bound(
-                    j, mirrors.end(), place - tolerance,
-                    [](const Mirror& mirror, double index) { return mirror.index < index; });
-                for (; k != mirrors.end() && k->index < place + tolerance; ++k) {
-                    if (event.reflectance_dB <= most_dB(*i, *j, *k, event) + kStrength_dB) {
-                        return true;
-                    }
+                if (isEchoBy(i, j, event)) {
+                    return true;
                 }
             }
         }
@@ -90,6 +83,24 @@ public:
     }
 
 private:
+    using Place = std::vector<Mirror>::const_iterator;
+
+    /// Whether there is a mirror k, from j on, by which these two make the event.
+    [[nodiscard]] bool isEchoBy(Place i, Place j, const DetectedEvent& event) const
+    {
+        const double tolerance = kPlacePulses * pulse + kPlacePart * event.index;
+        const double place = event.index + i->index - j->index;
+        auto k = std::lower_bound(
+            j, mirrors.end(), place - tolerance,
+            [](const Mirror& mirror, double index) { return mirror.index < index; });
+        for (; k != mirrors.end() && k->index < place + tolerance; ++k) {
+            if (event.reflectance_dB <= most_dB(*i, *j, *k, event) + kStrength_dB) {
+                return true;
+            }
+        }
+        return false;
+    }
+
     /// How strong the echo may seem as a reflection at its place, dB: by what the way there and
     /// home would have lost more than the detour did.
     [[nodiscard]] static double most_dB(const Mirror& i, const Mirror& j, const Mirror& k,

@@ -159,7 +159,7 @@ void EventSites::measure()
 /// How well founded a place is: by so many times what is asked for. Below 1 it is dropped.
 double EventSites::foundationOf(const Site& site, double loss_dB, double significance) const
 {
-    if (site.peak || site.glows) {
+    if (site.peak) {
         return std::numeric_limits<double>::infinity();
     }
     const double byLoss = std::abs(site.loss_dB) / loss_dB;
@@ -182,13 +182,19 @@ double EventSites::foundationOf(const Site& site, double loss_dB, double signifi
 void EventSites::dropUnlikely(double loss_dB, double significance)
 {
     measure();
+    const auto isFounded = [&](const Site& site) {
+        return foundationOf(site, loss_dB, significance) >= 1.0;
+    };
+    // Light that is no event would be taken for a gain with a loss behind it were its place free.
+    const auto hold = [&](const Site& site) {
+        return site.glows ? std::numeric_limits<double>::infinity()
+                          : foundationOf(site, loss_dB, significance);
+    };
     while (!places.empty()) {
         const auto weakest =
-            std::min_element(places.begin(), places.end(), [&](const Site& a, const Site& b) {
-                return foundationOf(a, loss_dB, significance)
-                    < foundationOf(b, loss_dB, significance);
-            });
-        if (foundationOf(*weakest, loss_dB, significance) >= 1.0) {
+            std::min_element(places.begin(), places.end(),
+                             [&](const Site& a, const Site& b) { return hold(a) < hold(b); });
+        if (hold(*weakest) >= 1.0) {
             break;
         }
         const auto k = static_cast<std::size_t>(weakest - places.begin());
@@ -201,7 +207,7 @@ void EventSites::dropUnlikely(double loss_dB, double significance)
         }
     }
     for (Site& site : places) {
-        site.isBorder = !site.peak && std::abs(site.loss_dB) < loss_dB;
+        site.isBorder = !site.peak && (std::abs(site.loss_dB) < loss_dB || !isFounded(site));
     }
 }
 

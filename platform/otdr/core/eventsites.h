@@ -18,7 +18,7 @@ struct Site
     std::optional<PeakGroup> peak;
     double peakStatistic = 0.0;
     bool isBorder = false; ///< too small to be listed, yet lines end there
-    bool glows = false; ///< light stands on its ramp, too little to be listed: it moves the foot
+    bool glows = false; ///< light stands there, too little to be listed
 
     std::optional<SideLine> left; ///< the fibre before it
     std::optional<SideLine> right; ///< the fibre behind it
@@ -46,7 +46,7 @@ public:
 
     /// Drops the places that a line through both sides explains, the weakest first: those whose
     /// loss is below loss_dB or below `significance` standard errors, and that reflect nothing. Of
-    /// those below loss_dB the clear ones stay as borders.
+    /// those below loss_dB the clear ones stay as borders, and so does light that is too weak.
     void dropUnlikely(double loss_dB, double significance);
 
     /// Takes two neighbouring changes of level for one event where one explains both, a loss or a

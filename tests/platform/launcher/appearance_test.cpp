@@ -39,7 +39,7 @@ protected:
     static QString stored() { return ZuConfig("zu-launcher", "Display", "night").toString(); }
 
     const ConfigHome home;
-    const LookKept before;
+    const LookKept before {};
 };
 
 TEST_F(Look, IsThatOfTheDayAtTheFirstStart)

@@ -41,6 +41,29 @@ TEST(WarningWindow, LosesNoMessageThatComesWhileOneIsShown)
     EXPECT_EQ(window.text(), "third");
 }
 
+TEST(WarningWindow, ButtonStaysUnderTheFingerWhenAMessageIsAdded)
+{
+    WarningWindow window;
+    const auto* ok = window.findChild<QPushButton*>();
+    window.show("Saved to:\na.sor");
+    window.move(200, 300);
+    const QPoint stood = ok->mapToGlobal(ok->rect().center());
+    const int height = window.height();
+    window.show("Saved to:\nb.sor\n" + QString(100, 'W'));
+    ASSERT_GT(window.height(), height);
+    EXPECT_LE((ok->mapToGlobal(ok->rect().center()) - stood).manhattanLength(), 1);
+}
+
+TEST(WarningWindow, GrowsNoFurtherThanTheEdgeOfTheScreen)
+{
+    WarningWindow window;
+    window.show("first");
+    window.move(0, 0);
+    window.show("second\n\nthird");
+    EXPECT_GE(window.frameGeometry().left(), 0);
+    EXPECT_GE(window.frameGeometry().top(), 0);
+}
+
 TEST(WarningWindow, TakesNoMarkupFromATextThatCameFromOutside)
 {
     WarningWindow window;

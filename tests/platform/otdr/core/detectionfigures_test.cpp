@@ -19,7 +19,7 @@
 namespace testing_support {
 
 /// How a link is called where a test of it fails.
-void PrintTo(const DetectionLink& link, std::ostream* out) // NOLINT(readability-identifier-naming)
+void PrintTo(const DetectionLink& link, std::ostream* out)
 {
     *out << link.name;
 }

@@ -201,6 +201,33 @@ TEST(EventSites, AClearChangeTooSmallToBeListedStaysAsABorder)
     }
 }
 
+/// What it loses counts as anywhere: not at all, too little to be sure, enough, or unknown.
+TEST(EventSites, LightThatIsTooWeakStaysAsABorderUnlessItLosesEnough)
+{
+    const DrawnFibre fibre = fibreWith({{2000.0, 0.0, 0.1}, {4000.0, 0.1, 0.1}}, 0.002);
+    EventSites sites(*fibre, 100.0, 5900.0);
+    std::vector<Site> places = {siteAt(fibre, 102.0), siteAt(fibre, 2000.0), siteAt(fibre, 4000.0)};
+    for (Site& site : places) {
+        site.glows = true;
+    }
+    sites.add(places);
+    sites.dropUnlikely(0.015, 5.0);
+    ASSERT_EQ(placesOf(sites), (std::vector<double> {102.0, 2000.0, 4000.0}));
+    ASSERT_TRUE(std::isnan(sites.sites()[0].loss_dB)) << "there is no fibre before it";
+    EXPECT_TRUE(sites.sites()[0].isBorder);
+    EXPECT_TRUE(sites.sites()[1].isBorder);
+    EXPECT_FALSE(sites.sites()[2].isBorder);
+
+    const DrawnFibre noisy = fibreWith({{3000.0, 0.05, 0.1}}, 0.5);
+    EventSites doubtful(*noisy, 100.0, 5900.0);
+    Site site = siteAt(noisy, 3000.0);
+    site.glows = true;
+    doubtful.add({site});
+    doubtful.dropUnlikely(0.015, 5.0);
+    ASSERT_EQ(doubtful.sites().size(), 1U);
+    EXPECT_TRUE(doubtful.sites().front().isBorder);
+}
+
 TEST(EventSites, ASmallChangeIsDroppedWhereItIsNotClear)
 {
     for (const DrawnEvent& small : {DrawnEvent {3000.0, 0.01}, DrawnEvent {3000.0, 0.003}}) {
