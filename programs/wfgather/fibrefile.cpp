@@ -25,6 +25,9 @@ constexpr int kMostSections = 10000;
 constexpr int kLongestText = 200;
 constexpr double kDefaultDynamicRange_dB = 38.0;
 
+/// What all events that gain may add to the light, so that its power stays a number.
+constexpr double kMostGain_dB = 100.0;
+
 /// The end of a fibre as the sum of its sections, and as somebody else added them.
 constexpr double kSamePlace_m = 1e-6;
 
@@ -80,6 +83,7 @@ public:
         for (int i = 0; i < events.size() && !failed(); ++i) {
             fibre.events.push_back(eventOf(events[i], QString("events[%1]").arg(i), length_m));
         }
+        checkGains(fibre.events);
         std::stable_sort(fibre.events.begin(), fibre.events.end(),
                          [](const FibreEvent& a, const FibreEvent& b) { return a.at_m < b.at_m; });
         fibre.endReflectance_dB =
@@ -94,6 +98,17 @@ public:
     [[nodiscard]] const QString& firstError() const { return error; }
 
 private:
+    void checkGains(const std::vector<FibreEvent>& events)
+    {
+        double gain_dB = 0.0;
+        for (const FibreEvent& event : events) {
+            gain_dB += std::max(0.0, -event.loss_dB.lowest());
+        }
+        if (gain_dB > kMostGain_dB) {
+            fail("events", QString("they gain more than %1 dB in all").arg(kMostGain_dB));
+        }
+    }
+
     Section sectionOf(const QJsonValue& value, const QString& place)
     {
         const QJsonObject object = objectOf(value, place);

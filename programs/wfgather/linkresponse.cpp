@@ -14,6 +14,8 @@ namespace {
 /// As many reflectors as make echoes: their number of triples stays in the thousands.
 constexpr std::size_t kMostEchoing = 24;
 
+constexpr double kNeperPerDb = 0.230258509299404568; ///< of power: ln(10) / 10
+
 double fraction(double decibels)
 {
     return std::pow(10.0, decibels / 10.0);
@@ -77,7 +79,7 @@ private:
         stretch.from_ns = at_m * nsPerMetre;
         stretch.to_ns = to_m * nsPerMetre;
         stretch.power_perNs = remaining * fraction(section.backscatter_dB.at(wavelength_nm));
-        stretch.decay_perNs = -std::log(left) / time_ns;
+        stretch.decay_perNs = kNeperPerDb * 2.0 * loss_dB / time_ns;
         response.backscatter.push_back(stretch);
         remaining *= left;
         at_m = to_m;
@@ -113,7 +115,8 @@ private:
     void addEcho(const Reflector& i, const Reflector& j, const Reflector& k, double ways)
     {
         const double reflected = i.reflectance * j.reflectance * k.reflectance;
-        const double power = ways * reflected * j.before * k.before / i.after;
+        const double power = i.after > 0.0 ? ways * reflected * j.before * (k.before / i.after)
+                                           : 0.0; // nothing is left there
         response.reflections.push_back({j.at_ns + k.at_ns - i.at_ns, power, true});
     }
 

@@ -1,5 +1,6 @@
 #include "programs/wfgather/spectrum.h"
 
+#include <algorithm>
 #include <iterator>
 #include <limits>
 #include <utility>
@@ -32,6 +33,13 @@ double Spectrum::at(int wavelength_nm) const
     const double share = static_cast<double>(wavelength_nm - below->first)
         / static_cast<double>(above->first - below->first);
     return below->second + share * (above->second - below->second);
+}
+
+double Spectrum::lowest() const
+{
+    const auto least = std::min_element(values.begin(), values.end(),
+                                        [](auto& a, auto& b) { return a.second < b.second; });
+    return least == values.end() ? at(0) : least->second;
 }
 
 } // namespace gather

@@ -24,6 +24,9 @@ public:
     /// NaN where empty.
     [[nodiscard]] double at(int wavelength_nm) const;
 
+    /// At any wavelength; NaN where empty.
+    [[nodiscard]] double lowest() const;
+
 private:
     std::map<int, double> values;
 };

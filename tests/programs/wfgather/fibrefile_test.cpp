@@ -255,6 +255,18 @@ TEST(FibreFile, TooManyEventsAreRefused)
     EXPECT_THAT(events(10001), HasSubstr("events: more than 10000"));
 }
 
+TEST(FibreFile, GainsOfAllEventsHaveALimit)
+{
+    const auto gains = [](int count) {
+        QByteArray list = QByteArray("{\"at_m\": 5, \"loss_db\": {\"1310\": -9, \"1550\": -10}},")
+                              .repeated(count);
+        list.chop(1);
+        return errorOf(withMore("\"events\": [" + list + "]"));
+    };
+    EXPECT_EQ(gains(10), "none");
+    EXPECT_THAT(gains(11), HasSubstr("events: they gain more than 100 dB"));
+}
+
 TEST(FibreFile, ATooLargeFileIsNotParsed)
 {
     const QByteArray blanks(static_cast<int>(gather::kLargestFibreFile) + 1, ' ');

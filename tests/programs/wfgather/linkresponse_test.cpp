@@ -50,6 +50,8 @@ TEST(Spectrum, InterpolatesBetweenTwoWavelengthsAndTakesTheNearestBeyond)
     EXPECT_DOUBLE_EQ(spectrum.at(1650), 0.20);
     EXPECT_DOUBLE_EQ(Spectrum(1.5).at(1310), 1.5);
     EXPECT_TRUE(std::isnan(Spectrum().at(1310)));
+    EXPECT_EQ(spectrum.lowest(), 0.20);
+    EXPECT_TRUE(std::isnan(Spectrum().lowest()));
 }
 
 TEST(LinkResponse, BackscatterDecaysByTwiceTheAttenuation)
@@ -60,6 +62,24 @@ TEST(LinkResponse, BackscatterDecaysByTwiceTheAttenuation)
     EXPECT_NEAR(dB(stretch.power_perNs), -81.9, 1e-9);
     EXPECT_NEAR(dB(std::exp(-stretch.decay_perNs * timeOf(1000.0))), -0.4, 1e-9);
     EXPECT_NEAR(stretch.to_ns, timeOf(10000.0), 1e-6);
+}
+
+/// So dark that no power is left to count in.
+TEST(LinkResponse, AFibreThatSwallowsAllLightAnswersWithNumbers)
+{
+    Fibre fibre = uniformFibre(25'210.0, 180.0);
+    fibre.events = {connector(10.0, 1.0, -40.0), connector(24'000.0, 1.0, -40.0),
+                    connector(25'000.0, 1.0, -40.0)};
+    fibre.endReflectance_dB = Spectrum(-14.7);
+    const LinkResponse response = responseOf(fibre, 1550);
+    for (const auto& stretch : response.backscatter) {
+        EXPECT_NEAR(stretch.decay_perNs * timeOf(1000.0), 2.0 * 180.0 * std::log(10.0) / 10.0,
+                    1e-9);
+    }
+    for (const auto& reflection : response.reflections) {
+        EXPECT_TRUE(std::isfinite(reflection.power)) << reflection.at_ns;
+    }
+    EXPECT_EQ(response.reflections[1].power, 0.0);
 }
 
 TEST(LinkResponse, AReflectorStandsBeforeTheLossOfItsEvent)
