@@ -14,6 +14,10 @@ namespace {
 /// A change of power, in nepers, for each decibel of the trace: ln(10) / 5.
 constexpr double kNepersPerDb = 0.46051701859880914;
 
+/// Nothing stands higher above the fibre than this; of samples that do, the power would have no
+/// number.
+constexpr double kBrightest_dB = 100.0;
+
 /// Light that is left where the lines tell none.
 constexpr double kLeastPart = 1e-6;
 
@@ -205,8 +209,8 @@ public:
         rise.reserve(stretch.at.size());
         squaresBefore.reserve(stretch.at.size() + 1);
         for (std::size_t k = 0; k < stretch.at.size(); ++k) {
-            power.push_back(
-                std::exp((stretch.level_dB[k] - before.at(stretch.at[k])) * kNepersPerDb));
+            const double above = stretch.level_dB[k] - before.at(stretch.at[k]);
+            power.push_back(std::exp(std::min(above, kBrightest_dB) * kNepersPerDb));
             rise.push_back(std::exp(decay * (stretch.at[k] - stretch.at.front())));
             const double over = power.back() - 1.0;
             squaresBefore.push_back(squaresBefore.back() + over * over);

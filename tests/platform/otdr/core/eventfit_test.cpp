@@ -98,6 +98,16 @@ otdr::PeakFit peakOf(const DrawnFibre& fibre, double at, double loss_dB)
     return otdr::fitPeak(*fibre, at, flatLine(30.0), flatLine(30.0 - loss_dB));
 }
 
+/// Files may hold anything: what stands 2030 dB above a line would have no power.
+TEST(FitPeak, TellsAHeightOfSamplesBeyondAllReason)
+{
+    const DrawnFibre fibre = eventAt(1000.0, 20.0, 0.0, 10.0);
+    const otdr::PeakFit fit = otdr::fitPeak(*fibre, 1000.0, flatLine(-2000.0), flatLine(-2000.0));
+    EXPECT_TRUE(std::isfinite(fit.height_dB));
+    EXPECT_TRUE(std::isfinite(fit.foot));
+    EXPECT_TRUE(std::isfinite(fit.scatter_dB));
+}
+
 TEST(FitPeak, FindsFootAndHeightOfAReflectionOnALoss)
 {
     for (const double pulse : {10.0, 24.0, 50.0}) {
