@@ -28,7 +28,7 @@ QString LinkedNames::openable(const QString& name)
         dir = std::make_unique<QTemporaryDir>(place + "/names-XXXXXX");
     }
     const QString number = QString::number(links.size()); // two names may look the same
-    const QString link = dir->filePath(number + '/' + QFileInfo(filename::shown(name)).fileName());
+    QString link = dir->filePath(number + '/' + QFileInfo(filename::shown(name)).fileName());
     if (!dir->isValid() || !QDir(dir->path()).mkdir(number)
         || ::symlink(filename::toRaw(target).constData(), QFile::encodeName(link).constData())
             != 0) {

@@ -213,6 +213,7 @@ int main(int argc, char** argv)
                 static_cast<double>(totals.extra) / std::max(1, totals.traces));
     std::printf("loss of %zu: median %.4f dB, 90 %% %.4f dB, within 5 mdB %.1f %%\n", losses.size(),
                 quantile(losses, 0.5), quantile(losses, 0.9),
-                100.0 * static_cast<double>(within) / std::max<std::size_t>(1, losses.size()));
+                100.0 * static_cast<double>(within)
+                    / static_cast<double>(std::max<std::size_t>(1, losses.size())));
     return 0;
 }

@@ -56,23 +56,23 @@ void redraw(benchmark::State& state, double from_m, double to_m)
     }
 }
 
-void BM_RedrawFullView(benchmark::State& state)
+void redrawFullView(benchmark::State& state)
 {
     redraw(state, 0.0, kBenchRange_m);
 }
 
-void BM_RedrawZoomed(benchmark::State& state)
+void redrawZoomed(benchmark::State& state)
 {
     redraw(state, 16000.0, 18000.0);
 }
 
-void BM_RedrawSticksApart(benchmark::State& state)
+void redrawSticksApart(benchmark::State& state)
 {
     redraw(state, 16000.0, 17500.0);
 }
 
 /// The yardstick: the library's own curve with every sample.
-void BM_RedrawPlainCurves(benchmark::State& state)
+void redrawPlainCurves(benchmark::State& state)
 {
     const auto plot = chart(0.0, kBenchRange_m);
     std::vector<std::unique_ptr<QwtPlotCurve>> curves;
@@ -94,7 +94,7 @@ void BM_RedrawPlainCurves(benchmark::State& state)
 }
 
 /// What the chart costs without any curve: canvas, grid, axes.
-void BM_RedrawEmptyChart(benchmark::State& state)
+void redrawEmptyChart(benchmark::State& state)
 {
     const auto plot = chart(0.0, kBenchRange_m);
     plot->replot();
@@ -104,7 +104,7 @@ void BM_RedrawEmptyChart(benchmark::State& state)
 }
 
 /// Sampling a curve for a new view.
-void BM_Rescale(benchmark::State& state)
+void rescale(benchmark::State& state)
 {
     const auto plot = chart(0.0, kBenchRange_m);
     ReflCurve curve(plot->clip(), benchTrace(static_cast<std::size_t>(state.range(0)), 0),
@@ -118,12 +118,12 @@ void BM_Rescale(benchmark::State& state)
 constexpr int k16Thousand = 16'000;
 constexpr int k10Million = 10'000'000;
 
-BENCHMARK(BM_RedrawEmptyChart)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_RedrawFullView)->Arg(k16Thousand)->Arg(k10Million)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_RedrawZoomed)->Arg(k16Thousand)->Arg(k10Million)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_RedrawSticksApart)->Arg(k16Thousand)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_RedrawPlainCurves)->Arg(k16Thousand)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_Rescale)->Arg(k16Thousand)->Arg(k10Million)->Unit(benchmark::kMicrosecond);
+BENCHMARK(redrawEmptyChart)->Unit(benchmark::kMicrosecond);
+BENCHMARK(redrawFullView)->Arg(k16Thousand)->Arg(k10Million)->Unit(benchmark::kMicrosecond);
+BENCHMARK(redrawZoomed)->Arg(k16Thousand)->Arg(k10Million)->Unit(benchmark::kMicrosecond);
+BENCHMARK(redrawSticksApart)->Arg(k16Thousand)->Unit(benchmark::kMicrosecond);
+BENCHMARK(redrawPlainCurves)->Arg(k16Thousand)->Unit(benchmark::kMicrosecond);
+BENCHMARK(rescale)->Arg(k16Thousand)->Arg(k10Million)->Unit(benchmark::kMicrosecond);
 
 } // namespace
 

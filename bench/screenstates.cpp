@@ -47,7 +47,7 @@ void ScreenStates::take(const QString& name)
     constexpr int kPainted_ms = 150;
     constexpr int kColours = 48;
     constexpr int kLeastColours = 6;
-    constexpr qint64 kMostBytes = 40 * 1024;
+    constexpr qint64 kMostBytes = qint64 {40} * 1024;
     constexpr int kBestCompression = 0; // of a PNG, as Qt counts
     testing_support::DeskUser::settle();
     QTest::qWait(kPainted_ms);

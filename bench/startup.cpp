@@ -88,15 +88,17 @@ int measureMemory(const QStringList& waveform, const QStringList& empty, const Q
     if (!problem.isEmpty()) {
         return fail(problem);
     }
+    const auto megabytes = [](long memory_KB) {
+        return QString::number(static_cast<double>(memory_KB) / kMegabyte_KB, 'f', 1);
+    };
     const auto line = [&](const QString& what, const WindowRun& run) {
         QTextStream(stdout) << QString(
                                    "%1: resident %2 MB (%3 MB more), share %4 MB (%5 MB more)\n")
                                    .arg(what)
-                                   .arg(run.resident_KB / kMegabyte_KB, 0, 'f', 1)
-                                   .arg((run.resident_KB - window.resident_KB) / kMegabyte_KB, 0,
-                                        'f', 1)
-                                   .arg(run.share_KB / kMegabyte_KB, 0, 'f', 1)
-                                   .arg((run.share_KB - window.share_KB) / kMegabyte_KB, 0, 'f', 1);
+                                   .arg(megabytes(run.resident_KB))
+                                   .arg(megabytes(run.resident_KB - window.resident_KB))
+                                   .arg(megabytes(run.share_KB))
+                                   .arg(megabytes(run.share_KB - window.share_KB));
     };
     line("empty window", window);
     line("waveform", without);

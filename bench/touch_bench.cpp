@@ -61,20 +61,20 @@ void zoom(benchmark::State& state, TouchedPlot& touched)
         state, touched, [&] { touched.zoom(Qt::Key_Right); }, [&] { touched.zoom(Qt::Key_Left); });
 }
 
-void BM_PanStepWholeView(benchmark::State& state)
+void panStepWholeView(benchmark::State& state)
 {
     TouchedPlot touched(static_cast<std::size_t>(state.range(0)), kWhole.from_m, kWhole.to_m);
     pan(state, touched);
 }
 
-void BM_PanStepZoomed(benchmark::State& state)
+void panStepZoomed(benchmark::State& state)
 {
     TouchedPlot touched(static_cast<std::size_t>(state.range(0)), kZoomed.from_m, kZoomed.to_m);
     pan(state, touched);
 }
 
 /// With a stretch of fibre highlighted that fills half the canvas.
-void BM_PanStepHighlight(benchmark::State& state)
+void panStepHighlight(benchmark::State& state)
 {
     TouchedPlot touched(static_cast<std::size_t>(state.range(0)), kZoomed.from_m - 1000.0,
                         kZoomed.to_m + 1000.0);
@@ -82,13 +82,13 @@ void BM_PanStepHighlight(benchmark::State& state)
     pan(state, touched);
 }
 
-void BM_ZoomStepWholeView(benchmark::State& state)
+void zoomStepWholeView(benchmark::State& state)
 {
     TouchedPlot touched(static_cast<std::size_t>(state.range(0)), kWhole.from_m, kWhole.to_m);
     zoom(state, touched);
 }
 
-void BM_ZoomStepZoomed(benchmark::State& state)
+void zoomStepZoomed(benchmark::State& state)
 {
     TouchedPlot touched(static_cast<std::size_t>(state.range(0)), kZoomed.from_m, kZoomed.to_m);
     zoom(state, touched);
@@ -100,11 +100,11 @@ void sizes(benchmark::internal::Benchmark* bench)
     bench->Unit(benchmark::kMicrosecond);
 }
 
-BENCHMARK(BM_PanStepWholeView)->Apply(sizes);
-BENCHMARK(BM_PanStepZoomed)->Apply(sizes);
-BENCHMARK(BM_PanStepHighlight)->Apply(sizes);
-BENCHMARK(BM_ZoomStepWholeView)->Apply(sizes);
-BENCHMARK(BM_ZoomStepZoomed)->Apply(sizes);
+BENCHMARK(panStepWholeView)->Apply(sizes);
+BENCHMARK(panStepZoomed)->Apply(sizes);
+BENCHMARK(panStepHighlight)->Apply(sizes);
+BENCHMARK(zoomStepWholeView)->Apply(sizes);
+BENCHMARK(zoomStepZoomed)->Apply(sizes);
 
 } // namespace
 

@@ -94,7 +94,7 @@ struct Chart
     QmPlotMarker* right = nullptr;
 };
 
-void BM_MoveMarker(benchmark::State& state)
+void moveMarker(benchmark::State& state)
 {
     Chart chart(static_cast<std::size_t>(state.range(0)));
     int dx = 1;
@@ -105,7 +105,7 @@ void BM_MoveMarker(benchmark::State& state)
 }
 
 /// The same with the return loss waited for and shown.
-void BM_MoveMarkerTillReturnLoss(benchmark::State& state)
+void moveMarkerTillReturnLoss(benchmark::State& state)
 {
     Chart chart(static_cast<std::size_t>(state.range(0)));
     int dx = 1;
@@ -118,7 +118,7 @@ void BM_MoveMarkerTillReturnLoss(benchmark::State& state)
 }
 
 /// What the model alone takes of it.
-void BM_Measure(benchmark::State& state)
+void measure(benchmark::State& state)
 {
     Chart chart(static_cast<std::size_t>(state.range(0)));
     chart.view.hide();
@@ -131,13 +131,13 @@ void BM_Measure(benchmark::State& state)
 constexpr int k16Thousand = 16'000;
 constexpr int k10Million = 10'000'000;
 
-BENCHMARK(BM_MoveMarker)->Arg(k16Thousand)->Arg(k10Million)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_MoveMarkerTillReturnLoss)
+BENCHMARK(moveMarker)->Arg(k16Thousand)->Arg(k10Million)->Unit(benchmark::kMicrosecond);
+BENCHMARK(moveMarkerTillReturnLoss)
     ->Arg(k16Thousand)
     ->Arg(k10Million)
     ->Unit(benchmark::kMicrosecond)
     ->UseRealTime();
-BENCHMARK(BM_Measure)->Arg(k16Thousand)->Arg(k10Million)->Unit(benchmark::kMicrosecond);
+BENCHMARK(measure)->Arg(k16Thousand)->Arg(k10Million)->Unit(benchmark::kMicrosecond);
 
 } // namespace
 

@@ -50,7 +50,7 @@ QString TextualAnimator::sendNewText()
         return {};
     }
     current = (current + 1) % (pointsCount + 1);
-    const QString result = text + QString(current, '.') + QString(pointsCount - current, ' ');
+    QString result = text + QString(current, '.') + QString(pointsCount - current, ' ');
     emit newText(result);
     return result;
 }

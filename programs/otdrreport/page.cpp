@@ -55,7 +55,7 @@ class PageStream : public Grantlee::OutputStream
 public:
     using OutputStream::OutputStream;
 
-    QString escape(const QString& input) const override
+    [[nodiscard]] QString escape(const QString& input) const override
     {
         return input.toHtmlEscaped().replace('\'', "&#39;");
     }
@@ -109,7 +109,7 @@ private:
             return {};
         }
         for (const QString& dir : {directory, QStringLiteral(":/report")}) {
-            const QString path = dir + "/" + name;
+            QString path = dir + "/" + name;
             if (!dir.isEmpty() && QFileInfo(path).isFile()) {
                 return path;
             }

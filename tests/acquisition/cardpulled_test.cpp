@@ -141,7 +141,7 @@ TEST_F(CardAway, ForAMomentOnlyEndsTheRunToo)
     set("Simulation", "timeScale", 0.2);
     QSignalSpy lost(model.get(), SIGNAL(cardLost()));
     ASSERT_EQ(model->start(0), 0);
-    ASSERT_TRUE(QTest::qWaitFor([this] { return measured->size() > 0; }, 10000));
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !measured->isEmpty(); }, 10000));
     for (int i = 0; i < 3; ++i) {
         card.unplug();
         card.plug();

@@ -54,16 +54,16 @@ TEST_F(GatherRules, SignalsAndSlotsAreTheAgreedOnesInTheirOrder)
         "signal analisisFinished()",
         "signal finished()",
         "signal error()",
-        "public setStartParams(QString snapshotFileName, QString configFileName, QString "
-        "cardInterfaceName, QString pollerInterfaceName, QString errLogFileName)",
+        ("public setStartParams(QString snapshotFileName, QString configFileName, QString "
+         "cardInterfaceName, QString pollerInterfaceName, QString errLogFileName)"),
         "public setSnapshotFileName(QString name)",
         "public setConfigFileName(QString name)",
         "public setCardIfaceName(QString name)",
         "public setPollerIfaceName(QString name)",
         "public setErrLogFileName(QString name)",
         "public start()",
-        "public start(QString snapshotFileName, QString configFileName, QString "
-        "cardInterfaceName, QString pollerInterfaceName, QString errLogFileName)",
+        ("public start(QString snapshotFileName, QString configFileName, QString "
+         "cardInterfaceName, QString pollerInterfaceName, QString errLogFileName)"),
         "public stop()",
         "private readGatherOutput()",
         "private preprocessMsg(QString msg)",

@@ -64,7 +64,7 @@ protected:
 
     bool waitForStop()
     {
-        return QTest::qWaitFor([this] { return stopped->size() > 0; }, 15000);
+        return QTest::qWaitFor([this] { return !stopped->isEmpty(); }, 15000);
     }
 
     QStringList leftSettings()

@@ -248,14 +248,14 @@ TEST_F(FaultyProgram, GarbageDoesNoHarm)
     const QString end = "printf ';9 G };'; exit 0";
     for (const char* garbage : {
              "head -c 300000 /dev/urandom;",
-             "printf '\\000\\000\\000';",
-             "printf '1 \\377\\376 {;\\303;2 M { \\377/\\377 pulse \\377;';",
-             "printf '2 M { -1/99999999999999999999 wavelength -5 duration 1e99 ior nan;3 M * RT "
-             "99999999999999 ET inf;';",
-             "printf '4 A * ;5 A * n position 1e999 loss x;6 A * \\001;';",
-             "printf ';;;;;; ; ; ;\\n\\r\\n{ } * ;';",
+             R"(printf '\000\000\000';)",
+             R"(printf '1 \377\376 {;\303;2 M { \377/\377 pulse \377;';)",
+             ("printf '2 M { -1/99999999999999999999 wavelength -5 duration 1e99 ior nan;3 M * RT "
+              "99999999999999 ET inf;';"),
+             R"(printf '4 A * ;5 A * n position 1e999 loss x;6 A * \001;';)",
+             R"(printf ';;;;;; ; ; ;\n\r\n{ } * ;';)",
              "printf '7 M * '; yes 'key value' | head -c 3000000; printf ';';",
-             "printf '7 A * '; yes 'loss 0.1' | tr '\\n' ' ' | head -c 3000000; printf ';';",
+             R"(printf '7 A * '; yes 'loss 0.1' | tr '\n' ' ' | head -c 3000000; printf ';';)",
          }) {
         failureOf(QString(garbage) + "sleep 0.1;" + end);
     }

@@ -134,14 +134,16 @@ struct DemoFibre
         QFile file(WAVEFORM_FIBRES "/demo-link.json");
         EXPECT_TRUE(file.open(QIODevice::ReadOnly));
         const QJsonObject fibre = QJsonDocument::fromJson(file.readAll()).object();
-        for (const QJsonValue& value : fibre["events"].toArray()) {
+        const QJsonArray events = fibre["events"].toArray();
+        for (const QJsonValue& value : events) {
             const double at_m = value["at_m"].toDouble();
             if (at_m > 0.0) {
                 places << Place {at_m, value["reflectance_db"].isDouble()};
             }
         }
         double length_m = 0.0;
-        for (const QJsonValue& section : fibre["sections"].toArray()) {
+        const QJsonArray sections = fibre["sections"].toArray();
+        for (const QJsonValue& section : sections) {
             length_m += section["length_m"].toDouble();
         }
         places << Place {length_m, true};

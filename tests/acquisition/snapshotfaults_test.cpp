@@ -21,7 +21,7 @@ protected:
 
     QString fileOf(const QByteArray& bytes)
     {
-        const QString name = files.path(QString("snapshot%1").arg(++count));
+        QString name = files.path(QString("snapshot%1").arg(++count));
         QFile file(name);
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
         file.write(bytes);

@@ -17,7 +17,7 @@ class PacketHeader : public testing::Test
 protected:
     QString fileOf(int size)
     {
-        const QString name = dir.filePath("trace.bin");
+        QString name = dir.filePath("trace.bin");
         QFile file(name);
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
         QByteArray bytes(size, '\0');

@@ -65,7 +65,7 @@ protected:
 
     const AcquisitionDir directory;
     const ConfigHome config;
-    const LookKept before;
+    const LookKept before {};
     TraceFiles files;
     std::unique_ptr<Appearance> appearance;
     std::unique_ptr<Host> host;

@@ -128,7 +128,7 @@ TEST_F(Installed, IsEveryFileOfThePackageAndNoOther)
 
 TEST_F(Installed, LibrariesAreLookedForBesideTheirUserOrInTheSystem)
 {
-    const QRegularExpression search("\\((?:RPATH|RUNPATH)\\).*\\[(.*)\\]");
+    const QRegularExpression search(R"(\((?:RPATH|RUNPATH)\).*\[(.*)\])");
     QStringList paths;
     for (const QString& name : names().filter(QRegularExpression("^(bin|lib)/"))) {
         const Answer answer = run("readelf", {"-d", path(name)});
@@ -171,7 +171,7 @@ TEST_F(Installed, ManualPagesTellEveryOptionOfTheHelp)
         ASSERT_EQ(page.code, 0);
         // What it is: the first words of the help's second line.
         const QString brief = help.section('\n', 1, 1).section(' ', 1, 2).replace("-", "\\-");
-        const QRegularExpression name("\\.SH NAME\n" + program + " \\\\- \\S+ "
+        const QRegularExpression name("\\.SH NAME\n" + program + R"( \\- \S+ )"
                                       + QRegularExpression::escape(brief.section(':', 0, 0)));
         EXPECT_TRUE(name.match(page.out).hasMatch()) << qPrintable(page.out);
         EXPECT_FALSE(page.out.contains("@"));

@@ -16,6 +16,7 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QRegularExpression>
+#include <QTableView>
 #include <QTextBrowser>
 
 namespace {

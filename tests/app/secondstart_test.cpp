@@ -48,7 +48,7 @@ protected:
     QByteArray oddFile()
     {
         const QByteArray plain = QFile::encodeName(files.write("a.sor", SorSketch::plain()));
-        const QByteArray odd = QFile::encodeName(dir.path()) + '/' + kOddName;
+        QByteArray odd = QFile::encodeName(dir.path()) + '/' + kOddName;
         EXPECT_EQ(std::rename(plain.constData(), odd.constData()), 0);
         return odd;
     }

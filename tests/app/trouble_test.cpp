@@ -89,7 +89,7 @@ protected:
     QString alone() const
     {
         QDir(dir.path()).mkpath("bin");
-        const QString copy = dir.filePath("bin/waveform");
+        QString copy = dir.filePath("bin/waveform");
         EXPECT_TRUE(QFile::copy(program(), copy));
         return copy;
     }

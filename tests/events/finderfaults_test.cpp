@@ -46,7 +46,7 @@ protected:
     void expectGoodRun() { EXPECT_TRUE(findsWith("printf 'r = 2000\\n'")); }
 
     const FakePrograms programs;
-    const TraceFiles files;
+    const TraceFiles files {};
     const QString file = files.writeSnapshot("wfsnapshot.bin", TraceBuilder().fibre(8_km));
     EventFinder finder;
     WfMeasParams params;
@@ -98,9 +98,9 @@ TEST_F(FaultyFinder, FloodOfComplaintsIsKeptAtItsEnd)
 TEST_F(FaultyFinder, GarbageIsNoEventAndDoesNoHarm)
 {
     for (const char* garbage :
-         {"head -c 300000 /dev/urandom", "printf '\\000\\000\\n'", "printf 'r = \\n= 5\\nr =5\\n'",
-          "printf 'r = 99999999999999999999\\nn = -5\\ne = nan\\n'", "printf 'r = 2000'",
-          "head -c 500000 /dev/zero | tr '\\0' 'r'"}) {
+         {"head -c 300000 /dev/urandom", R"(printf '\000\000\n')", R"(printf 'r = \n= 5\nr =5\n')",
+          R"(printf 'r = 99999999999999999999\nn = -5\ne = nan\n')", "printf 'r = 2000'",
+          R"(head -c 500000 /dev/zero | tr '\0' 'r')"}) {
         EXPECT_TRUE(findsWith(QString(garbage) + "; exit 0")) << garbage;
     }
     expectGoodRun();

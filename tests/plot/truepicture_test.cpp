@@ -120,7 +120,7 @@ void expectTruePictures(const Reflectogram& refl, const std::string& name)
 {
     TracePicture picture(refl);
     const auto compare = [&](const char* view) {
-        const Outline drawn = picture.drawn();
+        Outline drawn = picture.drawn();
         EXPECT_EQ(drawn, picture.ofAllSamples()) << name << ", " << view;
         return drawn;
     };

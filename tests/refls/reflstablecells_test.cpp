@@ -133,7 +133,7 @@ TEST_F(TraceSet, ReturnLossIsComputedInTheBackgroundWhereTheFileHasNone)
     forgetSignals();
     EXPECT_EQ(text(0, 6), "-");
     EXPECT_EQ(text(0, 5), "-");
-    ASSERT_TRUE(QTest::qWaitFor([&] { return resets.size() > 0; }, 5000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !resets.isEmpty(); }, 5000));
     EXPECT_NE(text(0, 5), "-");
     EXPECT_GT(text(0, 5).toDouble(), 10.0);
     EXPECT_EQ(resets.size(), 1);

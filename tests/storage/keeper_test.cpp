@@ -217,7 +217,7 @@ TEST_F(Keeping, FailedReportIsAFailedSaveAndTheTraceStays)
 
 TEST_F(Keeping, OneFailedReportOfAGroupDoesNotKeepTheOthersFromBeingSaved)
 {
-    makeReport("case \"$4\" in *_1550nm.html) exit 3;; esac; echo > \"$4\"");
+    makeReport(R"(case "$4" in *_1550nm.html) exit 3;; esac; echo > "$4")");
     SorSketch other = SorSketch::plain();
     other.gen.wavelength_nm = 1310;
     other.fxd.actualWavelength = 13100;
@@ -261,7 +261,7 @@ TEST_F(Keeping, TemplateIsThatOfTheLanguageIfItIsThere)
 
 TEST_F(Keeping, TemplateIsHandedToTheGenerator)
 {
-    makeReport("echo \"$5 $6\" > \"$4\"");
+    makeReport(R"(echo "$5 $6" > "$4")");
     const QString own = files.write("own.html", Bytes(1));
     ZuConfig("zuotdr", "report", "template").store(own);
     refls.addReflFromFile(files.write("a.sor", SorSketch::plain()));

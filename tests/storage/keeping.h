@@ -35,7 +35,7 @@ protected:
                            , waits(&keeper, SIGNAL(setWaitWindowVisible(bool)))
     {
         qputenv("HOME", QFile::encodeName(files.path("home")));
-        makeReport("echo report > \"$4\"; echo picture > \"${4%.html}.png\"");
+        makeReport(R"(echo report > "$4"; echo picture > "${4%.html}.png")");
         keeper.setConfig(config);
         keeper.setMeasModel(&model);
         QObject::connect(&keeper,

@@ -19,7 +19,7 @@ using testing_support::TraceFiles;
 using Waveform::SaveThread;
 
 /// Writes the report, and its picture beside it, as the real one does.
-constexpr const char* kReport = "echo report > \"$4\"; echo picture > \"${4%.html}.png\"";
+constexpr const char* kReport = R"(echo report > "$4"; echo picture > "${4%.html}.png")";
 
 class Save : public testing::Test
 {
@@ -89,14 +89,14 @@ TEST_F(Save, EmptyTemplateIsNotPassed)
 {
     EXPECT_EQ(SaveThread::reportArguments("a.sor", "b.html", ""),
               QStringList({"-i", "a.sor", "-o", "b.html"}));
-    programs.make("otdrreport", "echo \"$#\" > \"$4\"");
+    programs.make("otdrreport", R"(echo "$#" > "$4")");
     run();
     EXPECT_EQ(contents("out.html"), "4\n");
 }
 
 TEST_F(Save, TemplateIsPassed)
 {
-    programs.make("otdrreport", "echo \"$5 $6\" > \"$4\"");
+    programs.make("otdrreport", R"(echo "$5 $6" > "$4")");
     thread.templ = "/some/where/own template.html";
     run();
     EXPECT_EQ(contents("out.html"), "-t /some/where/own template.html\n");
@@ -170,7 +170,7 @@ TEST_F(Save, GeneratorThatHangsEndsWhenAskedTo)
 
 TEST_F(Save, GeneratorThatReadsItsInputFindsItsEnd)
 {
-    programs.make("otdrreport", "cat > \"$4\"; echo report >> \"$4\"");
+    programs.make("otdrreport", R"(cat > "$4"; echo report >> "$4")");
     run();
     EXPECT_EQ(thread.result, 0);
     EXPECT_EQ(contents("out.html"), "report\n");
@@ -178,7 +178,7 @@ TEST_F(Save, GeneratorThatReadsItsInputFindsItsEnd)
 
 TEST_F(Save, CopyThatHangsEndsWhenAskedTo)
 {
-    programs.make("otdrreport", "echo report > \"$4\"; mkfifo \"${4%.html}.png\"");
+    programs.make("otdrreport", R"(echo report > "$4"; mkfifo "${4%.html}.png")");
     thread.flashDir = files.path("flash");
     QDir().mkpath(thread.flashDir);
     thread.start();

@@ -226,7 +226,7 @@ TEST_F(WholeSave, VanishedDirectoryIsMadeAnew)
 
 TEST_F(WholeSave, DirectoryThatGoesDuringTheSaveFailsTheReportOnly)
 {
-    makeReport("exec 2> /dev/null; rm -r \"${4%/*}\"; echo report > \"$4\"");
+    makeReport(R"(exec 2> /dev/null; rm -r "${4%/*}"; echo report > "$4")");
     refls.addReflFromFile(files.write("a.sor", SorSketch::plain()));
     EXPECT_NE(keeper.doSave("link"), 0);
     ASSERT_EQ(notified.size(), 1);
@@ -240,7 +240,7 @@ TEST_F(WholeSave, DrivePulledBeforeTheCopyLeavesAllSaved)
     ZuLauncherConfig("flash", "dir").store(drive);
     ZuLauncherConfig("flash", "save").store(true);
     QDir().mkpath(drive + "/otdr");
-    makeReport("echo report > \"$4\"; echo picture > \"${4%.html}.png\"; rm -r '" + drive + "'");
+    makeReport(R"(echo report > "$4"; echo picture > "${4%.html}.png"; rm -r ')" + drive + "'");
     refls.addReflFromFile(files.write("a.sor", SorSketch::plain()));
     EXPECT_EQ(keeper.doSave("link"), 0);
     EXPECT_EQ(namesIn(stored("")), (QStringList {"link.html", "link.png", "link.sor"}));

@@ -143,7 +143,7 @@ void addClipped(QStringList& found, const QWidget& window)
 
 QString nameOf(const QWidget& widget)
 {
-    return QString("%1 \"%2\" \"%3\" %4x%5")
+    return QString(R"(%1 "%2" "%3" %4x%5)")
         .arg(widget.metaObject()->className(), widget.objectName(),
              widget.property("text").toString())
         .arg(widget.width())

@@ -47,7 +47,7 @@ Reflectogram TraceFiles::plain(const QString& name) const
 
 Reflectogram TraceFiles::measured(const TraceBuilder& builder, const WfMeasParams& params) const
 {
-    return Reflectogram(writeSnapshot("wfsnapshot.bin", builder), params);
+    return {writeSnapshot("wfsnapshot.bin", builder), params};
 }
 
 QStringList realTraces()

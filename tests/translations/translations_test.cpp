@@ -15,7 +15,6 @@ namespace {
 
 using namespace testing_support; // what reads translations and sources
 
-using testing::ElementsAre;
 using testing::IsEmpty;
 
 const QStringList kFolders = QString(WAVEFORM_TRANSLATED).split(' ');

@@ -191,7 +191,7 @@ TEST_F(Connected, ModelThatIsGivenTwiceIsFollowedOnce)
     action()->setEnabled(true);
     programs.make("wfgather", "printf '1 G {;2 G };'");
     press();
-    ASSERT_TRUE(QTest::qWaitFor([this] { return stopped->size() > 0; }, 15'000));
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !stopped->isEmpty(); }, 15'000));
     EXPECT_EQ(action()->text(), "Start");
 }
 

@@ -35,7 +35,7 @@ protected:
 
     bool waitForStop() const
     {
-        return QTest::qWaitFor([this] { return stopped->size() > 0; }, 15000);
+        return QTest::qWaitFor([this] { return !stopped->isEmpty(); }, 15000);
     }
 
     void runToEnd(const QString& script)

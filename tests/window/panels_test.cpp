@@ -225,7 +225,7 @@ TEST_F(Panelled, TotalLossIsThereOnceTheEndIsKnown)
     EXPECT_EQ(cell(ReflsTableModel::TotalLoss), "-");
     Event end(Event::SpanEnd, 0, 10);
     end.position = std::lround(TraceBuilder().indexOf(4_km));
-    end.coordinate = refl.smpl2dist(end.position);
+    end.coordinate = refl.smpl2dist(static_cast<double>(end.position));
     const QSignalSpy resets(refls(), SIGNAL(modelReset()));
     announce({Event(Event::SpanStart, 0, 10), end});
     const int before = resets.size();

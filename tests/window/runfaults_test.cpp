@@ -41,7 +41,7 @@ protected:
         programs.make("wfgather", script);
         stopped->clear();
         press();
-        ASSERT_TRUE(QTest::qWaitFor([this] { return stopped->size() > 0; }, 15000));
+        ASSERT_TRUE(QTest::qWaitFor([this] { return !stopped->isEmpty(); }, 15000));
         QTest::qWait(100);
         expectIdle();
     }

@@ -52,7 +52,7 @@ protected:
     void stopRun()
     {
         model->stop(QString());
-        ASSERT_TRUE(QTest::qWaitFor([this] { return stopped->size() > 0; }, 15'000));
+        ASSERT_TRUE(QTest::qWaitFor([this] { return !stopped->isEmpty(); }, 15'000));
     }
 };
 

@@ -88,7 +88,7 @@ class Choosing : public testing::Test
 protected:
     QString make(const QString& name) const
     {
-        const QString path = dir.filePath(name);
+        QString path = dir.filePath(name);
         EXPECT_TRUE(QDir().mkpath(QFileInfo(path).path()));
         EXPECT_TRUE(QFile(path).open(QIODevice::WriteOnly));
         return path;

@@ -66,7 +66,7 @@ TEST(SysinfoReader, DoesNotReadAHugeFile)
 
 TEST(SysinfoReader, KnowsTheReleaseOfTheApplication)
 {
-    const QRegularExpression version("^\\d+\\.\\d+\\.\\d+$");
+    const QRegularExpression version(R"(^\d+\.\d+\.\d+$)");
     EXPECT_TRUE(version.match(SysinfoReader::releaseVersion()).hasMatch());
     EXPECT_EQ(SysinfoReader::releaseVersion(), WAVEFORM_VERSION);
 }

@@ -161,7 +161,7 @@ QJsonObject HeadlessBrowser::nextMessage()
         received += process.readAllStandardOutput();
     }
     const int end = received.indexOf('\0');
-    const QJsonObject message = QJsonDocument::fromJson(received.left(end)).object();
+    QJsonObject message = QJsonDocument::fromJson(received.left(end)).object();
     received.remove(0, end + 1);
     return message;
 }

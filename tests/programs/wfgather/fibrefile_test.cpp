@@ -184,8 +184,8 @@ TEST(FibreFile, ASectionHasALengthAndAnAttenuation)
             << length;
     }
     for (const char* attenuation :
-         {"-0.1", "1e4", "\"x\"", "[]", "{}", "{\"1310\": \"x\"}", "{\"x\": 0.2}", "{\"5\": 0.2}",
-          "{\"1310\": null}", "{\"99999999999\": 0.2}", "null", "false"}) {
+         {"-0.1", "1e4", R"("x")", "[]", "{}", R"({"1310": "x"})", R"({"x": 0.2})", R"({"5": 0.2})",
+          R"({"1310": null})", R"({"99999999999": 0.2})", "null", "false"}) {
         EXPECT_THAT(section("1000", attenuation), HasSubstr("sections[0].attenuation_db_per_km"))
             << attenuation;
     }
@@ -258,8 +258,8 @@ TEST(FibreFile, TooManyEventsAreRefused)
 TEST(FibreFile, GainsOfAllEventsHaveALimit)
 {
     const auto gains = [](int count) {
-        QByteArray list = QByteArray("{\"at_m\": 5, \"loss_db\": {\"1310\": -9, \"1550\": -10}},")
-                              .repeated(count);
+        QByteArray list =
+            QByteArray(R"({"at_m": 5, "loss_db": {"1310": -9, "1550": -10}},)").repeated(count);
         list.chop(1);
         return errorOf(withMore("\"events\": [" + list + "]"));
     };

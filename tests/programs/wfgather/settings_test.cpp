@@ -151,7 +151,7 @@ TEST_F(SettingsFile, ABadNumberIsNamedWithItsRange)
          {"duration", "pulse", "distance", "wavelength", "ior1310", "ior1550", "helix", "rbs"}) {
         for (const char* value :
              {"", "abc", "1 2", "-1e9", "1e99", "1e999", "nan", "inf", "12 km", "0,5",
-              "@Variant(\\0\\0\\0\\x1\\x1)", "@Invalid()", "@ByteArray(xyz)"}) {
+              R"(@Variant(\0\0\0\x1\x1))", "@Invalid()", "@ByteArray(xyz)"}) {
             const std::string error = errorOf(QByteArray(key) + "=" + value);
             EXPECT_THAT(error, HasSubstr(std::string("MeasParams/") + key)) << value;
             EXPECT_THAT(error, HasSubstr("settings: ")) << value;

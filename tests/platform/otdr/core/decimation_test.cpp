@@ -93,7 +93,7 @@ Samples all(const std::vector<Samples>& columns)
 Samples slowPeaks(const Counts& counts, double first, double last, std::size_t points)
 {
     const std::vector<Samples> columns = slowColumns(counts, first, last, points);
-    const Samples every = all(columns);
+    Samples every = all(columns);
     if (every.size() <= points) {
         return every;
     }
@@ -110,7 +110,7 @@ Samples slowEnvelope(const Counts& counts, double first, double last, std::size_
 {
     const std::vector<Samples> columns =
         slowColumns(counts, first, last, std::max<std::size_t>(points / 2, 1));
-    const Samples every = all(columns);
+    Samples every = all(columns);
     if (every.size() <= points) {
         return every;
     }
