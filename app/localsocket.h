@@ -23,7 +23,7 @@ public:
     /// errno says why.
     [[nodiscard]] static LocalSocket listenAt(const QString& address);
 
-    /// Speaks to who listens at the address; whatever it does takes no longer than its patience.
+    /// Speaks to who listens at the address; no call of the system takes longer than its patience.
     [[nodiscard]] static LocalSocket connectTo(const QString& address,
                                                std::chrono::milliseconds patience);
 

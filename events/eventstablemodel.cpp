@@ -49,11 +49,6 @@ EventsTableModel::EventsTableModel(QObject* parent)
     : QAbstractTableModel(parent)
     , selection(new QItemSelectionModel(this, this))
 {
-}
-
-/// With the first events: an empty window has no need of them.
-void EventsTableModel::loadIcons()
-{
     loadResources();
     const std::pair<Event::Type, const char*> files[] = {
         {Event::SpanStart, ":/events/resources/ev-spanstart.png"},
@@ -89,9 +84,6 @@ void EventsTableModel::show(const Reflectogram& newRefl)
         if (numberedEvents.at(i).type == Event::Fiber) {
             numberedEvents.removeAt(i);
         }
-    }
-    if (icons.isEmpty() && !refl.getEventList().isEmpty()) {
-        loadIcons();
     }
     endResetModel();
 }

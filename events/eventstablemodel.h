@@ -58,7 +58,6 @@ private:
     [[nodiscard]] QVariant sectionValue(const Event& section, int column) const;
     [[nodiscard]] QVariant pointValue(const Event& event, int column) const;
     void show(const Reflectogram& newRefl);
-    void loadIcons();
 
     Reflectogram refl;
     QMap<Event::Type, QPixmap> icons;

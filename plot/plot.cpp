@@ -22,15 +22,14 @@ Plot::Plot(QWidget* parent)
     setFocusPolicy(Qt::ClickFocus);
     setProperty("palette_id", "chart");
     setAutoReplot(false);
-    setCanvasBackground(palette().brush(QPalette::Window).color());
-
-    setupAxis(xBottom);
-    setupAxis(yLeft);
-    // Lays the chart out, which is quick now that no axis is shown.
     if (auto* frame = qobject_cast<QFrame*>(canvas())) {
         frame->setFrameShadow(QFrame::Plain);
         frame->setFrameShape(QFrame::StyledPanel);
     }
+    setCanvasBackground(palette().brush(QPalette::Window).color());
+
+    setupAxis(xBottom);
+    setupAxis(yLeft);
     axisWidget(xBottom)->setMinBorderDist(80, 15);
     axisScaleDraw(yLeft)->setMinimumExtent(80.0);
     const int labels = static_cast<int>(axisScaleDraw(xBottom)->extent(font()));

@@ -44,11 +44,12 @@ constexpr int kAnimationStep_ms = 500;
 
 Window::Window(ZuConfigModel* config, QWidget* parent)
     : MeasWindow(parent)
-    , animator(tr("Events"), kAnimationPoints)
     , config(config)
 {
     waitWindow = new WaitWnd(this);
     warning = new WarningWindow(this);
+    animator.setText(tr("Events"));
+    animator.setPointsCount(kAnimationPoints);
     animator.setInterval(kAnimationStep_ms);
     connect(&animator, SIGNAL(newText( QString )), SLOT(setActionButtonText( QString )));
     alignElements();

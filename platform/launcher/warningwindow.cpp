@@ -98,6 +98,7 @@ void WarningWindow::growAroundButton()
     const QPoint moved = ok->mapToGlobal(ok->rect().center()) - stood;
     move(popupgeometry::keptInside(screen()->availableGeometry(),
                                    frameGeometry().translated(-moved)));
+    setAttribute(Qt::WA_Moved, false); // or the next message would come where this one stood
 }
 
 void WarningWindow::hideEvent(QHideEvent* event)

@@ -186,7 +186,7 @@ TEST_F(Connected, ModelThatIsGivenTwiceIsFollowedOnce)
 {
     window->setModel(model.get());
     emit model->analisisStarted();
-    EXPECT_EQ(action()->text(), "Events   ") << "two steps were made at once";
+    EXPECT_EQ(action()->text(), "Events.  ") << "two steps were made at once";
     emit model->analisisFinished();
     action()->setEnabled(true);
     programs.make("wfgather", "printf '1 G {;2 G };'");

@@ -54,6 +54,22 @@ TEST(WarningWindow, ButtonStaysUnderTheFingerWhenAMessageIsAdded)
     EXPECT_LE((ok->mapToGlobal(ok->rect().center()) - stood).manhattanLength(), 1);
 }
 
+/// Over the window that it belongs to, wherever the last one stood.
+TEST(WarningWindow, NextMessageAfterOneThatGrewIsInTheMiddleAgain)
+{
+    QWidget parent;
+    parent.setGeometry(0, 0, 600, 400);
+    parent.show();
+    WarningWindow window(&parent);
+    window.show("first");
+    window.show("second\n\nthird");
+    window.hide();
+    parent.move(150, 150);
+    window.show("fourth");
+    const QPoint off = window.frameGeometry().center() - parent.frameGeometry().center();
+    EXPECT_LE(off.manhattanLength(), 4);
+}
+
 TEST(WarningWindow, GrowsNoFurtherThanTheEdgeOfTheScreen)
 {
     WarningWindow window;
