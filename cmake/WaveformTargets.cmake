@@ -35,13 +35,15 @@ if(WAVEFORM_SANITIZE)
 endif()
 include(hardening)
 
-# What every target has, and by what it depends on: Qt's meta-object compiler, and the precompiled headers of the Qt
-# modules it may use. These are compiled once for all targets; the presets that check do without (who includes too
-# little is found there).
-function(_waveform_common target)
+# What every target has: Qt's meta-object compiler where it asks for it, that of resources where it has some, and by what
+# it depends on, the precompiled headers of the Qt modules it may use. These are compiled once for all targets; the
+# presets that check do without (who includes too little is found there).
+function(_waveform_common target moc)
     target_link_libraries(${target} PRIVATE waveform_options)
-    if("${ARGN}" MATCHES "Qt5::|test_support")
-        set_target_properties(${target} PROPERTIES AUTOMOC ON AUTORCC ON)
+    set_target_properties(${target} PROPERTIES AUTOMOC ${moc})
+    get_target_property(sources ${target} SOURCES)
+    if("${sources}" MATCHES "[.]qrc")
+        set_target_properties(${target} PROPERTIES AUTORCC ON)
     endif()
     if("${ARGN}" MATCHES "test_support")
         target_precompile_headers(${target} REUSE_FROM test_support)
@@ -65,25 +67,26 @@ function(waveform_precompile)
     endforeach()
 endfunction()
 
-# waveform_library(NAME [SHARED] SOURCES a.cpp ... DEPENDS other ...)
+# waveform_library(NAME [SHARED] [MOC] SOURCES a.cpp ... DEPENDS other ...)
 # One library a folder; DEPENDS is the whole list of what its files may include. SHARED is for what host and plugin
-# both use and what must exist once in the process: its meta-objects, its settings.
+# both use and what must exist once in the process: its meta-objects, its settings. MOC is for who has a Q_OBJECT
+# (without it, the linker misses a vtable): the others are spared a pass over their files.
 function(waveform_library name)
-    cmake_parse_arguments(arg "SHARED" "" "SOURCES;DEPENDS" ${ARGN})
+    cmake_parse_arguments(arg "SHARED;MOC" "" "SOURCES;DEPENDS" ${ARGN})
     set(kind "")
     if(arg_SHARED)
         set(kind SHARED)
     endif()
     add_library(${name} ${kind} ${arg_SOURCES})
     target_link_libraries(${name} PUBLIC ${arg_DEPENDS})
-    _waveform_common(${name} ${arg_DEPENDS})
+    _waveform_common(${name} ${arg_MOC} ${arg_DEPENDS})
 endfunction()
 
-# waveform_program(NAME SOURCES ... DEPENDS ...): an executable in build/bin.
+# waveform_program(NAME [MOC] SOURCES ... DEPENDS ...): an executable in build/bin.
 function(waveform_program name)
-    cmake_parse_arguments(arg "" "" "SOURCES;DEPENDS" ${ARGN})
+    cmake_parse_arguments(arg "MOC" "" "SOURCES;DEPENDS" ${ARGN})
     add_executable(${name} ${arg_SOURCES})
     target_link_libraries(${name} PRIVATE ${arg_DEPENDS})
-    _waveform_common(${name} ${arg_DEPENDS})
+    _waveform_common(${name} ${arg_MOC} ${arg_DEPENDS})
     target_compile_definitions(${name} PRIVATE WAVEFORM_VERSION="${PROJECT_VERSION}")
 endfunction()
