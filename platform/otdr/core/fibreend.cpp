@@ -18,8 +18,10 @@ constexpr double kLongestLaunchPulses = 30.0;
 /// A fibre that ended in the launch would leave no light for so many pulses.
 constexpr double kLitPulses = 150.0;
 
-/// What stands less than this above the RMS noise shows no fibre that could be measured.
-constexpr double kFibreAboveNoise_dB = 4.0;
+/// What stands less than this above the RMS noise shows no fibre that could be measured. From the
+/// other limit on, some pulses of it show that it is fibre; it takes more of weaker light.
+constexpr double kFibreAboveNoise_dB = 2.0;
+constexpr double kPlainAboveNoise_dB = 4.0;
 
 /// A launch that overloads the receiver is held at its top and then falls by this much, within so
 /// many pulses.
@@ -44,6 +46,7 @@ constexpr double kSteepFall_dB = 0.2;
 /// A fall is looked for across two pulses; the fibre behind it in ten.
 constexpr double kFallPulses = 2.0;
 constexpr double kBehindPulses = 10.0;
+constexpr double kWeakFactor = 4.0;
 constexpr double kFewestBehind = 64.0;
 constexpr double kLongestTailPulses = 30.0;
 
@@ -203,7 +206,7 @@ private:
         const double chance_dB = std::min(kChance * line->slopeError_dB * w, kNoisyLevel_dB);
         return std::abs(line->line.slope_dB) * w < std::max(kLevel_dB, chance_dB)
             && level < before + kTail_dB && level > before - threshold_dB
-            && level > trace.noise().rms_dB() + kFibreAboveNoise_dB
+            && level > trace.noise().rms_dB() + kPlainAboveNoise_dB
             && changesBehind(begin + length);
     }
 
@@ -272,11 +275,26 @@ private:
 
     [[nodiscard]] bool falls(double at) const { return changeAt(at) > threshold_dB && isLit(at); }
 
+    /// So many samples of light show whether it is that of fibre. In weak light the last of a
+    /// receiver's tail looks like it for long, and the mean of its power is as certain as that of
+    /// plain light by the square of what it lacks.
+    [[nodiscard]] double tellingLength(double start) const
+    {
+        const double length = std::max(kFewestBehind, kBehindPulses * w);
+        const auto line = trace.fit(start, start + length);
+        const double missing_dB =
+            line ? trace.noise().rms_dB() + kPlainAboveNoise_dB - line->at(start) : 0.0;
+        if (missing_dB <= 0.0 || missing_dB > kPlainAboveNoise_dB - kFibreAboveNoise_dB) {
+            return length;
+        }
+        return kWeakFactor * length * std::pow(10.0, 0.4 * missing_dB);
+    }
+
     /// Whether what lies behind a fall is fibre again.
     [[nodiscard]] bool fibreFollows(double fibreFrom, double from, double to) const
     {
         const double start = trace.settledFrom(to + kFallPulses * w, kLongestTailPulses * w);
-        const double length = std::max(kFewestBehind, kBehindPulses * w);
+        const double length = tellingLength(start);
         const auto line = trace.fit(start, start + length);
         const auto half = trace.fit(start, start + length / 2.0);
         const auto rest = trace.fit(start + length / 2.0, start + length);
@@ -320,6 +338,13 @@ private:
                             static_cast<std::size_t>(std::max(1.0, kApartPulses * w)));
     }
 
+    /// Whether a short line is no part of a peak: within a pulse it falls by what fibre does.
+    [[nodiscard]] bool fallsLikeFibre(const SideLine& line) const
+    {
+        return std::abs(line.line.slope_dB - usualSlope_dB) * w
+            < std::max(kLevel_dB, kChance * line.slopeError_dB * w);
+    }
+
     /// A straight piece of fibre and where it ends.
     struct Straight
     {
@@ -339,7 +364,7 @@ private:
                 const auto line = trace.fit(std::max(fibreFrom, until - length), until);
                 const double scatter = std::max(kLeastScatter_dB, scatterBefore_dB(until, length));
                 if (line && static_cast<double>(line->line.samples) >= kFewestShort
-                    && line->line.sigma_dB < kMisfit * scatter) {
+                    && line->line.sigma_dB < kMisfit * scatter && fallsLikeFibre(*line)) {
                     return {line, until};
                 }
             }

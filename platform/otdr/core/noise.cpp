@@ -33,9 +33,14 @@ constexpr double kMostSigma_dB = 5.0;
 /// By so much a block exceeds the next one by chance.
 constexpr double kTooMuch = 1.4;
 
-/// A normal distribution: its median of absolute values, and what lies below one sigma.
+/// A normal distribution: its median of absolute values, and what lies below one sigma, and below
+/// minus one.
 constexpr double kMedianOfNormal = 0.6745;
 constexpr double kBelowOneSigma = 0.8413;
+constexpr double kBelowMinusOneSigma = 0.1587;
+
+/// Nothing but dropouts lies below the level of this part of the samples.
+constexpr double kDropouts = 0.02;
 
 /// The noise floor is sought in the last tenth of a record.
 constexpr std::size_t kFloorPart = 10;
@@ -78,6 +83,15 @@ constexpr double kMedianOfSquare = 0.4549;
 double meanLevel(const Trace& trace, std::size_t first, std::size_t last)
 {
     return trace.toLevel_dB(trace.sums().mean(first, last));
+}
+
+/// The value that this part of the values, 0 .. 1, do not exceed.
+double quantileOf(std::vector<double>& values, double part)
+{
+    const auto place =
+        values.begin() + static_cast<std::ptrdiff_t>(part * static_cast<double>(values.size() - 1));
+    std::nth_element(values.begin(), place, values.end());
+    return *place;
 }
 
 template <typename Number>
@@ -229,12 +243,12 @@ void NoiseProfile::measureFloor(const Trace& trace)
     if (levels.empty()) {
         return;
     }
-    const auto high = levels.begin()
-        + static_cast<std::ptrdiff_t>(kBelowOneSigma * static_cast<double>(levels.size() - 1));
-    std::nth_element(levels.begin(), high, levels.end());
-    rms = *high;
+    rms = quantileOf(levels, kBelowOneSigma);
     const double median = medianOf(levels);
-    if (rms - median < kLeastSpread_dB) {
+    // Light is below its noise where that much of it is cut off at the least level.
+    const double lowest = quantileOf(levels, kDropouts);
+    const bool isCutOff = quantileOf(levels, kBelowMinusOneSigma) <= lowest;
+    if (rms - median < kLeastSpread_dB && !(isCutOff && rms - lowest >= kLeastSpread_dB)) {
         rms = median + 5.0 * std::log10(sigmas.back() / kDbPerRelative);
     }
     // Whatever light scatters by is no less than the noise makes it. Where samples stand at the

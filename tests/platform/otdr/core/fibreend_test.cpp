@@ -3,21 +3,45 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <random>
+#include <vector>
+
 namespace {
 
 using namespace testing_support;
 using End = otdr::FibreExtent::End;
 
-otdr::FibreExtent extentOf(const TraceBuilder& builder)
+otdr::FibreExtent extentOf(const TraceBuilder& builder, const otdr::Trace& trace)
 {
-    const auto trace = builder.build();
     otdr::SearchScale scale;
     scale.pulse = builder.pulseSamples();
     scale.timeConstant = 0.08 * scale.pulse;
     scale.kilometre = builder.indexOf(2_km) - builder.indexOf(1_km);
     scale.longestWindow = 5.0 * scale.kilometre;
-    const otdr::FibreTrace fibre(*trace, scale);
+    const otdr::FibreTrace fibre(trace, scale);
     return otdr::findFibre(fibre, 3.0);
+}
+
+otdr::FibreExtent extentOf(const TraceBuilder& builder)
+{
+    return extentOf(builder, *builder.build());
+}
+
+/// The power of these counts and of a receiver's noise together: level of its RMS in dB.
+otdr::Trace withNoise(const std::vector<std::uint16_t>& light, double rms_dB, std::uint64_t seed)
+{
+    std::mt19937_64 random(seed);
+    std::normal_distribution<double> noise(0.0, std::pow(10.0, rms_dB / 5.0));
+    std::vector<std::uint16_t> counts;
+    for (const std::uint16_t count : light) {
+        const double power = std::pow(10.0, (65535.0 - count) / 5000.0) + noise(random);
+        const double level_dB = power > 1.0 ? 5.0 * std::log10(power) : 0.0;
+        counts.push_back(static_cast<std::uint16_t>(65535.5 - 1000.0 * level_dB));
+    }
+    return {otdr::RawSamples(counts), 0.001, {10.0, 0.0}};
 }
 
 TraceBuilder link()
@@ -70,6 +94,68 @@ TEST(FibreEnd, IsNotASplitter)
 {
     const TraceBuilder builder = link().splice(5_km, 10_dB);
     EXPECT_NEAR(extentOf(builder).end, builder.indexOf(12_km), 2.0);
+}
+
+/// The round top of a reflection of 14 samples is straight for some samples; the fibre before it is
+/// what it rises from, whatever pulse is told.
+TEST(FibreEnd, StandsBeforeARoundReflectionThatIsWiderThanThePulseTold)
+{
+    const std::vector<double> reflection {0.04, 0.13, 0.44, 0.67, 0.85, 0.95, 1.02, 1.08,
+                                          1.10, 1.12, 1.04, 0.95, 0.78, 0.51, 0.21};
+    for (const double pulse_ns : {80.0, 85.0, 90.0, 93.0, 100.0, 140.0}) {
+        const TraceBuilder builder = TraceBuilder()
+                                         .pulse(pulse_ns)
+                                         .fibre(8_km)
+                                         .behind(6000)
+                                         .noise(0.0005_dB, 3)
+                                         .noiseFloor(14_dB);
+        std::vector<std::uint16_t> counts = builder.counts();
+        const auto end = static_cast<std::size_t>(builder.indexOf(8_km));
+        const int fibre = counts[end - 1];
+        for (std::size_t i = 0; i < 60; ++i) {
+            const double above_dB = i < reflection.size()
+                ? reflection[i]
+                : reflection.back() - 0.35 * static_cast<double>(i - reflection.size() + 1);
+            counts[end + i] = static_cast<std::uint16_t>(fibre - 1000.0 * above_dB);
+        }
+        const otdr::Trace trace(otdr::RawSamples(counts), 0.001, {10.0, 0.0});
+        EXPECT_NEAR(extentOf(builder, trace).end, static_cast<double>(end), 2.0) << pulse_ns;
+    }
+}
+
+/// Fibre 3.6 dB above the noise and weaker still: many pulses of it show what it is.
+TEST(FibreEnd, IsNotASplitterThatLeavesLittleLight)
+{
+    for (const std::uint64_t seed : {1, 2, 3, 4, 5}) {
+        const TraceBuilder builder = TraceBuilder()
+                                         .launch(20_dB)
+                                         .fibre(9_km)
+                                         .behind(6000)
+                                         .splice(1_km, 9.2_dB)
+                                         .reflectingEnd(6_dB);
+        const auto extent = extentOf(builder, withNoise(builder.counts(), 7.0, seed));
+        EXPECT_EQ(extent.kind, End::Found) << seed;
+        EXPECT_NEAR(extent.end, builder.indexOf(9_km), 2.0 * builder.pulseSamples()) << seed;
+    }
+}
+
+/// The tail of a receiver that was overloaded, 3 to 4 dB above the noise where it begins: power
+/// that falls with the time since then, which within some pulses is as straight as fibre.
+TEST(FibreEnd, IsInFrontOfASlowTail)
+{
+    for (const std::uint64_t seed : {1, 2, 3, 4, 5}) {
+        const TraceBuilder builder = TraceBuilder().launch(35_dB).fibre(4_km).behind(12000);
+        std::vector<std::uint16_t> counts = builder.counts();
+        const double end = builder.indexOf(4_km);
+        for (double i = std::ceil(end) + 1.0; i < static_cast<double>(counts.size()); i += 1.0) {
+            const double since = (i - end) / builder.pulseSamples();
+            const double level_dB = std::min(34.0, 11.5 - 5.0 * std::log10((since + 1.0) / 40.0));
+            auto& count = counts[static_cast<std::size_t>(i)];
+            count = std::min(count, static_cast<std::uint16_t>(65535.0 - 1000.0 * level_dB));
+        }
+        const auto extent = extentOf(builder, withNoise(counts, 7.0, seed));
+        EXPECT_NEAR(extent.end, end, builder.pulseSamples()) << seed;
+    }
 }
 
 TEST(FibreEnd, OfARecordThatEndsOnFibreIsOutOfRange)

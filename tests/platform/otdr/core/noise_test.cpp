@@ -84,6 +84,22 @@ TEST(NoiseProfile, FloorIsTheLevelOfTheRmsNoise)
     EXPECT_NEAR(profileOf(trace).rms_dB(), 12.0, 0.3);
 }
 
+/// A converter of few steps, its noise cut off at the least of them, and every sample the mean of
+/// two: a third of them stands at that least level, and no wide scatter shows the noise.
+TEST(NoiseProfile, FloorOfNoiseThatIsCutOffIsNotTakenForLight)
+{
+    std::mt19937_64 random(8);
+    std::discrete_distribution<int> steps({64, 17, 9, 5, 3, 1, 1});
+    const auto fibre = TraceBuilder().fibre(2_km).launch(15_dB).noise(0.01_dB, 8).build();
+    std::vector<std::uint16_t> counts(fibre->samples().begin(), fibre->samples().end());
+    for (int i = 0; i < 8000; ++i) {
+        const double power = 2.0 + 0.5 * (steps(random) + steps(random));
+        counts.push_back(static_cast<std::uint16_t>(65535.0 - 5000.0 * std::log10(power)));
+    }
+    const otdr::Trace trace(otdr::RawSamples(counts), 0.001, fibre->axis());
+    EXPECT_NEAR(profileOf(trace).rms_dB(), 5.0 * std::log10(3.5), 0.3);
+}
+
 /// s = 2.17 x 10^((floor - level) / 5): the scatter of the last of the fibre tells the floor.
 TEST(NoiseProfile, FloorBelowTheRecordFollowsFromTheScatter)
 {
