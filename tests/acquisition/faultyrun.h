@@ -103,9 +103,10 @@ protected:
         return resident * 4096.0 / 1e6;
     }
 
-    /// A run as it should be, with a double.
+    /// A run as it should be, with a double, and with time to begin in on a busy machine.
     void expectGoodRun()
     {
+        patience().setSilenceLimit(30000);
         EXPECT_EQ(failureOf("printf '1 G {;'; sleep 0.1;" + traceStart() + snapshot()
                             + "printf '3 M * RT 14 ET 1;4 M };5 A {;6 A };7 G };'"),
                   "");

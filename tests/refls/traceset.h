@@ -27,7 +27,7 @@ protected:
 
     Reflectogram add(const QString& name)
     {
-        const Reflectogram refl = files.plain(name);
+        Reflectogram refl = files.plain(name);
         model.addRefl(refl);
         return refl;
     }

@@ -55,7 +55,7 @@ protected:
 
     Reflectogram addMeasured()
     {
-        const Reflectogram refl = files.measured(TraceBuilder().fibre(2_km));
+        Reflectogram refl = files.measured(TraceBuilder().fibre(2_km));
         refls.addRefl(refl);
         return refl;
     }
