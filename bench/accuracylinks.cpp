@@ -3,7 +3,9 @@
 #include "programs/wfgather/simulatedtrace.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstddef>
 
 namespace accuracy {
 
@@ -33,6 +35,21 @@ gather::FibreEvent drawEvent(std::mt19937_64& random, double at_m)
     return event;
 }
 
+/// One of two, four, eight or sixteen ways, as data sheets have them.
+gather::FibreEvent drawSplitter(std::mt19937_64& random, double at_m)
+{
+    constexpr std::array<double, 4> kLosses_dB {3.6, 7.2, 10.5, 13.8};
+    gather::FibreEvent event;
+    event.at_m = at_m;
+    event.kind = "splitter";
+    event.loss_dB =
+        gather::Spectrum(kLosses_dB[static_cast<std::size_t>(draw(random, 0.0, 3.999))]);
+    if (draw(random, 0.0, 1.0) < 0.5) {
+        event.reflectance_dB = gather::Spectrum(draw(random, -60.0, -45.0));
+    }
+    return event;
+}
+
 } // namespace
 
 const std::vector<Row>& rows()
@@ -50,6 +67,10 @@ const std::vector<Row>& rows()
         {"clean 2.5 us", 2500.0, 80.0, 10, 32.0, 4000.0},
         {"noisy 100 ns", 100.0, 12.0, 5, 9.0, 800.0},
         {"noisy 1 us", 1000.0, 30.0, 5, 11.0, 3000.0},
+        {"split 30 ns", 30.0, 8.0, 4, 20.0, 60.0, true},
+        {"split 100 ns", 100.0, 20.0, 4, 22.0, 150.0, true},
+        {"split 275 ns", 275.0, 30.0, 4, 25.0, 300.0, true},
+        {"split 1 us", 1000.0, 40.0, 4, 28.0, 1500.0, true},
     };
     return all;
 }
@@ -76,20 +97,25 @@ gather::Fibre drawLink(const Row& row, std::mt19937_64& random)
     std::sort(places.begin(), places.end());
     double sectionFrom_m = 0.0;
     double scatter_dB = kBackscatter_dB;
+    const auto addSection = [&](double to_m) {
+        fibre.sections.push_back({to_m - sectionFrom_m, gather::Spectrum(draw(random, 0.18, 0.21)),
+                                  gather::Spectrum(scatter_dB)});
+        sectionFrom_m = to_m;
+    };
+    const double splitter_m = row.isSplit ? places[static_cast<std::size_t>(
+                                  draw(random, 0.0, 0.999) * static_cast<double>(places.size()))]
+                                          : length_m;
     for (const double at_m : places) {
-        gather::FibreEvent event = drawEvent(random, at_m);
+        const gather::FibreEvent event =
+            at_m == splitter_m ? drawSplitter(random, at_m) : drawEvent(random, at_m);
         if (event.kind == "splice"
             && draw(random, 0.0, 1.0) < 0.25) { // another fibre: maybe a gainer
-            fibre.sections.push_back({at_m - sectionFrom_m,
-                                      gather::Spectrum(draw(random, 0.18, 0.21)),
-                                      gather::Spectrum(scatter_dB)});
+            addSection(at_m);
             scatter_dB = kBackscatter_dB + draw(random, -0.3, 0.3);
-            sectionFrom_m = at_m;
         }
         fibre.events.push_back(event);
     }
-    fibre.sections.push_back({length_m - sectionFrom_m, gather::Spectrum(draw(random, 0.18, 0.21)),
-                              gather::Spectrum(scatter_dB)});
+    addSection(length_m);
     const double end = draw(random, 0.0, 1.0);
     if (end < 0.4) { // open; else cut at an angle, or absorbed
         fibre.endReflectance_dB = gather::Spectrum(-14.7);

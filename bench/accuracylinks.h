@@ -21,6 +21,7 @@ struct Row
     int events;
     double dynamicRange_dB; // from the backscatter at the port down to the RMS noise
     double shortest_m; // between two events
+    bool isSplit = false; // one of the events is a splitter
 };
 
 /// What is drawn, from access lines to long hauls, without much noise and near it.

@@ -30,7 +30,7 @@ constexpr double kFewestLevel = 3.0;
 /// The group of the start and of what stands in its dead zone.
 constexpr int kLaunch = -1;
 
-/// What rises nearer to the end than this is the end's own reflection.
+/// What rises nearer to an event than this is the event's own reflection.
 constexpr double kOwnRisePulses = 0.5;
 
 /// Light that has fallen by this much is gone: what rises then is no reflection of the fibre.
@@ -116,7 +116,11 @@ private:
     /// Reflections within the dead zone of the port: a patch cord in front of the link.
     void listInLaunch(const DetectedEvent& start)
     {
+        const double limit = sites.fibreTo(0) - kOwnRisePulses * fibre.scale().pulse;
         for (const double foot : risesBetween(fibre, extent.launch, extent.first)) {
+            if (foot > limit) {
+                break; // that of the first event behind the launch
+            }
             const double level = start.behind.at(foot);
             const auto peak =
                 peakAbove(trace, foot, foot + fibre.scale().pulse, level + kLaunchPeak_dB);
@@ -334,6 +338,21 @@ private:
         }
     }
 
+    /// The event up to which the span is measured: the first behind all those whose loss is known.
+    /// That is the end, or what stands so close before it that it has no loss of its own.
+    [[nodiscard]] const DetectedEvent&
+    limitOfSpan(std::vector<DetectedEvent>::const_iterator start) const
+    {
+        auto measured = start;
+        for (auto event = start; event != result.events.end(); ++event) {
+            measured = event->echo || std::isnan(event->loss_dB) ? measured : event;
+        }
+        const auto limit = std::find_if(measured, result.events.end(), [&](const auto& event) {
+            return !event.echo && event.group != measured->group;
+        });
+        return limit == result.events.end() ? result.events.back() : *limit;
+    }
+
     void addSpan()
     {
         const auto& events = result.events;
@@ -345,13 +364,10 @@ private:
             return;
         }
         const DetectedEvent& last = events.back();
-        if (last.before.samples > 0) {
-            // To where its dead zone begins: what lies in there has no loss of its own.
-            const auto first = std::find_if(events.begin(), events.end(), [&](const auto& event) {
-                return event.group == last.group;
-            });
+        const DetectedEvent& limit = limitOfSpan(start);
+        if (limit.before.samples > 0) {
             result.spanLoss_dB =
-                start->behind.at(seenAt(start->index)) - last.before.at(seenAt(first->index));
+                start->behind.at(seenAt(start->index)) - limit.before.at(seenAt(limit.index));
         }
         std::vector<SaturatedPeak> saturated;
         const double tail = kEndTailPulses * fibre.scale().pulse;

@@ -215,6 +215,9 @@ std::vector<Site> EventSearch::peaks(double begin, double end) const
             from = site.behind <= one.at ? std::max(from, site.behind) : from;
             to = site.at > one.at ? std::min(to, site.at) : to;
         }
+        if (isBehindALoss(fibre, one.at, from)) {
+            continue;
+        }
         Site site;
         site.peak = measurePeak(fibre, one.at, from, to);
         dropLowFeet(*site.peak, leastHeight_dB());

@@ -1,5 +1,6 @@
 #include "platform/otdr/core/fibreend.h"
 
+#include "platform/otdr/core/fibrebehind.h"
 #include "platform/otdr/core/peakgroup.h"
 #include "platform/otdr/core/trace.h"
 
@@ -18,11 +19,6 @@ constexpr double kLongestLaunchPulses = 30.0;
 /// A fibre that ended in the launch would leave no light for so many pulses.
 constexpr double kLitPulses = 150.0;
 
-/// What stands less than this above the RMS noise shows no fibre that could be measured. From the
-/// other limit on, some pulses of it show that it is fibre; it takes more of weaker light.
-constexpr double kFibreAboveNoise_dB = 2.0;
-constexpr double kPlainAboveNoise_dB = 4.0;
-
 /// A launch that overloads the receiver is held at its top and then falls by this much, within so
 /// many pulses.
 constexpr double kLaunchFall_dB = 3.0;
@@ -34,21 +30,8 @@ constexpr double kLaunchTail_dB = 0.01;
 /// A receiver that was overloaded comes down within so many pulses.
 constexpr double kLongestPeakPulses = 12.0;
 
-/// Fibres of one link fall alike: steeper than so many dB/km, and by this factor, is a tail. A line
-/// tells the slope of the fibre before if that is its error.
-constexpr double kSlope_dBPerKm = 0.7;
-constexpr double kTellingError_dBPerKm = 0.2;
-constexpr double kSteeper = 3.0;
-
-/// Behind a peak, a stretch that falls by less than this is fibre with the last of a tail.
-constexpr double kSteepFall_dB = 0.2;
-
-/// A fall is looked for across two pulses; the fibre behind it in ten.
-constexpr double kFallPulses = 2.0;
-constexpr double kBehindPulses = 10.0;
-constexpr double kWeakFactor = 4.0;
-constexpr double kFewestBehind = 64.0;
-constexpr double kLongestTailPulses = 30.0;
+/// A sudden change is looked for within so many pulses behind a short piece of fibre.
+constexpr double kChangePulses = 10.0;
 
 /// A short piece of fibre, a patch cord say, is known by half a pulse of it, and no fewer samples:
 /// it falls or rises by no more within a pulse than this or, where noise hides that, the larger
@@ -65,7 +48,7 @@ constexpr double kShortTailPulses = 3.0;
 /// Neighbours that pass the same receiver are alike; samples so many pulses apart, hardly.
 constexpr double kApartPulses = 0.1;
 
-/// Halves of a straight line agree within this many standard errors.
+/// A line tells its slope within this many standard errors.
 constexpr double kChance = 5.0;
 
 /// The deviation that shows the foot of the end: in sigma and dB.
@@ -97,6 +80,7 @@ public:
         extent.lastLit = lastVisible(extent.first);
         extent.end = extent.lastLit;
         usualSlope_dB = trace.usualSlope_dB(extent.first, extent.lastLit);
+        const FibreBehind behindIt(trace, extent.lastLit, usualSlope_dB);
         const double step = std::max(1.0, std::floor(w / 2.0));
         double fibreBegins = extent.first;
         for (double at = extent.first + w; at < extent.lastLit + w; at += step) {
@@ -117,7 +101,11 @@ public:
             for (; at < extent.lastLit + w && falls(at); at += step) { }
             const double fibreFrom = std::max(fibreBegins, from - 20.0 * w);
             if (trace.mean_dB(at, at + w) > trace.mean_dB(from - w, from) + threshold_dB
-                || isLaunch(at, extent) || fibreFollows(fibreFrom, from, at)) {
+                || isLaunch(at, extent) || behindIt.follows(fibreFrom, from, at, threshold_dB)) {
+                continue;
+            }
+            if (const auto seen = behindIt.plainlyFrom(fibreBegins, from, at)) {
+                at = std::max(at, *seen);
                 continue;
             }
             extent.end = foot(from, at, fibreFrom);
@@ -214,7 +202,7 @@ private:
     [[nodiscard]] bool changesBehind(double from) const
     {
         const double step = std::max(1.0, std::floor(w / 2.0));
-        for (double at = from; at < std::min(from + kBehindPulses * w, trace.size()); at += step) {
+        for (double at = from; at < std::min(from + kChangePulses * w, trace.size()); at += step) {
             if (std::abs(changeAt(at)) > threshold_dB) {
                 return true;
             }
@@ -254,17 +242,6 @@ private:
             + usualSlope_dB * (kFallPulses + 1.0) * w;
     }
 
-    /// Level of the fibre before an index, dB: what stands above it for no longer than a pulse is a
-    /// reflection.
-    [[nodiscard]] double levelBefore_dB(double fibreFrom, double index) const
-    {
-        const double level = trace.mean_dB(index - w, index);
-        const double begin = index - (kFallPulses + 1.0) * w;
-        return begin < fibreFrom
-            ? level
-            : std::min(level, trace.mean_dB(begin, begin + w) + usualSlope_dB * kFallPulses * w);
-    }
-
     /// Whether there is more than noise before an index, or behind it.
     [[nodiscard]] bool isLit(double at) const
     {
@@ -274,60 +251,6 @@ private:
     }
 
     [[nodiscard]] bool falls(double at) const { return changeAt(at) > threshold_dB && isLit(at); }
-
-    /// So many samples of light show whether it is that of fibre. In weak light the last of a
-    /// receiver's tail looks like it for long, and the mean of its power is as certain as that of
-    /// plain light by the square of what it lacks.
-    [[nodiscard]] double tellingLength(double start) const
-    {
-        const double length = std::max(kFewestBehind, kBehindPulses * w);
-        const auto line = trace.fit(start, start + length);
-        const double missing_dB =
-            line ? trace.noise().rms_dB() + kPlainAboveNoise_dB - line->at(start) : 0.0;
-        if (missing_dB <= 0.0 || missing_dB > kPlainAboveNoise_dB - kFibreAboveNoise_dB) {
-            return length;
-        }
-        return kWeakFactor * length * std::pow(10.0, 0.4 * missing_dB);
-    }
-
-    /// Whether what lies behind a fall is fibre again.
-    [[nodiscard]] bool fibreFollows(double fibreFrom, double from, double to) const
-    {
-        const double start = trace.settledFrom(to + kFallPulses * w, kLongestTailPulses * w);
-        const double length = tellingLength(start);
-        const auto line = trace.fit(start, start + length);
-        const auto half = trace.fit(start, start + length / 2.0);
-        const auto rest = trace.fit(start + length / 2.0, start + length);
-        if (!line || !half || !rest || line->line.samples < 16) {
-            return false;
-        }
-        const double level = line->at(start);
-        if (level < trace.noise().rms_dB() + kFibreAboveNoise_dB) {
-            return false;
-        }
-        const double lost =
-            levelBefore_dB(fibreFrom, from) - level + usualSlope_dB * (start - from + 0.5 * w);
-        if (lost < threshold_dB) { // the fall was that of a peak
-            return !trace.isSteep(*line) || -line->line.slope_dB * length < kSteepFall_dB;
-        }
-        const double bend = half->line.slope_dB - rest->line.slope_dB;
-        return !isSteeper(*line, trace.fit(fibreFrom, from))
-            && std::abs(bend) < kChance * std::hypot(half->slopeError_dB, rest->slopeError_dB);
-    }
-
-    /// Whether a line falls as no fibre does, or far more steeply than the fibre before it.
-    [[nodiscard]] bool isSteeper(const SideLine& line, const std::optional<SideLine>& before) const
-    {
-        const double kilometre = trace.scale().kilometre;
-        if (trace.isSteep(line) || kilometre <= 0.0) {
-            return trace.isSteep(line);
-        }
-        const bool tells = before && before->slopeError_dB * kilometre < kTellingError_dBPerKm;
-        const double usual =
-            tells ? std::max(0.0, -before->line.slope_dB) + 3.0 * before->slopeError_dB : 0.0;
-        const double most = std::max(kSlope_dBPerKm / kilometre, kSteeper * usual);
-        return -line.line.slope_dB > most + 3.0 * line.slopeError_dB;
-    }
 
     /// Standard deviation of a sample before an index, dB.
     [[nodiscard]] double scatterBefore_dB(double index, double length) const

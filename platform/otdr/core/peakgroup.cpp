@@ -69,6 +69,15 @@ double power(double level_dB)
     return std::pow(10.0, level_dB / 5.0);
 }
 
+/// Up to where the fibre before a reflection is taken: clear of another one just before, where
+/// there is fibre enough.
+double fibreEndBefore(const FibreTrace& trace, double at, double from)
+{
+    const double clear = at - kClearGaps * trace.gap();
+    return clear - from > kFewestFibre ? clear
+                                       : std::max(from + 2.0, at - 0.5 * trace.scale().pulse);
+}
+
 class PeakMeasurement
 {
 public:
@@ -128,10 +137,7 @@ private:
     void fitFibre(double at)
     {
         sigma = trace.noise().sigma_dB(at);
-        // Clear of another reflection just before, where there is fibre enough.
-        const double clear = at - kClearGaps * trace.gap();
-        const bool isClear = clear - from > kFewestFibre;
-        const double end = isClear ? clear : std::max(from + 2.0, at - 0.5 * w);
+        const double end = fibreEndBefore(trace, at, from);
         const auto fitted = trace.fit(std::max(from, end - kFibreGaps * trace.gap()), end);
         if (fitted && fitted->line.samples >= 4) {
             line = fitted->line;
@@ -277,6 +283,14 @@ void dropLowFeet(PeakGroup& peak, double least_dB)
 double fibreBeforePeak(const FibreTrace& trace)
 {
     return (kClearGaps + kFibreGaps) * trace.gap();
+}
+
+bool isBehindALoss(const FibreTrace& trace, double at, double from)
+{
+    const double end = fibreEndBefore(trace, at, from);
+    const double begin = end - kFibreGaps * trace.gap();
+    const auto line = begin < from ? std::nullopt : trace.fit(begin, end); // there, a tail may fall
+    return line && line->line.samples >= 4 && trace.isSteep(*line);
 }
 
 double clearOfTail(const FibreTrace& trace, const PeakGroup& peak, double from, double to)

@@ -32,6 +32,10 @@ void dropLowFeet(PeakGroup& peak, double least_dB);
 [[nodiscard]] double clearOfTail(const FibreTrace& trace, const PeakGroup& peak, double from,
                                  double to);
 
+/// Whether what lies before a place, in the fibre from `from` on, falls as no fibre does: a loss
+/// whose far side would look like a reflection above that line.
+[[nodiscard]] bool isBehindALoss(const FibreTrace& trace, double at, double from);
+
 /// How far before a reflection the fibre is looked at, samples.
 [[nodiscard]] double fibreBeforePeak(const FibreTrace& trace);
 

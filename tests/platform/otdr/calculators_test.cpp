@@ -184,7 +184,8 @@ TEST(LsaLine, AgreesWithAStraightSumOverNoisySamples)
     long double sy = 0;
     long double sxx = 0;
     long double sxy = 0;
-    for (long i = std::lround(std::ceil(1000.0 / step)); i * step <= 5000.0; ++i) {
+    for (long i = std::lround(std::ceil(1000.0 / step)); static_cast<double>(i) * step <= 5000.0;
+         ++i) {
         const long double x = i * static_cast<long double>(step);
         const long double y = refl.trace()->level_dB(static_cast<std::size_t>(i));
         n += 1;

@@ -254,7 +254,8 @@ TEST(Decimation, LosesNoPeakOfOneSampleAtAnyZoom)
         counts[at] = 39999;
         const TraceOf trace(counts);
         for (const double width : {500.0, 3000.0, 29999.0, 1e6}) {
-            const double first = static_cast<double>(at) - width * (generator() % 1000) / 1000.0;
+            const double part = static_cast<double>(generator() % 1000) / 1000.0;
+            const double first = static_cast<double>(at) - width * part;
             const Samples peaks = decimatePeaks(trace, first, first + width, 150);
             EXPECT_THAT(peaks, testing::Contains(Sample {at, 39999}));
             const Samples outline = decimateEnvelope(trace, first, first + width, 150);

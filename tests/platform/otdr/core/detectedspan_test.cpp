@@ -19,6 +19,19 @@ otdr::Trace withZeroAt(const TraceBuilder& builder, double index)
     return {plain->samples(), plain->dbPerCount(), axis};
 }
 
+/// Losses of all events and sections, as far as they are known.
+double sumOf(const otdr::Detection& found)
+{
+    double sum = 0.0;
+    for (const DetectedEvent& event : found.events) {
+        sum += std::isnan(event.loss_dB) || event.echo ? 0.0 : event.loss_dB;
+    }
+    for (const otdr::DetectedSection& section : found.sections) {
+        sum += std::isnan(section.loss_dB) ? 0.0 : section.loss_dB;
+    }
+    return sum;
+}
+
 TEST(DetectedSpan, ThatStartsOnBareFibreHasNoLoss)
 {
     const TraceBuilder builder =
@@ -60,11 +73,29 @@ TEST(DetectedSpan, SectionsHoldTheLossesThatAreNotListed)
     ASSERT_EQ(found.sections.size(), 3U);
     const double fibre_dB = found.sections[2].loss_dB / 6.0; // in a kilometre
     EXPECT_NEAR(found.sections[1].loss_dB, 2.0 * fibre_dB + 0.01, 0.001);
-    double sum = found.events[1].loss_dB + found.events[2].loss_dB;
-    for (const otdr::DetectedSection& section : found.sections) {
-        sum += section.loss_dB;
+    EXPECT_NEAR(sumOf(found), found.spanLoss_dB, 1e-9);
+}
+
+/// A connector so close to the end, or to the port, that no fibre shows beside it has no loss of
+/// its own: the span is that of what was measured.
+TEST(DetectedSpan, IsTheSumOfWhatIsKnownWhereverTheLastAndTheFirstConnectorStand)
+{
+    for (double away_m = 2.0; away_m < 200.0; away_m += 2.0) {
+        for (const double at_m : {away_m, 12000.0 - away_m}) {
+            const TraceBuilder builder = TraceBuilder()
+                                             .fibre(12_km)
+                                             .behind(3000)
+                                             .reflection(0_km, 12_dB)
+                                             .noise(0.005_dB, 24)
+                                             .noiseFloor(8_dB)
+                                             .splice(6_km, 0.1_dB)
+                                             .connector(Length {at_m}, 0.3_dB, 8_dB);
+            const otdr::Detection found =
+                otdr::detectEvents(*builder.build(), {100.0, builder.metresPerNs(), -80.0});
+            EXPECT_NEAR(sumOf(found), found.spanLoss_dB, 1e-9) << at_m;
+            EXPECT_NEAR(found.spanLoss_dB, 12.0 * 0.2 + 0.1 + 0.3, 0.35) << at_m;
+        }
     }
-    EXPECT_NEAR(sum, found.spanLoss_dB, 1e-9);
 }
 
 } // namespace

@@ -15,7 +15,7 @@ using otdr::NoiseProfile;
 
 NoiseProfile profileOf(const otdr::Trace& trace, double pulse = 10.0)
 {
-    return NoiseProfile(trace, pulse, 0, trace.size());
+    return {trace, pulse, 0, trace.size()};
 }
 
 TEST(NoiseProfile, TellsTheScatterOfSamples)

@@ -12,6 +12,7 @@ waveform_test(otdr_core_numeric_test
         eventsearch_test.cpp
         eventsites_test.cpp
         eventsitesfit_test.cpp
+        fibrebehind_test.cpp
         fibreend_test.cpp
         fibreextent_test.cpp
         fibretrace_test.cpp

@@ -152,6 +152,22 @@ TEST(PeakGroup, ARiseOfLessThanThreeTenthsIsNone)
     EXPECT_EQ(feet(0.31), 2U);
 }
 
+/// Above the line through a loss and the fibre on both sides of it, the fibre behind seems to rise.
+TEST(PeakGroup, IsNotSoughtAboveTheLineThroughALoss)
+{
+    const TraceBuilder link = quiet().splice(5_km, 3.6_dB);
+    const auto trace = link.build();
+    const double pulse = link.pulseSamples();
+    const FibreTrace fibre(*trace,
+                           {pulse, 0.08 * pulse, static_cast<double>(trace->size()), 1000.0});
+    const double at = link.indexOf(5_km);
+    EXPECT_TRUE(isBehindALoss(fibre, at + 6.0 * pulse, 100.0));
+    EXPECT_FALSE(isBehindALoss(fibre, at - 2.0 * pulse, 100.0));
+    EXPECT_FALSE(isBehindALoss(fibre, at + 40.0 * pulse, 100.0));
+    EXPECT_FALSE(isBehindALoss(fibre, at + 6.0 * pulse, at + 2.0 * pulse))
+        << "the fibre begins there";
+}
+
 /// Behind the pulse light falls as exp(-t / tau): the slope of the flank tells tau.
 TEST(TimeConstant, IsThatOfTheFallingFlank)
 {

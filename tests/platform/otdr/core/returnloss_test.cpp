@@ -14,7 +14,6 @@
 namespace {
 
 using otdr::fitLine;
-using otdr::Line;
 using otdr::returnLoss_dB;
 using otdr::ReturnLossSection;
 using otdr::SaturatedPeak;

@@ -118,7 +118,8 @@ TEST(SorMemory, StaysBoundedForClaimsThatTheFileDoesNotKeep)
 TEST(SorMemory, StaysBoundedForAsManyEventsAsCanBe)
 {
     // All zero: events with empty comments, the smallest there are.
-    const Bytes bytes = withBlock(3, ByteSketch().u16(0xFFFF).bytes(Bytes(65'535U * 23)).done, 1);
+    const Bytes bytes =
+        withBlock(3, ByteSketch().u16(0xFFFF).bytes(Bytes(std::size_t {65535} * 23U)).done, 1);
     EXPECT_LT(memoryFor(bytes), allowed(bytes));
 }
 

@@ -1,0 +1,174 @@
+#include "platform/otdr/core/fibrebehind.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace otdr {
+
+namespace {
+
+/// What stands less than this above the RMS noise shows no fibre that could be measured. From there
+/// on so many times the pulses show that it is fibre, and the more of them the weaker it is.
+constexpr double kFibreAboveNoise_dB = 2.0;
+constexpr double kWeakFactor = 4.0;
+
+/// The fibre behind a fall is looked for in ten pulses, behind a tail of no more than thirty.
+constexpr double kBehindPulses = 10.0;
+constexpr double kFewestBehind = 64.0;
+constexpr double kLongestTailPulses = 30.0;
+
+/// Fibres of one link fall alike: steeper than so many dB/km, and by this factor, is a tail. A line
+/// tells the slope of the fibre before if that is its error.
+constexpr double kSlope_dBPerKm = 0.7;
+constexpr double kTellingError_dBPerKm = 0.2;
+constexpr double kSteeper = 3.0;
+
+/// Behind a peak, a stretch that falls by less than this is fibre with the last of a tail.
+constexpr double kSteepFall_dB = 0.2;
+
+/// Halves of a straight line agree within this many standard errors.
+constexpr double kChance = 5.0;
+
+/// Further behind a fall, where a tail may have become as flat as fibre, nothing is looked for.
+constexpr double kFurthestPulses = 100.0;
+
+/// What is known by its slope alone must tell it as well as this, fall by no less than any fibre
+/// does and by hardly more than the fibre before, and its halves agree to this part of it.
+constexpr double kPlainError_dBPerKm = 0.1;
+constexpr double kLeastFall_dBPerKm = 0.05;
+constexpr double kHardlySteeper = 1.3;
+constexpr double kBendPart = 0.3;
+
+/// A straight line, and how much its halves differ in slope.
+struct Straight
+{
+    SideLine line;
+    double bend_dB = 0.0;
+    double bendError_dB = 0.0;
+};
+
+std::optional<Straight> straightOf(const FibreTrace& trace, double from, double to)
+{
+    const double middle = 0.5 * (from + to);
+    const auto line = trace.fit(from, to);
+    const auto half = trace.fit(from, middle);
+    const auto rest = trace.fit(middle, to);
+    if (!line || !half || !rest || line->line.samples < 16) {
+        return std::nullopt;
+    }
+    return Straight {*line, half->line.slope_dB - rest->line.slope_dB,
+                     std::hypot(half->slopeError_dB, rest->slopeError_dB)};
+}
+
+} // namespace
+
+FibreBehind::FibreBehind(const FibreTrace& trace, double lastLit, double usualSlope_dB)
+    : trace(trace)
+    , w(trace.scale().pulse)
+    , lastLit(lastLit)
+    , usualSlope_dB(usualSlope_dB)
+{
+}
+
+bool FibreBehind::follows(double fibreFrom, double from, double to, double threshold_dB) const
+{
+    const double start = trace.settledFrom(to + kFallPulses * w, kLongestTailPulses * w);
+    const double length = tellingLength(start);
+    const auto behind = straightOf(trace, start, start + length);
+    if (!behind) {
+        return false;
+    }
+    const double level = behind->line.at(start);
+    if (level < trace.noise().rms_dB() + kFibreAboveNoise_dB) {
+        return false;
+    }
+    const double lost =
+        levelBefore_dB(fibreFrom, from) - level + usualSlope_dB * (start - from + 0.5 * w);
+    if (lost < threshold_dB) { // the fall was that of a peak
+        return !trace.isSteep(behind->line) || -behind->line.line.slope_dB * length < kSteepFall_dB;
+    }
+    return !isSteeper(behind->line, trace.fit(fibreFrom, from))
+        && std::abs(behind->bend_dB) < kChance * behind->bendError_dB;
+}
+
+std::optional<double> FibreBehind::plainlyFrom(double fibreFrom, double from, double to) const
+{
+    if (trace.scale().kilometre <= 0.0) {
+        return std::nullopt;
+    }
+    const auto before = trace.fit(fibreFrom, from);
+    const double shortest = std::max(kFewestBehind, kBehindPulses * w);
+    const double furthest = std::min(to + kFurthestPulses * w, lastLit - shortest);
+    for (double begin = to + kFallPulses * w; begin < furthest; begin += 0.5 * shortest) {
+        for (double length = shortest; begin + length < lastLit; length *= 2.0) {
+            if (isPlain(begin, begin + length, before)) {
+                return begin;
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+/// Level of the fibre before an index, dB: what stands above it for no longer than a pulse is a
+/// reflection.
+double FibreBehind::levelBefore_dB(double fibreFrom, double index) const
+{
+    const double level = trace.mean_dB(index - w, index);
+    const double begin = index - (kFallPulses + 1.0) * w;
+    return begin < fibreFrom
+        ? level
+        : std::min(level, trace.mean_dB(begin, begin + w) + usualSlope_dB * kFallPulses * w);
+}
+
+/// So many samples of light show whether it is that of fibre. In weak light the last of a
+/// receiver's tail looks like it for long, and the mean of its power is as certain as that of plain
+/// light by the square of what it lacks.
+double FibreBehind::tellingLength(double start) const
+{
+    const double length = std::max(kFewestBehind, kBehindPulses * w);
+    const auto line = trace.fit(start, start + length);
+    const double missing_dB =
+        line ? trace.noise().rms_dB() + kPlainAboveNoise_dB - line->at(start) : 0.0;
+    if (missing_dB <= 0.0 || missing_dB > kPlainAboveNoise_dB - kFibreAboveNoise_dB) {
+        return length;
+    }
+    return kWeakFactor * length * std::pow(10.0, 0.4 * missing_dB);
+}
+
+bool FibreBehind::isPlain(double from, double to, const std::optional<SideLine>& before) const
+{
+    const auto piece = straightOf(trace, from, to);
+    if (!piece || piece->line.at(to) < trace.noise().rms_dB() + kPlainAboveNoise_dB) {
+        return false;
+    }
+    const double kilometre = trace.scale().kilometre;
+    const double error = piece->line.slopeError_dB * kilometre;
+    const double fall = -piece->line.line.slope_dB * kilometre;
+    const double most = tells(before)
+        ? kHardlySteeper * -before->line.slope_dB * kilometre + kLeastFall_dBPerKm
+        : kSlope_dBPerKm;
+    const double bend =
+        std::max(kChance * piece->bendError_dB, kBendPart * -piece->line.line.slope_dB);
+    return error < kPlainError_dBPerKm && fall > std::max(kLeastFall_dBPerKm, 2.0 * error)
+        && fall < most + 3.0 * error && std::abs(piece->bend_dB) < bend;
+}
+
+bool FibreBehind::tells(const std::optional<SideLine>& line) const
+{
+    return line && line->slopeError_dB * trace.scale().kilometre < kTellingError_dBPerKm;
+}
+
+/// Whether a line falls as no fibre does, or far more steeply than the fibre before it.
+bool FibreBehind::isSteeper(const SideLine& line, const std::optional<SideLine>& before) const
+{
+    const double kilometre = trace.scale().kilometre;
+    if (trace.isSteep(line) || kilometre <= 0.0) {
+        return trace.isSteep(line);
+    }
+    const double usual =
+        tells(before) ? std::max(0.0, -before->line.slope_dB) + 3.0 * before->slopeError_dB : 0.0;
+    const double most = std::max(kSlope_dBPerKm / kilometre, kSteeper * usual);
+    return -line.line.slope_dB > most + 3.0 * line.slopeError_dB;
+}
+
+} // namespace otdr

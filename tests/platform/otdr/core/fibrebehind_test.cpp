@@ -1,0 +1,125 @@
+#include "platform/otdr/core/fibrebehind.h"
+#include "tests/platform/otdr/core/drawnfibre.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+
+namespace {
+
+using namespace testing_support;
+
+constexpr double kPulse = 20.0;
+constexpr double kFall = 8000.0; ///< where light falls by 10 dB
+constexpr double kEnd = 30000.0;
+constexpr double kNoise_dB = 8.0; ///< level of its RMS
+constexpr double kSlope_dB = 0.0002; ///< lost from sample to sample: 0.2 dB/km where 1000 make one
+
+otdr::SearchScale scale()
+{
+    return {kPulse, 0.08 * kPulse, 5000.0, 1000.0};
+}
+
+/// Level of fibre with a splitter, and behind it also what is given, before the noise is added.
+template <typename Behind>
+DrawnFibre splitFibre(Behind behind, std::uint64_t seed = 1)
+{
+    std::mt19937_64 random(seed);
+    std::normal_distribution<double> noise(0.0, std::pow(10.0, kNoise_dB / 5.0));
+    return DrawnFibre(40000, scale(), [&, behind](double i) {
+        const double fibre_dB = 36.0 - kSlope_dB * i;
+        const double level_dB = i < kFall ? fibre_dB : (i < kEnd ? fibre_dB - 10.0 : -50.0);
+        const double shown_dB = i < kFall ? level_dB : behind(i - kFall, level_dB);
+        const double power = std::pow(10.0, shown_dB / 5.0) + noise(random);
+        return power > 1.0 ? 5.0 * std::log10(power) : 0.0;
+    });
+}
+
+std::optional<double> seenIn(const DrawnFibre& fibre)
+{
+    const otdr::FibreBehind behind(*fibre, kEnd, -kSlope_dB);
+    return behind.plainlyFrom(100.0, kFall - 10.0, kFall + kPulse);
+}
+
+bool followsIn(const DrawnFibre& fibre)
+{
+    const otdr::FibreBehind behind(*fibre, kEnd, -kSlope_dB);
+    return behind.follows(kFall - 400.0, kFall - 10.0, kFall + kPulse, 3.0);
+}
+
+double sum_dB(double a_dB, double b_dB)
+{
+    return 5.0 * std::log10(std::pow(10.0, a_dB / 5.0) + std::pow(10.0, b_dB / 5.0));
+}
+
+TEST(FibreBehind, FollowsAFallThatLeavesPlainLight)
+{
+    const DrawnFibre fibre =
+        splitFibre([](double /*behind*/, double level_dB) { return level_dB; });
+    EXPECT_TRUE(followsIn(fibre));
+    EXPECT_TRUE(seenIn(fibre));
+}
+
+/// A connector or two behind the splitter: what lies right behind it is no straight line.
+TEST(FibreBehind, IsSeenBeyondTheEventsThatFollowAtOnce)
+{
+    const auto crowded = [](double behind, double level_dB) {
+        const bool isPeak = (behind > 90.0 && behind < 110.0) || (behind > 160.0 && behind < 180.0);
+        return level_dB - (behind > 90.0 ? 0.4 : 0.0) + (isPeak ? 5.0 : 0.0);
+    };
+    for (const std::uint64_t seed : {1, 2, 3}) {
+        const DrawnFibre fibre = splitFibre(crowded, seed);
+        EXPECT_FALSE(followsIn(fibre)) << seed;
+        EXPECT_TRUE(seenIn(fibre)) << seed;
+    }
+}
+
+/// The fibre before the splitter is a hundred times brighter: little of it, late, bends the light
+/// behind.
+TEST(FibreBehind, IsSeenBeyondATail)
+{
+    const auto tailed = [](double behind, double level_dB) {
+        return sum_dB(level_dB, 24.0 - 5.0 * behind / (8.0 * kPulse) / std::log(10.0));
+    };
+    for (const std::uint64_t seed : {1, 2, 3}) {
+        const DrawnFibre fibre = splitFibre(tailed, seed);
+        EXPECT_FALSE(followsIn(fibre)) << seed;
+        EXPECT_TRUE(seenIn(fibre)) << seed;
+    }
+}
+
+/// Power that falls with the time since the fall, by whatever exponent: bent where it is as steep
+/// as fibre, and steeper than fibre where it is straight.
+TEST(FibreBehind, IsNotSeenInATailAlone)
+{
+    for (const double exponent : {0.5, 1.0, 1.5, 2.0}) {
+        const auto tail = [=](double behind, double /*level_dB*/) {
+            return 32.0 - 5.0 * exponent * std::log10(1.0 + behind / kPulse);
+        };
+        for (const std::uint64_t seed : {1, 2, 3}) {
+            const DrawnFibre fibre = splitFibre(tail, seed);
+            EXPECT_FALSE(followsIn(fibre)) << exponent << ' ' << seed;
+            EXPECT_FALSE(seenIn(fibre)) << exponent << ' ' << seed;
+        }
+    }
+}
+
+TEST(FibreBehind, IsNotSeenInNoiseOrInLightThatDoesNotFall)
+{
+    const auto dark = [](double /*behind*/, double /*level_dB*/) { return -50.0; };
+    const auto level = [](double /*behind*/, double /*level_dB*/) { return 20.0; };
+    for (const std::uint64_t seed : {1, 2, 3}) {
+        EXPECT_FALSE(seenIn(splitFibre(dark, seed))) << seed;
+        EXPECT_FALSE(seenIn(splitFibre(level, seed))) << seed;
+    }
+}
+
+TEST(FibreBehind, IsNotSeenPlainlyWhereTheScaleIsUnknown)
+{
+    const DrawnFibre fibre(40000, {kPulse, 0.08 * kPulse, 5000.0, 0.0},
+                           [](double i) { return (i < kFall ? 36.0 : 26.0) - kSlope_dB * i; });
+    EXPECT_FALSE(seenIn(fibre));
+}
+
+} // namespace
