@@ -192,7 +192,7 @@ Reflectogram spikes(const TraceFiles& files)
     snapshot.wavelength_nm = 1550;
     snapshot.pulse_ns = 5;
     snapshot.samples = otdr::RawSamples(counts);
-    return Reflectogram(files.write("spikes", otdr::encodeSnapshot(snapshot)), WfMeasParams());
+    return {files.write("spikes", otdr::encodeSnapshot(snapshot)), WfMeasParams()};
 }
 
 TEST(TruePicture, ShowsPeaksOfOneSampleAtEveryZoom)

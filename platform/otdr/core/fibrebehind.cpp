@@ -8,9 +8,11 @@ namespace otdr {
 namespace {
 
 /// What stands less than this above the RMS noise shows no fibre that could be measured. From there
-/// on so many times the pulses show that it is fibre, and the more of them the weaker it is.
+/// on so many times the pulses show that it is fibre, and the more of them the weaker it is, if
+/// what it falls by in them is known so well.
 constexpr double kFibreAboveNoise_dB = 2.0;
 constexpr double kWeakFactor = 4.0;
+constexpr double kWeakError_dB = 0.2;
 
 /// The fibre behind a fall is looked for in ten pulses, behind a tail of no more than thirty.
 constexpr double kBehindPulses = 10.0;
@@ -79,7 +81,10 @@ bool FibreBehind::follows(double fibreFrom, double from, double to, double thres
         return false;
     }
     const double level = behind->line.at(start);
-    if (level < trace.noise().rms_dB() + kFibreAboveNoise_dB) {
+    const double above_dB = level - trace.noise().rms_dB();
+    const bool isKnown =
+        above_dB > kPlainAboveNoise_dB || behind->line.slopeError_dB * length < kWeakError_dB;
+    if (above_dB < kFibreAboveNoise_dB || !isKnown) {
         return false;
     }
     const double lost =

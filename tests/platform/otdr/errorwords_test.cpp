@@ -4,6 +4,7 @@
 #include "tests/support/tracefiles.h"
 
 #include <QFile>
+#include <QSet>
 
 #include <gmock/gmock.h>
 

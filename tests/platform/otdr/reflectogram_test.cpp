@@ -55,7 +55,7 @@ TEST(Reflectogram, TwoEmptyHandlesAreEqualAndTwoLoadsOfOneFileAreNot)
     const TraceFiles files;
     EXPECT_EQ(Reflectogram(), Reflectogram());
     const Reflectogram one = files.plain();
-    const Reflectogram copy = one;
+    const Reflectogram copy = one; // NOLINT(performance-unnecessary-copy-initialization): the test
     EXPECT_EQ(one, copy);
     EXPECT_NE(one, Reflectogram(one.fileName()));
     EXPECT_NE(one, Reflectogram());

@@ -26,6 +26,7 @@ waveform_test(otdr_core_numeric_test
         reflectance_test.cpp
         returnloss_test.cpp
         snapshot_test.cpp
+        splitter_test.cpp
         storedthresholds_test.cpp
         trace_test.cpp
         windowsums_test.cpp
