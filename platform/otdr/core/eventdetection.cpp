@@ -338,19 +338,31 @@ private:
         }
     }
 
-    /// The event up to which the span is measured: the first behind all those whose loss is known.
-    /// That is the end, or what stands so close before it that it has no loss of its own.
-    [[nodiscard]] const DetectedEvent&
-    limitOfSpan(std::vector<DetectedEvent>::const_iterator start) const
+    using Place = std::vector<DetectedEvent>::const_iterator;
+
+    /// The first event of a group.
+    [[nodiscard]] Place firstOfGroup(Place event) const
     {
-        auto measured = start;
-        for (auto event = start; event != result.events.end(); ++event) {
-            measured = event->echo || std::isnan(event->loss_dB) ? measured : event;
+        return std::find_if(result.events.begin(), result.events.end(),
+                            [&](const auto& other) { return other.group == event->group; });
+    }
+
+    /// The event up to which the span is measured: the end or, where no fibre shows in front of it,
+    /// what stands there and has no loss of its own for that reason.
+    [[nodiscard]] const DetectedEvent& limitOfSpan(Place start) const
+    {
+        const Place end = firstOfGroup(std::prev(result.events.end()));
+        if (sites.fibre(sites.sites().size())) {
+            return *end;
         }
-        const auto limit = std::find_if(measured, result.events.end(), [&](const auto& event) {
-            return !event.echo && event.group != measured->group;
-        });
-        return limit == result.events.end() ? result.events.back() : *limit;
+        for (Place event = end; event != start && event != result.events.begin();) {
+            --event;
+            if (!event->echo && event->group != kLaunch && event != start
+                && event->before.samples > 0) {
+                return *firstOfGroup(event);
+            }
+        }
+        return *end;
     }
 
     void addSpan()

@@ -95,7 +95,7 @@ struct Detection
     double noiseFloor_dB = DetectedEvent::kUnknown; ///< level of light as strong as the RMS noise
     double end = DetectedEvent::kUnknown; ///< index of the end of the fibre; NaN where the record
                                           ///< does not reach it
-    double spanLoss_dB = DetectedEvent::kUnknown; ///< from the start to the last event
+    double spanLoss_dB = DetectedEvent::kUnknown; ///< from the start to the end
     double returnLoss_dB = DetectedEvent::kUnknown; ///< of the span, seen from its start
 };
 

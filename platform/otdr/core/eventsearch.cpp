@@ -215,7 +215,7 @@ std::vector<Site> EventSearch::peaks(double begin, double end) const
             from = site.behind <= one.at ? std::max(from, site.behind) : from;
             to = site.at > one.at ? std::min(to, site.at) : to;
         }
-        if (isBehindALoss(fibre, one.at, from)) {
+        if (isBehindALoss(fibre, one.at, from) && risesIn(fibre, one.at - w, one.at + w).empty()) {
             continue;
         }
         Site site;

@@ -98,10 +98,11 @@ bool FibreBehind::follows(double fibreFrom, double from, double to, double thres
 
 std::optional<double> FibreBehind::plainlyFrom(double fibreFrom, double from, double to) const
 {
-    if (trace.scale().kilometre <= 0.0) {
-        return std::nullopt;
+    auto before = trace.fit(fibreFrom, from);
+    const double usual_dB = trace.usualSlope_dB(fibreFrom, from);
+    if (before && usual_dB < 0.0) { // the losses on the way are not what fibre falls by
+        before->line.slope_dB = std::max(before->line.slope_dB, usual_dB);
     }
-    const auto before = trace.fit(fibreFrom, from);
     const double shortest = std::max(kFewestBehind, kBehindPulses * w);
     const double furthest = std::min(to + kFurthestPulses * w, lastLit - shortest);
     for (double begin = to + kFallPulses * w; begin < furthest; begin += 0.5 * shortest) {

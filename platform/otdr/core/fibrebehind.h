@@ -29,7 +29,6 @@ public:
 
     /// Where fibre shows plainly behind a fall, beyond the tail and the events that follow it at
     /// once: a line that falls as the fibre before does, where that is known, and stays straight.
-    /// Empty where the scale in metres is not known.
     [[nodiscard]] std::optional<double> plainlyFrom(double fibreFrom, double from, double to) const;
 
 private:

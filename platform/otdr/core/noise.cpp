@@ -85,6 +85,11 @@ double meanLevel(const Trace& trace, std::size_t first, std::size_t last)
     return trace.toLevel_dB(trace.sums().mean(first, last));
 }
 
+double power(double level_dB)
+{
+    return std::pow(10.0, level_dB / 5.0);
+}
+
 /// The value that this part of the values, 0 .. 1, do not exceed.
 double quantileOf(std::vector<double>& values, double part)
 {
@@ -245,9 +250,11 @@ void NoiseProfile::measureFloor(const Trace& trace)
     }
     rms = quantileOf(levels, kBelowOneSigma);
     const double median = medianOf(levels);
-    // Light is below its noise where that much of it is cut off at the least level.
+    // Light is below its noise where that much of it is cut off at the least level; of fibre with
+    // darkness behind it, the greater part may be as strong as the strongest.
     const double lowest = quantileOf(levels, kDropouts);
-    const bool isCutOff = quantileOf(levels, kBelowMinusOneSigma) <= lowest;
+    const bool isSkewed = power(median) - power(lowest) < 2.0 * (power(rms) - power(median));
+    const bool isCutOff = quantileOf(levels, kBelowMinusOneSigma) <= lowest && isSkewed;
     if (rms - median < kLeastSpread_dB && !(isCutOff && rms - lowest >= kLeastSpread_dB)) {
         rms = median + 5.0 * std::log10(sigmas.back() / kDbPerRelative);
     }

@@ -12,13 +12,11 @@
 
 namespace {
 
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::UnorderedElementsAreArray;
 using testing_support::Bytes;
 using testing_support::ByteSketch;
 using testing_support::ChecksumRecipe;
-using testing_support::keyEvent;
 using testing_support::SorSketch;
 
 struct Outcome

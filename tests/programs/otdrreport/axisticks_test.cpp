@@ -1,5 +1,7 @@
 #include "programs/otdrreport/axisticks.h"
 
+#include <QStringList>
+
 #include <gmock/gmock.h>
 
 #include <limits>

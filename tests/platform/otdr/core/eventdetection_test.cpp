@@ -196,6 +196,30 @@ TEST(EventDetection, FindsALowReflectionOnALoss)
     EXPECT_NEAR(found.events[1].loss_dB, 0.2, 0.005);
 }
 
+/// The lines that reflections are sought above run over the splice at first.
+TEST(EventDetection, FindsReflectionsWithinSomePulsesBehindALoss)
+{
+    for (const double loss_dB : {0.3, 1.0}) {
+        for (const double height_dB : {3.0, 8.0}) {
+            for (const double away_m : {60.0, 100.0, 200.0, 300.0}) {
+                const TraceBuilder builder =
+                    TraceBuilder()
+                        .fibre(2_km)
+                        .behind(3000)
+                        .noise(0.002_dB, 25)
+                        .noiseFloor(14_dB)
+                        .splice(1_km, Decibels {loss_dB})
+                        .reflection(Length {1000.0 + away_m}, Decibels {height_dB});
+                const Detection found = detect(builder);
+                ASSERT_EQ(found.events.size(), 4U) << kindsOf(found) << height_dB << ' ' << away_m;
+                EXPECT_EQ(found.events[2].kind, Kind::Reflective) << height_dB << ' ' << away_m;
+                EXPECT_NEAR(found.events[1].loss_dB, loss_dB, 0.01) << height_dB << ' ' << away_m;
+                EXPECT_NEAR(found.events[2].height_dB, height_dB, 0.05) << loss_dB << ' ' << away_m;
+            }
+        }
+    }
+}
+
 TEST(EventDetection, LossesOfEventsAndSectionsAddUpToThatOfTheSpan)
 {
     const Detection found = detect(link()

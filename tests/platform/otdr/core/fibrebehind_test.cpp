@@ -105,6 +105,24 @@ TEST(FibreBehind, IsNotSeenInATailAlone)
     }
 }
 
+/// The losses of a link are not what its fibre falls by: the tail behind its end is steeper than
+/// that, if not than the whole link.
+TEST(FibreBehind, IsNotSeenInATailBehindALinkOfManyLosses)
+{
+    for (const double loss_dB : {0.3, 0.6, 1.0, 2.0}) {
+        for (const double exponent : {0.5, 1.0, 1.5}) {
+            const DrawnFibre fibre(40000, scale(), [=](double i) {
+                const double spliced_dB = loss_dB * std::floor(std::min(i, kFall) / 1000.0);
+                const double level_dB = 36.0 - kSlope_dB * std::min(i, kFall) - spliced_dB;
+                const double since = std::max(0.0, i - kFall) / kPulse;
+                return level_dB
+                    - (i < kFall ? 0.0 : 3.5 + 5.0 * exponent * std::log10(1.0 + since));
+            });
+            EXPECT_FALSE(seenIn(fibre)) << loss_dB << ' ' << exponent;
+        }
+    }
+}
+
 TEST(FibreBehind, IsNotSeenInNoiseOrInLightThatDoesNotFall)
 {
     const auto dark = [](double /*behind*/, double /*level_dB*/) { return -50.0; };

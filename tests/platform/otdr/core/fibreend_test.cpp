@@ -96,7 +96,7 @@ TEST(FibreEnd, IsNotASplitter)
     EXPECT_NEAR(extentOf(builder).end, builder.indexOf(12_km), 2.0);
 }
 
-/// The round top of a reflection of 14 samples is straight for some samples; the fibre before it is
+/// The round top of a reflection of 15 samples is straight for some samples; the fibre before it is
 /// what it rises from, whatever pulse is told.
 TEST(FibreEnd, StandsBeforeARoundReflectionThatIsWiderThanThePulseTold)
 {
@@ -139,8 +139,8 @@ TEST(FibreEnd, IsNotASplitterThatLeavesLittleLight)
     }
 }
 
-/// The tail of a receiver that was overloaded, 3 to 4 dB above the noise where it begins: power
-/// that falls with the time since then, which within some pulses is as straight as fibre.
+/// The tail of a receiver that was overloaded, down from 12 dB above the noise: power that falls
+/// with the time since then, which within some pulses is as straight as fibre.
 TEST(FibreEnd, IsInFrontOfASlowTail)
 {
     for (const std::uint64_t seed : {1, 2, 3, 4, 5}) {

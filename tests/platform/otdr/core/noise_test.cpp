@@ -85,7 +85,7 @@ TEST(NoiseProfile, FloorIsTheLevelOfTheRmsNoise)
 }
 
 /// A converter of few steps, its noise cut off at the least of them, and every sample the mean of
-/// two: a third of them stands at that least level, and no wide scatter shows the noise.
+/// two: two fifths of them stands at that least level, and no wide scatter shows the noise.
 TEST(NoiseProfile, FloorOfNoiseThatIsCutOffIsNotTakenForLight)
 {
     std::mt19937_64 random(8);
@@ -98,6 +98,16 @@ TEST(NoiseProfile, FloorOfNoiseThatIsCutOffIsNotTakenForLight)
     }
     const otdr::Trace trace(otdr::RawSamples(counts), 0.001, fibre->axis());
     EXPECT_NEAR(profileOf(trace).rms_dB(), 5.0 * std::log10(3.5), 0.3);
+}
+
+/// Darkness without noise in less than half of what is looked at: the rest is the fibre before it.
+TEST(NoiseProfile, FloorIsNotTheFibreInFrontOfAShortDarkRecord)
+{
+    for (const std::size_t dark : {240U, 360U, 480U}) {
+        const auto trace =
+            TraceBuilder().fibre(12_km).behind(dark).launch(45_dB).noise(0.01_dB, 9).build();
+        EXPECT_LT(profileOf(*trace).rms_dB(), 30.0) << dark;
+    }
 }
 
 /// s = 2.17 x 10^((floor - level) / 5): the scatter of the last of the fibre tells the floor.

@@ -23,8 +23,7 @@ constexpr double kNoise_dB = 8.0; ///< level of its RMS
 constexpr double kTailPulses = 1.0; ///< in which a tail falls to a part of 1/e
 
 /// What is told of this link with the splitter's ramp straight in power, as a pulse passes it, with
-/// a tail of the light before it over the light behind it, which falls to a part of 1/e within
-/// eight pulses, and with a receiver's noise.
+/// a tail of the light before it over the light behind it, and with a receiver's noise.
 Detection detect(const TraceBuilder& builder, double tailPart, std::uint64_t seed)
 {
     std::mt19937_64 random(seed);
