@@ -123,6 +123,67 @@ TEST(FibreBehind, IsNotSeenInATailBehindALinkOfManyLosses)
     }
 }
 
+/// Whether fibre is seen behind a fall of 10 dB that loses so much in a kilometre, where the fibre
+/// before it, 0.2 dB, is looked at from this index on, and light ends at the other.
+bool isSeenWith(double dbPerKm, double fibreFrom = 100.0, double lastLit = kEnd,
+                double sigma_dB = 0.002)
+{
+    const DrawnFibre fibre(
+        40000, scale(),
+        [=](double i) {
+            const double before_dB = 36.0 - kSlope_dB * std::min(i, kFall);
+            return before_dB - (i < kFall ? 0.0 : 10.0 + dbPerKm / 1000.0 * (i - kFall));
+        },
+        sigma_dB);
+    const otdr::FibreBehind behind(*fibre, lastLit, -kSlope_dB);
+    return behind.plainlyFrom(fibreFrom, kFall - 10.0, kFall + kPulse).has_value();
+}
+
+/// Hardly steeper than the fibre before, by 0.3 of its slope and 0.05 dB/km, and no flatter than
+/// any fibre.
+TEST(FibreBehind, IsSeenIfItFallsAsTheFibreBeforeDoes)
+{
+    EXPECT_FALSE(isSeenWith(0.03));
+    EXPECT_TRUE(isSeenWith(0.07));
+    EXPECT_TRUE(isSeenWith(0.2));
+    EXPECT_TRUE(isSeenWith(0.29));
+    EXPECT_FALSE(isSeenWith(0.35));
+}
+
+/// So little of the fibre before is known that any fibre's slope will do: up to 0.7 dB/km.
+TEST(FibreBehind, IsSeenBehindAFibreOfUnknownSlopeIfItFallsAsAnyDoes)
+{
+    EXPECT_TRUE(isSeenWith(0.35, kFall - 16.0));
+    EXPECT_TRUE(isSeenWith(0.67, kFall - 16.0));
+    EXPECT_FALSE(isSeenWith(0.75, kFall - 16.0));
+}
+
+/// 0.12 dB a sample: a line through 200 of them tells its slope to 0.12 sqrt(12 / 200^3) dB, 0.15
+/// dB/km, one through 800 to an eighth of that.
+TEST(FibreBehind, IsNotSeenInSoLittleThatItsSlopeIsUnknown)
+{
+    EXPECT_FALSE(isSeenWith(0.2, 100.0, kFall + 300.0, 0.12));
+    EXPECT_TRUE(isSeenWith(0.2, 100.0, kFall + 1100.0, 0.12));
+}
+
+/// 3 dB above the noise it takes ten pulses times four, and 2.5 times that for what is missing to
+/// plain light: 2,000 samples, which a loss behind these leaves as they are.
+TEST(FibreBehind, FollowsInWeakLightThatStaysStraightForLong)
+{
+    const auto follows = [](double lossAfter) {
+        int times = 0;
+        for (std::uint64_t seed = 1; seed <= 10; ++seed) {
+            const auto weak = [=](double behind, double /*level_dB*/) {
+                return 11.0 - kSlope_dB * behind - (behind < lossAfter ? 0.0 : 6.0);
+            };
+            times += followsIn(splitFibre(weak, seed)) ? 1 : 0;
+        }
+        return times;
+    };
+    EXPECT_GE(follows(2600.0), 9);
+    EXPECT_LE(follows(1300.0), 1);
+}
+
 TEST(FibreBehind, IsNotSeenInNoiseOrInLightThatDoesNotFall)
 {
     const auto dark = [](double /*behind*/, double /*level_dB*/) { return -50.0; };
