@@ -95,7 +95,8 @@ struct Detection
     double noiseFloor_dB = DetectedEvent::kUnknown; ///< level of light as strong as the RMS noise
     double end = DetectedEvent::kUnknown; ///< index of the end of the fibre; NaN where the record
                                           ///< does not reach it
-    double spanLoss_dB = DetectedEvent::kUnknown; ///< from the start to the end
+    double spanLoss_dB = DetectedEvent::kUnknown; ///< from the start to the end, or to what
+                                                  ///< hides the fibre in front of it
     double returnLoss_dB = DetectedEvent::kUnknown; ///< of the span, seen from its start
 };
 

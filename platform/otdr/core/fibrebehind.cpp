@@ -67,6 +67,7 @@ std::optional<Straight> straightOf(const FibreTrace& trace, double from, double 
 FibreBehind::FibreBehind(const FibreTrace& trace, double lastLit, double usualSlope_dB)
     : trace(trace)
     , w(trace.scale().pulse)
+    , shortest(std::max(kFewestBehind, kBehindPulses * w))
     , lastLit(lastLit)
     , usualSlope_dB(usualSlope_dB)
 {
@@ -103,7 +104,6 @@ std::optional<double> FibreBehind::plainlyFrom(double fibreFrom, double from, do
     if (before && usual_dB < 0.0) { // the losses on the way are not what fibre falls by
         before->line.slope_dB = std::max(before->line.slope_dB, usual_dB);
     }
-    const double shortest = std::max(kFewestBehind, kBehindPulses * w);
     const double furthest = std::min(to + kFurthestPulses * w, lastLit - shortest);
     for (double begin = to + kFallPulses * w; begin < furthest; begin += 0.5 * shortest) {
         for (double length = shortest; begin + length < lastLit; length *= 2.0) {
@@ -131,14 +131,13 @@ double FibreBehind::levelBefore_dB(double fibreFrom, double index) const
 /// light by the square of what it lacks.
 double FibreBehind::tellingLength(double start) const
 {
-    const double length = std::max(kFewestBehind, kBehindPulses * w);
-    const auto line = trace.fit(start, start + length);
+    const auto line = trace.fit(start, start + shortest);
     const double missing_dB =
         line ? trace.noise().rms_dB() + kPlainAboveNoise_dB - line->at(start) : 0.0;
     if (missing_dB <= 0.0 || missing_dB > kPlainAboveNoise_dB - kFibreAboveNoise_dB) {
-        return length;
+        return shortest;
     }
-    return kWeakFactor * length * std::pow(10.0, 0.4 * missing_dB);
+    return kWeakFactor * shortest * std::pow(10.0, 0.4 * missing_dB);
 }
 
 bool FibreBehind::isPlain(double from, double to, const std::optional<SideLine>& before) const

@@ -40,6 +40,7 @@ private:
 
     const FibreTrace& trace;
     double w;
+    double shortest; ///< stretch that shows fibre, samples
     double lastLit;
     double usualSlope_dB;
 };
