@@ -88,7 +88,7 @@ EventSearch::EventSearch(const Trace& trace, const Measurement& measurement,
 void EventSearch::learnFromPeaks()
 {
     std::vector<double> constants;
-    for (const Site& site : peaks(ends.first, ends.end)) {
+    for (const Site& site : peaks({ends.first, ends.first, ends.end})) {
         const auto before = fibre.fit(site.at - 6.0 * fibre.gap(), site.at - 1.0);
         const auto one = before ? timeConstantOf(fibre, *site.peak, before->line) : std::nullopt;
         if (one) {
@@ -190,16 +190,16 @@ bool EventSearch::learnFromSteps()
     return isOther;
 }
 
-/// Reflections between two indices, strongest first, each as far as the next one lets it be
-/// seen.
-std::vector<Site> EventSearch::peaks(double begin, double end) const
+/// Reflections of a stretch, strongest first, each as far as the next one lets it be seen.
+std::vector<Site> EventSearch::peaks(const Stretch& stretch) const
 {
     std::vector<Site> found;
     const double w = fibre.scale().pulse;
-    std::vector<Candidate> offered = scanPeaks(fibre, begin, end, settings.significance);
-    // Nearer to the begin of the fibre than the windows of the scan are long.
-    for (const double foot :
-         risesIn(fibre, begin - w, std::min(end, begin + kUnscannedGaps * fibre.gap()))) {
+    std::vector<Candidate> offered =
+        scanPeaks(fibre, stretch.clear, stretch.to, settings.significance);
+    // On a tail, and nearer to it than the windows of the scan are long.
+    const double unscanned = stretch.clear + kUnscannedGaps * fibre.gap();
+    for (const double foot : risesIn(fibre, stretch.from - w, std::min(stretch.to, unscanned))) {
         offered.push_back({foot, settings.significance, w});
     }
     for (const Candidate& one : offered) {
@@ -209,8 +209,8 @@ std::vector<Site> EventSearch::peaks(double begin, double end) const
         if (isKnown) {
             continue;
         }
-        double from = begin;
-        double to = end;
+        double from = one.at - stretch.clear > fibre.gap() ? stretch.clear : stretch.from;
+        double to = stretch.to;
         for (const Site& site : found) {
             from = site.behind <= one.at ? std::max(from, site.behind) : from;
             to = site.at > one.at ? std::min(to, site.at) : to;
@@ -260,9 +260,9 @@ std::vector<EventSearch::Stretch> EventSearch::notYetIn(std::vector<Stretch>& sc
 {
     std::vector<Stretch> open;
     for (std::size_t k = 0; k <= sites.sites().size(); ++k) {
-        const Stretch stretch {sites.fibreFrom(k), sites.fibreTo(k)};
+        const Stretch stretch {sites.fibreFrom(k), sites.lineFrom(k), sites.fibreTo(k)};
         const bool isDone = std::any_of(scanned.begin(), scanned.end(), [&](const Stretch& other) {
-            return std::abs(other.from - stretch.from) < fibre.gap()
+            return std::abs(other.clear - stretch.clear) < fibre.gap()
                 && std::abs(other.to - stretch.to) < fibre.gap();
         });
         if (!isDone) {
@@ -278,7 +278,7 @@ void EventSearch::addPeaks()
 {
     std::vector<Site> found;
     for (const Stretch& stretch : notYetIn(scannedForPeaks)) {
-        const std::vector<Site> some = peaks(stretch.from, stretch.to);
+        const std::vector<Site> some = peaks(stretch);
         found.insert(found.end(), some.begin(), some.end());
     }
     sites.add(found);
@@ -300,7 +300,7 @@ void EventSearch::addSteps()
     std::vector<Site> found;
     for (const Stretch& stretch : notYetIn(scannedForSteps)) {
         for (const Candidate& one :
-             scanSteps(fibre, stretch.from, stretch.to, kScanPart * settings.significance)) {
+             scanSteps(fibre, stretch.clear, stretch.to, kScanPart * settings.significance)) {
             Site site;
             site.at = one.at;
             site.behind = one.at + fibre.gap();

@@ -42,19 +42,20 @@ private:
     [[nodiscard]] Receiver bestReceiver(const std::vector<const Site*>& clear,
                                         const Receiver& first) const;
 
-    [[nodiscard]] std::vector<Site> peaks(double begin, double end) const;
+    /// A stretch of fibre between two places; up to `clear` there is a tail on it.
+    struct Stretch
+    {
+        double from;
+        double clear;
+        double to;
+    };
+
+    [[nodiscard]] std::vector<Site> peaks(const Stretch& stretch) const;
     [[nodiscard]] bool isLowPeak(Site& site, double from, double to) const;
     [[nodiscard]] double leastHeight_dB() const;
     void addPeaks();
     void addSteps();
     void findAll();
-
-    /// A stretch of fibre between two places.
-    struct Stretch
-    {
-        double from;
-        double to;
-    };
 
     [[nodiscard]] std::vector<Stretch> notYetIn(std::vector<Stretch>& scanned) const;
 

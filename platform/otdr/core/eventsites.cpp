@@ -129,15 +129,26 @@ std::optional<SideLine> EventSites::side(double from, double to) const
     return fibreTrace->fitWithSlope(from, to, usualSlope_dB, slopeSpread_dB);
 }
 
+/// By how much the light at a place, with its line before it, outshines the fibre behind it, up to
+/// `to`: by the reflection and by what is lost there.
+double EventSites::brightness_dB(const Site& site, double to) const
+{
+    const double height = site.peak ? site.peak->height_dB() : 0.0;
+    const double longest = fibreTrace->scale().longestWindow;
+    const auto behind = side(site.behind, std::min(to, site.behind + longest));
+    const double lost = site.left && behind ? site.left->at(site.at) - behind->at(site.at) : 0.0;
+    return height + std::max(0.0, lost);
+}
+
 void EventSites::measure(std::size_t k)
 {
     Site& site = places[k];
     const double longest = fibreTrace->scale().longestWindow;
     const double to = fibreTo(k);
-    site.clear =
-        site.peak ? clearOfTail(*fibreTrace, *site.peak, site.behind, fibreTo(k + 1)) : site.behind;
     site.left = side(std::max(lineFrom(k), to - longest), to);
-    site.right = side(site.clear, std::min(fibreTo(k + 1), site.clear + longest));
+    const double next = fibreTo(k + 1);
+    site.clear = clearOfTail(*fibreTrace, site.behind, next, brightness_dB(site, next));
+    site.right = side(site.clear, std::min(next, site.clear + longest));
     site.loss_dB = std::numeric_limits<double>::quiet_NaN();
     site.error_dB = site.loss_dB;
     if (site.left && site.right) {

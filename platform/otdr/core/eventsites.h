@@ -85,6 +85,7 @@ public:
     [[nodiscard]] std::optional<SideLine> fibre(std::size_t k) const;
 
 private:
+    [[nodiscard]] double brightness_dB(const Site& site, double to) const;
     void measure(std::size_t k);
     [[nodiscard]] double foundationOf(const Site& site, double loss_dB, double significance) const;
     [[nodiscard]] std::optional<double> footOfBoth(const Site& first, const Site& second) const;

@@ -9,14 +9,17 @@ namespace {
 
 /// What stands less than this above the RMS noise shows no fibre that could be measured. From there
 /// on so many times the pulses show that it is fibre, and the more of them the weaker it is, if
-/// what it falls by in them is known so well.
+/// what it falls by in them is known so well; of what stands higher, a good deal worse.
 constexpr double kFibreAboveNoise_dB = 2.0;
 constexpr double kWeakFactor = 4.0;
 constexpr double kWeakError_dB = 0.2;
+constexpr double kError_dB = 1.0;
 
-/// The fibre behind a fall is looked for in ten pulses, behind a tail of no more than thirty.
+/// The fibre behind a fall is looked for in ten pulses, or three and more where the light changes
+/// again so soon, behind a tail of no more than thirty.
 constexpr double kBehindPulses = 10.0;
 constexpr double kFewestBehind = 64.0;
+constexpr double kFewestPulses = 3.0;
 constexpr double kLongestTailPulses = 30.0;
 
 /// Fibres of one link fall alike: steeper than so many dB/km, and by this factor, is a tail. A line
@@ -76,22 +79,23 @@ FibreBehind::FibreBehind(const FibreTrace& trace, double lastLit, double usualSl
 bool FibreBehind::follows(double fibreFrom, double from, double to, double threshold_dB) const
 {
     const double start = trace.settledFrom(to + kFallPulses * w, kLongestTailPulses * w);
-    const double length = tellingLength(start);
+    const double length = tellingLength(start, threshold_dB);
     const auto behind = straightOf(trace, start, start + length);
     if (!behind) {
         return false;
     }
     const double level = behind->line.at(start);
     const double above_dB = level - trace.noise().rms_dB();
-    const bool isKnown =
-        above_dB > kPlainAboveNoise_dB || behind->line.slopeError_dB * length < kWeakError_dB;
+    const double error_dB = behind->line.slopeError_dB * length;
+    const bool isKnown = error_dB < (above_dB > kPlainAboveNoise_dB ? kError_dB : kWeakError_dB);
     if (above_dB < kFibreAboveNoise_dB || !isKnown) {
         return false;
     }
     const double lost =
         levelBefore_dB(fibreFrom, from) - level + usualSlope_dB * (start - from + 0.5 * w);
     if (lost < threshold_dB) { // the fall was that of a peak
-        return !trace.isSteep(behind->line) || -behind->line.line.slope_dB * length < kSteepFall_dB;
+        return !trace.isSteep(behind->line)
+            || -behind->line.line.slope_dB * length < std::max(kSteepFall_dB, kChance * error_dB);
     }
     return !isSteeper(behind->line, trace.fit(fibreFrom, from))
         && std::abs(behind->bend_dB) < kChance * behind->bendError_dB;
@@ -126,11 +130,30 @@ double FibreBehind::levelBefore_dB(double fibreFrom, double index) const
         : std::min(level, trace.mean_dB(begin, begin + w) + usualSlope_dB * kFallPulses * w);
 }
 
+/// The first index, some pulses behind `from`, in front of which the light has not yet changed
+/// suddenly; `to` where it does not change.
+double FibreBehind::untilChange(double from, double to, double threshold_dB) const
+{
+    const double step = std::max(1.0, 0.5 * w);
+    for (double at = from + kFewestPulses * w; at < to; at += step) {
+        const double change = trace.mean_dB(at - w, at)
+            - trace.mean_dB(at + kFallPulses * w, at + (kFallPulses + 1.0) * w);
+        if (std::abs(change) > threshold_dB) {
+            return at;
+        }
+    }
+    return to;
+}
+
 /// So many samples of light show whether it is that of fibre. In weak light the last of a
 /// receiver's tail looks like it for long, and the mean of its power is as certain as that of plain
 /// light by the square of what it lacks.
-double FibreBehind::tellingLength(double start) const
+double FibreBehind::tellingLength(double start, double threshold_dB) const
 {
+    const double until = untilChange(start, start + shortest, threshold_dB);
+    if (until < start + shortest) {
+        return until - start;
+    }
     const auto line = trace.fit(start, start + shortest);
     const double missing_dB =
         line ? trace.noise().rms_dB() + kPlainAboveNoise_dB - line->at(start) : 0.0;

@@ -33,7 +33,8 @@ public:
 
 private:
     [[nodiscard]] double levelBefore_dB(double fibreFrom, double index) const;
-    [[nodiscard]] double tellingLength(double start) const;
+    [[nodiscard]] double tellingLength(double start, double threshold_dB) const;
+    [[nodiscard]] double untilChange(double from, double to, double threshold_dB) const;
     [[nodiscard]] bool isPlain(double from, double to, const std::optional<SideLine>& before) const;
     [[nodiscard]] bool tells(const std::optional<SideLine>& line) const;
     [[nodiscard]] bool isSteeper(const SideLine& line, const std::optional<SideLine>& before) const;

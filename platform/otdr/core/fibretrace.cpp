@@ -32,6 +32,13 @@ constexpr double kSlopeGaps = 4.0;
 constexpr double kFewestSlope = 64.0;
 constexpr double kMostSlopes = 1000.0;
 
+/// In noise they are longer, until their median is known this well, as long as there are so many.
+constexpr double kSlopeError_dBPerKm = 0.1;
+constexpr double kFewestSlopes = 12.0;
+
+/// Standard error of a median, by that of a mean.
+constexpr double kMedianError = 1.25;
+
 /// What no fibre exceeds, dB/km.
 constexpr double kSteepest_dBPerKm = 5.0;
 
@@ -136,7 +143,7 @@ double FibreTrace::mean_dB(double from, double to) const
 
 double FibreTrace::usualSlope_dB(double from, double to) const
 {
-    const double length = std::max(kSlopeGaps * deadZone, kFewestSlope);
+    const double length = slopeLength(from, to);
     const double step = std::max(length, (to - from) / kMostSlopes);
     std::vector<double> slopes;
     for (double at = from; at + 2.0 * length <= to; at += step) {
@@ -149,6 +156,23 @@ double FibreTrace::usualSlope_dB(double from, double to) const
     const auto middle = slopes.begin() + static_cast<std::ptrdiff_t>(slopes.size() / 2);
     std::nth_element(slopes.begin(), middle, slopes.end());
     return *middle;
+}
+
+/// Two means over n samples tell a slope to s sqrt(2 m / n) / n, and the median of some pieces is a
+/// root of their number better.
+double FibreTrace::slopeLength(double from, double to) const
+{
+    const double sigma = scatter.sigma_dB(0.5 * (from + to)) * std::sqrt(scatter.correlation());
+    double length = std::max(kSlopeGaps * deadZone, kFewestSlope);
+    const auto error_dB = [&] {
+        const double pieces = std::min(kMostSlopes, (to - from) / length);
+        return kMedianError * sigma * std::sqrt(2.0 / length) / length / std::sqrt(pieces);
+    };
+    while (error_dB() * limits.kilometre > kSlopeError_dBPerKm
+           && to - from > 2.0 * kFewestSlopes * length) {
+        length *= 2.0;
+    }
+    return length;
 }
 
 bool FibreTrace::isSteep(const SideLine& line) const

@@ -88,6 +88,9 @@ public:
                                      double tolerance_dB = 0.001) const;
 
 private:
+    /// Samples of which a mean is one side of a piece that tells a slope.
+    [[nodiscard]] double slopeLength(double from, double to) const;
+
     /// Whether a stretch lies above the fibre that follows it.
     [[nodiscard]] bool isTail(double from, double to, double tolerance_dB) const;
 

@@ -33,6 +33,11 @@ constexpr double kMostSigma_dB = 5.0;
 /// By so much a block exceeds the next one by chance.
 constexpr double kTooMuch = 1.4;
 
+/// Where the light falls by so much, dB, within so many pulses, and not back from a reflection, the
+/// scatter is another one at once.
+constexpr double kFall_dB = 1.0;
+constexpr double kFallPulses = 2.0;
+
 /// A normal distribution: its median of absolute values, and what lies below one sigma, and below
 /// minus one.
 constexpr double kMedianOfNormal = 0.6745;
@@ -66,6 +71,9 @@ constexpr std::size_t kFewestBends = 48;
 /// many times what rounding makes it, they tell nothing of neighbours.
 constexpr std::size_t kMostDifferences = 16384;
 constexpr double kRoundings = 10.0;
+
+/// What scatters by more than so many times the roundings is noise for the greater part.
+constexpr double kNoisyRoundings = 3.0;
 
 /// Variance that rounding to whole counts adds to a second difference: (1 + 4 + 1) / 12.
 constexpr double kRoundingOfDifference = 0.5;
@@ -154,6 +162,7 @@ NoiseProfile::NoiseProfile(const Trace& trace, double pulse, std::size_t first, 
     , last(std::clamp(last, this->first, trace.size()))
 {
     measureScatter(trace, pulse);
+    breakAtFalls(trace, pulse);
     if (!sigmas.empty()) {
         levelOut(trace);
     }
@@ -184,6 +193,71 @@ void NoiseProfile::measureScatter(const Trace& trace, double pulse)
         }
         sigmas.push_back(std::clamp(sigma, kLeastSigma_dB, kMostSigma_dB));
     }
+}
+
+/// Behind a splitter the light is so much weaker that the scatter changes within a pulse: the
+/// blocks on both sides are each told by their own side alone.
+void NoiseProfile::breakAtFalls(const Trace& trace, double pulse)
+{
+    falls.assign(sigmas.size(), std::numeric_limits<double>::quiet_NaN());
+    const auto size = static_cast<double>(blockSize);
+    const auto lag = static_cast<std::size_t>(std::max(1.0, std::round(pulse)));
+    const auto scatter = [&](double from, double to) {
+        const double sigma_dB = scatterOf_dB(trace, placeOf(from), placeOf(to), lag);
+        return std::clamp(sigma_dB, kLeastSigma_dB, kMostSigma_dB);
+    };
+    for (std::size_t block = 0; block + 1 < sigmas.size(); ++block) {
+        const double middle =
+            static_cast<double>(first) + (static_cast<double>(block) + 0.5) * size;
+        const auto fall = fallBetween(trace, pulse, middle, middle + size);
+        if (!fall) {
+            continue;
+        }
+        const double before = scatter(*fall - size, *fall - pulse);
+        const double behind = scatter(*fall + kFallPulses * pulse, *fall + size);
+        if (behind > before) {
+            falls[block] = *fall;
+            sigmas[block] = before;
+            sigmas[block + 1] = behind;
+        }
+    }
+}
+
+/// The sample at an index, or the nearest of the stretch.
+std::size_t NoiseProfile::placeOf(double index) const
+{
+    return static_cast<std::size_t>(
+        std::clamp(index, static_cast<double>(first), static_cast<double>(last)));
+}
+
+/// The middle of the greatest fall of the light between two indices, where there is one. What falls
+/// from a reflection stands above the light of some pulses before it.
+std::optional<double> NoiseProfile::fallBetween(const Trace& trace, double pulse, double from,
+                                                double to) const
+{
+    const double w = std::max(1.0, std::round(pulse));
+    const double size = to - from;
+    const auto level = [&](double begin, double length) {
+        const std::size_t end = placeOf(begin + length);
+        return meanLevel(trace, end - std::min(end - first, static_cast<std::size_t>(length)), end);
+    };
+    if (level(from - 0.25 * size, 0.25 * size) - level(to, 0.25 * size) < kFall_dB) {
+        return std::nullopt;
+    }
+    std::optional<double> place;
+    double most = kFall_dB;
+    for (double at = from; at < to; at += std::max(1.0, 0.25 * w)) {
+        const double behind = level(at + (kFallPulses - 1.0) * w, w);
+        double fallen = std::numeric_limits<double>::infinity();
+        for (double away = w; away <= size && fallen > most; away += w) {
+            fallen = std::min(fallen, level(at - away, w) - behind);
+        }
+        if (fallen > most) {
+            most = fallen;
+            place = at + 0.5 * w;
+        }
+    }
+    return place;
 }
 
 /// Stronger light scatters less, in decibels: where a nearer block, with more light, scatters more
@@ -218,6 +292,9 @@ double NoiseProfile::sigma_dB(double index) const
     const double place = (within - from) / static_cast<double>(blockSize) - 0.5;
     const double block = std::clamp(std::floor(place), 0.0, static_cast<double>(sigmas.size() - 2));
     const auto k = static_cast<std::size_t>(block);
+    if (!std::isnan(falls[k])) {
+        return within < falls[k] ? sigmas[k] : sigmas[k + 1];
+    }
     const double part = place - block;
     const double sigma = sigmas[k] * std::pow(sigmas[k + 1] / sigmas[k], part);
     return std::clamp(sigma, kLeastSigma_dB, kMostSigma_dB);
@@ -324,7 +401,8 @@ double NoiseProfile::differenceOver(const Trace& trace, std::size_t lag) const
 /// pulse; over some samples they do not. Noise behind a single pole is alike by c = exp(-lag / tau)
 /// over a lag, and its second differences vary by 6 - 8 c + 2 c^2: the time constant is the one
 /// with which this fits best over lags of 1, 2, 4 .. samples, by ratios.
-void NoiseProfile::measureCorrelationByLags(const Trace& trace, double pulse)
+std::optional<NoiseProfile::Likeness> NoiseProfile::likenessByLags(const Trace& trace,
+                                                                   double pulse) const
 {
     std::vector<double> logarithms;
     for (std::size_t lag = 1; 2.0 * static_cast<double>(lag) <= pulse; lag *= 2) {
@@ -349,13 +427,10 @@ void NoiseProfile::measureCorrelationByLags(const Trace& trace, double pulse)
             best = std::exp(-1.0 / tau);
         }
     }
-    if (std::isfinite(least)) {
-        alike = (1.0 + best) / (1.0 - best);
-        const double part = std::min(1.0, std::exp(0.5 * level));
-        for (double& sigma : sigmas) {
-            sigma = std::max(kLeastSigma_dB, sigma * part);
-        }
+    if (!std::isfinite(least)) {
+        return std::nullopt;
     }
+    return Likeness {(1.0 + best) / (1.0 - best), std::exp(0.5 * level)};
 }
 
 void NoiseProfile::measureCorrelation(const Trace& trace, double pulse)
@@ -363,15 +438,29 @@ void NoiseProfile::measureCorrelation(const Trace& trace, double pulse)
     const double length = std::max(kShortestMean, std::ceil(kMeanPulses * pulse));
     const std::vector<Bend> bends = bendsOf(trace, static_cast<std::size_t>(length));
     if (bends.size() < kFewestBends) {
-        measureCorrelationByLags(trace, pulse);
+        if (const auto likeness = likenessByLags(trace, pulse)) {
+            alike = likeness->correlation;
+            for (double& sigma : sigmas) {
+                sigma = std::max(kLeastSigma_dB, sigma * std::min(1.0, likeness->scatter));
+            }
+        }
         return;
     }
+    // Of the third that scatters most, those of which it is noise: roundings are not alike.
+    const auto third = bends.end() - static_cast<std::ptrdiff_t>(bends.size() / 3);
+    const auto noisy = std::find_if(bends.begin(), bends.end(), [](const Bend& bend) {
+        return bend.sigma > kNoisyRoundings * kLeastSigma_dB;
+    });
+    const bool isFew = bends.end() - noisy < static_cast<std::ptrdiff_t>(kFewestBends);
     std::vector<double> values;
-    for (auto bend = bends.end() - static_cast<std::ptrdiff_t>(bends.size() / 3);
-         bend != bends.end(); ++bend) {
+    for (auto bend = isFew ? third : std::max(third, noisy); bend != bends.end(); ++bend) {
         values.push_back(bend->square / (bend->sigma * bend->sigma / length));
     }
     alike = std::clamp(medianOf(values) / kMedianOfSquare, 1.0, length);
+    if (isFew && noisy != bends.end()) {
+        const auto likeness = likenessByLags(trace, pulse);
+        alike = likeness ? likeness->correlation : alike;
+    }
     values.clear();
     for (auto bend = bends.begin();
          bend != bends.begin() + static_cast<std::ptrdiff_t>(bends.size() / 3); ++bend) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <vector>
 
 namespace otdr {
@@ -57,16 +58,29 @@ private:
     /// In order of the scatter.
     [[nodiscard]] std::vector<Bend> bendsOf(const Trace& trace, std::size_t length) const;
     void measureScatter(const Trace& trace, double pulse);
+    void breakAtFalls(const Trace& trace, double pulse);
+    [[nodiscard]] std::optional<double> fallBetween(const Trace& trace, double pulse, double from,
+                                                    double to) const;
+    [[nodiscard]] std::size_t placeOf(double index) const;
     void levelOut(const Trace& trace);
     void measureFloor(const Trace& trace);
     void measureCorrelation(const Trace& trace, double pulse);
-    void measureCorrelationByLags(const Trace& trace, double pulse);
+
+    /// How alike the noise of neighbours is, and the scatter of a sample by what it was taken for.
+    struct Likeness
+    {
+        double correlation;
+        double scatter;
+    };
+
+    [[nodiscard]] std::optional<Likeness> likenessByLags(const Trace& trace, double pulse) const;
     [[nodiscard]] double differenceOver(const Trace& trace, std::size_t lag) const;
 
     std::size_t first;
     std::size_t last;
     std::size_t blockSize = 1;
     std::vector<double> sigmas; ///< of each block
+    std::vector<double> falls; ///< index between the middles of a block and of the next; NaN: none
     double alike = 1.0;
     double wander = 0.0;
     bool isWanderKnown = false;

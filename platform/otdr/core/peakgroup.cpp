@@ -35,6 +35,11 @@ constexpr double kLeastFlank_dB = 4.5;
 constexpr double kLongestFlankPulses = 20.0;
 constexpr double kDbPerTimeConstant = 2.1715;
 
+/// The part of its height to which a peak is seen to rise, and no faster than by this part of the
+/// time that its receiver would take.
+constexpr double kRisen = 0.6;
+constexpr double kSlowRise = 0.5;
+
 /// The fibre before a reflection is taken from so many dead zones, and ends so many before it.
 constexpr double kFibreGaps = 6.0;
 constexpr double kClearGaps = 1.5;
@@ -50,8 +55,8 @@ constexpr double kNeighbour_dB = 0.5;
 constexpr double kTailPulses = 1.5;
 constexpr double kTailPulsesPerDb = 0.8;
 
-/// Reflections from this height on have a tail that counts. It is seen where it exceeds so many
-/// standard errors, goes on for so many pulses more, and is given so many and this part of the
+/// Light from this height above the fibre on has a tail that counts. It is seen where it exceeds so
+/// many standard errors, goes on for so many pulses more, and is given so many and this part of the
 /// fibre behind it at most.
 constexpr double kTail_dB = 1.0;
 constexpr double kTailErrors = 2.5;
@@ -293,9 +298,9 @@ bool isBehindALoss(const FibreTrace& trace, double at, double from)
     return line && line->line.samples >= 4 && trace.isSteep(*line);
 }
 
-double clearOfTail(const FibreTrace& trace, const PeakGroup& peak, double from, double to)
+double clearOfTail(const FibreTrace& trace, double from, double to, double brightness_dB)
 {
-    if (peak.height_dB() < kTail_dB) {
+    if (!(brightness_dB >= kTail_dB)) {
         return from;
     }
     const double w = trace.scale().pulse;
@@ -328,7 +333,9 @@ std::vector<double> risesIn(const FibreTrace& trace, double from, double to)
     const double w = trace.scale().pulse;
     const auto level = [&](std::size_t i) { return trace.samples().level_dB(i); };
     const auto lag = static_cast<std::size_t>(std::max(1.0, std::round(kSecondRisePulses * w)));
-    const double least = std::max(kSecondRise_dB, kSecondRiseSigmas * trace.noise().sigma_dB(from));
+    // Between them the light may fall for good, and scatter more from there on.
+    const double sigma = std::max(trace.noise().sigma_dB(from), trace.noise().sigma_dB(to));
+    const double least = std::max(kSecondRise_dB, kSecondRiseSigmas * sigma);
     const auto end = static_cast<std::size_t>(
         std::clamp(to, 0.0, std::max(0.0, trace.size() - 1.0 - static_cast<double>(lag))));
     std::vector<double> feet;
@@ -361,9 +368,28 @@ std::optional<double> fibreBeforeRise(const FibreTrace& trace, double from, doub
     return std::nullopt;
 }
 
+namespace {
+
+/// Where the light rises that a place lies in: fibre does not rise, and what does so in front of
+/// the place is the edge of a peak that holds the receiver at its top.
+double onsetOf(const FibreTrace& trace, double at, double from)
+{
+    const double w = trace.scale().pulse;
+    const double end = fibreEndBefore(trace, at, from);
+    const double begin = std::max(from, end - kFibreGaps * trace.gap());
+    if (end - begin > 2.0 * w
+        && trace.mean_dB(end - w, end) > trace.mean_dB(begin, begin + w) + kSecondRise_dB) {
+        const std::vector<double> rises = risesIn(trace, begin, end);
+        return rises.empty() ? at : rises.front();
+    }
+    return at;
+}
+
+} // namespace
+
 PeakGroup measurePeak(const FibreTrace& trace, double at, double from, double to)
 {
-    return PeakMeasurement(trace, from, to).measure(at);
+    return PeakMeasurement(trace, from, to).measure(onsetOf(trace, at, from));
 }
 
 std::optional<double> firstPeak(const FibreTrace& trace, double from, double to, const Line& fibre)
@@ -385,6 +411,25 @@ std::optional<double> firstPeak(const FibreTrace& trace, double from, double to,
     }
     return std::nullopt;
 }
+
+namespace {
+
+/// Whether a peak rises as slowly as it falls with a time constant, samples: what recovers from an
+/// overload has risen at once.
+bool risesWith(const FibreTrace& trace, const PeakGroup& peak, const Line& before, double constant)
+{
+    const double foot = peak.feet.front();
+    const double risen = 1.0 + kRisen * (power(peak.heights_dB.front()) - 1.0);
+    auto i = static_cast<std::size_t>(std::max(0.0, foot));
+    while (static_cast<double>(i) < trace.size()
+           && power(trace.samples().level_dB(i) - before.at(static_cast<double>(i))) < risen) {
+        ++i;
+    }
+    // 1 - exp(-t / tau) = 0.6, and the sample before.
+    return static_cast<double>(i) - foot + 1.0 > kSlowRise * -std::log1p(-kRisen) * constant;
+}
+
+} // namespace
 
 std::optional<double> timeConstantOf(const FibreTrace& trace, const PeakGroup& peak,
                                      const Line& before)
@@ -413,7 +458,10 @@ std::optional<double> timeConstantOf(const FibreTrace& trace, const PeakGroup& p
             from = index;
             fromLevel = over;
         } else if (over < low) {
-            return (index - *from) / std::max(0.5, fromLevel - over) * kDbPerTimeConstant;
+            const double constant =
+                (index - *from) / std::max(0.5, fromLevel - over) * kDbPerTimeConstant;
+            return risesWith(trace, peak, before, constant) ? std::optional(constant)
+                                                            : std::nullopt;
         }
     }
     return std::nullopt;

@@ -25,12 +25,12 @@ struct PeakGroup
 /// Leaves out what rises less than this, but the highest.
 void dropLowFeet(PeakGroup& peak, double least_dB);
 
-/// Where no tail of a reflection is left on the fibre between two indices, the first of which lies
-/// behind its dead zone. What stands above the line through all the fibre that follows is tail, and
-/// once it is no more seen it goes on in the noise for a while; at most a part of that fibre is
-/// given to it.
-[[nodiscard]] double clearOfTail(const FibreTrace& trace, const PeakGroup& peak, double from,
-                                 double to);
+/// Where no tail of brighter light is left on the fibre between two indices, the first of which
+/// lies behind its dead zone. What stands above the line through all the fibre that follows is
+/// tail, and once it is no more seen it goes on in the noise for a while; at most a part of that
+/// fibre is given to it. brightness_dB: by how much the light outshone the fibre.
+[[nodiscard]] double clearOfTail(const FibreTrace& trace, double from, double to,
+                                 double brightness_dB);
 
 /// Whether what lies before a place, in the fibre from `from` on, falls as no fibre does: a loss
 /// whose far side would look like a reflection above that line.

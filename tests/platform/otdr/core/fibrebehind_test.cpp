@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <random>
 
 namespace {
@@ -182,6 +184,52 @@ TEST(FibreBehind, FollowsInWeakLightThatStaysStraightForLong)
     };
     EXPECT_GE(follows(2600.0), 9);
     EXPECT_LE(follows(1300.0), 1);
+}
+
+/// Three pulses of it show, where the light falls again so soon.
+TEST(FibreBehind, FollowsUpToTheNextFall)
+{
+    const auto follows = [](double pulses) {
+        return followsIn(splitFibre([=](double behind, double level_dB) {
+            return behind < pulses * kPulse ? level_dB : -50.0;
+        }));
+    };
+    EXPECT_TRUE(follows(12.0));
+    EXPECT_TRUE(follows(9.0));
+    EXPECT_FALSE(follows(4.0));
+}
+
+/// However high it stands: what scatters by several decibels is darkness with something in
+/// it.
+TEST(FibreBehind, DoesNotFollowInWhatScattersLikeDarkness)
+{
+    for (std::uint64_t seed = 1; seed <= 10; ++seed) {
+        std::mt19937_64 random(seed);
+        std::normal_distribution<double> normal;
+        double noise = 0.0;
+        const DrawnFibre fibre = splitFibre([&](double /*behind*/, double /*level_dB*/) {
+            noise = 0.5 * noise + 0.866 * normal(random);
+            return 16.0 + 8.0 * noise;
+        });
+        EXPECT_FALSE(followsIn(fibre)) << seed;
+    }
+}
+
+/// Noise makes ten short pulses of fibre behind a reflection look steep.
+TEST(FibreBehind, FollowsAPeakIfItsFallIsWithinChance)
+{
+    const auto follows = [](double fall_dB, double scatter_dB) {
+        int count = 0;
+        const DrawnFibre fibre(40000, {kPulse, 0.08 * kPulse, 5000.0, 20000.0}, [&](double i) {
+            const double behind = std::clamp(i - kFall, 0.0, 1000.0);
+            const double tail_dB = fall_dB * behind / (10.0 * kPulse);
+            return 30.0 - tail_dB + (++count % 3 == 0 ? scatter_dB : -scatter_dB);
+        });
+        return followsIn(fibre);
+    };
+    EXPECT_TRUE(follows(0.38, 0.3));
+    EXPECT_FALSE(follows(0.38, 0.03));
+    EXPECT_FALSE(follows(0.9, 0.3));
 }
 
 TEST(FibreBehind, IsNotSeenInNoiseOrInLightThatDoesNotFall)

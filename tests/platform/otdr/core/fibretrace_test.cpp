@@ -144,6 +144,29 @@ TEST(FibreTrace, NothingIsSteepWhereNoKilometreIsKnown)
     EXPECT_FALSE(DrawnFibre(100, scaleOf(4.0), flat)->isSteep(line));
 }
 
+/// 2 km of weak light with a loss every 500 m: short pieces of it would tell the slope to half a
+/// decibel in a kilometre.
+TEST(FibreTrace, UsualSlopeIsToldByLongerPiecesInNoise)
+{
+    const double kilometre = 6000.0;
+    for (std::uint64_t seed = 1; seed <= 5; ++seed) {
+        const DrawnFibre fibre(
+            12000, scaleOf(10.0, kilometre),
+            [=](double i) { return 20.0 - 0.2 / kilometre * i - 0.3 * std::floor(i / 3000.0); },
+            0.35, seed);
+        EXPECT_NEAR(fibre->usualSlope_dB(0.0, 12000.0) * kilometre, -0.2, 0.3) << seed;
+    }
+}
+
+TEST(FibreTrace, UsualSlopeIsThatBetweenTheLosses)
+{
+    const double kilometre = 1000.0;
+    const DrawnFibre fibre(
+        12000, scaleOf(10.0, kilometre),
+        [=](double i) { return 40.0 - 0.2 / kilometre * i - 0.3 * std::floor(i / 700.0); }, 0.003);
+    EXPECT_NEAR(fibre->usualSlope_dB(0.0, 12000.0) * kilometre, -0.2, 0.03);
+}
+
 TEST(FibreTrace, FibreWithoutATailHasSettledAtOnce)
 {
     const DrawnFibre fibre(

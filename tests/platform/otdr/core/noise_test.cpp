@@ -250,6 +250,81 @@ TEST(NoiseProfile, NoPlaceOfAStretchHasLessThanItsLeast)
     EXPECT_LT(noise.leastSigma_dB(4000.0, 5000.0), 0.5 * noise.leastSigma_dB(1000.0, 2000.0));
 }
 
+/// Light of 24 dB and behind a place so much less, with a receiver's noise of 10 dB; what is given
+/// stands above it.
+otdr::Trace fallingAt(double place, double fall_dB, double peakPulses, double peak_dB)
+{
+    std::mt19937_64 random(21);
+    std::normal_distribution<double> noise(0.0, std::pow(10.0, 10.0 / 5.0));
+    std::vector<std::uint16_t> counts(10000);
+    for (std::size_t i = 0; i < counts.size(); ++i) {
+        const double behind = static_cast<double>(i) - place;
+        const bool isPeak = behind >= 0.0 && behind < 10.0 * peakPulses;
+        const double level_dB = 24.0 - (behind < 0.0 ? 0.0 : fall_dB) + (isPeak ? peak_dB : 0.0);
+        const double power = std::max(1.0, std::pow(10.0, level_dB / 5.0) + noise(random));
+        counts[i] = static_cast<std::uint16_t>(65535.5 - 5000.0 * std::log10(power));
+    }
+    return otdr::Trace(otdr::RawSamples(counts), otdr::kUsualDbPerCount, {});
+}
+
+double scatterAt(double level_dB)
+{
+    return 5.0 / std::log(10.0) * std::pow(10.0, (10.0 - level_dB) / 5.0);
+}
+
+/// Wherever it stands within the blocks that the scatter is told by.
+TEST(NoiseProfile, ChangesAtOnceWhereTheLightFallsForGood)
+{
+    for (double place = 5000.0; place < 5300.0; place += 37.0) {
+        for (const double peak_dB : {0.0, 6.0}) {
+            const NoiseProfile noise = profileOf(fallingAt(place, 8.0, 1.0, peak_dB));
+            for (const double away : {5.0, 60.0, 150.0, 1000.0}) {
+                EXPECT_NEAR(noise.sigma_dB(place - away) / scatterAt(24.0), 1.0, 0.3)
+                    << place << ' ' << away;
+                EXPECT_NEAR(noise.sigma_dB(place + 30.0 + away) / scatterAt(16.0), 1.0, 0.3)
+                    << place << ' ' << away;
+            }
+        }
+    }
+}
+
+/// Behind it the light is what it was, however long the receiver was held at its top.
+TEST(NoiseProfile, DoesNotChangeBehindAReflection)
+{
+    for (const double pulses : {1.0, 4.0, 8.0}) {
+        const NoiseProfile noise = profileOf(fallingAt(5100.0, 0.0, pulses, 12.0));
+        for (double at = 4000.0; at < 6000.0; at += 50.0) {
+            EXPECT_NEAR(noise.sigma_dB(at) / scatterAt(24.0), 1.0, 0.3) << pulses << ' ' << at;
+        }
+    }
+}
+
+/// Light without noise, but for rounding, and behind a place with noise that has passed a pole of
+/// two samples: (1 + c) / (1 - c) with c = exp(-1 / 2) is 4.
+TEST(NoiseProfile, LikenessIsToldByWhatScattersAndNotByRoundings)
+{
+    const double c = std::exp(-0.5);
+    for (const std::size_t noisy : {800U, 1500U, 3000U, 6000U}) {
+        for (const std::uint64_t seed : {1, 2, 3}) {
+            std::mt19937_64 random(seed);
+            std::normal_distribution<double> normal(0.0, 30.0);
+            std::vector<std::uint16_t> counts(20000);
+            double noise = normal(random);
+            for (std::size_t i = 0; i < counts.size(); ++i) {
+                noise = c * noise + std::sqrt(1.0 - c * c) * normal(random);
+                const bool isNoisy = i + noisy >= counts.size();
+                const double level = 20000.0 + 0.37 * static_cast<double>(i);
+                counts[i] =
+                    static_cast<std::uint16_t>(std::lround(level + (isNoisy ? noise : 0.0)));
+            }
+            const otdr::Trace trace(otdr::RawSamples(counts), otdr::kUsualDbPerCount, {});
+            const double correlation = profileOf(trace, 25.0).correlation();
+            EXPECT_GT(correlation, 2.0) << noisy << ' ' << seed;
+            EXPECT_LT(correlation, 8.0) << noisy << ' ' << seed;
+        }
+    }
+}
+
 TEST(NoiseProfile, StandsEmptyAndTinyTraces)
 {
     for (const std::size_t size : {0U, 1U, 2U, 17U, 300U}) {

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <random>
 #include <vector>
 
 namespace {
@@ -134,6 +136,29 @@ TEST(PeakGroup, FurtherRisesInTheDeadZoneAreReflections)
     EXPECT_NEAR(found.heights_dB[2], 9.0, 1e-9);
 }
 
+/// A reflection that holds the receiver at its top may be offered by its end.
+TEST(PeakGroup, IsMeasuredFromItsFootWhereverItWasOffered)
+{
+    const DrawnFibre fibre = withRaised({{1000, 1100, 12.0}});
+    for (const double at : {990.0, 1000.0, 1050.0, 1095.0}) {
+        const PeakGroup found = measurePeak(*fibre, at, 880.0, 4000.0);
+        EXPECT_NEAR(found.feet.front(), 999.5, 1.0) << at;
+        EXPECT_NEAR(found.height_dB(), 12.0, 0.1) << at;
+        EXPECT_GE(found.behind, 1100.0) << at;
+    }
+}
+
+/// Behind a loss of 10 dB the light scatters a hundred times more.
+TEST(PeakGroup, NoiseBehindALossIsNoRise)
+{
+    std::mt19937_64 random(3);
+    std::normal_distribution<double> normal;
+    const DrawnFibre fibre(4000, scaleOf(20.0), [&](double i) {
+        return (i < 2000.0 ? 30.0 : 20.0) + (i < 2000.0 ? 0.003 : 0.3) * normal(random);
+    });
+    EXPECT_TRUE(risesIn(*fibre, 1950.0, 2300.0).empty());
+}
+
 /// What rises again within half a pulse is the same edge, seen by a receiver that rings.
 TEST(PeakGroup, ARiseInTwoStepsIsOneReflection)
 {
@@ -186,6 +211,19 @@ TEST(TimeConstant, IsThatOfTheFallingFlank)
         peak.feet.push_back(1010.0);
         EXPECT_FALSE(timeConstantOf(*fibre, peak, flatLine(30.0)));
         EXPECT_FALSE(timeConstantOf(*fibre, {{1000.0}, {4.4}, 1200.0, false}, flatLine(30.0)));
+    }
+}
+
+/// A receiver that recovers from an overload comes down slowly; it has risen at once.
+TEST(TimeConstant, IsUnknownOfWhatRisesFasterThanItFalls)
+{
+    for (const double recovery : {8.0, 20.0, 60.0}) {
+        const DrawnFibre fibre(4000, scaleOf(20.0), [=](double i) {
+            const double tail = 999.0 * std::exp(-std::max(0.0, i - 1020.0) / recovery);
+            return 30.0 + (i < 1000.0 ? 0.0 : 5.0 * std::log10(1.0 + tail));
+        });
+        const PeakGroup peak {{999.5}, {15.0}, 1400.0, false};
+        EXPECT_FALSE(timeConstantOf(*fibre, peak, flatLine(30.0))) << recovery;
     }
 }
 

@@ -108,4 +108,34 @@ TEST(Splitter, IsNotTheEndWhereTheLightBehindItIsNearTheNoise)
     }
 }
 
+/// Five decibels above the noise the light scatters by 0.2 dB, a thousand times more than before
+/// the splitter, and that from one sample to the next.
+TEST(Splitter, NothingIsFoundInTheNoiseBehindIt)
+{
+    for (std::uint64_t seed = 1; seed <= 20; ++seed) {
+        const TraceBuilder builder = TraceBuilder().launch(25_dB).fibre(9_km).behind(6000).splice(
+            Length {kSplitter_m}, 10.5_dB);
+        const Detection found = detect(builder, 0.003, seed);
+        ASSERT_EQ(kindsOf(found), "sne") << seed;
+        EXPECT_NEAR(found.events[1].loss_dB, 10.5, 5.0 * found.events[1].lossError_dB) << seed;
+    }
+}
+
+/// The fibre between the splitter and a high reflection is as weak as that behind it.
+TEST(Splitter, NothingIsFoundBetweenItAndAReflection)
+{
+    for (std::uint64_t seed = 1; seed <= 10; ++seed) {
+        const TraceBuilder builder = TraceBuilder()
+                                         .launch(25_dB)
+                                         .fibre(9_km)
+                                         .behind(6000)
+                                         .splice(Length {kSplitter_m}, 10.5_dB)
+                                         .connector(Length {kSplitter_m + 400.0}, 0.4_dB, 12_dB);
+        const Detection found = detect(builder, 0.003, seed);
+        ASSERT_EQ(kindsOf(found), "snre") << seed;
+        EXPECT_NEAR(found.events[1].loss_dB, 10.5, 0.3) << seed;
+        EXPECT_NEAR(found.events[2].loss_dB, 0.4, 0.3) << seed;
+    }
+}
+
 } // namespace
