@@ -164,13 +164,14 @@ private:
 
     void listSite(const Site& site, int group)
     {
-        const std::size_t feet = site.peak ? site.peak->feet.size() : 1;
+        const bool reflects = site.reflects();
+        const std::size_t feet = reflects ? site.peak->feet.size() : 1;
         for (std::size_t i = 0; i < feet; ++i) {
             DetectedEvent event;
             event.group = group;
-            event.index = site.peak ? site.peak->feet[i] : site.at;
+            event.index = reflects ? site.peak->feet[i] : site.at;
             event.behindFrom = std::max(site.behind, site.clear);
-            event.peakStatistic = site.peakStatistic;
+            event.peakStatistic = reflects ? site.peakStatistic : 0.0;
             if (site.left) {
                 event.before = site.left->line;
             }
@@ -182,7 +183,7 @@ private:
                 event.lossError_dB = site.error_dB;
                 event.stepStatistic = site.statistic();
             }
-            if (site.peak) {
+            if (reflects) {
                 reflect(event, evidenceOf(i), site.peak->heights_dB[i]);
                 event.saturated = site.peak->saturated;
             } else if (site.loss_dB < 0.0) {

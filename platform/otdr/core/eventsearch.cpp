@@ -43,6 +43,13 @@ constexpr double kMisfitPart = 0.2;
 /// However weak a reflection may be that is listed, it stands as high as this: fibre is not even.
 constexpr double kLeastPeak_dB = 0.02;
 
+/// From this height on a reflection that is not listed, where the light rises by this part of it
+/// and not by a ramp alone, tells the fibre on both sides; looked at so many pulses behind its
+/// foot.
+constexpr double kPlainPeak_dB = 0.2;
+constexpr double kRisePart = 0.5;
+constexpr double kTopPulses = 0.65;
+
 /// Where a scan for reflections with lines on both sides has no room for the first, dead zones.
 constexpr double kUnscannedGaps = 1.5;
 
@@ -220,11 +227,12 @@ std::vector<Site> EventSearch::peaks(const Stretch& stretch) const
         }
         Site site;
         site.peak = measurePeak(fibre, one.at, from, to);
-        dropLowFeet(*site.peak, leastHeight_dB());
+        dropLowFeet(*site.peak, soughtHeight_dB());
         site.at = site.peak->feet.front();
         site.behind = site.peak->behind;
         site.peakStatistic = one.statistic;
-        if (site.peak->height_dB() > kHigh_dB || isLowPeak(site, from, to)) {
+        if ((site.peak->height_dB() > kHigh_dB || isLowPeak(site, from, to))
+            && (site.peak->height_dB() >= listedHeight_dB() || rises(site, from))) {
             found.push_back(site);
         }
     }
@@ -244,7 +252,7 @@ bool EventSearch::isLowPeak(Site& site, double from, double to) const
     const PeakFit fit = fitPeak(fibre, site.at, before->line, behind->line);
     const double sigma = fibre.noise().sigma_dB(site.at);
     const bool fits = fit.scatter_dB < std::max(kMisfit * sigma, kMisfitPart * fit.height_dB);
-    if (!fits || fit.height_dB < leastHeight_dB()
+    if (!fits || fit.height_dB < soughtHeight_dB()
         || fit.height_dB < settings.significance * fit.error_dB || fit.foot <= from) {
         return false;
     }
@@ -252,6 +260,19 @@ bool EventSearch::isLowPeak(Site& site, double from, double to) const
     site.behind = std::max(site.behind, fit.foot + gap);
     site.peak = PeakGroup {{fit.foot}, {fit.height_dB}, site.behind, false};
     return true;
+}
+
+/// Whether the light itself stands above the fibre before a place, by half of what its peak would
+/// show there, and not only above what a ramp leaves of it.
+bool EventSearch::rises(const Site& site, double from) const
+{
+    const double w = fibre.scale().pulse;
+    const double foot = highestFoot(*site.peak);
+    const double middle = foot + kTopPulses * w;
+    const auto before = fibre.fit(std::max(from, foot - kBesideGaps * fibre.gap()), foot - 1.0);
+    const double shown_dB = fibre.mean_dB(middle - 0.25 * w, middle + 0.25 * w + 1.0);
+    const double part = fibre.shape().peak(middle - foot);
+    return before && shown_dB - before->at(middle) > kRisePart * part * site.peak->height_dB();
 }
 
 /// The stretches between the places found so far that have not been scanned, but for a dead zone at
@@ -284,8 +305,15 @@ void EventSearch::addPeaks()
     sites.add(found);
 }
 
+/// Height of the weakest reflection that is sought: from a plain one the fibre on both sides is
+/// told, listed or not.
+double EventSearch::soughtHeight_dB() const
+{
+    return std::min(listedHeight_dB(), kPlainPeak_dB);
+}
+
 /// Height of the weakest reflection that is listed.
-double EventSearch::leastHeight_dB() const
+double EventSearch::listedHeight_dB() const
 {
     return std::isnan(measurement.backscatter_dB)
         ? kLeastPeak_dB
@@ -318,19 +346,21 @@ void EventSearch::findAll()
         const std::size_t before = sites.sites().size();
         addSteps();
         sites.dropUnlikely(settings.loss_dB, kScanPart * settings.significance);
-        sites.remeasurePeaks(leastHeight_dB());
+        sites.remeasurePeaks(soughtHeight_dB());
         sites.refine(fibre.gap());
         sites.mergePairs();
-        sites.findReflections(leastHeight_dB(), settings.significance);
+        sites.findReflections(listedHeight_dB(), settings.significance);
         addPeaks();
         sites.refine(0.5 * fibre.scale().pulse);
-        sites.dropLowPeaks(leastHeight_dB());
+        sites.dropLowPeaks(soughtHeight_dB());
         sites.dropUnlikely(settings.loss_dB, settings.significance);
         if (sites.sites().size() == before) {
             break;
         }
     }
     sites.joinCrowded();
+    sites.hideLowPeaks(listedHeight_dB());
+    sites.dropUnlikely(settings.loss_dB, settings.significance);
 }
 
 } // namespace otdr

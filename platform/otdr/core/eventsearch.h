@@ -52,7 +52,9 @@ private:
 
     [[nodiscard]] std::vector<Site> peaks(const Stretch& stretch) const;
     [[nodiscard]] bool isLowPeak(Site& site, double from, double to) const;
-    [[nodiscard]] double leastHeight_dB() const;
+    [[nodiscard]] bool rises(const Site& site, double from) const;
+    [[nodiscard]] double soughtHeight_dB() const;
+    [[nodiscard]] double listedHeight_dB() const;
     void addPeaks();
     void addSteps();
     void findAll();

@@ -44,8 +44,11 @@ constexpr double kPairGaps = 2.0;
 constexpr double kPairSigmas = 1.5;
 constexpr double kPairPart = 0.03;
 
-/// Light that is too weak to be listed is believed where it leaves no more than noise.
+/// Light that is too weak to be listed is believed where it leaves no more than noise or, from this
+/// height on, than this part of it.
 constexpr double kGlowSigmas = 1.5;
+constexpr double kPlain_dB = 0.2;
+constexpr double kGlowPart = 0.1;
 
 /// Reflections up to this height are placed by their whole shape, higher ones by their edge.
 constexpr double kLow_dB = 1.5;
@@ -56,6 +59,11 @@ bool isLow(const PeakGroup& peak)
 }
 
 } // namespace
+
+bool Site::reflects() const
+{
+    return peak && !glows;
+}
 
 double Site::statistic() const
 {
@@ -170,7 +178,7 @@ void EventSites::measure()
 /// How well founded a place is: by so many times what is asked for. Below 1 it is dropped.
 double EventSites::foundationOf(const Site& site, double loss_dB, double significance) const
 {
-    if (site.peak) {
+    if (site.reflects()) {
         return std::numeric_limits<double>::infinity();
     }
     const double byLoss = std::abs(site.loss_dB) / loss_dB;
@@ -218,7 +226,7 @@ void EventSites::dropUnlikely(double loss_dB, double significance)
         }
     }
     for (Site& site : places) {
-        site.isBorder = !site.peak && (std::abs(site.loss_dB) < loss_dB || !isFounded(site));
+        site.isBorder = !site.reflects() && (std::abs(site.loss_dB) < loss_dB || !isFounded(site));
     }
 }
 
@@ -355,6 +363,16 @@ void EventSites::dropLowPeaks(double leastHeight_dB)
     }
 }
 
+void EventSites::hideLowPeaks(double leastHeight_dB)
+{
+    for (Site& site : places) {
+        if (site.peak) {
+            dropLowFeet(*site.peak, leastHeight_dB);
+            site.glows = site.peak->height_dB() < leastHeight_dB;
+        }
+    }
+}
+
 void EventSites::findReflections(double leastHeight_dB, double significance)
 {
     for (std::size_t k = 0; k < places.size(); ++k) {
@@ -370,7 +388,8 @@ void EventSites::findReflections(double leastHeight_dB, double significance)
         const bool isHigh = fit.height_dB > leastHeight_dB;
         // What fibre itself strays by looks like light, but for its shape.
         const double sigma = fibreTrace->noise().sigma_dB(fit.foot);
-        site.glows = isLight && !isHigh && fit.scatter_dB < kGlowSigmas * sigma;
+        const double part = fit.height_dB > kPlain_dB ? kGlowPart * fit.height_dB : 0.0;
+        site.glows = isLight && !isHigh && fit.scatter_dB < std::max(kGlowSigmas * sigma, part);
         if (site.glows || (isLight && isHigh)) {
             site.at = fit.foot;
             site.behind = fit.foot + fibreTrace->gap();

@@ -25,6 +25,9 @@ struct Site
     double loss_dB = std::numeric_limits<double>::quiet_NaN();
     double error_dB = std::numeric_limits<double>::quiet_NaN();
 
+    /// Whether it is listed as a reflection.
+    [[nodiscard]] bool reflects() const;
+
     /// The loss over its standard error; 0 where it is not known.
     [[nodiscard]] double statistic() const;
 };
@@ -67,6 +70,10 @@ public:
 
     /// Takes a reflection that turned out lower than this, dB, for none.
     void dropLowPeaks(double leastHeight_dB);
+
+    /// Lists no reflection lower than this, dB: where none of a place is higher, its loss alone
+    /// counts.
+    void hideLowPeaks(double leastHeight_dB);
 
     /// Looks at every place without a reflection whether one stands on its ramp, by so many
     /// standard errors at least and higher than leastHeight_dB, and measures all anew. A lower one

@@ -334,6 +334,27 @@ TEST(EventDetection, ListsNoLossBelowItsThreshold)
     EXPECT_NEAR(found.events[1].loss_dB, 0.2, 0.01);
 }
 
+/// Reflections of -65 to -42 dB, where the user asks for those from -40 dB on.
+TEST(EventDetection, ListsALossWithoutItsReflectionBelowTheThresholdOfThat)
+{
+    otdr::DetectionSettings settings;
+    settings.reflectance_dB = -40.0;
+    for (const double height_dB : {0.3, 1.0, 3.0, 6.0, 9.0}) {
+        for (const double loss_dB : {0.1, 0.3}) {
+            const TraceBuilder builder =
+                link().connector(5_km, Decibels {loss_dB}, Decibels {height_dB});
+            const Detection found = detect(builder, settings);
+            ASSERT_EQ(kindsOf(found), "sne") << height_dB << ' ' << loss_dB;
+            EXPECT_NEAR(found.events[1].loss_dB, loss_dB, 0.01) << height_dB;
+            EXPECT_NEAR(found.events[1].index, builder.indexOf(5_km), 2.0) << height_dB;
+            EXPECT_EQ(found.events[1].peakStatistic, 0.0) << height_dB;
+            EXPECT_TRUE(std::isnan(found.events[1].reflectance_dB)) << height_dB;
+        }
+        EXPECT_EQ(kindsOf(detect(link().reflection(5_km, Decibels {height_dB}), settings)), "se")
+            << height_dB;
+    }
+}
+
 TEST(EventDetection, SameTraceGivesTheSameEvents)
 {
     const TraceBuilder builder = link().splice(4_km, 0.1_dB).connector(8_km, 0.2_dB, 5_dB);

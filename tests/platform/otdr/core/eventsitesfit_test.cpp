@@ -76,6 +76,25 @@ TEST(EventSites, AReflectionLowerThanTheLeastIsNone)
     EXPECT_TRUE(sites.sites()[2].peak);
 }
 
+TEST(EventSites, AReflectionThatIsNotListedStaysAsLight)
+{
+    const DrawnFibre fibre = fibreWith({});
+    EventSites sites(*fibre, 100.0, 5900.0);
+    Site group = peakAt(fibre, 3000.0, 0.1);
+    group.peak->feet.push_back(3010.0);
+    group.peak->heights_dB.push_back(0.25);
+    sites.add({peakAt(fibre, 1000.0, 0.24), peakAt(fibre, 2000.0, 0.25), group});
+    sites.hideLowPeaks(0.25);
+    sites.dropUnlikely(0.015, 5.0);
+    ASSERT_EQ(sites.sites().size(), 3U);
+    EXPECT_FALSE(sites.sites()[0].reflects());
+    EXPECT_TRUE(sites.sites()[0].isBorder);
+    EXPECT_TRUE(sites.sites()[1].reflects());
+    EXPECT_FALSE(sites.sites()[1].isBorder);
+    EXPECT_TRUE(sites.sites()[2].reflects());
+    EXPECT_EQ(sites.sites()[2].peak->feet, std::vector<double> {3010.0});
+}
+
 /// Light too weak to be listed bends the ramp all the same.
 TEST(EventSites, LightTooWeakToBeListedTellsTheFoot)
 {
