@@ -366,9 +366,14 @@ void EventSites::dropLowPeaks(double leastHeight_dB)
 void EventSites::hideLowPeaks(double leastHeight_dB)
 {
     for (Site& site : places) {
-        if (site.peak) {
-            dropLowFeet(*site.peak, leastHeight_dB);
-            site.glows = site.peak->height_dB() < leastHeight_dB;
+        if (!site.peak) {
+            continue;
+        }
+        dropLowFeet(*site.peak, leastHeight_dB);
+        site.glows = site.peak->height_dB() < leastHeight_dB;
+        if (site.glows && std::isnan(site.loss_dB)) { // nothing would be told of it
+            site.glows = false;
+            site.peak.reset();
         }
     }
 }
