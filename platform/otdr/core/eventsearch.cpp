@@ -43,12 +43,10 @@ constexpr double kMisfitPart = 0.2;
 /// However weak a reflection may be that is listed, it stands as high as this: fibre is not even.
 constexpr double kLeastPeak_dB = 0.02;
 
-/// From this height on a reflection that is not listed, where the light rises by this part of it
-/// and not by a ramp alone, tells the fibre on both sides; looked at so many pulses behind its
-/// foot.
+/// From this height on a reflection that is not listed tells the fibre on both sides, where the
+/// light rises: looked at so many pulses behind its foot, for twice as long.
 constexpr double kPlainPeak_dB = 0.2;
-constexpr double kRisePart = 0.5;
-constexpr double kTopPulses = 0.65;
+constexpr double kRisenPulses = 0.25;
 
 /// Where a scan for reflections with lines on both sides has no room for the first, dead zones.
 constexpr double kUnscannedGaps = 1.5;
@@ -262,17 +260,23 @@ bool EventSearch::isLowPeak(Site& site, double from, double to) const
     return true;
 }
 
-/// Whether the light itself stands above the fibre before a place, by half of what its peak would
-/// show there, and not only above what a ramp leaves of it.
+/// Whether the light itself rises above the fibre before a place, and not only above what a ramp
+/// leaves of it.
 bool EventSearch::rises(const Site& site, double from) const
 {
     const double w = fibre.scale().pulse;
     const double foot = highestFoot(*site.peak);
-    const double middle = foot + kTopPulses * w;
+    const double begin = foot + kRisenPulses * w;
+    const double end = begin + std::max(1.0, 2.0 * kRisenPulses * w);
+    const double middle = 0.5 * (begin + end);
     const auto before = fibre.fit(std::max(from, foot - kBesideGaps * fibre.gap()), foot - 1.0);
-    const double shown_dB = fibre.mean_dB(middle - 0.25 * w, middle + 0.25 * w + 1.0);
-    const double part = fibre.shape().peak(middle - foot);
-    return before && shown_dB - before->at(middle) > kRisePart * part * site.peak->height_dB();
+    if (!before) {
+        return false;
+    }
+    const double error_dB =
+        fibre.noise().sigma_dB(middle) * std::sqrt(fibre.noise().correlation() / (end - begin));
+    return fibre.mean_dB(begin, end) - before->at(middle)
+        > std::max(kLeastPeak_dB, settings.significance * error_dB);
 }
 
 /// The stretches between the places found so far that have not been scanned, but for a dead zone at

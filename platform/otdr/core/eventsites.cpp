@@ -32,8 +32,11 @@ constexpr double kWanders = 1.0;
 /// A change too small to be listed that is this clear still divides the fibre: lines that ran over
 /// it would tell wrong losses at both of its neighbours. It stands out by so many standard errors,
 /// and far more than the fibre strays by within two pulses: over kilometres it strays further. On
-/// both sides there are so many dead zones: what is left of a tail bends a line, too.
+/// both sides there are so many dead zones: what is left of a tail bends a line, too, but by less
+/// than what is plain.
 constexpr double kBorder_dB = 0.004;
+constexpr double kPlainBorder_dB = 0.05;
+constexpr double kPlainBorderGaps = 1.0;
 constexpr double kBorderErrors = 10.0;
 constexpr double kBorderGaps = 4.0;
 constexpr double kBorderWanders = 20.0;
@@ -192,9 +195,10 @@ double EventSites::foundationOf(const Site& site, double loss_dB, double signifi
         std::max(kBorderErrors * site.error_dB, kBorderWanders * fibreTrace->noise().wander_dB());
     const auto fewest =
         static_cast<double>(std::min(site.left->line.samples, site.right->line.samples));
+    const double gaps = std::abs(site.loss_dB) > kPlainBorder_dB ? kPlainBorderGaps : kBorderGaps;
     const bool isBorder = fibreTrace->noise().knowsWander() && byChance > 1.0
         && std::abs(site.loss_dB) > std::max(kBorder_dB, clear)
-        && fewest > kBorderGaps * fibreTrace->gap();
+        && fewest > gaps * fibreTrace->gap();
     return isBorder ? byChance : std::min(byLoss, byChance);
 }
 

@@ -201,6 +201,25 @@ TEST(EventSites, AClearChangeTooSmallToBeListedStaysAsABorder)
     }
 }
 
+/// Between two others that are near, what is left of a tail may bend a line by a hundredth of a
+/// decibel, not by a tenth.
+TEST(EventSites, APlainChangeTooSmallToBeListedIsABorderWithLittleFibreBesideIt)
+{
+    const auto places = [](double loss_dB, double away) {
+        const DrawnFibre fibre =
+            fibreWith({{3000.0 - away, 0.5}, {3000.0, loss_dB}, {3000.0 + away, 0.5}}, 0.0005);
+        EventSites sites(*fibre, 100.0, 5900.0);
+        sites.add(
+            {siteAt(fibre, 3000.0 - away), siteAt(fibre, 3000.0), siteAt(fibre, 3000.0 + away)});
+        sites.dropUnlikely(0.2, 5.0);
+        return sites.sites().size();
+    };
+    EXPECT_EQ(places(0.1, 80.0), 3U);
+    EXPECT_EQ(places(0.1, 50.0), 2U);
+    EXPECT_EQ(places(0.03, 80.0), 2U);
+    EXPECT_EQ(places(0.03, 400.0), 3U);
+}
+
 /// What it loses counts as anywhere: not at all, too little to be sure, enough, or unknown.
 TEST(EventSites, LightThatIsTooWeakStaysAsABorderUnlessItLosesEnough)
 {
