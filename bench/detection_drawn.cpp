@@ -1,0 +1,237 @@
+// What the detection finds of events that are drawn into real traces: fibre, noise and receiver are
+// real, and of the events the truth is known.
+//
+//   detection_drawn FILE.sor ...
+//
+// Each event is drawn alone, at three places of every piece of fibre that is long enough, with the
+// shape of the pulse that the search has learnt from the trace. What a loss takes from the light it
+// does not take from the noise. Losses are twice the least that the file's thresholds list, and
+// 0.05 dB at least; reflections that they do not list count by their loss. An event counts as found
+// where one is told within a pulse; what else is told, more than two pulses from what is told
+// without the drawn event, is extra.
+
+#include "platform/otdr/core/constants.h"
+#include "platform/otdr/core/eventdetection.h"
+#include "platform/otdr/core/eventsearch.h"
+#include "platform/otdr/core/soraxis.h"
+#include "platform/otdr/core/sorreader.h"
+#include "platform/otdr/core/sorvalues.h"
+#include "platform/otdr/core/storedthresholds.h"
+#include "platform/otdr/core/trace.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+using otdr::DetectedEvent;
+using otdr::Detection;
+
+constexpr double kLeast_dB = 0.05;
+constexpr double kExtra_dB = 0.03;
+
+/// A piece of fibre has so many dead zones, and so many in front of an event and behind it.
+constexpr double kPieceGaps = 24.0;
+constexpr double kBesideGaps = 10.0;
+constexpr double kParts[] = {0.37, 0.5, 0.71};
+
+/// What is drawn: a loss, by the least that counts or in dB, and a reflection on it.
+struct Kind
+{
+    const char* name;
+    double least = 0.0;
+    double loss_dB = 0.0;
+    double height_dB = 0.0;
+};
+
+constexpr std::array<Kind, 7> kKinds = {{{"least loss", 1.0},
+                                         {"loss 0.3 dB", 0.0, 0.3},
+                                         {"gain", -2.0},
+                                         {"light 0.3 dB", 1.0, 0.0, 0.3},
+                                         {"light 1 dB", 2.0, 0.0, 1.0},
+                                         {"light 5 dB", 0.0, 0.3, 5.0},
+                                         {"light 12 dB", 0.0, 0.3, 12.0}}};
+
+struct Tally
+{
+    int drawn = 0;
+    int found = 0;
+    int extra = 0;
+    std::vector<double> placeOff; ///< pulses
+    std::vector<double> lossOff_dB;
+};
+
+double quantile(std::vector<double> values, double part)
+{
+    if (values.empty()) {
+        return std::nan("");
+    }
+    std::sort(values.begin(), values.end());
+    return values[static_cast<std::size_t>(part * static_cast<double>(values.size() - 1))];
+}
+
+double power(double level_dB)
+{
+    return std::pow(10.0, level_dB / 5.0);
+}
+
+class RealTrace
+{
+public:
+    explicit RealTrace(const otdr::sor::File& file)
+        : counts(file.data.samples.begin(), file.data.samples.end())
+        , dbPerCount(file.data.scaleFactor * otdr::kUsualDbPerCount / 1000.0)
+        , axis(axisOf(file))
+        , settings(otdr::sor::storedThresholds(file))
+        , measurement {otdr::sor::pulse_ns(file), otdr::metresPerNs(otdr::sor::groupIndex(file)),
+                       otdr::sor::backscatter_dB(file)}
+        , plain(otdr::RawSamples(counts), dbPerCount, axis)
+        , search(plain, measurement, settings)
+        , before(otdr::detectEvents(plain, measurement, settings))
+    {
+    }
+
+    void draw(const Kind& kind, Tally& tally) const
+    {
+        const double least_dB = std::max(kLeast_dB, 2.0 * settings.loss_dB);
+        const double loss_dB = kind.loss_dB + kind.least * least_dB;
+        for (const double at : places()) {
+            count(detectionWith(at, loss_dB, kind.height_dB), at, loss_dB, tally);
+        }
+    }
+
+private:
+    static otdr::TraceAxis axisOf(const otdr::sor::File& file)
+    {
+        const otdr::sor::Axis axis = otdr::sor::axisOf(file);
+        return {axis.sampleInterval_ns > 0.0 ? axis.sampleInterval_ns : 1.0, axis.firstSample_ns};
+    }
+
+    [[nodiscard]] std::vector<double> places() const
+    {
+        std::vector<double> marks = {search.extent().first};
+        for (const DetectedEvent& event : before.events) {
+            if (event.index > marks.front() && !event.echo) {
+                marks.push_back(event.index);
+            }
+        }
+        std::sort(marks.begin(), marks.end());
+        const double gap = search.trace().gap();
+        std::vector<double> found;
+        for (std::size_t k = 1; k < marks.size(); ++k) {
+            const double length = marks[k] - marks[k - 1];
+            for (const double part : kParts) {
+                const double beside = std::min(part, 1.0 - part) * length;
+                if (length > kPieceGaps * gap && beside > kBesideGaps * gap) {
+                    found.push_back(marks[k - 1] + part * length);
+                }
+            }
+        }
+        return found;
+    }
+
+    [[nodiscard]] Detection detectionWith(double at, double loss_dB, double height_dB) const
+    {
+        const otdr::PulseShape& shape = search.trace().shape();
+        const double fibre_dB = plain.toLevel_dB(plain.sums().mean(
+            static_cast<std::size_t>(at - shape.pulse()), static_cast<std::size_t>(at)));
+        const double light = power(fibre_dB) * (power(height_dB) - 1.0);
+        const double noise = std::isnan(before.noiseFloor_dB) ? 0.0 : power(before.noiseFloor_dB);
+        std::mt19937_64 random(static_cast<std::uint64_t>(at));
+        std::normal_distribution<double> normal;
+        std::vector<std::uint16_t> drawn = counts;
+        for (auto i = static_cast<std::size_t>(at); i < drawn.size(); ++i) {
+            const double behind = static_cast<double>(i) - at;
+            const double kept = 1.0 - shape.step(behind) * (1.0 - power(-loss_dB));
+            // The same noise as before on less light; a gain cannot take any from it.
+            const double lost = std::sqrt(std::max(0.0, 1.0 - kept * kept));
+            const double shown = kept * power(plain.level_dB(i)) + light * shape.peak(behind)
+                + noise * lost * normal(random);
+            const double raw =
+                shown > 0.0 ? otdr::kNoSignal - 5.0 * std::log10(shown) / dbPerCount : 65535.0;
+            drawn[i] = static_cast<std::uint16_t>(std::lround(std::clamp(raw, 0.0, 65535.0)));
+        }
+        return otdr::detectEvents(otdr::Trace(otdr::RawSamples(drawn), dbPerCount, axis),
+                                  measurement, settings);
+    }
+
+    void count(const Detection& detection, double at, double loss_dB, Tally& tally) const
+    {
+        const double w = search.trace().scale().pulse;
+        const DetectedEvent* nearest = nullptr;
+        for (const DetectedEvent& event : detection.events) {
+            const double away = std::abs(event.index - at);
+            if (away <= std::max(w, 2.0)) {
+                const bool isNearer = nearest == nullptr || away < std::abs(nearest->index - at);
+                nearest = isNearer && !event.echo ? &event : nearest;
+            } else if (isListed(event) && !wasThere(event)) {
+                ++tally.extra;
+            }
+        }
+        ++tally.drawn;
+        if (nearest != nullptr) {
+            ++tally.found;
+            tally.placeOff.push_back(std::abs(nearest->index - at) / w);
+            tally.lossOff_dB.push_back(std::abs(nearest->loss_dB - loss_dB));
+        }
+    }
+
+    static bool isListed(const DetectedEvent& event)
+    {
+        return !event.echo && !(std::abs(event.loss_dB) < kExtra_dB);
+    }
+
+    [[nodiscard]] bool wasThere(const DetectedEvent& event) const
+    {
+        const double reach = std::max(2.0 * search.trace().scale().pulse, 4.0);
+        return std::any_of(before.events.begin(), before.events.end(), [&](const auto& other) {
+            return std::abs(other.index - event.index) <= reach;
+        });
+    }
+
+    std::vector<std::uint16_t> counts;
+    double dbPerCount;
+    otdr::TraceAxis axis;
+    otdr::DetectionSettings settings;
+    otdr::Measurement measurement;
+    otdr::Trace plain;
+    otdr::EventSearch search;
+    Detection before;
+};
+
+void print(const char* name, const Tally& tally)
+{
+    std::printf("%-14s %4d/%-4d  extra %.2f  place %.2f %.2f pulses  loss %5.1f %5.1f mdB\n", name,
+                tally.found, tally.drawn,
+                static_cast<double>(tally.extra) / std::max(1, tally.drawn),
+                quantile(tally.placeOff, 0.5), quantile(tally.placeOff, 0.9),
+                1000.0 * quantile(tally.lossOff_dB, 0.5), 1000.0 * quantile(tally.lossOff_dB, 0.9));
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    std::array<Tally, kKinds.size()> tallies;
+    for (int i = 1; i < argc; ++i) {
+        const auto file = otdr::readSorFile(argv[i]);
+        if (!file) {
+            std::printf("%s: %s\n", argv[i], file.error().message.c_str());
+            continue;
+        }
+        const RealTrace trace(*file);
+        for (std::size_t k = 0; k < kKinds.size(); ++k) {
+            trace.draw(kKinds[k], tallies[k]);
+        }
+    }
+    std::printf("drawn          found/all   extra a drawing, place and loss: median and 90 %%\n");
+    for (std::size_t k = 0; k < kKinds.size(); ++k) {
+        print(kKinds[k].name, tallies[k]);
+    }
+    return 0;
+}
