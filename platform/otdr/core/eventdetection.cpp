@@ -352,7 +352,7 @@ private:
     /// what stands there and has no loss of its own for that reason.
     [[nodiscard]] const DetectedEvent& limitOfSpan(Place start) const
     {
-        const Place end = firstOfGroup(std::prev(result.events.end()));
+        const auto end = firstOfGroup(std::prev(result.events.end()));
         if (sites.fibre(sites.sites().size())) {
             return *end;
         }

@@ -109,6 +109,7 @@ protected:
                                                         double factor, double fixed_percent)
     {
         std::vector<testing::Matcher<double>> wanted;
+        wanted.reserve(before.size());
         for (const double place_percent : before) {
             wanted.push_back(
                 testing::DoubleNear((place_percent - fixed_percent) * factor + fixed_percent, 0.3));

@@ -9,7 +9,6 @@
 namespace {
 
 using otdrreport::Report;
-using otdrreport::ReportedEvent;
 using testing_support::keyEvent;
 using testing_support::SorSketch;
 using testing_support::TraceFiles;
