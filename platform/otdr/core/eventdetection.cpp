@@ -410,7 +410,7 @@ Detection detectEvents(const Trace& trace, const Measurement& measurement,
 {
     const double interval_ns = trace.axis().sampleInterval_ns;
     if (trace.size() < 16 || !(measurement.pulse_ns > 0.0) || !(interval_ns > 0.0)
-        || !std::isfinite(measurement.pulse_ns / interval_ns)
+        || !std::isfinite(measurement.pulse_ns / interval_ns) || !(trace.dbPerCount() > 0.0)
         || !std::isfinite(trace.axis().firstSample_ns)) {
         return {};
     }

@@ -229,6 +229,9 @@ std::vector<Site> EventSearch::peaks(const Stretch& stretch) const
         site.at = site.peak->feet.front();
         site.behind = site.peak->behind;
         site.peakStatistic = one.statistic;
+        if (site.at >= stretch.to) {
+            continue; // what stands there is the end's
+        }
         if ((site.peak->height_dB() > kHigh_dB || isLowPeak(site, from, to))
             && (site.peak->height_dB() >= listedHeight_dB() || rises(site, from))) {
             found.push_back(site);
@@ -332,7 +335,7 @@ void EventSearch::addSteps()
     std::vector<Site> found;
     for (const Stretch& stretch : notYetIn(scannedForSteps)) {
         for (const Candidate& one :
-             scanSteps(fibre, stretch.clear, stretch.to, kScanPart * settings.significance)) {
+             scanSteps(fibre, stretch.from, stretch.to, kScanPart * settings.significance)) {
             Site site;
             site.at = one.at;
             site.behind = one.at + fibre.gap();

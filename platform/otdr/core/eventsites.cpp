@@ -47,6 +47,10 @@ constexpr double kPairGaps = 2.0;
 constexpr double kPairSigmas = 1.5;
 constexpr double kPairPart = 0.03;
 
+/// A loss of so much is a splitter's and one, also where the receiver is slower than it is thought.
+constexpr double kSplitter_dB = 3.0;
+constexpr double kReceivers[] = {1.0, 1.8, 3.2, 5.8};
+
 /// Light that is too weak to be listed is believed where it leaves no more than noise or, from this
 /// height on, than this part of it.
 constexpr double kGlowSigmas = 1.5;
@@ -160,12 +164,17 @@ void EventSites::measure(std::size_t k)
     const double next = fibreTo(k + 1);
     site.clear = clearOfTail(*fibreTrace, site.behind, next, brightness_dB(site, next));
     site.right = side(site.clear, std::min(next, site.clear + longest));
+    if (!site.right) { // what little fibre there is tells the loss, tail or not
+        site.clear = site.behind;
+        site.right = side(site.behind, std::min(next, site.behind + longest));
+    }
     site.loss_dB = std::numeric_limits<double>::quiet_NaN();
     site.error_dB = site.loss_dB;
     if (site.left && site.right) {
         // A sample shows the fibre half a pulse before it: there the event is seen from both sides,
         // also where they fall differently.
-        const double seen = site.at + fibreTrace->shape().centre();
+        const double foot = site.peak ? site.peak->feet.front() : site.at;
+        const double seen = foot + fibreTrace->shape().centre();
         site.loss_dB = site.left->at(seen) - site.right->at(seen);
         site.error_dB = std::hypot(site.left->errorAt_dB(seen), site.right->errorAt_dB(seen));
     }
@@ -210,8 +219,9 @@ void EventSites::dropUnlikely(double loss_dB, double significance)
     };
     // Light that is no event would be taken for a gain with a loss behind it were its place free.
     const auto hold = [&](const Site& site) {
-        return site.glows ? std::numeric_limits<double>::infinity()
-                          : foundationOf(site, loss_dB, significance);
+        const bool isKnown = site.glows && !std::isnan(site.loss_dB);
+        return isKnown ? std::numeric_limits<double>::infinity()
+                       : foundationOf(site, loss_dB, significance);
     };
     while (!places.empty()) {
         const auto weakest =
@@ -242,11 +252,18 @@ std::optional<double> EventSites::footOfBoth(const Site& first, const Site& seco
     const Line& before = first.left->line;
     const Line& behind = second.right->line;
     const double sigma = kPairSigmas * fibreTrace->noise().sigma_dB(middle);
-    const StepFit step = fitStep(*fibreTrace, fibreTrace->shape(), middle,
-                                 kPairGaps * fibreTrace->gap(), before, behind);
-    const double change = std::abs(before.at(step.foot) - behind.at(step.foot));
-    if (step.scatter_dB < std::max(sigma, kPairPart * change)) {
-        return step.foot;
+    const double change = std::abs(before.at(middle) - behind.at(middle));
+    for (const double slower : kReceivers) {
+        const PulseShape shape(fibreTrace->scale().pulse,
+                               slower * fibreTrace->scale().timeConstant);
+        const StepFit step =
+            fitStep(*fibreTrace, shape, middle, kPairGaps * fibreTrace->gap(), before, behind);
+        if (step.scatter_dB < std::max(sigma, kPairPart * change)) {
+            return step.foot;
+        }
+        if (change < kSplitter_dB) {
+            break;
+        }
     }
     if (first.loss_dB < 0.0 && second.loss_dB > 0.0) {
         const PeakFit peak = fitPeak(*fibreTrace, middle, before, behind);

@@ -13,7 +13,7 @@ namespace {
 constexpr double kFibreAboveNoise_dB = 2.0;
 constexpr double kWeakFactor = 4.0;
 constexpr double kWeakError_dB = 0.2;
-constexpr double kError_dB = 1.0;
+constexpr double kError_dB = 0.5;
 
 /// The fibre behind a fall is looked for in ten pulses, or three and more where the light changes
 /// again so soon, behind a tail of no more than thirty.

@@ -1,5 +1,6 @@
 #include "platform/otdr/core/noise.h"
 
+#include "platform/otdr/core/lightfalls.h"
 #include "platform/otdr/core/linefit.h"
 #include "platform/otdr/core/trace.h"
 
@@ -33,10 +34,11 @@ constexpr double kMostSigma_dB = 5.0;
 /// By so much a block exceeds the next one by chance.
 constexpr double kTooMuch = 1.4;
 
-/// Where the light falls by so much, dB, within so many pulses, and not back from a reflection, the
-/// scatter is another one at once.
-constexpr double kFall_dB = 1.0;
+/// Across a fall of the light nothing is told of the scatter, for so many pulses behind its middle.
 constexpr double kFallPulses = 2.0;
+
+/// Fewer second differences tell no scatter.
+constexpr std::size_t kFewestBetween = 16;
 
 /// A normal distribution: its median of absolute values, and what lies below one sigma, and below
 /// minus one.
@@ -196,68 +198,69 @@ void NoiseProfile::measureScatter(const Trace& trace, double pulse)
 }
 
 /// Behind a splitter the light is so much weaker that the scatter changes within a pulse: the
-/// blocks on both sides are each told by their own side alone.
+/// blocks on both sides are told by the samples up to the falls, and so is what lies between two.
 void NoiseProfile::breakAtFalls(const Trace& trace, double pulse)
 {
-    falls.assign(sigmas.size(), std::numeric_limits<double>::quiet_NaN());
+    const std::vector<double> seen = lightFalls(trace, pulse, first, last, blockSize);
     const auto size = static_cast<double>(blockSize);
-    const auto lag = static_cast<std::size_t>(std::max(1.0, std::round(pulse)));
-    const auto scatter = [&](double from, double to) {
-        const double sigma_dB = scatterOf_dB(trace, placeOf(from), placeOf(to), lag);
-        return std::clamp(sigma_dB, kLeastSigma_dB, kMostSigma_dB);
-    };
-    for (std::size_t block = 0; block + 1 < sigmas.size(); ++block) {
-        const double middle =
-            static_cast<double>(first) + (static_cast<double>(block) + 0.5) * size;
-        const auto fall = fallBetween(trace, pulse, middle, middle + size);
-        if (!fall) {
-            continue;
-        }
-        const double before = scatter(*fall - size, *fall - pulse);
-        const double behind = scatter(*fall + kFallPulses * pulse, *fall + size);
-        if (behind > before) {
-            falls[block] = *fall;
-            sigmas[block] = before;
-            sigmas[block + 1] = behind;
+    std::optional<double> since; // the fall before told it of what is so near
+    double from = static_cast<double>(first);
+    for (std::size_t i = 0; i < seen.size() && sigmas.size() > 1; ++i) {
+        const double fall = seen[i];
+        const double next = i + 1 < seen.size() ? seen[i + 1] : static_cast<double>(last) + pulse;
+        const std::size_t block = intervalOf(fall);
+        const double before =
+            scatterBetween(trace, pulse, std::max(from, fall - size), fall - pulse)
+                .value_or(since.value_or(sigmas[block]));
+        from = fall + kFallPulses * pulse;
+        const auto behind = scatterBetween(trace, pulse, from, std::min(next - pulse, fall + size));
+        since = std::clamp(behind.value_or(before * weakerBehind(trace, pulse, fall)),
+                           kLeastSigma_dB, kMostSigma_dB);
+        if (*since > before) {
+            const bool isFirst = falls.empty() || intervalOf(falls.back()) < block;
+            sigmas[block] = isFirst ? before : sigmas[block];
+            sigmas[block + 1] = *since;
+            falls.push_back(fall);
+            beforeFalls.push_back(before);
         }
     }
 }
 
-/// The sample at an index, or the nearest of the stretch.
-std::size_t NoiseProfile::placeOf(double index) const
+/// Between the middles of which blocks an index lies: of this one and the next.
+std::size_t NoiseProfile::intervalOf(double index) const
 {
+    const double place =
+        (index - static_cast<double>(first)) / static_cast<double>(blockSize) - 0.5;
     return static_cast<std::size_t>(
-        std::clamp(index, static_cast<double>(first), static_cast<double>(last)));
+        std::clamp(std::floor(place), 0.0, static_cast<double>(sigmas.size() - 2)));
 }
 
-/// The middle of the greatest fall of the light between two indices, where there is one. What falls
-/// from a reflection stands above the light of some pulses before it.
-std::optional<double> NoiseProfile::fallBetween(const Trace& trace, double pulse, double from,
-                                                double to) const
+/// Scatter of the samples between two indices; empty where there are too few.
+std::optional<double> NoiseProfile::scatterBetween(const Trace& trace, double pulse, double from,
+                                                   double to) const
 {
-    const double w = std::max(1.0, std::round(pulse));
-    const double size = to - from;
-    const auto level = [&](double begin, double length) {
-        const std::size_t end = placeOf(begin + length);
-        return meanLevel(trace, end - std::min(end - first, static_cast<std::size_t>(length)), end);
-    };
-    if (level(from - 0.25 * size, 0.25 * size) - level(to, 0.25 * size) < kFall_dB) {
+    const auto lag = static_cast<std::size_t>(std::max(1.0, std::round(pulse)));
+    const double begin = std::max(from, static_cast<double>(first));
+    const double end = std::min(to, static_cast<double>(last));
+    if (end - begin < static_cast<double>(2 * lag + kFewestBetween)) {
         return std::nullopt;
     }
-    std::optional<double> place;
-    double most = kFall_dB;
-    for (double at = from; at < to; at += std::max(1.0, 0.25 * w)) {
-        const double behind = level(at + (kFallPulses - 1.0) * w, w);
-        double fallen = std::numeric_limits<double>::infinity();
-        for (double away = w; away <= size && fallen > most; away += w) {
-            fallen = std::min(fallen, level(at - away, w) - behind);
-        }
-        if (fallen > most) {
-            most = fallen;
-            place = at + 0.5 * w;
-        }
-    }
-    return place;
+    const double sigma =
+        scatterOf_dB(trace, static_cast<std::size_t>(begin), static_cast<std::size_t>(end), lag);
+    return std::clamp(sigma, kLeastSigma_dB, kMostSigma_dB);
+}
+
+/// By how much weaker the light is behind a fall.
+double NoiseProfile::weakerBehind(const Trace& trace, double pulse, double fall) const
+{
+    const auto level = [&](double begin) {
+        const double from = std::clamp(
+            begin, static_cast<double>(first),
+            std::max(static_cast<double>(first), static_cast<double>(last) - pulse - 1.0));
+        return meanLevel(trace, static_cast<std::size_t>(from),
+                         static_cast<std::size_t>(from + pulse) + 1);
+    };
+    return power(level(fall - 1.5 * pulse - 1.0) - level(fall + 0.5 * pulse + 1.0));
 }
 
 /// Stronger light scatters less, in decibels: where a nearer block, with more light, scatters more
@@ -289,13 +292,23 @@ double NoiseProfile::sigma_dB(double index) const
     const auto from = static_cast<double>(first);
     const double within =
         index > from ? std::min(index, static_cast<double>(last)) : from; // of NaN, the first
-    const double place = (within - from) / static_cast<double>(blockSize) - 0.5;
-    const double block = std::clamp(std::floor(place), 0.0, static_cast<double>(sigmas.size() - 2));
-    const auto k = static_cast<std::size_t>(block);
-    if (!std::isnan(falls[k])) {
-        return within < falls[k] ? sigmas[k] : sigmas[k + 1];
+    const std::size_t k = intervalOf(within);
+    if (!falls.empty()) {
+        const auto next = std::upper_bound(falls.begin(), falls.end(), within);
+        const auto isHere = [&](std::vector<double>::const_iterator fall) {
+            return fall != falls.end() && intervalOf(*fall) == k;
+        };
+        const bool isBehind = next != falls.begin() && isHere(std::prev(next));
+        if (isHere(next)) {
+            return isBehind ? beforeFalls[static_cast<std::size_t>(next - falls.begin())]
+                            : sigmas[k];
+        }
+        if (isBehind) {
+            return sigmas[k + 1];
+        }
     }
-    const double part = place - block;
+    const double place = (within - from) / static_cast<double>(blockSize) - 0.5;
+    const double part = place - static_cast<double>(k);
     const double sigma = sigmas[k] * std::pow(sigmas[k + 1] / sigmas[k], part);
     return std::clamp(sigma, kLeastSigma_dB, kMostSigma_dB);
 }
@@ -363,7 +376,10 @@ std::vector<NoiseProfile::Bend> NoiseProfile::bendsOf(const Trace& trace, std::s
     for (std::size_t i = first + length; i + 2 * length <= last; i += stride) {
         const std::size_t middle = i + length / 2;
         const double sigma = sigma_dB(static_cast<double>(middle));
-        if (sigma < kLogarithmic_dB) {
+        const auto fall =
+            std::lower_bound(falls.begin(), falls.end(), static_cast<double>(i - length));
+        const bool isBroken = fall != falls.end() && *fall < static_cast<double>(i + 2 * length);
+        if (sigma < kLogarithmic_dB && !isBroken) {
             const double bend = meanLevel(trace, i - length, i)
                 - 2.0 * meanLevel(trace, i, i + length)
                 + meanLevel(trace, i + length, i + 2 * length);

@@ -59,9 +59,10 @@ private:
     [[nodiscard]] std::vector<Bend> bendsOf(const Trace& trace, std::size_t length) const;
     void measureScatter(const Trace& trace, double pulse);
     void breakAtFalls(const Trace& trace, double pulse);
-    [[nodiscard]] std::optional<double> fallBetween(const Trace& trace, double pulse, double from,
-                                                    double to) const;
-    [[nodiscard]] std::size_t placeOf(double index) const;
+    [[nodiscard]] std::size_t intervalOf(double index) const;
+    [[nodiscard]] std::optional<double> scatterBetween(const Trace& trace, double pulse,
+                                                       double from, double to) const;
+    [[nodiscard]] double weakerBehind(const Trace& trace, double pulse, double fall) const;
     void levelOut(const Trace& trace);
     void measureFloor(const Trace& trace);
     void measureCorrelation(const Trace& trace, double pulse);
@@ -80,7 +81,8 @@ private:
     std::size_t last;
     std::size_t blockSize = 1;
     std::vector<double> sigmas; ///< of each block
-    std::vector<double> falls; ///< index between the middles of a block and of the next; NaN: none
+    std::vector<double> falls; ///< indices at which the scatter changes at once
+    std::vector<double> beforeFalls; ///< what it is in front of each
     double alike = 1.0;
     double wander = 0.0;
     bool isWanderKnown = false;

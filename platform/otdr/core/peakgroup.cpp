@@ -293,8 +293,7 @@ double fibreBeforePeak(const FibreTrace& trace)
 bool isBehindALoss(const FibreTrace& trace, double at, double from)
 {
     const double end = fibreEndBefore(trace, at, from);
-    const double begin = end - kFibreGaps * trace.gap();
-    const auto line = begin < from ? std::nullopt : trace.fit(begin, end); // there, a tail may fall
+    const auto line = trace.fit(std::max(from, end - kFibreGaps * trace.gap()), end);
     return line && line->line.samples >= 4 && trace.isSteep(*line);
 }
 

@@ -443,6 +443,25 @@ TEST(EventDetection, ImpossibleMeasurementsGiveNothing)
     EXPECT_TRUE(otdr::detectEvents(*trace, {nan, 0.1, -80.0}).events.empty());
     EXPECT_TRUE(otdr::detectEvents(*trace, {-100.0, 0.1, -80.0}).events.empty());
     EXPECT_TRUE(otdr::detectEvents(*trace, {1e9, 0.1, -80.0}).events.empty());
+    for (const double dbPerCount : {nan, 0.0, -0.001}) {
+        const otdr::Trace odd(otdr::RawSamples(std::vector<std::uint16_t>(2000, 30000)), dbPerCount,
+                              trace->axis());
+        EXPECT_TRUE(otdr::detectEvents(odd, {100.0, 0.1, -80.0}).events.empty()) << dbPerCount;
+    }
+}
+
+/// Of two reflections within a dead zone the user wants the second listed.
+TEST(EventDetection, LossesAddUpWhereTheFirstReflectionOfAGroupIsNotListed)
+{
+    otdr::DetectionSettings settings;
+    settings.reflectance_dB = -45.0;
+    const TraceBuilder builder =
+        link().connector(5_km, 0.2_dB, 3_dB).connector(5.012_km, 0.2_dB, 12_dB);
+    const Detection found = detect(builder, settings);
+    ASSERT_EQ(kindsOf(found), "sre");
+    EXPECT_NEAR(found.events[1].index, builder.indexOf(5.012_km), 2.0);
+    EXPECT_NEAR(found.events[1].loss_dB + found.sections[0].loss_dB + found.sections[1].loss_dB,
+                found.spanLoss_dB, 1e-9);
 }
 
 TEST(EventDetection, FindsALossBetweenSamplesThatLieKilometresApart)

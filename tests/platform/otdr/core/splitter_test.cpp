@@ -138,4 +138,24 @@ TEST(Splitter, NothingIsFoundBetweenItAndAReflection)
     }
 }
 
+/// The drop of a house: ten pulses of fibre and more behind the splitter, 5 dB and more above the
+/// noise.
+TEST(Splitter, IsFollowedByAShortDrop)
+{
+    for (const double drop_m : {100.0, 200.0, 300.0}) {
+        for (std::uint64_t seed = 1; seed <= 10; ++seed) {
+            const TraceBuilder builder = TraceBuilder()
+                                             .launch(32_dB)
+                                             .fibre(Length {kSplitter_m + drop_m})
+                                             .behind(6000)
+                                             .splice(Length {kSplitter_m}, 10.5_dB);
+            const Detection found = detect(builder, 0.0, seed);
+            ASSERT_EQ(kindsOf(found), "sne") << drop_m << ' ' << seed;
+            EXPECT_NEAR(found.events[1].loss_dB, 10.5, 0.1) << drop_m << ' ' << seed;
+            EXPECT_NEAR(found.end, builder.indexOf(Length {kSplitter_m + drop_m}), 10.0)
+                << drop_m << ' ' << seed;
+        }
+    }
+}
+
 } // namespace
