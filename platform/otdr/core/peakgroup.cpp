@@ -443,6 +443,7 @@ std::optional<double> timeConstantOf(const FibreTrace& trace, const PeakGroup& p
     const double low = std::max(full - kLowFlank_dB, 0.0);
     std::optional<double> from;
     double fromLevel = 0.0;
+    double top = full;
     const auto last = static_cast<std::size_t>(
         std::min(peak.feet.front() + kLongestFlankPulses * trace.shape().pulse(), trace.size()));
     auto i =
@@ -453,12 +454,15 @@ std::optional<double> timeConstantOf(const FibreTrace& trace, const PeakGroup& p
         const double over = ratio > 0.0 ? 5.0 * std::log10(ratio) : low - 1.0;
         if (over > high) {
             from.reset();
-        } else if (!from) {
+            top = over;
+        } else if (!from && over >= low) {
             from = index;
             fromLevel = over;
         } else if (over < low) {
-            const double constant =
-                (index - *from) / std::max(0.5, fromLevel - over) * kDbPerTimeConstant;
+            // Where no sample lies on the flank, it has come down from the top within one.
+            const double constant = from
+                ? (index - *from) / std::max(0.5, fromLevel - over) * kDbPerTimeConstant
+                : kDbPerTimeConstant / std::max(0.5, top - low);
             return risesWith(trace, peak, before, constant) ? std::optional(constant)
                                                             : std::nullopt;
         }

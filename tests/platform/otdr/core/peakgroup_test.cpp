@@ -214,6 +214,15 @@ TEST(TimeConstant, IsThatOfTheFallingFlank)
     }
 }
 
+/// No sample lies on the flank: it has come down within one.
+TEST(TimeConstant, OfAReceiverFasterThanItsSamplesIsLessThanOne)
+{
+    const DrawnFibre fibre = withRaised({{1000, 1020, 15.0}});
+    const auto found = timeConstantOf(*fibre, {{999.5}, {15.0}, 1200.0, false}, flatLine(30.0));
+    ASSERT_TRUE(found);
+    EXPECT_LT(*found, 1.0);
+}
+
 /// A receiver that recovers from an overload comes down slowly; it has risen at once.
 TEST(TimeConstant, IsUnknownOfWhatRisesFasterThanItFalls)
 {
