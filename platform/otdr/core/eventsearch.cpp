@@ -3,6 +3,7 @@
 #include "platform/otdr/core/eventfit.h"
 #include "platform/otdr/core/eventscan.h"
 #include "platform/otdr/core/reflectance.h"
+#include "platform/otdr/core/timeconstant.h"
 #include "platform/otdr/core/trace.h"
 
 #include <algorithm>

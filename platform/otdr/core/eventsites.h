@@ -92,6 +92,9 @@ public:
     [[nodiscard]] std::optional<SideLine> fibre(std::size_t k) const;
 
 private:
+    /// Shortest stretch that tells a level.
+    static constexpr double kLevelSamples = 3.0;
+
     [[nodiscard]] double brightness_dB(const Site& site, double to) const;
     void measure(std::size_t k);
     [[nodiscard]] double foundationOf(const Site& site, double loss_dB, double significance) const;

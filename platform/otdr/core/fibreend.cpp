@@ -2,6 +2,7 @@
 
 #include "platform/otdr/core/fibrebehind.h"
 #include "platform/otdr/core/peakgroup.h"
+#include "platform/otdr/core/scatter.h"
 #include "platform/otdr/core/trace.h"
 
 #include <algorithm>

@@ -8,12 +8,6 @@ namespace otdr {
 
 class Trace;
 
-/// Standard deviation of the samples first .. last - 1 about the fibre, dB, by the median of second
-/// differences over `lag` samples, > 0: slopes do not count, nor what disturbs few of them. 0 where
-/// there are none.
-[[nodiscard]] double scatterOf_dB(const Trace& trace, std::size_t first, std::size_t last,
-                                  std::size_t lag);
-
 /// The noise of a trace, estimated from its own samples.
 ///
 /// Scatter is told per sample, for a trace without its events and slopes: the median of second
@@ -22,6 +16,9 @@ class Trace;
 class NoiseProfile
 {
 public:
+    /// Counts of 0.001 dB scatter by 0.29 thousandths; a receiver has more.
+    static constexpr double kLeastSigma_dB = 0.0003;
+
     /// Of the samples first .. last - 1; noise before the light comes or after it has ended is no
     /// scatter of the fibre. pulse: width in samples, > 0.
     NoiseProfile(const Trace& trace, double pulse, std::size_t first, std::size_t last);

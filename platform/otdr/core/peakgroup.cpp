@@ -28,18 +28,6 @@ constexpr double kSecondRisePulses = 0.35;
 constexpr double kTop_dB = 0.1;
 constexpr double kLongTopPulses = 1.05;
 
-/// The flank of a peak, dB below its height, and what a time constant takes off, 5 log10(e).
-constexpr double kHighFlank_dB = 3.5;
-constexpr double kLowFlank_dB = 9.0;
-constexpr double kLeastFlank_dB = 4.5;
-constexpr double kLongestFlankPulses = 20.0;
-constexpr double kDbPerTimeConstant = 2.1715;
-
-/// The part of its height to which a peak is seen to rise, and no faster than by this part of the
-/// time that its receiver would take.
-constexpr double kRisen = 0.6;
-constexpr double kSlowRise = 0.5;
-
 /// The fibre before a reflection is taken from so many dead zones, and ends so many before it.
 constexpr double kFibreGaps = 6.0;
 constexpr double kClearGaps = 1.5;
@@ -50,6 +38,9 @@ constexpr double kHiddenTailPulsesPerDb = 0.1;
 
 /// What stands this much above the fibre before a reflection is another one.
 constexpr double kNeighbour_dB = 0.5;
+
+/// Reflections up to this height are placed by their whole shape, higher ones by their edge.
+constexpr double kLow_dB = 1.5;
 
 /// How long a tail may be, pulses: 1.5 and 0.8 for each decibel of the peak.
 constexpr double kTailPulses = 1.5;
@@ -268,6 +259,11 @@ double PeakGroup::height_dB() const
     return *std::max_element(heights_dB.begin(), heights_dB.end());
 }
 
+bool PeakGroup::isLow() const
+{
+    return feet.size() == 1 && !saturated && heights_dB.front() <= kLow_dB;
+}
+
 double highestFoot(const PeakGroup& peak)
 {
     const auto highest = std::max_element(peak.heights_dB.begin(), peak.heights_dB.end());
@@ -406,65 +402,6 @@ std::optional<double> firstPeak(const FibreTrace& trace, double from, double to,
         top = std::max(top, over);
         if (first && over < top - least) {
             return first;
-        }
-    }
-    return std::nullopt;
-}
-
-namespace {
-
-/// Whether a peak rises as slowly as it falls with a time constant, samples: what recovers from an
-/// overload has risen at once.
-bool risesWith(const FibreTrace& trace, const PeakGroup& peak, const Line& before, double constant)
-{
-    const double foot = peak.feet.front();
-    const double risen = 1.0 + kRisen * (power(peak.heights_dB.front()) - 1.0);
-    auto i = static_cast<std::size_t>(std::max(0.0, foot));
-    while (static_cast<double>(i) < trace.size()
-           && power(trace.samples().level_dB(i) - before.at(static_cast<double>(i))) < risen) {
-        ++i;
-    }
-    // 1 - exp(-t / tau) = 0.6, and the sample before.
-    return static_cast<double>(i) - foot + 1.0 > kSlowRise * -std::log1p(-kRisen) * constant;
-}
-
-} // namespace
-
-std::optional<double> timeConstantOf(const FibreTrace& trace, const PeakGroup& peak,
-                                     const Line& before)
-{
-    const double height = peak.heights_dB.front();
-    if (peak.saturated || peak.feet.size() > 1 || height < kLeastFlank_dB) {
-        return std::nullopt;
-    }
-    // Behind the pulse its light falls as exp(-t / tau): 5 log10(e) dB of the trace for each.
-    const double full = 5.0 * std::log10(power(height) - 1.0);
-    const double high = full - kHighFlank_dB;
-    const double low = std::max(full - kLowFlank_dB, 0.0);
-    std::optional<double> from;
-    double fromLevel = 0.0;
-    double top = full;
-    const auto last = static_cast<std::size_t>(
-        std::min(peak.feet.front() + kLongestFlankPulses * trace.shape().pulse(), trace.size()));
-    auto i =
-        static_cast<std::size_t>(std::max(0.0, peak.feet.front() + 0.5 * trace.shape().pulse()));
-    for (; i < last; ++i) {
-        const auto index = static_cast<double>(i);
-        const double ratio = power(trace.samples().level_dB(i) - before.at(index)) - 1.0;
-        const double over = ratio > 0.0 ? 5.0 * std::log10(ratio) : low - 1.0;
-        if (over > high) {
-            from.reset();
-            top = over;
-        } else if (!from && over >= low) {
-            from = index;
-            fromLevel = over;
-        } else if (over < low) {
-            // Where no sample lies on the flank, it has come down from the top within one.
-            const double constant = from
-                ? (index - *from) / std::max(0.5, fromLevel - over) * kDbPerTimeConstant
-                : kDbPerTimeConstant / std::max(0.5, top - low);
-            return risesWith(trace, peak, before, constant) ? std::optional(constant)
-                                                            : std::nullopt;
         }
     }
     return std::nullopt;

@@ -17,6 +17,9 @@ struct PeakGroup
 
     /// Of the highest.
     [[nodiscard]] double height_dB() const;
+
+    /// Whether it is one so low that its whole shape places it, and not its edge.
+    [[nodiscard]] bool isLow() const;
 };
 
 /// Index of the rise to the highest reflection of a group.
@@ -59,10 +62,5 @@ void dropLowFeet(PeakGroup& peak, double least_dB);
 /// by more than chance and by 0.3 dB.
 [[nodiscard]] std::optional<double> firstPeak(const FibreTrace& trace, double from, double to,
                                               const Line& fibre);
-
-/// Time constant of the receiver by the falling flank of a reflection, samples. Empty where the
-/// peak is too low, overloads the receiver or is not alone.
-[[nodiscard]] std::optional<double> timeConstantOf(const FibreTrace& trace, const PeakGroup& peak,
-                                                   const Line& before);
 
 } // namespace otdr

@@ -26,9 +26,11 @@ waveform_test(otdr_core_numeric_test
         pyramid_test.cpp
         reflectance_test.cpp
         returnloss_test.cpp
+        scatter_test.cpp
         snapshot_test.cpp
         splitter_test.cpp
         storedthresholds_test.cpp
+        timeconstant_test.cpp
         trace_test.cpp
         windowsums_test.cpp
         ${PROJECT_SOURCE_DIR}/tests/support/tracebuilder.cpp

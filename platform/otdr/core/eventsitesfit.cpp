@@ -1,0 +1,183 @@
+// What stands at a place, by the shapes of a ramp and of a reflection.
+
+#include "platform/otdr/core/eventfit.h"
+#include "platform/otdr/core/eventsites.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+
+namespace otdr {
+
+namespace {
+
+/// Losses or gains so close, in dead zones, may be one event; one explains them where it leaves no
+/// more than noise, or this part of the change.
+constexpr double kPairGaps = 2.0;
+constexpr double kPairSigmas = 1.5;
+constexpr double kPairPart = 0.03;
+
+/// A loss of so much is a splitter's and one, also where the receiver is slower than it is thought.
+constexpr double kSplitter_dB = 3.0;
+constexpr double kReceivers[] = {1.0, 1.8, 3.2, 5.8};
+
+/// Light that is too weak to be listed is believed where it leaves no more than noise or, from this
+/// height on, than this part of it.
+constexpr double kGlowSigmas = 1.5;
+constexpr double kPlain_dB = 0.2;
+constexpr double kGlowPart = 0.1;
+
+} // namespace
+
+/// The foot of the one event that explains two neighbours, where one does: a single ramp, or, of a
+/// gain with a loss behind it, a reflection between them.
+std::optional<double> EventSites::footOfBoth(const Site& first, const Site& second) const
+{
+    const double middle = 0.5 * (first.at + second.at);
+    const Line& before = first.left->line;
+    const Line& behind = second.right->line;
+    const double sigma = kPairSigmas * fibreTrace->noise().sigma_dB(middle);
+    const double change = std::abs(before.at(middle) - behind.at(middle));
+    for (const double slower : kReceivers) {
+        const PulseShape shape(fibreTrace->scale().pulse,
+                               slower * fibreTrace->scale().timeConstant);
+        const StepFit step =
+            fitStep(*fibreTrace, shape, middle, kPairGaps * fibreTrace->gap(), before, behind);
+        if (step.scatter_dB < std::max(sigma, kPairPart * change)) {
+            return step.foot;
+        }
+        if (change < kSplitter_dB) {
+            break;
+        }
+    }
+    if (first.loss_dB < 0.0 && second.loss_dB > 0.0) {
+        const PeakFit peak = fitPeak(*fibreTrace, middle, before, behind);
+        if (peak.scatter_dB < std::max(sigma, kPairPart * std::max(change, peak.height_dB))) {
+            return peak.foot;
+        }
+    }
+    return std::nullopt;
+}
+
+void EventSites::mergePairs()
+{
+    const double gap = fibreTrace->gap();
+    for (std::size_t k = 0; k + 1 < places.size(); ++k) {
+        const Site& first = places[k];
+        const Site& second = places[k + 1];
+        if (first.peak || second.peak || second.at - first.at > kPairGaps * gap || !first.left
+            || !second.right) {
+            continue;
+        }
+        const std::optional<double> foot = footOfBoth(first, second);
+        if (foot && *foot > fibreFrom(k) + kLevelSamples) {
+            Site one;
+            one.at = *foot;
+            one.behind = *foot + gap;
+            places[k] = one;
+            places.erase(places.begin() + static_cast<std::ptrdiff_t>(k) + 1);
+            measure(k);
+        }
+    }
+    measure();
+}
+
+void EventSites::refine(double reach)
+{
+    for (std::size_t k = 0; k < places.size(); ++k) {
+        Site& site = places[k];
+        if (!site.left || !site.right) {
+            continue;
+        }
+        const double least = fibreFrom(k) + kLevelSamples;
+        const double most = (k + 1 < places.size() ? places[k + 1].at : end) - fibreTrace->gap();
+        if (site.peak) {
+            refinePeak(site, least, most);
+            continue;
+        }
+        const Line& before = site.left->line;
+        const Line& behind = site.right->line;
+        const double foot = site.glows
+            ? fitPeak(*fibreTrace, site.at, before, behind).foot
+            : fitStep(*fibreTrace, fibreTrace->shape(), site.at, reach, before, behind).foot;
+        if (foot > least && foot < most) {
+            site.at = foot;
+            site.behind = foot + fibreTrace->gap();
+        }
+    }
+    measure();
+}
+
+void EventSites::dropLowPeaks(double leastHeight_dB)
+{
+    for (Site& site : places) {
+        const bool isLow = site.peak && site.peak->feet.size() == 1
+            && site.peak->heights_dB.front() < leastHeight_dB;
+        if (isLow) {
+            site.peak.reset();
+            site.peakStatistic = 0.0;
+        }
+    }
+}
+
+void EventSites::hideLowPeaks(double leastHeight_dB)
+{
+    for (Site& site : places) {
+        if (!site.peak) {
+            continue;
+        }
+        dropLowFeet(*site.peak, leastHeight_dB);
+        site.glows = site.peak->height_dB() < leastHeight_dB;
+        if (site.glows && std::isnan(site.loss_dB)) { // nothing would be told of it
+            site.glows = false;
+            site.peak.reset();
+        }
+    }
+}
+
+void EventSites::findReflections(double leastHeight_dB, double significance)
+{
+    for (std::size_t k = 0; k < places.size(); ++k) {
+        Site& site = places[k];
+        if (site.peak || !site.left || !site.right) {
+            continue;
+        }
+        const PeakFit fit = fitPeak(*fibreTrace, site.at, site.left->line, site.right->line);
+        const double statistic = std::min(fit.height_dB / fit.error_dB, fit.gain);
+        const double most = (k + 1 < places.size() ? places[k + 1].at : end) - fibreTrace->gap();
+        const bool isLight =
+            statistic > significance && fit.foot < most && fit.foot > fibreFrom(k) + kLevelSamples;
+        const bool isHigh = fit.height_dB > leastHeight_dB;
+        // What fibre itself strays by looks like light, but for its shape.
+        const double sigma = fibreTrace->noise().sigma_dB(fit.foot);
+        const double part = fit.height_dB > kPlain_dB ? kGlowPart * fit.height_dB : 0.0;
+        site.glows = isLight && !isHigh && fit.scatter_dB < std::max(kGlowSigmas * sigma, part);
+        if (site.glows || (isLight && isHigh)) {
+            site.at = fit.foot;
+            site.behind = fit.foot + fibreTrace->gap();
+        }
+        if (isLight && isHigh) {
+            site.peak = PeakGroup {{fit.foot}, {fit.height_dB}, site.behind, false};
+            site.peakStatistic = statistic;
+        }
+    }
+    measure();
+}
+
+void EventSites::refinePeak(Site& site, double least, double most)
+{
+    PeakGroup& peak = *site.peak;
+    if (!peak.isLow()) {
+        return;
+    }
+    const PeakFit fit = fitPeak(*fibreTrace, site.at, site.left->line, site.right->line);
+    if (fit.foot > least && fit.foot < most && fit.height_dB > 0.0) {
+        site.at = fit.foot;
+        peak.feet.front() = fit.foot;
+        peak.heights_dB.front() = fit.height_dB;
+        peak.behind = std::max(peak.behind, fit.foot + fibreTrace->gap());
+        site.behind = peak.behind;
+    }
+}
+
+} // namespace otdr
