@@ -167,15 +167,15 @@ std::optional<double> NoiseProfile::scatterBetween(const Trace& trace, double pu
     return std::clamp(sigma, kLeastSigma_dB, kMostSigma_dB);
 }
 
-/// By how much weaker the light is behind a fall.
+/// By how much weaker the light is behind a fall; NaN where nothing is left of the stretch there.
 double NoiseProfile::weakerBehind(const Trace& trace, double pulse, double fall) const
 {
-    const auto level = [&](double begin) {
-        const double from = std::clamp(
-            begin, static_cast<double>(first),
-            std::max(static_cast<double>(first), static_cast<double>(last) - pulse - 1.0));
-        return meanLevel(trace, static_cast<std::size_t>(from),
-                         static_cast<std::size_t>(from + pulse) + 1);
+    const auto place = [&](double index) {
+        return static_cast<std::size_t>(
+            std::clamp(index, static_cast<double>(first), static_cast<double>(last)));
+    };
+    const auto level = [&](double from) {
+        return meanLevel(trace, place(from), place(from + std::max(1.0, pulse)));
     };
     return power(level(fall - 1.5 * pulse - 1.0) - level(fall + 0.5 * pulse + 1.0));
 }

@@ -443,6 +443,11 @@ TEST(EventDetection, ImpossibleMeasurementsGiveNothing)
     EXPECT_TRUE(otdr::detectEvents(*trace, {nan, 0.1, -80.0}).events.empty());
     EXPECT_TRUE(otdr::detectEvents(*trace, {-100.0, 0.1, -80.0}).events.empty());
     EXPECT_TRUE(otdr::detectEvents(*trace, {1e9, 0.1, -80.0}).events.empty());
+    for (const double interval_ns : {nan, 0.0, -10.0}) {
+        const otdr::Trace odd(otdr::RawSamples(std::vector<std::uint16_t>(2000, 30000)),
+                              otdr::kUsualDbPerCount, {interval_ns, 0.0});
+        EXPECT_TRUE(otdr::detectEvents(odd, {100.0, 0.1, -80.0}).events.empty()) << interval_ns;
+    }
     for (const double dbPerCount : {nan, 0.0, -0.001}) {
         const otdr::Trace odd(otdr::RawSamples(std::vector<std::uint16_t>(2000, 30000)), dbPerCount,
                               trace->axis());

@@ -271,6 +271,33 @@ TEST(NoiseProfile, ChangesAtOnceWhereTheLightFallsForGood)
     }
 }
 
+/// So near to each other that hardly a sample between them shows its scatter: what the light lost
+/// tells it.
+TEST(NoiseProfile, BetweenTwoFallsFollowsFromTheLight)
+{
+    for (const double apart : {35.0, 45.0, 80.0, 150.0}) {
+        for (double place = 5000.0; place < 5260.0; place += 61.0) {
+            std::mt19937_64 random(22);
+            std::normal_distribution<double> noise(0.0, std::pow(10.0, 10.0 / 5.0));
+            std::vector<std::uint16_t> counts(10000);
+            for (std::size_t i = 0; i < counts.size(); ++i) {
+                const double behind = static_cast<double>(i) - place;
+                const double level_dB = 26.0 - (behind < 0.0 ? 0.0 : (behind < apart ? 5.0 : 10.0));
+                const double power = std::max(1.0, std::pow(10.0, level_dB / 5.0) + noise(random));
+                counts[i] = static_cast<std::uint16_t>(65535.5 - 5000.0 * std::log10(power));
+            }
+            const NoiseProfile profile =
+                profileOf(otdr::Trace(otdr::RawSamples(counts), otdr::kUsualDbPerCount, {}));
+            const double between = profile.sigma_dB(place + 0.5 * apart) / scatterAt(21.0);
+            EXPECT_GT(between, 0.4) << apart << ' ' << place;
+            EXPECT_LT(between, 2.5) << apart << ' ' << place;
+            EXPECT_NEAR(profile.sigma_dB(place - 20.0) / scatterAt(26.0), 1.0, 0.4) << place;
+            EXPECT_NEAR(profile.sigma_dB(place + apart + 40.0) / scatterAt(16.0), 1.0, 0.4)
+                << place;
+        }
+    }
+}
+
 /// Behind it the light is what it was, however long the receiver was held at its top.
 TEST(NoiseProfile, DoesNotChangeBehindAReflection)
 {
