@@ -115,13 +115,18 @@ std::optional<SideLine> EventSites::side(double from, double to) const
     return fibreTrace->fitWithSlope(from, to, usualSlope_dB, slopeSpread_dB);
 }
 
+/// The line through the fibre from an index on, as far as lines go and not beyond another.
+std::optional<SideLine> EventSites::lineBehind(double from, double to) const
+{
+    return side(from, std::min(to, from + fibreTrace->scale().longestWindow));
+}
+
 /// By how much the light at a place, with its line before it, outshines the fibre behind it, up to
 /// `to`: by the reflection and by what is lost there.
 double EventSites::brightness_dB(const Site& site, double to) const
 {
     const double height = site.peak ? site.peak->height_dB() : 0.0;
-    const double longest = fibreTrace->scale().longestWindow;
-    const auto behind = side(site.behind, std::min(to, site.behind + longest));
+    const auto behind = lineBehind(site.behind, to);
     const double lost = site.left && behind ? site.left->at(site.at) - behind->at(site.at) : 0.0;
     return height + std::max(0.0, lost);
 }
@@ -134,10 +139,10 @@ void EventSites::measure(std::size_t k)
     site.left = side(std::max(lineFrom(k), to - longest), to);
     const double next = fibreTo(k + 1);
     site.clear = clearOfTail(*fibreTrace, site.behind, next, brightness_dB(site, next));
-    site.right = side(site.clear, std::min(next, site.clear + longest));
+    site.right = lineBehind(site.clear, next);
     if (!site.right) { // what little fibre there is tells the loss, tail or not
         site.clear = site.behind;
-        site.right = side(site.behind, std::min(next, site.behind + longest));
+        site.right = lineBehind(site.behind, next);
     }
     site.loss_dB = std::numeric_limits<double>::quiet_NaN();
     site.error_dB = site.loss_dB;

@@ -95,6 +95,7 @@ private:
     /// Shortest stretch that tells a level.
     static constexpr double kLevelSamples = 3.0;
 
+    [[nodiscard]] std::optional<SideLine> lineBehind(double from, double to) const;
     [[nodiscard]] double brightness_dB(const Site& site, double to) const;
     void measure(std::size_t k);
     [[nodiscard]] double foundationOf(const Site& site, double loss_dB, double significance) const;
