@@ -11,6 +11,7 @@
 // without the drawn event, is extra.
 
 #include "platform/otdr/core/constants.h"
+#include "platform/otdr/core/decibels.h"
 #include "platform/otdr/core/eventdetection.h"
 #include "platform/otdr/core/eventsearch.h"
 #include "platform/otdr/core/soraxis.h"
@@ -75,11 +76,6 @@ double quantile(std::vector<double> values, double part)
     return values[static_cast<std::size_t>(part * static_cast<double>(values.size() - 1))];
 }
 
-double power(double level_dB)
-{
-    return std::pow(10.0, level_dB / 5.0);
-}
-
 class RealTrace
 {
 public:
@@ -138,22 +134,23 @@ private:
     [[nodiscard]] Detection detectionWith(double at, double loss_dB, double height_dB) const
     {
         const otdr::PulseShape& shape = search.trace().shape();
-        const double fibre_dB = plain.toLevel_dB(plain.sums().mean(
-            static_cast<std::size_t>(at - shape.pulse()), static_cast<std::size_t>(at)));
-        const double light = power(fibre_dB) * (power(height_dB) - 1.0);
-        const double noise = std::isnan(before.noiseFloor_dB) ? 0.0 : power(before.noiseFloor_dB);
+        const double fibre_dB = plain.meanLevel_dB(static_cast<std::size_t>(at - shape.pulse()),
+                                                   static_cast<std::size_t>(at));
+        const double light = otdr::powerRatio(fibre_dB) * (otdr::powerRatio(height_dB) - 1.0);
+        const double noise =
+            std::isnan(before.noiseFloor_dB) ? 0.0 : otdr::powerRatio(before.noiseFloor_dB);
         std::mt19937_64 random(static_cast<std::uint64_t>(at));
         std::normal_distribution<double> normal;
         std::vector<std::uint16_t> drawn = counts;
         for (auto i = static_cast<std::size_t>(at); i < drawn.size(); ++i) {
             const double behind = static_cast<double>(i) - at;
-            const double kept = 1.0 - shape.step(behind) * (1.0 - power(-loss_dB));
+            const double kept = 1.0 - shape.step(behind) * (1.0 - otdr::powerRatio(-loss_dB));
             // The same noise as before on less light; a gain cannot take any from it.
             const double lost = std::sqrt(std::max(0.0, 1.0 - kept * kept));
-            const double shown = kept * power(plain.level_dB(i)) + light * shape.peak(behind)
-                + noise * lost * normal(random);
+            const double shown = kept * otdr::powerRatio(plain.level_dB(i))
+                + light * shape.peak(behind) + noise * lost * normal(random);
             const double raw =
-                shown > 0.0 ? otdr::kNoSignal - 5.0 * std::log10(shown) / dbPerCount : 65535.0;
+                shown > 0.0 ? otdr::kNoSignal - otdr::levelOfRatio_dB(shown) / dbPerCount : 65535.0;
             drawn[i] = static_cast<std::uint16_t>(std::lround(std::clamp(raw, 0.0, 65535.0)));
         }
         return otdr::detectEvents(otdr::Trace(otdr::RawSamples(drawn), dbPerCount, axis),

@@ -1,5 +1,6 @@
 #include "platform/otdr/core/eventfit.h"
 
+#include "platform/otdr/core/decibels.h"
 #include "platform/otdr/core/trace.h"
 
 #include <algorithm>
@@ -27,11 +28,6 @@ constexpr double kGapsBehind = 3.0;
 
 /// A fit as good as this is beyond what samples tell.
 constexpr double kLeastSquares = 1e-12;
-
-double power(double level_dB)
-{
-    return std::pow(10.0, level_dB / 5.0);
-}
 
 /// The least of a function of the place, sought on a grid and then between its neighbours.
 template <typename Function>
@@ -317,7 +313,7 @@ double footOfFall(const FibreTrace& trace, double at, const Line& before)
     const auto first = static_cast<std::size_t>(std::max(0.0, std::ceil(at)));
     for (std::size_t i = first; i < trace.samples().size(); ++i) {
         const auto behind = static_cast<double>(i);
-        const double left = power(trace.samples().level_dB(i) - before.at(behind));
+        const double left = powerRatio(trace.samples().level_dB(i) - before.at(behind));
         if (left < 0.3 || behind > at + 2.0 * w) {
             break;
         }

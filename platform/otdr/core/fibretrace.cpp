@@ -138,7 +138,7 @@ std::optional<SideLine> FibreTrace::fitWithSlope(double from, double to, double 
 double FibreTrace::mean_dB(double from, double to) const
 {
     const SampleRange range = samplesBetween(from, to, trace->size());
-    return trace->toLevel_dB(trace->sums().mean(range.first, range.last));
+    return trace->meanLevel_dB(range.first, range.last);
 }
 
 double FibreTrace::usualSlope_dB(double from, double to) const

@@ -70,8 +70,7 @@ private:
     {
         const double from = std::clamp(begin, first, std::max(first, last - length));
         const double to = std::min(from + length, last);
-        return trace.toLevel_dB(
-            trace.sums().mean(static_cast<std::size_t>(from), static_cast<std::size_t>(to)));
+        return trace.meanLevel_dB(static_cast<std::size_t>(from), static_cast<std::size_t>(to));
     }
 
     const Trace& trace;

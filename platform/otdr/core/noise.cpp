@@ -1,5 +1,6 @@
 #include "platform/otdr/core/noise.h"
 
+#include "platform/otdr/core/decibels.h"
 #include "platform/otdr/core/lightfalls.h"
 #include "platform/otdr/core/scatter.h"
 #include "platform/otdr/core/trace.h"
@@ -52,16 +53,6 @@ constexpr double kLight_dB = 3.0;
 
 /// Decibels of the trace for a relative change of power, 5 / ln 10.
 constexpr double kDbPerRelative = 2.1715;
-
-double meanLevel(const Trace& trace, std::size_t first, std::size_t last)
-{
-    return trace.toLevel_dB(trace.sums().mean(first, last));
-}
-
-double power(double level_dB)
-{
-    return std::pow(10.0, level_dB / 5.0);
-}
 
 /// The value that this part of the values, 0 .. 1, do not exceed.
 double quantileOf(std::vector<double>& values, double part)
@@ -175,9 +166,9 @@ double NoiseProfile::weakerBehind(const Trace& trace, double pulse, double fall)
             std::clamp(index, static_cast<double>(first), static_cast<double>(last)));
     };
     const auto level = [&](double from) {
-        return meanLevel(trace, place(from), place(from + std::max(1.0, pulse)));
+        return trace.meanLevel_dB(place(from), place(from + std::max(1.0, pulse)));
     };
-    return power(level(fall - 1.5 * pulse - 1.0) - level(fall + 0.5 * pulse + 1.0));
+    return powerRatio(level(fall - 1.5 * pulse - 1.0) - level(fall + 0.5 * pulse + 1.0));
 }
 
 /// Stronger light scatters less, in decibels: where a nearer block, with more light, scatters more
@@ -190,7 +181,7 @@ void NoiseProfile::levelOut(const Trace& trace)
         const std::size_t middle = begin + blockSize;
         const bool isNoise = sigmas[block + 1] > 2.0 * kLeastSigma_dB;
         if (isNoise && sigmas[block] > kTooMuch * sigmas[block + 1]
-            && meanLevel(trace, begin, middle) >= meanLevel(trace, middle, end)) {
+            && trace.meanLevel_dB(begin, middle) >= trace.meanLevel_dB(middle, end)) {
             sigmas[block] = sigmas[block + 1];
         }
     }
@@ -260,10 +251,11 @@ void NoiseProfile::measureFloor(const Trace& trace)
     // Light is below its noise where that much of it is cut off at the least level; of fibre with
     // darkness behind it, the greater part may be as strong as the strongest.
     const double lowest = quantileOf(levels, kDropouts);
-    const bool isSkewed = power(median) - power(lowest) < 2.0 * (power(rms) - power(median));
+    const bool isSkewed =
+        powerRatio(median) - powerRatio(lowest) < 2.0 * (powerRatio(rms) - powerRatio(median));
     const bool isCutOff = quantileOf(levels, kBelowMinusOneSigma) <= lowest && isSkewed;
     if (rms - median < kLeastSpread_dB && !(isCutOff && rms - lowest >= kLeastSpread_dB)) {
-        rms = median + 5.0 * std::log10(sigmas.back() / kDbPerRelative);
+        rms = median + levelOfRatio_dB(sigmas.back() / kDbPerRelative);
     }
     // Whatever light scatters by is no less than the noise makes it. Where samples stand at the
     // least that the record can hold there is no light.
@@ -274,10 +266,10 @@ void NoiseProfile::measureFloor(const Trace& trace)
     std::vector<double> limits;
     for (std::size_t block = 0; block < sigmas.size(); ++block) {
         const std::size_t begin = first + block * blockSize;
-        const double level = meanLevel(trace, begin, std::min(last, begin + blockSize));
+        const double level = trace.meanLevel_dB(begin, std::min(last, begin + blockSize));
         if (sigmas[block] > 2.0 * kLeastSigma_dB && sigmas[block] < kFibreSigma_dB
             && level > least + kLight_dB) {
-            limits.push_back(level + 5.0 * std::log10(sigmas[block] / kDbPerRelative));
+            limits.push_back(level + levelOfRatio_dB(sigmas[block] / kDbPerRelative));
         }
     }
     if (limits.size() >= 4) {

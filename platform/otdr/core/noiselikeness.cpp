@@ -42,11 +42,6 @@ constexpr double kMedianOfSquare = 0.4549;
 /// Fewer differences tell nothing.
 constexpr std::size_t kFewestDifferences = 64;
 
-double meanLevel(const Trace& trace, std::size_t first, std::size_t last)
-{
-    return trace.toLevel_dB(trace.sums().mean(first, last));
-}
-
 } // namespace
 
 std::vector<NoiseProfile::Bend> NoiseProfile::bendsOf(const Trace& trace, std::size_t length) const
@@ -61,9 +56,9 @@ std::vector<NoiseProfile::Bend> NoiseProfile::bendsOf(const Trace& trace, std::s
             std::lower_bound(falls.begin(), falls.end(), static_cast<double>(i - length));
         const bool isBroken = fall != falls.end() && *fall < static_cast<double>(i + 2 * length);
         if (sigma < kLogarithmic_dB && !isBroken) {
-            const double bend = meanLevel(trace, i - length, i)
-                - 2.0 * meanLevel(trace, i, i + length)
-                + meanLevel(trace, i + length, i + 2 * length);
+            const double bend = trace.meanLevel_dB(i - length, i)
+                - 2.0 * trace.meanLevel_dB(i, i + length)
+                + trace.meanLevel_dB(i + length, i + 2 * length);
             bends.push_back({sigma, bend * bend / 6.0});
         }
     }

@@ -1,5 +1,6 @@
 #include "platform/otdr/core/peakgroup.h"
 
+#include "platform/otdr/core/decibels.h"
 #include "platform/otdr/core/trace.h"
 
 #include <algorithm>
@@ -59,11 +60,6 @@ constexpr double kTailPart = 0.5;
 constexpr double kLevelPulses = 0.5;
 constexpr double kFewestLevel = 5.0;
 constexpr double kLevel_dB = 0.05;
-
-double power(double level_dB)
-{
-    return std::pow(10.0, level_dB / 5.0);
-}
 
 /// Up to where the fibre before a reflection is taken: clear of another one just before, where
 /// there is fibre enough.
@@ -226,7 +222,8 @@ private:
         double weights = 0.0;
         for (std::size_t i = begin; i <= top; ++i) {
             const double base = fibre(i);
-            const double part = (power(level(i) - base) - 1.0) / (power(top_dB - base) - 1.0);
+            const double part =
+                (powerRatio(level(i) - base) - 1.0) / (powerRatio(top_dB - base) - 1.0);
             if (part > kHighPart) {
                 break;
             }
@@ -239,7 +236,7 @@ private:
         const double found = weights > 0.0 ? sum / weights : rough;
         // Had it begun earlier, the samples before would stand above the fibre.
         const double height = std::max(top_dB - fibre(top), 2.0 * edge);
-        const double unseen = (power(edge) - 1.0) / (power(height) - 1.0);
+        const double unseen = (powerRatio(edge) - 1.0) / (powerRatio(height) - 1.0);
         const double least = rough - trace.shape().riseTo(unseen) - 1.0;
         return std::clamp(found, std::max(0.0, least), rough + 1.0);
     }

@@ -1,5 +1,7 @@
 #include "platform/otdr/core/prefixsums.h"
 
+#include "platform/otdr/core/decibels.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -153,8 +155,8 @@ PowerSums::PowerSums(RawSamples shared, double dbPerCount)
     strongest_dB = (65535.0 - strongest) * dbPerCount;
     for (std::size_t byte = 0; byte < 256; ++byte) {
         const auto value = static_cast<double>(byte);
-        upperByte[byte] = std::pow(10.0, (strongest - 256.0 * value) * dbPerCount / 5.0);
-        lowerByte[byte] = std::pow(10.0, -value * dbPerCount / 5.0);
+        upperByte[byte] = powerRatio((strongest - 256.0 * value) * dbPerCount);
+        lowerByte[byte] = powerRatio(-value * dbPerCount);
     }
     const std::size_t blocks = samples.size() / kBlock;
     marks.resize(blocks + 1);
@@ -201,7 +203,7 @@ double PowerSums::sum(std::size_t first, std::size_t last, double reference_dB) 
         sum = (to.high - from.high) + (to.low - from.low);
         sum += straightSum(first, firstMark * kBlock) + straightSum(lastMark * kBlock, last);
     }
-    return sum * std::pow(10.0, (strongest_dB - reference_dB) / 5.0);
+    return sum * powerRatio(strongest_dB - reference_dB);
 }
 
 } // namespace otdr

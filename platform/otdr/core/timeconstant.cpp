@@ -1,5 +1,6 @@
 #include "platform/otdr/core/timeconstant.h"
 
+#include "platform/otdr/core/decibels.h"
 #include "platform/otdr/core/fibretrace.h"
 #include "platform/otdr/core/peakgroup.h"
 #include "platform/otdr/core/trace.h"
@@ -24,20 +25,15 @@ constexpr double kDbPerTimeConstant = 2.1715;
 constexpr double kRisen = 0.6;
 constexpr double kSlowRise = 0.5;
 
-double power(double level_dB)
-{
-    return std::pow(10.0, level_dB / 5.0);
-}
-
 /// Whether a peak rises as slowly as it falls with a time constant, samples: what recovers from an
 /// overload has risen at once.
 bool risesWith(const FibreTrace& trace, const PeakGroup& peak, const Line& before, double constant)
 {
     const double foot = peak.feet.front();
-    const double risen = 1.0 + kRisen * (power(peak.heights_dB.front()) - 1.0);
+    const double risen = 1.0 + kRisen * (powerRatio(peak.heights_dB.front()) - 1.0);
     auto i = static_cast<std::size_t>(std::max(0.0, foot));
     while (static_cast<double>(i) < trace.size()
-           && power(trace.samples().level_dB(i) - before.at(static_cast<double>(i))) < risen) {
+           && powerRatio(trace.samples().level_dB(i) - before.at(static_cast<double>(i))) < risen) {
         ++i;
     }
     // 1 - exp(-t / tau) = 0.6, and the sample before.
@@ -54,7 +50,7 @@ std::optional<double> timeConstantOf(const FibreTrace& trace, const PeakGroup& p
         return std::nullopt;
     }
     // Behind the pulse its light falls as exp(-t / tau): 5 log10(e) dB of the trace for each.
-    const double full = 5.0 * std::log10(power(height) - 1.0);
+    const double full = levelOfRatio_dB(powerRatio(height) - 1.0);
     const double high = full - kHighFlank_dB;
     const double low = std::max(full - kLowFlank_dB, 0.0);
     std::optional<double> from;
@@ -66,8 +62,8 @@ std::optional<double> timeConstantOf(const FibreTrace& trace, const PeakGroup& p
         static_cast<std::size_t>(std::max(0.0, peak.feet.front() + 0.5 * trace.shape().pulse()));
     for (; i < last; ++i) {
         const auto index = static_cast<double>(i);
-        const double ratio = power(trace.samples().level_dB(i) - before.at(index)) - 1.0;
-        const double over = ratio > 0.0 ? 5.0 * std::log10(ratio) : low - 1.0;
+        const double ratio = powerRatio(trace.samples().level_dB(i) - before.at(index)) - 1.0;
+        const double over = ratio > 0.0 ? levelOfRatio_dB(ratio) : low - 1.0;
         if (over > high) {
             from.reset();
             top = over;

@@ -42,6 +42,11 @@ double Trace::levelAt_dB(double index) const
     return level_dB(before) + part * (level_dB(before + 1) - level_dB(before));
 }
 
+double Trace::meanLevel_dB(std::size_t first, std::size_t last) const
+{
+    return toLevel_dB(sums().mean(first, last));
+}
+
 const Pyramid& Trace::pyramid() const
 {
     std::call_once(pyramidOnce, [this] { builtPyramid.emplace(counts); });

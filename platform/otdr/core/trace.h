@@ -62,6 +62,10 @@ public:
     /// continue beyond the ends. 0 for a trace without samples, NaN for an index that is NaN.
     [[nodiscard]] double levelAt_dB(double index) const;
 
+    /// Mean level of the samples first .. last - 1, dB, as many of them as the trace has; NaN where
+    /// it has none there.
+    [[nodiscard]] double meanLevel_dB(std::size_t first, std::size_t last) const;
+
     [[nodiscard]] double sampleAt(double distance_m, double metresPerNs) const
     {
         return time.sampleAt(distance_m, metresPerNs);

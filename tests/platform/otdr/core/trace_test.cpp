@@ -54,6 +54,15 @@ TEST(Trace, FirstAndLastSampleContinueBeyondTheEnds)
     EXPECT_DOUBLE_EQ(traceOf({60535}).levelAt_dB(0.5), 5.0);
 }
 
+TEST(Trace, MeanLevelIsThatOfTheSamplesThatThereAre)
+{
+    const Trace trace = traceOf({60535, 58535, 59535}, 0.0005);
+    EXPECT_DOUBLE_EQ(trace.meanLevel_dB(0, 2), 3.0);
+    EXPECT_DOUBLE_EQ(trace.meanLevel_dB(1, 9), 3.25);
+    EXPECT_TRUE(std::isnan(trace.meanLevel_dB(1, 1)));
+    EXPECT_TRUE(std::isnan(trace.meanLevel_dB(3, 9)));
+}
+
 TEST(Trace, LevelOfAnEmptyTraceIsZeroAndOfNoNumberNone)
 {
     EXPECT_EQ(traceOf({}).levelAt_dB(3.0), 0.0);
