@@ -56,6 +56,7 @@ public:
     {
         list();
         markEchoes(result.events, fibre.scale().pulse, launchIndex());
+        passLossesOn();
         addSections();
         addSpan();
         return std::move(result);
@@ -303,6 +304,27 @@ private:
         events.erase(start);
     }
 
+    /// An echo loses nothing: the loss of a group that one stands first in is that of the first
+    /// that is none.
+    void passLossesOn()
+    {
+        auto& events = result.events;
+        for (std::size_t i = 0; i + 1 < events.size(); ++i) {
+            DetectedEvent& echo = events[i];
+            DetectedEvent& next = events[i + 1];
+            if (!echo.echo || echo.group != next.group || std::isnan(echo.loss_dB)) {
+                continue;
+            }
+            const double seen = seenAt(next.index);
+            next.loss_dB = echo.before.at(seen) - echo.behind.at(seen);
+            next.lossError_dB = echo.lossError_dB;
+            next.stepStatistic = echo.stepStatistic;
+            echo.loss_dB = DetectedEvent::kUnknown;
+            echo.lossError_dB = DetectedEvent::kUnknown;
+            echo.stepStatistic = 0.0;
+        }
+    }
+
     void addSections()
     {
         const auto& events = result.events;
@@ -341,27 +363,28 @@ private:
 
     using Place = std::vector<DetectedEvent>::const_iterator;
 
-    /// The first event of a group.
+    /// The first event of the group of one that is no echo, but for echoes.
     [[nodiscard]] Place firstOfGroup(Place event) const
     {
-        return std::find_if(result.events.begin(), result.events.end(),
-                            [&](const auto& other) { return other.group == event->group; });
+        return std::find_if(result.events.begin(), result.events.end(), [&](const auto& other) {
+            return !other.echo && other.group == event->group;
+        });
     }
 
-    /// The event up to which the span is measured: the end or, where no fibre shows in front of it,
-    /// what stands there and has no loss of its own for that reason.
-    [[nodiscard]] const DetectedEvent& limitOfSpan(Place start) const
+    /// The event up to which the span is measured: the last one that fibre shows in front of, the
+    /// end but for what may hide it.
+    [[nodiscard]] const DetectedEvent& limitOfSpan() const
     {
         const auto end = firstOfGroup(std::prev(result.events.end()));
-        if (sites.fibre(sites.sites().size())) {
-            return *end;
-        }
-        for (Place event = end; event != start && event != result.events.begin();) {
-            --event;
-            if (!event->echo && event->group != kLaunch && event != start
-                && event->before.samples > 0) {
-                return *firstOfGroup(event);
+        for (Place event = end; event != result.events.begin();) {
+            const Place to = event;
+            do {
+                --event;
+            } while (event->echo && event != result.events.begin());
+            if (to->before.samples > 0 && event->behind.samples > 0) {
+                return *to;
             }
+            event = firstOfGroup(event);
         }
         return *end;
     }
@@ -377,7 +400,7 @@ private:
             return;
         }
         const DetectedEvent& last = events.back();
-        const DetectedEvent& limit = limitOfSpan(start);
+        const DetectedEvent& limit = limitOfSpan();
         if (limit.before.samples > 0) {
             result.spanLoss_dB =
                 start->behind.at(seenAt(start->index)) - limit.before.at(seenAt(limit.index));

@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <optional>
 
 namespace {
 
@@ -95,6 +97,62 @@ TEST(DetectedSpan, IsTheSumOfWhatIsKnownWhereverTheLastAndTheFirstConnectorStand
             EXPECT_NEAR(sumOf(found), found.spanLoss_dB, 1e-9) << at_m;
             EXPECT_NEAR(found.spanLoss_dB, 12.0 * 0.2 + 0.1 + 0.3, 0.35) << at_m;
         }
+    }
+}
+
+/// A link with an echo 12 km from the port: what reflects at 8 km is seen once more as far behind
+/// as 4 km lie before.
+TraceBuilder linkWithEcho(Length length)
+{
+    return TraceBuilder()
+        .fibre(length)
+        .behind(3000)
+        .noise(0.005_dB, 25)
+        .noiseFloor(8_dB)
+        .connector(4_km, 0.3_dB, 20_dB)
+        .connector(8_km, 0.3_dB, 20_dB)
+        .reflection(12_km, 1_dB);
+}
+
+/// The echo at 12 km; empty where none is told.
+std::optional<DetectedEvent> echoOf(const otdr::Detection& found, double index)
+{
+    for (const DetectedEvent& event : found.events) {
+        if (event.echo && std::abs(event.index - index) < 3.0) {
+            return event;
+        }
+    }
+    return std::nullopt;
+}
+
+TEST(DetectedSpan, IsTheSumWhereAnEchoStandsInTheDeadZoneOfTheEnd)
+{
+    for (double behind_m = 10.0; behind_m < 25.0; behind_m += 2.0) {
+        const TraceBuilder builder = linkWithEcho(Length {12000.0 + behind_m}).reflectingEnd(15_dB);
+        const otdr::Detection found =
+            otdr::detectEvents(*builder.build(), {100.0, builder.metresPerNs(), -80.0});
+        EXPECT_TRUE(echoOf(found, builder.indexOf(12_km))) << behind_m;
+        EXPECT_NEAR(sumOf(found), found.spanLoss_dB, 1e-9) << behind_m;
+    }
+}
+
+/// The loss of a group is that of what is there, and not of the echo in front of it.
+TEST(DetectedSpan, LossBehindAnEchoIsThatOfTheEventInItsDeadZone)
+{
+    for (double behind_m = 9.5; behind_m < 15.0; behind_m += 0.5) {
+        const Length connector {12000.0 + behind_m};
+        const TraceBuilder builder = linkWithEcho(16_km).connector(connector, 0.018_dB, 5_dB);
+        const otdr::Detection found =
+            otdr::detectEvents(*builder.build(), {100.0, builder.metresPerNs(), -80.0});
+        ASSERT_TRUE(echoOf(found, builder.indexOf(12_km))) << behind_m;
+        EXPECT_TRUE(std::isnan(echoOf(found, builder.indexOf(12_km))->loss_dB));
+        const auto event =
+            std::find_if(found.events.begin(), found.events.end(), [&](const auto& other) {
+                return !other.echo && std::abs(other.index - builder.indexOf(connector)) < 2.0;
+            });
+        ASSERT_NE(event, found.events.end()) << behind_m;
+        EXPECT_NEAR(event->loss_dB, 0.018, 0.004);
+        EXPECT_NEAR(sumOf(found), found.spanLoss_dB, 1e-9) << behind_m;
     }
 }
 
