@@ -170,7 +170,7 @@ private:
         for (std::size_t i = 0; i < feet; ++i) {
             DetectedEvent event;
             event.group = group;
-            event.index = reflects ? site.peak->feet[i] : site.at;
+            event.index = i == 0 ? site.foot() : site.peak->feet[i];
             event.behindFrom = std::max(site.behind, site.clear);
             event.peakStatistic = reflects ? site.peakStatistic : 0.0;
             if (site.left) {

@@ -43,6 +43,11 @@ bool Site::reflects() const
     return peak && !glows;
 }
 
+double Site::foot() const
+{
+    return reflects() ? peak->feet.front() : at;
+}
+
 double Site::statistic() const
 {
     return error_dB > 0.0 ? std::abs(loss_dB) / error_dB : 0.0;
@@ -149,8 +154,7 @@ void EventSites::measure(std::size_t k)
     if (site.left && site.right) {
         // A sample shows the fibre half a pulse before it: there the event is seen from both sides,
         // also where they fall differently.
-        const double foot = site.peak ? site.peak->feet.front() : site.at;
-        const double seen = foot + fibreTrace->shape().centre();
+        const double seen = site.foot() + fibreTrace->shape().centre();
         site.loss_dB = site.left->at(seen) - site.right->at(seen);
         site.error_dB = std::hypot(site.left->errorAt_dB(seen), site.right->errorAt_dB(seen));
     }

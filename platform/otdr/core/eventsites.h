@@ -12,7 +12,7 @@ namespace otdr {
 /// A place of the fibre where something may be: one event, or a group within one dead zone.
 struct Site
 {
-    double at = 0.0; ///< index of its foot
+    double at = 0.0; ///< index where the fibre before it ends
     double behind = 0.0; ///< from here on the fibre is undisturbed, as far as can be seen here
     double clear = 0.0; ///< from here on lines are fitted: no tail that only a long line shows
     std::optional<PeakGroup> peak;
@@ -27,6 +27,9 @@ struct Site
 
     /// Whether it is listed as a reflection.
     [[nodiscard]] bool reflects() const;
+
+    /// Index of the foot of what is listed; light that is not may rise before it.
+    [[nodiscard]] double foot() const;
 
     /// The loss over its standard error; 0 where it is not known.
     [[nodiscard]] double statistic() const;

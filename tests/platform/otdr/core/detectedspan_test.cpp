@@ -156,4 +156,27 @@ TEST(DetectedSpan, LossBehindAnEchoIsThatOfTheEventInItsDeadZone)
     }
 }
 
+/// The light of a reflection that is not listed rises before that of another: the loss is told
+/// where it is listed.
+TEST(DetectedSpan, IsTheSumWhereReflectionsTooWeakToBeListedStandTogether)
+{
+    otdr::DetectionSettings settings;
+    settings.reflectance_dB = -40.0;
+    for (double apart_m = 2.0; apart_m < 20.0; apart_m += 1.0) {
+        const TraceBuilder builder = TraceBuilder()
+                                         .fibre(12_km)
+                                         .behind(3000)
+                                         .noise(0.005_dB, 26)
+                                         .noiseFloor(8_dB)
+                                         .connector(6_km, 0.1_dB, 1_dB)
+                                         .connector(Length {6000.0 + apart_m}, 0.4_dB, 3_dB);
+        const otdr::Detection found =
+            otdr::detectEvents(*builder.build(), {100.0, builder.metresPerNs(), -80.0}, settings);
+        ASSERT_EQ(found.events.size(), 3U) << apart_m;
+        EXPECT_EQ(found.events[1].kind, DetectedEvent::Kind::NonReflective);
+        EXPECT_NEAR(found.events[1].loss_dB, 0.5, 0.005) << apart_m;
+        EXPECT_NEAR(sumOf(found), found.spanLoss_dB, 1e-9) << apart_m;
+    }
+}
+
 } // namespace
