@@ -32,7 +32,6 @@ constexpr double kWanders = 1.0;
 constexpr double kBorder_dB = 0.004;
 constexpr double kPlainBorder_dB = 0.05;
 constexpr double kPlainBorderGaps = 1.0;
-constexpr double kBorderErrors = 10.0;
 constexpr double kBorderGaps = 4.0;
 constexpr double kBorderWanders = 20.0;
 
@@ -180,8 +179,7 @@ double EventSites::foundationOf(const Site& site, double loss_dB, double signifi
     if (std::isnan(byLoss)) {
         return 0.0;
     }
-    const double clear =
-        std::max(kBorderErrors * site.error_dB, kBorderWanders * fibreTrace->noise().wander_dB());
+    const double clear = kBorderWanders * fibreTrace->noise().wander_dB();
     const auto fewest =
         static_cast<double>(std::min(site.left->line.samples, site.right->line.samples));
     const double gaps = std::abs(site.loss_dB) > kPlainBorder_dB ? kPlainBorderGaps : kBorderGaps;
