@@ -1,5 +1,6 @@
 #include "platform/otdr/core/eventdetection.h"
 
+#include "platform/otdr/core/darkness.h"
 #include "platform/otdr/core/echoes.h"
 #include "platform/otdr/core/eventfit.h"
 #include "platform/otdr/core/eventsearch.h"
@@ -428,9 +429,11 @@ private:
 
 } // namespace
 
-Detection detectEvents(const Trace& trace, const Measurement& measurement,
+Detection detectEvents(const Trace& whole, const Measurement& measurement,
                        const DetectionSettings& settings)
 {
+    const Trace trace(whole.samples().first(measuredSamples(whole)), whole.dbPerCount(),
+                      whole.axis());
     const double interval_ns = trace.axis().sampleInterval_ns;
     if (trace.size() < 16 || !(measurement.pulse_ns > 0.0) || !(interval_ns > 0.0)
         || !std::isfinite(measurement.pulse_ns / interval_ns) || !(trace.dbPerCount() > 0.0)

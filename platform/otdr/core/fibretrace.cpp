@@ -1,11 +1,13 @@
 #include "platform/otdr/core/fibretrace.h"
 
+#include "platform/otdr/core/darkness.h"
 #include "platform/otdr/core/samplerange.h"
 #include "platform/otdr/core/trace.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 namespace otdr {
@@ -51,19 +53,62 @@ constexpr double kLaunch_dB = 8.0;
 constexpr double kLaunchPulses = 30.0;
 constexpr double kLaunchSamples = 1000.0;
 
+/// How dark it is before that, the end of a record tells: so much of it, and so many samples at
+/// least, in so many parts. Light is brighter by this much.
+constexpr std::size_t kDarkPart = 50;
+constexpr std::size_t kDarkParts = 4;
+constexpr std::size_t kFewestDark = 512;
+constexpr double kAboveDark_dB = 3.0;
+
+/// What rises to that has begun to do so within so much of a pulse.
+constexpr double kEdgePulses = 0.5;
+
+/// The first sample that is brighter than the record's darkness, and so is a pulse from there on:
+/// noise has peaks. The first of all where there is none.
+std::size_t firstLit(const Trace& trace, double pulse, double least_dB)
+{
+    const auto length = static_cast<std::size_t>(std::max(kFewestSamples, pulse));
+    for (std::size_t i = 0; i < trace.size(); ++i) {
+        if (trace.level_dB(i) > least_dB && trace.meanLevel_dB(i, i + length) > least_dB) {
+            return i;
+        }
+    }
+    return 0;
+}
+
+/// What stands above the darkness at the end of a record, dB; -inf where any part of that end is
+/// not dark. In one of them an echo may stand.
+double leastLight_dB(const Trace& trace)
+{
+    const std::size_t part = std::max(trace.size() / kDarkPart, kFewestDark) / kDarkParts;
+    double dark_dB = std::numeric_limits<double>::infinity();
+    for (std::size_t k = 0; k < kDarkParts; ++k) {
+        const std::size_t last = trace.size() - k * part;
+        if (last < part || !isDark(trace, last - part, last)) {
+            return -std::numeric_limits<double>::infinity();
+        }
+        dark_dB = std::min(dark_dB, darknessOf(trace, last - part, last).most_dB);
+    }
+    return dark_dB + kAboveDark_dB;
+}
+
 double launchOf(const Trace& trace, double pulse)
 {
-    const auto stretch = static_cast<std::size_t>(
-        std::min(static_cast<double>(trace.size()), kLaunchSamples + kLaunchPulses * pulse));
-    std::vector<std::uint16_t> counts(trace.samples().begin(), trace.samples().begin() + stretch);
-    if (counts.empty()) {
+    if (trace.size() == 0) {
         return 0.0;
     }
+    const std::size_t lit = firstLit(trace, pulse, leastLight_dB(trace));
+    const auto edge = static_cast<std::size_t>(kEdgePulses * pulse);
+    const std::size_t from = lit - std::min(lit, edge);
+    const std::size_t to = from
+        + static_cast<std::size_t>(std::min(static_cast<double>(trace.size() - from),
+                                            kLaunchSamples + kLaunchPulses * pulse));
+    std::vector<std::uint16_t> counts(trace.samples().begin() + from, trace.samples().begin() + to);
     // Counts grow as light gets weaker.
     const auto bright = counts.begin() + static_cast<std::ptrdiff_t>(counts.size() / 4);
     std::nth_element(counts.begin(), bright, counts.end());
     const double least = trace.toLevel_dB(*bright) - kLaunch_dB;
-    for (std::size_t i = 0; i < stretch; ++i) {
+    for (std::size_t i = from; i < to; ++i) {
         if (trace.level_dB(i) > least) {
             return static_cast<double>(i);
         }

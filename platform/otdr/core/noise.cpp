@@ -1,5 +1,6 @@
 #include "platform/otdr/core/noise.h"
 
+#include "platform/otdr/core/darkness.h"
 #include "platform/otdr/core/decibels.h"
 #include "platform/otdr/core/lightfalls.h"
 #include "platform/otdr/core/scatter.h"
@@ -33,35 +34,12 @@ constexpr double kFallPulses = 2.0;
 /// Fewer second differences tell no scatter.
 constexpr std::size_t kFewestBetween = 16;
 
-/// What lies of a normal distribution below one sigma, and below minus one.
-constexpr double kBelowOneSigma = 0.8413;
-constexpr double kBelowMinusOneSigma = 0.1587;
-
-/// Nothing but dropouts lies below the level of this part of the samples.
-constexpr double kDropouts = 0.02;
-
-/// The noise floor is sought in the last tenth of a record.
-constexpr std::size_t kFloorPart = 10;
-
-/// Of pure noise, the level that 16 % exceed and the median lie far apart; of light with noise,
-/// close together. 1 dB: light of 1.7 times the noise.
-constexpr double kLeastSpread_dB = 1.0;
-
 /// Fibre that tells the noise scatters less than this, and stands so much above the least level.
 constexpr double kFibreSigma_dB = 0.15;
 constexpr double kLight_dB = 3.0;
 
 /// Decibels of the trace for a relative change of power, 5 / ln 10.
 constexpr double kDbPerRelative = 2.1715;
-
-/// The value that this part of the values, 0 .. 1, do not exceed.
-double quantileOf(std::vector<double>& values, double part)
-{
-    const auto place =
-        values.begin() + static_cast<std::ptrdiff_t>(part * static_cast<double>(values.size() - 1));
-    std::nth_element(values.begin(), place, values.end());
-    return *place;
-}
 
 } // namespace
 
@@ -237,38 +215,23 @@ double NoiseProfile::leastSigma_dB(double from, double to) const
 void NoiseProfile::measureFloor(const Trace& trace)
 {
     const std::size_t n = trace.size();
-    std::vector<double> levels;
-    const std::size_t from = n - n / kFloorPart;
-    const std::size_t stride = std::max<std::size_t>(1, (n - from) / (64 * kDifferencesPerBlock));
-    for (std::size_t i = from; i < n; i += stride) {
-        levels.push_back(trace.level_dB(i));
-    }
-    if (levels.empty()) {
+    if (n < kFloorPart) {
         return;
     }
-    rms = quantileOf(levels, kBelowOneSigma);
-    const double median = medianOf(levels);
-    // Light is below its noise where that much of it is cut off at the least level; of fibre with
-    // darkness behind it, the greater part may be as strong as the strongest.
-    const double lowest = quantileOf(levels, kDropouts);
-    const bool isSkewed =
-        powerRatio(median) - powerRatio(lowest) < 2.0 * (powerRatio(rms) - powerRatio(median));
-    const bool isCutOff = quantileOf(levels, kBelowMinusOneSigma) <= lowest && isSkewed;
-    if (rms - median < kLeastSpread_dB && !(isCutOff && rms - lowest >= kLeastSpread_dB)) {
-        rms = median + levelOfRatio_dB(sigmas.back() / kDbPerRelative);
+    const Darkness dark = darknessOf(trace, n - n / kFloorPart, n);
+    rms = dark.isNoise ? dark.rms_dB
+                       : dark.median_dB + levelOfRatio_dB(sigmas.back() / kDbPerRelative);
+    if (dark.isEmpty) {
+        rms = std::max(rms, dark.median_dB);
     }
     // Whatever light scatters by is no less than the noise makes it. Where samples stand at the
     // least that the record can hold there is no light.
-    const double least = *std::min_element(levels.begin(), levels.end());
-    if (median <= trace.toLevel_dB(kNoSignal)) {
-        rms = std::max(rms, median); // a record without noise: what stands at its least is dark
-    }
     std::vector<double> limits;
     for (std::size_t block = 0; block < sigmas.size(); ++block) {
         const std::size_t begin = first + block * blockSize;
         const double level = trace.meanLevel_dB(begin, std::min(last, begin + blockSize));
         if (sigmas[block] > 2.0 * kLeastSigma_dB && sigmas[block] < kFibreSigma_dB
-            && level > least + kLight_dB) {
+            && level > dark.least_dB + kLight_dB) {
             limits.push_back(level + levelOfRatio_dB(sigmas[block] / kDbPerRelative));
         }
     }

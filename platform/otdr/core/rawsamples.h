@@ -35,6 +35,12 @@ public:
 
     std::uint16_t operator[](std::size_t i) const { return data()[i]; }
 
+    /// The first of them, as many as there are up to this number; shares the block.
+    [[nodiscard]] RawSamples first(std::size_t number) const
+    {
+        return {counts, number < count ? number : count};
+    }
+
     /// Same counts; blocks that are shared compare at once.
     friend bool operator==(const RawSamples& a, const RawSamples& b);
 

@@ -223,7 +223,8 @@ TEST(FibreBehind, FollowsAPeakIfItsFallIsWithinChance)
         const DrawnFibre fibre(40000, {kPulse, 0.08 * kPulse, 5000.0, 20000.0}, [&](double i) {
             const double behind = std::clamp(i - kFall, 0.0, 1000.0);
             const double tail_dB = fall_dB * behind / (10.0 * kPulse);
-            return 30.0 - tail_dB + (++count % 3 == 0 ? scatter_dB : -scatter_dB);
+            const double part = ++count % 3 == 0 ? 1.0 : -1.0 + 0.1 * (count % 7);
+            return 30.0 - tail_dB + scatter_dB * part;
         });
         return followsIn(fibre);
     };

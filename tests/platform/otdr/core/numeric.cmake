@@ -1,6 +1,7 @@
 waveform_test(otdr_core_numeric_test
     SOURCES
         crc32_test.cpp
+        darkness_test.cpp
         decibels_test.cpp
         decimation_test.cpp
         detectedspan_test.cpp

@@ -54,6 +54,15 @@ TEST(Trace, FirstAndLastSampleContinueBeyondTheEnds)
     EXPECT_DOUBLE_EQ(traceOf({60535}).levelAt_dB(0.5), 5.0);
 }
 
+TEST(RawSamples, FirstOnesShareTheBlock)
+{
+    const RawSamples counts(std::vector<std::uint16_t> {7, 8, 9});
+    EXPECT_EQ(counts.first(2), RawSamples(std::vector<std::uint16_t>({7, 8})));
+    EXPECT_EQ(counts.first(2).data(), counts.data());
+    EXPECT_EQ(counts.first(9), counts);
+    EXPECT_TRUE(counts.first(0).empty());
+}
+
 TEST(Trace, MeanLevelIsThatOfTheSamplesThatThereAre)
 {
     const Trace trace = traceOf({60535, 58535, 59535}, 0.0005);
