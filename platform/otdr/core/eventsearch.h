@@ -41,6 +41,8 @@ private:
 
     [[nodiscard]] Receiver bestReceiver(const std::vector<const Site*>& clear,
                                         const Receiver& first) const;
+    [[nodiscard]] Receiver sharperReceiver(const std::vector<const Site*>& clear,
+                                           const Receiver& usual) const;
 
     /// A stretch of fibre between two places; up to `clear` there is a tail on it.
     struct Stretch

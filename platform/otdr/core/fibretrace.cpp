@@ -92,6 +92,14 @@ double leastLight_dB(const Trace& trace)
     return dark_dB + kAboveDark_dB;
 }
 
+/// However sharp the edges seem, a weak tail may follow that only long lines show.
+double deadZoneOf(const SearchScale& scale)
+{
+    const double slowest =
+        std::max(scale.timeConstant, PulseShape::kUsualTimeConstant * scale.pulse);
+    return PulseShape(scale.pulse, slowest).riseTo(kRisen) + scale.pulse + kGapMargin;
+}
+
 double launchOf(const Trace& trace, double pulse)
 {
     if (trace.size() == 0) {
@@ -130,7 +138,7 @@ FibreTrace::FibreTrace(const Trace& trace, const SearchScale& scale)
     , begin(launchOf(trace, scale.pulse))
     , scatter(trace, scale.pulse, static_cast<std::size_t>(begin), trace.size())
     , pulseShape(scale.pulse, scale.timeConstant)
-    , deadZone(pulseShape.riseTo(kRisen) + scale.pulse + kGapMargin)
+    , deadZone(deadZoneOf(scale))
 {
 }
 
@@ -144,7 +152,7 @@ void FibreTrace::setTimeConstant(double samples)
 {
     limits.timeConstant = samples;
     pulseShape = PulseShape(limits.pulse, samples);
-    deadZone = pulseShape.riseTo(kRisen) + limits.pulse + kGapMargin;
+    deadZone = deadZoneOf(limits);
 }
 
 double FibreTrace::size() const

@@ -8,7 +8,9 @@ namespace otdr {
 
 namespace {
 
+/// Edges are as long as this, or as the time constant if the receiver shows them to be shorter.
 constexpr double kEdgePulses = 0.1;
+constexpr double kEdgeTimeConstants = kEdgePulses / PulseShape::kUsualTimeConstant;
 constexpr double kLongestTimeConstantPulses = 20.0;
 
 /// Entries of the tables for one width of the pulse.
@@ -40,7 +42,8 @@ PulseShape::PulseShape(double pulse, double timeConstant)
     , cellsPerSample(kCells / pulse)
 {
     const double tau = std::clamp(timeConstant / pulse, 0.01, kLongestTimeConstantPulses) * kCells;
-    const auto edge = static_cast<std::size_t>(kEdgePulses * kCells);
+    const double rounded = std::min(kEdgePulses, kEdgeTimeConstants * tau / kCells);
+    const auto edge = static_cast<std::size_t>(std::max(1.0, std::round(rounded * kCells)));
     const auto size = kCells + 2 * edge + static_cast<std::size_t>(kTimeConstants * tau) + 2;
 
     const std::vector<double> sharp(size, 1.0);

@@ -9,12 +9,14 @@ namespace otdr {
 /// What a receiver makes of a rectangular pulse, by the sample: how the trace goes over from one
 /// level to another behind a loss, and how it rises and falls at a reflection.
 ///
-/// The edges of the pulse are rounded by two boxes of a tenth of its width each and by the single
-/// pole of the receiver. Nothing changes before the event itself.
+/// The edges of the pulse are rounded by two boxes of a tenth of its width each, or of less where
+/// the receiver is faster than suits the pulse, and by the single pole of the receiver. Nothing
+/// changes before the event itself.
 class PulseShape
 {
 public:
-    /// Time constant of a receiver whose bandwidth suits the pulse, pulses, and the least there is.
+    /// Time constant of a receiver whose bandwidth suits the pulse, pulses, and the least that is
+    /// thought of where the trace does not tell it.
     static constexpr double kUsualTimeConstant = 0.08;
     static constexpr double kShortestTimeConstant_ns = 1.0;
 

@@ -137,6 +137,32 @@ TEST(EventSearch, LossesTellThatTheReceiverIsAsFastAsUsual)
     EXPECT_DOUBLE_EQ(scaleFoundOn(link).timeConstant, 1.6);
 }
 
+/// Ramps with sharp corners, as of a long pulse and a receiver that was made for short ones: taken
+/// for rounded ones, their corners would be losses before them and light upon them.
+TEST(EventSearch, LearnsAReceiverFasterThanSuitsThePulse)
+{
+    for (const double timeConstant : {0.2, 0.4, 0.8}) {
+        const otdr::PulseShape shape(kPulse, timeConstant);
+        const DrawnFibre link(
+            12000, scaleOf(kPulse),
+            [&](double i) {
+                return 40.0 - 0.00003 * i + eventLevel_dB(shape, i - 3000.0, 0.0, -0.3)
+                    + eventLevel_dB(shape, i - 6000.0, 0.0, -0.4)
+                    + eventLevel_dB(shape, i - 9000.0, 0.0, -0.3);
+            },
+            0.0005);
+        const otdr::Trace trace(link->samples().samples(), otdr::kUsualDbPerCount,
+                                otdr::TraceAxis {10.0, 0.0});
+        const EventSearch search(trace, {10.0 * kPulse, 0.1, -80.0}, {});
+        EXPECT_LT(search.trace().scale().timeConstant, 2.0 * timeConstant);
+        ASSERT_EQ(search.places().sites().size(), 3U) << timeConstant;
+        for (std::size_t k = 0; k < 3; ++k) {
+            EXPECT_FALSE(search.places().sites()[k].reflects()) << timeConstant;
+            EXPECT_NEAR(search.places().sites()[k].at, 3000.0 * static_cast<double>(k + 1), 1.0);
+        }
+    }
+}
+
 TEST(EventSearch, KeepsTheUsualReceiverWhereNothingSpeaksAgainstIt)
 {
     const DrawnFibre link = linkOf({{3000.0, 0.3, 0.0}, {6000.0, 0.1, 15.0}}, 1.6);

@@ -49,9 +49,20 @@ TEST(PulseShape, DelayIsHalfAPulseAndThatOfTheReceiver)
 
 TEST(PulseShape, CentreLiesNearTheDelay)
 {
-    for (const double timeConstant : {1.0, 4.0}) {
+    for (const double timeConstant : {3.2, 4.0}) {
         const PulseShape shape(40.0, timeConstant);
         EXPECT_NEAR(shape.centre(), 0.6 * 40.0 + timeConstant, 0.4);
+    }
+}
+
+/// A receiver that is faster than suits the pulse shows edges that are shorter, too, by as much: of
+/// the delay half a pulse is left.
+TEST(PulseShape, EdgesAreAsShortAsAFastReceiverShowsThem)
+{
+    for (const double part : {0.08, 0.04, 0.02, 0.01}) {
+        const PulseShape shape(40.0, part * 40.0);
+        EXPECT_NEAR(shape.centre(), (0.5 + 0.1 * part / 0.08 + part) * 40.0, 0.4) << part;
+        EXPECT_LT(shape.riseTo(0.5), 0.25 * 40.0 * part / 0.08) << part;
     }
 }
 
@@ -70,8 +81,8 @@ TEST(PulseShape, StepInAFallingFibreWeighsWhatIsNearerMore)
 {
     const double w = 1000.0;
     const double decay = 0.1 / w;
-    const PulseShape shape(w, 0.01 * w);
-    const double late = 0.1 * w + 0.01 * w; // by the edges
+    const PulseShape shape(w, 0.016 * w);
+    const double late = 0.02 * w + 0.016 * w; // by the edges and the receiver
     for (const double part : {0.3, 0.5, 0.7}) {
         const double expected = std::expm1(decay * part * w) / std::expm1(decay * w);
         EXPECT_NEAR(shape.step(part * w + late, decay), expected, 1e-3) << part;
