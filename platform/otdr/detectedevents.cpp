@@ -80,6 +80,16 @@ Event fibreOf(const otdr::DetectedSection& section, const Places& places)
 
 } // namespace
 
+otdr::Measurement measurementOf(const TraceState& state)
+{
+    return {state.pulse_ns, state.metresPerNs(), state.backscatter_dB};
+}
+
+bool isListed(const otdr::DetectedEvent& found)
+{
+    return !found.echo && found.evidence != otdr::DetectedEvent::Evidence::Range;
+}
+
 otdr::Detection detectionOf(const TraceState& state)
 {
     return detectionOf(
@@ -91,8 +101,7 @@ otdr::Detection detectionOf(const TraceState& state, const otdr::DetectionSettin
     if (!state.trace) {
         return {};
     }
-    return otdr::detectEvents(
-        *state.trace, {state.pulse_ns, state.metresPerNs(), state.backscatter_dB}, settings);
+    return otdr::detectEvents(*state.trace, measurementOf(state), settings);
 }
 
 EventList eventListOf(const otdr::Detection& detection, const TraceState& state)
@@ -110,8 +119,7 @@ EventList eventListOf(const otdr::Detection& detection, const TraceState& state)
             attenuationBefore = section->attenuation_dBPerKm;
             events << fibreOf(*section, places);
         }
-        const bool isRange = found.evidence == otdr::DetectedEvent::Evidence::Range;
-        if (!found.echo && !isRange) {
+        if (isListed(found)) {
             Event event = eventOf(found, places);
             event.attenuationBefore = attenuationBefore;
             events << event;

@@ -4,6 +4,9 @@
 #include "platform/otdr/event.h"
 #include "platform/otdr/tracestate.h"
 
+/// What the search must know of how a trace was measured.
+[[nodiscard]] otdr::Measurement measurementOf(const TraceState& state);
+
 /// Finds the events of a trace, see otdr::detectEvents, with the thresholds of its file where it
 /// has one. Nothing on a state without a trace.
 [[nodiscard]] otdr::Detection detectionOf(const TraceState& state);
@@ -11,6 +14,10 @@
 /// The same with these settings.
 [[nodiscard]] otdr::Detection detectionOf(const TraceState& state,
                                           const otdr::DetectionSettings& settings);
+
+/// Whether it is part of an event list: an echo is not, and not the end of a record before that of
+/// the fibre.
+[[nodiscard]] bool isListed(const otdr::DetectedEvent& found);
 
 /// What was found as an event list: the span start at 0 m, then events and the fibre sections
 /// between them, in order along the fibre. Echoes are left out: nothing is there. Without an end

@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
-#include <optional>
 #include <utility>
 
 namespace evfind {
@@ -17,23 +16,15 @@ namespace evfind {
 namespace {
 
 /// Why a trace cannot be searched, if so. A snapshot always tells its spacing.
-std::optional<std::string> obstacleOf(const TraceState& trace)
+const char* obstacleOf(const TraceState& trace)
 {
     if (trace.file && !(otdr::sor::sampleInterval_ns(*trace.file) > 0.0)) {
         return "the spacing of the samples is not told";
     }
-    if (!(trace.pulse_ns > 0.0)) {
-        return "the width of the pulse is not told";
-    }
-    return std::nullopt;
+    return trace.pulse_ns > 0.0 ? nullptr : "the width of the pulse is not told";
 }
 
 } // namespace
-
-long Findings::sampleOf(const Event& event) const
-{
-    return std::lround(trace.indexAt(event.coordinate));
-}
 
 otdr::Result<Findings> findEvents(const std::string& path)
 {
@@ -41,15 +32,20 @@ otdr::Result<Findings> findEvents(const std::string& path)
     if (!loaded) {
         return loaded.error();
     }
-    if (const auto obstacle = obstacleOf(*loaded)) {
+    if (const char* obstacle = obstacleOf(*loaded)) {
         return otdr::Error {otdr::ErrorCode::Damaged,
-                            path + ": events cannot be found: " + *obstacle, 0};
+                            path + ": events cannot be found: " + obstacle, 0};
     }
-    Findings found {path, std::move(*loaded), {}, {}};
+    Findings found {path, std::move(*loaded), {}, {}, {}};
     found.detection = detectionOf(found.trace);
     const EventList all = eventListOf(found.detection, found.trace);
     std::copy_if(all.begin(), all.end(), std::back_inserter(found.events),
                  [](const Event& event) { return event.type != Event::Fiber; });
+    for (const otdr::DetectedEvent& event : found.detection.events) {
+        if (isListed(event)) {
+            found.samples.push_back(std::lround(event.index));
+        }
+    }
     return found;
 }
 

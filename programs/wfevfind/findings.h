@@ -6,6 +6,7 @@
 #include "platform/otdr/tracestate.h"
 
 #include <string>
+#include <vector>
 
 namespace evfind {
 
@@ -16,9 +17,7 @@ struct Findings
     TraceState trace;
     otdr::Detection detection;
     EventList events; ///< without the fibre sections between them; in order along the fibre
-
-    /// Where an event stands in the record: index of the sample, from 0.
-    [[nodiscard]] long sampleOf(const Event& event) const;
+    std::vector<long> samples; ///< of each event: index in the record, from 0
 };
 
 /// Reads a trace file or a snapshot and finds its events.

@@ -19,10 +19,11 @@ QJsonValue number(double value)
 QJsonArray eventsOf(const Findings& found)
 {
     QJsonArray events;
-    for (const Event& event : found.events) {
+    for (std::size_t i = 0; i < found.samples.size(); ++i) {
+        const Event& event = found.events[static_cast<int>(i)];
         events.append(QJsonObject {
             {"kind", QString(QLatin1Char(event.type))},
-            {"sample", static_cast<qint64>(found.sampleOf(event))},
+            {"sample", static_cast<qint64>(found.samples[i])},
             {"distance_m", number(event.coordinate)},
             {"loss_db", number(event.loss)},
             {"reflectance_db", number(event.reflectance)},

@@ -17,13 +17,15 @@ namespace {
 
 constexpr std::uint16_t kUsualScale = 1000;
 
-/// Samples of a file whose scale factor is not the usual one, in counts of 0.001 dB.
+/// Samples of a file whose scale factor is not the usual one, in counts of 0.001 dB. What the
+/// levels count from means nothing: the weakest sample becomes that without signal, so that all
+/// the others find room above it.
 otdr::RawSamples rescaled(const otdr::sor::DataPts& data)
 {
+    const std::uint16_t weakest = *std::max_element(data.samples.begin(), data.samples.end());
     std::vector<std::uint16_t> counts(data.samples.size());
     std::transform(data.samples.begin(), data.samples.end(), counts.begin(), [&](auto raw) {
-        const double level =
-            (otdr::kNoSignal - raw) * static_cast<double>(data.scaleFactor) / kUsualScale;
+        const double level = (weakest - raw) * static_cast<double>(data.scaleFactor) / kUsualScale;
         const double shown = std::min<double>(std::round(level), otdr::kNoSignal);
         return static_cast<std::uint16_t>(otdr::kNoSignal - static_cast<int>(shown));
     });

@@ -37,8 +37,9 @@ constexpr double kOwnRisePulses = 0.5;
 /// Light that has fallen by this much is gone: what rises then is no reflection of the fibre.
 constexpr double kGone_dB = 3.0;
 
-/// A trace of fewer pulses tells nothing.
+/// A trace of fewer pulses or samples tells nothing.
 constexpr double kFewestPulses = 8.0;
+constexpr std::size_t kFewestSamples = 16;
 
 /// Tells what a search has found, in the words of a Detection.
 class Listing
@@ -427,6 +428,16 @@ private:
     Detection result;
 };
 
+bool canBeSearched(const Trace& trace, const Measurement& measurement)
+{
+    const TraceAxis& axis = trace.axis();
+    const double pulse = measurement.pulse_ns / axis.sampleInterval_ns;
+    return trace.size() >= kFewestSamples && measurement.pulse_ns > 0.0
+        && axis.sampleInterval_ns > 0.0 && std::isfinite(pulse) && trace.dbPerCount() > 0.0
+        && std::isfinite(axis.firstSample_ns)
+        && kFewestPulses * pulse <= static_cast<double>(trace.size());
+}
+
 } // namespace
 
 Detection detectEvents(const Trace& whole, const Measurement& measurement,
@@ -434,14 +445,7 @@ Detection detectEvents(const Trace& whole, const Measurement& measurement,
 {
     const Trace trace(whole.samples().first(measuredSamples(whole)), whole.dbPerCount(),
                       whole.axis());
-    const double interval_ns = trace.axis().sampleInterval_ns;
-    if (trace.size() < 16 || !(measurement.pulse_ns > 0.0) || !(interval_ns > 0.0)
-        || !std::isfinite(measurement.pulse_ns / interval_ns) || !(trace.dbPerCount() > 0.0)
-        || !std::isfinite(trace.axis().firstSample_ns)) {
-        return {};
-    }
-    const double pulse = measurement.pulse_ns / interval_ns;
-    if (kFewestPulses * pulse > static_cast<double>(trace.size())) {
+    if (!canBeSearched(trace, measurement)) {
         return {};
     }
     const EventSearch search(trace, measurement, settings);

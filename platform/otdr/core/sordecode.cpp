@@ -85,6 +85,16 @@ struct Section
     Body samples;
 };
 
+/// Of two numbers of samples the larger one that the block holds; the first where it holds neither.
+std::uint32_t countThatFits(std::uint32_t first, std::uint32_t second, std::size_t bytes)
+{
+    const auto [fewer, more] = std::minmax(first, second);
+    if (more <= bytes / 2) {
+        return more;
+    }
+    return fewer <= bytes / 2 ? fewer : first;
+}
+
 /// The sections of a DataPts block, cut to what is there.
 std::vector<Section> readSections(ByteReader& reader, Notes& notes)
 {
@@ -105,9 +115,11 @@ std::vector<Section> readSections(ByteReader& reader, Notes& notes)
             break;
         }
         if (stated <= 1 && total > 0 && total != count) {
+            const std::uint32_t taken = countThatFits(total, count, reader.remaining());
             notes.emplace_back("the samples are counted as " + std::to_string(total) + " and as "
-                               + std::to_string(count) + "; the first is taken");
-            count = total;
+                               + std::to_string(count) + "; " + std::to_string(taken)
+                               + " are taken");
+            count = taken;
         }
         section.samples = reader.take(2 * static_cast<std::size_t>(count));
         wanted += count;
@@ -128,6 +140,24 @@ std::uint16_t usableScale(std::uint16_t stated, Notes& notes)
     }
     notes.emplace_back("the scale factor of the samples is 0; 1.000 is assumed");
     return kDefaultScale;
+}
+
+/// The finest scale of the sections that holds the counts of all of them.
+std::uint16_t commonScale(const std::vector<Section>& sections)
+{
+    std::uint64_t most = 0; // in counts of a scale factor of one
+    for (const Section& section : sections) {
+        for (const std::uint16_t count : RawSamples::fromLittleEndian(section.samples)) {
+            most = std::max<std::uint64_t>(most, std::uint64_t {count} * section.scale);
+        }
+    }
+    std::uint16_t finest = 0xFFFF;
+    for (const Section& section : sections) {
+        if (section.scale < finest && most <= std::uint64_t {section.scale} * 0xFFFF) {
+            finest = section.scale;
+        }
+    }
+    return finest;
 }
 
 void appendScaled(const Section& section, std::uint16_t scale, std::vector<std::uint16_t>& counts)
@@ -267,7 +297,7 @@ std::size_t decodeLandmarks(Body body, std::vector<Landmark>& landmarks, Notes& 
 std::size_t decodeDataPts(Body body, DataPts& data, Notes& notes)
 {
     ByteReader reader(body);
-    const std::vector<Section> sections = readSections(reader, notes);
+    std::vector<Section> sections = readSections(reader, notes);
     if (sections.empty()) {
         return reader.position();
     }
@@ -278,10 +308,13 @@ std::size_t decodeDataPts(Body body, DataPts& data, Notes& notes)
     }
     notes.emplace_back("the samples come in " + std::to_string(sections.size())
                        + " sections; they are joined");
+    for (Section& section : sections) {
+        section.scale = section.scale != 0 ? section.scale : data.scaleFactor;
+    }
+    data.scaleFactor = commonScale(sections);
     std::vector<std::uint16_t> counts;
     counts.reserve(body.size() / 2);
-    for (Section section : sections) {
-        section.scale = section.scale != 0 ? section.scale : data.scaleFactor;
+    for (const Section& section : sections) {
         appendScaled(section, data.scaleFactor, counts);
     }
     data.samples = RawSamples(counts);

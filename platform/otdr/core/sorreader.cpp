@@ -12,8 +12,11 @@
 
 #include <cerrno>
 #include <cmath>
+#include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <exception>
+#include <set>
 #include <utility>
 
 namespace otdr {
@@ -21,6 +24,9 @@ namespace otdr {
 namespace {
 
 using Bytes = std::vector<std::byte>;
+
+/// Samples span the range to this part of it.
+constexpr double kSameRange = 0.02;
 
 // Short enough to need no memory itself.
 constexpr const char* kNoMemory = "out of memory";
@@ -53,6 +59,45 @@ void decodeBlocks(sor::File& file)
     }
 }
 
+void noteBackscatter(sor::File& file)
+{
+    const double read_dB = sor::backscatter_dB(file);
+    if (file.fxd.backscatter == 0 || read_dB == file.fxd.backscatter / -10.0) {
+        return;
+    }
+    char text[16];
+    std::snprintf(text, sizeof(text), "%.1f", read_dB);
+    file.notes.emplace_back(
+        "the backscatter coefficient is stored as " + std::to_string(file.fxd.backscatter)
+        + (std::isnan(read_dB) ? ", which none is; the usual one is taken"
+                               : "; it is read as " + std::string(text) + " dB"));
+}
+
+/// What the spacing tells beside what else there is.
+void noteSpacings(sor::File& file)
+{
+    std::set<std::uint32_t> spacings;
+    for (const sor::PulseEntry& pulse : file.fxd.pulses) {
+        spacings.insert(pulse.dataSpacing);
+    }
+    spacings.erase(0);
+    if (spacings.size() > 1) {
+        file.notes.emplace_back("the samples are told to have several spacings; one is taken for "
+                                "all of them");
+    }
+    // A spacing in another unit: what else the range and the samples differ by means nothing, and
+    // fewer samples may have been cut off.
+    const double range_ns = file.fxd.acquisitionRange * kCountNs;
+    const double reach_ns =
+        sor::sampleInterval_ns(file) * static_cast<double>(file.data.samples.size());
+    const double tens = std::round(std::log10(reach_ns / range_ns));
+    const double rest = reach_ns / range_ns / std::pow(10.0, tens);
+    if (std::isfinite(tens) && tens > 0.0 && std::abs(rest - 1.0) < kSameRange) {
+        file.notes.emplace_back("the data spacing is 1e" + std::to_string(std::lround(tens))
+                                + " times what the range allows; distances may be wrong");
+    }
+}
+
 /// Tells what the values will be read as where the file's own cannot be.
 void noteSubstitutes(sor::File& file)
 {
@@ -64,6 +109,8 @@ void noteSubstitutes(sor::File& file)
         file.notes.emplace_back("the group index " + std::to_string(file.fxd.groupIndex)
                                 + "e-5 is impossible; 1.46800 is assumed");
     }
+    noteBackscatter(file);
+    noteSpacings(file);
     const std::uint32_t stated = file.fxd.pulses.empty() ? 0 : file.fxd.pulses.front().dataSpacing;
     const double interval_ns = sor::sampleInterval_ns(file);
     if (std::isnan(interval_ns)) {

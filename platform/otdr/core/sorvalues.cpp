@@ -15,6 +15,13 @@ namespace otdr::sor {
 namespace {
 
 constexpr double kUnknown = std::numeric_limits<double>::quiet_NaN();
+constexpr double kLongestWavelength_nm = 5000.0;
+
+/// Backscatter coefficients of glass fibres at 1 ns, and by how much they are larger at 1 us.
+constexpr double kWeakestBackscatter_dB = -90.0;
+constexpr double kStrongestBackscatter_dB = -60.0;
+constexpr double kAtMicrosecond_dB = 30.0;
+
 constexpr double kCountsPerNs = 5.0; // of pulse width; a pulse covers half its duration, one way
 
 bool contains(const std::string& text, std::string_view part)
@@ -49,9 +56,29 @@ double knownOrNaN(double value)
     return value != 0.0 ? value : kUnknown;
 }
 
+/// The first that tells its width and its spacing; where none does, the first.
 PulseEntry firstPulse(const File& file)
 {
-    return file.fxd.pulses.empty() ? PulseEntry {} : file.fxd.pulses.front();
+    const auto& pulses = file.fxd.pulses;
+    const auto told = std::find_if(pulses.begin(), pulses.end(), [](const PulseEntry& pulse) {
+        return pulse.width_ns > 0 && pulse.dataSpacing > 0;
+    });
+    if (told != pulses.end()) {
+        return *told;
+    }
+    return pulses.empty() ? PulseEntry {} : pulses.front();
+}
+
+/// Of the wavelength that GenParams tells: nanometres, or tenths of them beyond all fibre.
+double statedWavelength_nm(const File& file)
+{
+    const double stored = file.gen.wavelength_nm;
+    return stored > kLongestWavelength_nm ? stored / 10.0 : stored;
+}
+
+bool isBackscatter(double coefficient_dB)
+{
+    return coefficient_dB >= kWeakestBackscatter_dB && coefficient_dB <= kStrongestBackscatter_dB;
 }
 
 /// Stated spacing, counts, without the error that one model makes in it.
@@ -93,21 +120,21 @@ int nominalWavelength_nm(const File& file)
 {
     const double actual_nm = actualWavelength_nm(file);
     if (file.gen.wavelength_nm != 0 || std::isnan(actual_nm)) {
-        return file.gen.wavelength_nm;
+        return static_cast<int>(std::lround(statedWavelength_nm(file)));
     }
     return static_cast<int>(std::lround(actual_nm));
 }
 
 double actualWavelength_nm(const File& file)
 {
-    const double nominal_nm = file.gen.wavelength_nm;
+    const double nominal_nm = statedWavelength_nm(file);
     const double whole_nm = file.fxd.actualWavelength;
     if (whole_nm == 0.0) {
         return knownOrNaN(nominal_nm);
     }
     const double tenths_nm = whole_nm / 10.0;
     const bool isTenths = nominal_nm == 0.0
-        ? whole_nm > 5000.0
+        ? whole_nm > kLongestWavelength_nm
         : std::abs(tenths_nm - nominal_nm) < std::abs(whole_nm - nominal_nm);
     return isTenths ? tenths_nm : whole_nm;
 }
@@ -143,7 +170,16 @@ double averagingTime_s(const File& file)
 
 double backscatter_dB(const File& file)
 {
-    return knownOrNaN(file.fxd.backscatter / -10.0);
+    const int stored = file.fxd.backscatter;
+    const int signedStored = stored > 0x7FFF ? stored - 0x10000 : stored;
+    const double counts = -std::abs(signedStored);
+    for (const double reading :
+         {counts / 10.0, counts / 100.0, counts, counts / 10.0 - kAtMicrosecond_dB}) {
+        if (isBackscatter(reading)) {
+            return reading;
+        }
+    }
+    return kUnknown;
 }
 
 double level_dB(const File& file, std::uint16_t raw)

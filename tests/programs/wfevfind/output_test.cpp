@@ -50,6 +50,16 @@ TEST_F(EvFindOutput, CountsSamplesFromTheFirstOfTheRecord)
     EXPECT_NEAR(builder.indexOf(3_km), 400.0 + link().indexOf(3_km), 1e-6);
 }
 
+/// Where the zero of the distances lies between two samples moves no event in the record.
+TEST_F(EvFindOutput, SamplesDoNotDependOnWhereZeroLies)
+{
+    const QByteArray lines = run({"-i", files.writeSnapshot("plain.bin", link())}).out;
+    for (double part = 0.1; part < 1.0; part += 0.1) {
+        const QString moved = files.writeSnapshot("moved.bin", link(), 10.0, -10.0 * part);
+        EXPECT_EQ(run({"-i", moved}).out, lines) << part;
+    }
+}
+
 TEST_F(EvFindOutput, LeavesAnEndThatIsNotReachedOut)
 {
     const TraceBuilder builder = TraceBuilder().fibre(8_km).splice(4_km, 0.3_dB).noise(0.01_dB, 4);

@@ -139,6 +139,16 @@ TEST_F(ReplayFile, AnotherScaleFactorIsBroughtToTheUsualOne)
     EXPECT_TRUE(replay(file)->snapshot.samples == otdr::RawSamples({65535, 65527, 65135, 0}));
 }
 
+/// What the levels of a file count from means nothing: noise that stands far above no signal leaves
+/// the light no less room.
+TEST_F(ReplayFile, ACoarseScaleLosesNothingOfTheLight)
+{
+    otdr::sor::File file = goodFile();
+    file.data.scaleFactor = 2000;
+    file.data.samples = otdr::RawSamples({40'000, 30'000, 20'000, 8'000});
+    EXPECT_TRUE(replay(file)->snapshot.samples == otdr::RawSamples({65535, 45535, 25535, 1535}));
+}
+
 TEST_F(ReplayFile, WhatIsNoTraceIsAnError)
 {
     EXPECT_EQ(readReplay(path(), {}).error().code, otdr::ErrorCode::CannotOpen);

@@ -208,17 +208,81 @@ TEST(SorReader, TrustsTheSamplesThatAreThere)
     EXPECT_THAT(file->notes, ElementsAre("of 4000000000 samples the file holds 2"));
 }
 
-TEST(SorReader, TakesTheTotalWhereTheSectionCountsOtherwise)
+TEST(SorReader, TellsHowAnUnusualBackscatterCoefficientIsRead)
 {
-    auto blocks = SorSketch::plain().blocks();
-    blocks[4].body = ByteSketch().u32(3).u16(1).u32(2).u16(1000).u16(7).u16(8).u16(9).u16(10).done;
-    const auto file = readBytes(SorSketch::assemble(2, blocks));
-    ASSERT_TRUE(file.ok());
-    EXPECT_EQ(file->data.samples, otdr::RawSamples({7, 8, 9}));
-    EXPECT_THAT(file->notes, ElementsAre(HasSubstr("counted as 3 and as 2")));
+    SorSketch sketch = SorSketch::plain();
+    sketch.fxd.backscatter = 7950;
+    EXPECT_THAT(readSketch(sketch).notes, ElementsAre(HasSubstr("stored as 7950; it is read as")));
+    sketch.fxd.backscatter = 30'000;
+    EXPECT_THAT(readSketch(sketch).notes, ElementsAre(HasSubstr("the usual one is taken")));
+    sketch.fxd.backscatter = 0;
+    EXPECT_THAT(readSketch(sketch).notes, IsEmpty());
 }
 
-TEST(SorReader, JoinsSectionsOnTheScaleOfTheFirst)
+TEST(SorReader, TellsOfSpacingsThatDiffer)
+{
+    SorSketch sketch = SorSketch::plain();
+    const sor::PulseEntry one = sketch.fxd.pulses.front();
+    sketch.fxd.pulses = {one, one};
+    EXPECT_THAT(readSketch(sketch).notes, IsEmpty());
+    sketch.fxd.pulses[1].dataSpacing *= 4;
+    EXPECT_THAT(readSketch(sketch).notes, ElementsAre(HasSubstr("several spacings")));
+}
+
+TEST(SorReader, TellsOfASpacingInAnotherUnitThanTheRange)
+{
+    SorSketch sketch = SorSketch::plain();
+    const double span =
+        sketch.fxd.pulses[0].dataSpacing * 1e-4 * static_cast<double>(sketch.samples.size());
+    const auto notesFor = [&](double factor) {
+        sketch.fxd.acquisitionRange = static_cast<std::uint32_t>(span * factor);
+        return readSketch(sketch).notes;
+    };
+    EXPECT_THAT(notesFor(1.01), IsEmpty());
+    EXPECT_THAT(notesFor(0.5), IsEmpty());
+    EXPECT_THAT(notesFor(0.1), ElementsAre(HasSubstr("1e1 times what the range allows")));
+    EXPECT_THAT(notesFor(0.001), ElementsAre(HasSubstr("1e3 times what the range allows")));
+    EXPECT_THAT(notesFor(10.0), IsEmpty()); // samples may have been cut off
+}
+
+/// Of two counts the one that the block has room for, and the larger one where it has for both.
+TEST(SorReader, TakesTheSamplesThatFitWhereTheSectionCountsOtherwise)
+{
+    const auto samplesOf = [](unsigned total, unsigned count) {
+        auto blocks = SorSketch::plain().blocks();
+        blocks[4].body =
+            ByteSketch().u32(total).u16(1).u32(count).u16(1000).u16(7).u16(8).u16(9).u16(10).done;
+        const auto file = readBytes(SorSketch::assemble(2, blocks));
+        EXPECT_TRUE(file.ok());
+        EXPECT_THAT(file->notes,
+                    testing::Contains(HasSubstr("counted as " + std::to_string(total) + " and as "
+                                                + std::to_string(count))));
+        return file->data.samples;
+    };
+    EXPECT_EQ(samplesOf(3, 2), otdr::RawSamples({7, 8, 9}));
+    EXPECT_EQ(samplesOf(2, 4), otdr::RawSamples({7, 8, 9, 10}));
+    EXPECT_EQ(samplesOf(4, 5), otdr::RawSamples({7, 8, 9, 10}));
+    EXPECT_EQ(samplesOf(9, 3), otdr::RawSamples({7, 8, 9}));
+    EXPECT_EQ(samplesOf(9, 5), otdr::RawSamples({7, 8, 9, 10}));
+}
+
+/// The finest of the scales on which all samples have room: 90 % of a trace are not rounded to the
+/// steps of its beginning.
+TEST(SorReader, JoinsSectionsOnTheFinestScaleThatHoldsThem)
+{
+    auto blocks = SorSketch::plain().blocks();
+    ByteSketch body;
+    body.u32(4).u16(2);
+    body.u32(2).u16(10'000).u16(100).u16(6'553);
+    body.u32(2).u16(1000).u16(1234).u16(60'001);
+    blocks[4].body = body.done;
+    const auto file = readBytes(SorSketch::assemble(2, blocks));
+    ASSERT_TRUE(file.ok());
+    EXPECT_EQ(file->data.scaleFactor, 1000);
+    EXPECT_EQ(file->data.samples, otdr::RawSamples({1000, 65'530, 1234, 60'001}));
+}
+
+TEST(SorReader, JoinsSectionsOnACoarserScaleWhereTheyNeedIt)
 {
     auto blocks = SorSketch::plain().blocks();
     ByteSketch body;
@@ -228,7 +292,8 @@ TEST(SorReader, JoinsSectionsOnTheScaleOfTheFirst)
     blocks[4].body = body.done;
     const auto file = readBytes(SorSketch::assemble(2, blocks));
     ASSERT_TRUE(file.ok());
-    EXPECT_EQ(file->data.samples, otdr::RawSamples({100, 200, 300, 150, 5, 65'535}));
+    EXPECT_EQ(file->data.scaleFactor, 1500);
+    EXPECT_EQ(file->data.samples, otdr::RawSamples({67, 133, 200, 100, 3, 60'000}));
     EXPECT_THAT(file->notes, ElementsAre(HasSubstr("2 sections")));
 }
 

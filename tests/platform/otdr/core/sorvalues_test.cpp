@@ -61,6 +61,35 @@ TEST(SorWavelength, ComesFromTheOtherBlockWhereOneNamesNone)
     EXPECT_EQ(sor::nominalWavelength_nm(file), 1550);
 }
 
+TEST(SorWavelength, MayBeInTenthsInBothBlocks)
+{
+    EXPECT_DOUBLE_EQ(actual(15'500, 15'532), 1553.2);
+    EXPECT_DOUBLE_EQ(actual(15'500, 0), 1550.0);
+    EXPECT_DOUBLE_EQ(actual(8500, 850), 850.0);
+    sor::File file;
+    file.gen.wavelength_nm = 16'250;
+    EXPECT_EQ(sor::nominalWavelength_nm(file), 1625);
+}
+
+TEST(SorBackscatter, IsReadInWhicheverWayAFibreCanHaveIt)
+{
+    sor::File file;
+    const auto coefficient = [&file](int stored) {
+        file.fxd.backscatter = static_cast<std::uint16_t>(stored);
+        return sor::backscatter_dB(file);
+    };
+    EXPECT_DOUBLE_EQ(coefficient(795), -79.5);
+    EXPECT_DOUBLE_EQ(coefficient(600), -60.0);
+    EXPECT_DOUBLE_EQ(coefficient(900), -90.0);
+    EXPECT_DOUBLE_EQ(coefficient(65536 - 795), -79.5); // with its sign
+    EXPECT_DOUBLE_EQ(coefficient(7950), -79.5); // hundredths
+    EXPECT_DOUBLE_EQ(coefficient(80), -80.0); // whole
+    EXPECT_DOUBLE_EQ(coefficient(495), -79.5); // at 1 us
+    for (const int none : {0, 10, 65, 599 + 302, 2000, 30'000, 65'535}) {
+        EXPECT_EQ(std::isnan(coefficient(none)), none != 65) << none;
+    }
+}
+
 TEST(SorGroupIndex, IsReplacedOutsideWhatGlassCanHave)
 {
     sor::File file;
@@ -91,6 +120,17 @@ TEST(SorSpacing, IsCountsForTenThousandSamples)
     sor::File file = withFxd();
     EXPECT_DOUBLE_EQ(sor::sampleInterval_ns(file), 10.0);
     EXPECT_NEAR(sor::spacing_m(file), 50 * 0.02039404, 1e-6);
+}
+
+TEST(SorSpacing, IsThatOfTheFirstPulseThatTellsWidthAndSpacing)
+{
+    sor::File file = withFxd();
+    file.fxd.pulses = {{0, 0, 0}, {100, 500'000, 4000}, {300, 900'000, 10}};
+    EXPECT_DOUBLE_EQ(sor::sampleInterval_ns(file), 10.0);
+    EXPECT_DOUBLE_EQ(sor::pulse_ns(file), 100.0);
+    file.fxd.pulses = {{0, 700'000, 0}, {100, 0, 0}};
+    EXPECT_DOUBLE_EQ(sor::sampleInterval_ns(file), 14.0);
+    EXPECT_TRUE(std::isnan(sor::pulse_ns(file)));
 }
 
 TEST(SorSpacing, ComesFromTheRangeWhereItIsMissing)
