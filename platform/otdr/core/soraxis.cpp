@@ -2,6 +2,7 @@
 
 #include "platform/otdr/core/constants.h"
 #include "platform/otdr/core/sorvalues.h"
+#include "platform/otdr/core/trace.h"
 
 #include <algorithm>
 #include <array>
@@ -17,22 +18,22 @@ constexpr std::ptrdiff_t kRiseSamples = 5; // the steepest rise comes up to this
 constexpr std::ptrdiff_t kLongestWindow = 200; // samples; keeps the check cheap on long pulses
 constexpr std::size_t kMostEvents = 32;
 
-// Levels in raw counts of 0.001 dB.
-constexpr int kVisibleRise = 200;
-constexpr int kClearRise = 1000;
-constexpr int kClearDrop = 3000;
-constexpr int kQuietSpread = 1000; // a level that varies by more than this is noise
+constexpr double kVisibleRise_dB = 0.2;
+constexpr double kClearRise_dB = 1.0;
+constexpr double kClearDrop_dB = 3.0;
+constexpr double kQuietSpread_dB = 1.0; // a level that varies by more than this is noise
 
 using Index = std::ptrdiff_t;
 
-/// The strongest, middle and weakest level of some samples, raw: smaller is stronger.
+/// The strongest, middle and weakest level of some samples, dB as raw counts have it: smaller is
+/// stronger.
 struct Level
 {
-    int strongest = 0;
-    int middle = 0;
-    int weakest = 0;
+    double strongest = 0.0;
+    double middle = 0.0;
+    double weakest = 0.0;
 
-    [[nodiscard]] int spread() const { return weakest - strongest; }
+    [[nodiscard]] double spread() const { return weakest - strongest; }
 };
 
 /// What the samples show where an event should be.
@@ -46,8 +47,9 @@ enum class Evidence
 class Evidences
 {
 public:
-    Evidences(const RawSamples& samples, double pulseSamples)
-        : samples(samples)
+    Evidences(const DataPts& data, double pulseSamples)
+        : samples(data.samples)
+        , dbPerCount(data.scaleFactor / 1000.0 * kUsualDbPerCount)
         , width(std::clamp<Index>(std::lround(pulseSamples), 1, kLongestWindow))
     {
     }
@@ -62,11 +64,12 @@ public:
         const Level left = levelOf(before, index - 1);
         const Index end = std::min<Index>(index + width + kRiseSamples + 1, size());
         const int peak = *std::min_element(samples.begin() + index, samples.begin() + end);
-        const int rise = left.strongest - peak;
-        if (rise >= std::max(kClearRise, 3 * left.spread())) {
+        const double rise = left.strongest - dbPerCount * peak;
+        if (rise >= std::max(kClearRise_dB, 3.0 * left.spread())) {
             return Evidence::Clear;
         }
-        return rise >= std::max(kVisibleRise, left.spread()) ? Evidence::Weak : Evidence::Nothing;
+        return rise >= std::max(kVisibleRise_dB, left.spread()) ? Evidence::Weak
+                                                                : Evidence::Nothing;
     }
 
     /// A drop from quiet fibre that begins within three pulse widths of this index.
@@ -79,7 +82,7 @@ public:
         const Level left = levelOf(index - 3 * width, index - width);
         const Level right = levelOf(index + 3 * width, index + 5 * width);
         const bool isDrop =
-            left.spread() < kQuietSpread && right.middle - left.middle >= kClearDrop;
+            left.spread() < kQuietSpread_dB && right.middle - left.middle >= kClearDrop_dB;
         return isDrop ? Evidence::Clear : Evidence::Nothing;
     }
 
@@ -96,11 +99,12 @@ private:
         window.assign(samples.begin() + from, samples.begin() + to);
         const auto middle = window.begin() + static_cast<Index>(window.size() / 2);
         std::nth_element(window.begin(), middle, window.end());
-        return {*std::min_element(window.begin(), middle + 1), *middle,
-                *std::max_element(middle, window.end())};
+        return {dbPerCount * *std::min_element(window.begin(), middle + 1), dbPerCount * *middle,
+                dbPerCount * *std::max_element(middle, window.end())};
     }
 
     const RawSamples& samples;
+    double dbPerCount;
     Index width;
     std::vector<std::uint16_t> window;
 };
@@ -165,7 +169,7 @@ std::int64_t verifiedPort(const File& file, double step, double pulseCounts)
     if (others.empty() || !file.keyEvents || !(step > 0.0) || !(pulseCounts > 0.0)) {
         return stated;
     }
-    Evidences evidences(file.data.samples, pulseCounts / step);
+    Evidences evidences(file.data, pulseCounts / step);
     int needed = std::max(2, 2 * scoreOf(file, stated, step, evidences).found + 1);
     std::int64_t best = stated;
     for (const std::int64_t port : others) {

@@ -106,8 +106,10 @@ void noteSubstitutes(sor::File& file)
         return;
     }
     if (sor::groupIndex(file) != file.fxd.groupIndex / 1e5) {
+        char text[16];
+        std::snprintf(text, sizeof(text), "%.5f", sor::groupIndex(file));
         file.notes.emplace_back("the group index " + std::to_string(file.fxd.groupIndex)
-                                + "e-5 is impossible; 1.46800 is assumed");
+                                + "e-5 is impossible; " + text + " is assumed");
     }
     noteBackscatter(file);
     noteSpacings(file);

@@ -15,6 +15,10 @@ namespace otdr::sor {
 namespace {
 
 constexpr double kUnknown = std::numeric_limits<double>::quiet_NaN();
+/// What glass can have.
+constexpr double kLeastGroupIndex = 1.3;
+constexpr double kMostGroupIndex = 1.7;
+
 constexpr double kLongestWavelength_nm = 5000.0;
 
 /// Backscatter coefficients of glass fibres at 1 ns, and by how much they are larger at 1 us.
@@ -107,8 +111,13 @@ bool isReflectiveByCode(const KeyEvent& event)
 
 double groupIndex(const File& file)
 {
-    const std::uint32_t stored = file.fxd.groupIndex;
-    return stored >= 130'000 && stored <= 170'000 ? stored / 1e5 : kDefaultGroupIndex;
+    for (const double unit : {1e5, 1e4, 1e6, 1e3}) {
+        const double index = file.fxd.groupIndex / unit;
+        if (index >= kLeastGroupIndex && index <= kMostGroupIndex) {
+            return index;
+        }
+    }
+    return kDefaultGroupIndex;
 }
 
 double metresPerCount(const File& file)

@@ -96,6 +96,19 @@ TEST(SorAxis, FollowsTheSamplesWhereTheyContradictTheOffsets)
     }
 }
 
+TEST(SorAxis, JudgesTheSamplesByTheirLevelsWhateverTheirScale)
+{
+    for (const int coarser : {1, 2, 10}) {
+        SorSketch sketch = sketchWithZeroAt(0);
+        sketch.fxd.frontPanelOffset = 25'000;
+        sketch.scaleFactor = static_cast<std::uint16_t>(1000 * coarser);
+        for (std::uint16_t& sample : sketch.samples) {
+            sample = static_cast<std::uint16_t>(sample / coarser);
+        }
+        EXPECT_EQ(axisOf(sketch).port, 0) << coarser;
+    }
+}
+
 TEST(SorAxis, FollowsThePanelOffsetWhereTheAcquisitionOffsetIsContradicted)
 {
     SorSketch sketch = sketchWithZeroAt(400);

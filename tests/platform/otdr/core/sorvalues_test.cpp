@@ -103,6 +103,11 @@ TEST(SorGroupIndex, IsReplacedOutsideWhatGlassCanHave)
     EXPECT_DOUBLE_EQ(index(0), otdr::kDefaultGroupIndex);
     EXPECT_DOUBLE_EQ(index(129'999), otdr::kDefaultGroupIndex);
     EXPECT_DOUBLE_EQ(index(170'001), otdr::kDefaultGroupIndex);
+    // In other units.
+    EXPECT_DOUBLE_EQ(index(14'682), 1.4682);
+    EXPECT_DOUBLE_EQ(index(1'468'200), 1.4682);
+    EXPECT_DOUBLE_EQ(index(1'470), 1.47);
+    EXPECT_DOUBLE_EQ(index(100'000), otdr::kDefaultGroupIndex);
     EXPECT_DOUBLE_EQ(index(4'000'000'000U), otdr::kDefaultGroupIndex);
 }
 
