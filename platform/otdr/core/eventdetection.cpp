@@ -1,11 +1,11 @@
 #include "platform/otdr/core/eventdetection.h"
 
 #include "platform/otdr/core/darkness.h"
+#include "platform/otdr/core/detectedspan.h"
 #include "platform/otdr/core/echoes.h"
 #include "platform/otdr/core/eventfit.h"
 #include "platform/otdr/core/eventsearch.h"
 #include "platform/otdr/core/reflectance.h"
-#include "platform/otdr/core/returnloss.h"
 #include "platform/otdr/core/trace.h"
 
 #include <algorithm>
@@ -16,9 +16,6 @@
 namespace otdr {
 
 namespace {
-
-/// Return loss counts what the receiver still shows of the end this many pulses behind its foot.
-constexpr double kEndTailPulses = 2.5;
 
 /// A launch that stands less than this above the fibre is not listed as a reflection.
 constexpr double kLaunchPeak_dB = 0.3;
@@ -58,16 +55,11 @@ public:
     {
         list();
         markEchoes(result.events, fibre.scale().pulse, launchIndex());
-        passLossesOn();
-        addSections();
-        addSpan();
+        measureSpan(fibre, measurement, result);
         return std::move(result);
     }
 
 private:
-    /// Where both sides of a place are seen, see EventSites.
-    [[nodiscard]] double seenAt(double index) const { return index + fibre.shape().centre(); }
-
     [[nodiscard]] double reflectanceOf(double height_dB) const
     {
         return reflectance_dB(height_dB, measurement.backscatter_dB, measurement.pulse_ns);
@@ -304,120 +296,6 @@ private:
         }
         same->kind = DetectedEvent::Kind::Start;
         events.erase(start);
-    }
-
-    /// An echo loses nothing: the loss of a group that one stands first in is that of the first
-    /// that is none.
-    void passLossesOn()
-    {
-        auto& events = result.events;
-        for (std::size_t i = 0; i + 1 < events.size(); ++i) {
-            DetectedEvent& echo = events[i];
-            DetectedEvent& next = events[i + 1];
-            if (!echo.echo || echo.group != next.group || std::isnan(echo.loss_dB)) {
-                continue;
-            }
-            const double seen = seenAt(next.index);
-            next.loss_dB = echo.before.at(seen) - echo.behind.at(seen);
-            next.lossError_dB = echo.lossError_dB;
-            next.stepStatistic = echo.stepStatistic;
-            echo.loss_dB = DetectedEvent::kUnknown;
-            echo.lossError_dB = DetectedEvent::kUnknown;
-            echo.stepStatistic = 0.0;
-        }
-    }
-
-    void addSections()
-    {
-        const auto& events = result.events;
-        std::size_t from = 0;
-        for (std::size_t to = 1; to < events.size(); ++to) {
-            if (events[to].echo
-                || (events[to].group != 0 && events[to].group == events[from].group)) {
-                continue;
-            }
-            DetectedSection section;
-            section.from = events[from].index;
-            section.to = events[to].index;
-            measureSection(events[from], events[to], section);
-            result.sections.push_back(section);
-            from = to;
-        }
-    }
-
-    void measureSection(const DetectedEvent& from, const DetectedEvent& to,
-                        DetectedSection& section) const
-    {
-        const Line& near = from.behind;
-        const Line& far = to.before;
-        const auto line = fibre.fit(std::max(from.behindFrom, section.from), section.to - 1.0);
-        if (line && line->line.samples > 2 && measurement.metresPerNs > 0.0
-            && std::isfinite(line->slopeError_dB)) {
-            section.attenuation_dBPerKm = -line->line.slope_dB * fibre.scale().kilometre;
-        }
-        if (near.samples > 0 && far.samples > 0) {
-            section.loss_dB = near.at(seenAt(section.from)) - far.at(seenAt(section.to));
-            section.returnLoss_dB = returnLoss_dB(
-                trace,
-                {from.behindFrom, section.to, near.at(section.from), measurement.backscatter_dB});
-        }
-    }
-
-    using Place = std::vector<DetectedEvent>::const_iterator;
-
-    /// The first event of the group of one that is no echo, but for echoes.
-    [[nodiscard]] Place firstOfGroup(Place event) const
-    {
-        return std::find_if(result.events.begin(), result.events.end(), [&](const auto& other) {
-            return !other.echo && other.group == event->group;
-        });
-    }
-
-    /// The event up to which the span is measured: the last one that fibre shows in front of, the
-    /// end but for what may hide it.
-    [[nodiscard]] const DetectedEvent& limitOfSpan() const
-    {
-        const auto end = firstOfGroup(std::prev(result.events.end()));
-        for (Place event = end; event != result.events.begin();) {
-            const Place to = event;
-            do {
-                --event;
-            } while (event->echo && event != result.events.begin());
-            if (to->before.samples > 0 && event->behind.samples > 0) {
-                return *to;
-            }
-            event = firstOfGroup(event);
-        }
-        return *end;
-    }
-
-    void addSpan()
-    {
-        const auto& events = result.events;
-        result.noiseFloor_dB = fibre.noise().rms_dB();
-        const auto start = std::find_if(events.begin(), events.end(), [](const auto& event) {
-            return event.kind == DetectedEvent::Kind::Start;
-        });
-        if (start == events.end() || start->behind.samples == 0) {
-            return;
-        }
-        const DetectedEvent& last = events.back();
-        const DetectedEvent& limit = limitOfSpan();
-        if (limit.before.samples > 0) {
-            result.spanLoss_dB =
-                start->behind.at(seenAt(start->index)) - limit.before.at(seenAt(limit.index));
-        }
-        std::vector<SaturatedPeak> saturated;
-        const double tail = kEndTailPulses * fibre.scale().pulse;
-        for (const DetectedEvent& event : events) {
-            if (event.saturated && event.before.samples > 0 && event.index > start->index) {
-                saturated.push_back({event.index, std::max(event.index + tail, event.behindFrom),
-                                     event.before, event.reflectance_dB});
-            }
-        }
-        const ReturnLossSection span {start->index, last.index + tail,
-                                      start->behind.at(start->index), measurement.backscatter_dB};
-        result.returnLoss_dB = returnLoss_dB(trace, span, saturated);
     }
 
     const Trace& trace;
