@@ -88,7 +88,7 @@ void NoiseProfile::breakAtFalls(const Trace& trace, double pulse)
     const std::vector<double> seen = lightFalls(trace, pulse, first, last, blockSize);
     const auto size = static_cast<double>(blockSize);
     std::optional<double> since; // the fall before told it of what is so near
-    double from = static_cast<double>(first);
+    auto from = static_cast<double>(first);
     for (std::size_t i = 0; i < seen.size() && sigmas.size() > 1; ++i) {
         const double fall = seen[i];
         const double next = i + 1 < seen.size() ? seen[i + 1] : static_cast<double>(last) + pulse;
