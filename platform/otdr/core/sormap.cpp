@@ -17,9 +17,8 @@ constexpr std::array<char, 4> kMapName {'M', 'a', 'p', '\0'};
 constexpr unsigned kMostBlocks = 1024;
 constexpr std::size_t kLongestName = 64;
 
-/// A block is sought so many bytes beside its place, and by no shorter name.
+/// A block is sought so many bytes beside its place.
 constexpr std::size_t kMisplaced = 64;
-constexpr std::size_t kShortestName = 4;
 
 struct Entry
 {
@@ -83,14 +82,14 @@ std::size_t beginOf(gsl::span<const std::byte> bytes, const std::string& name, s
                     std::size_t at)
 {
     const auto isAt = [&](std::size_t place) {
-        return place >= least && place + name.size() < bytes.size()
+        return place + name.size() < bytes.size()
             && std::memcmp(&bytes[place], name.c_str(), name.size() + 1) == 0;
     };
     for (std::size_t off = 0; off <= kMisplaced; ++off) {
         if (isAt(at + off)) {
             return at + off;
         }
-        if (off <= at && isAt(at - off)) {
+        if (off + least <= at && isAt(at - off)) {
             return at - off;
         }
     }
@@ -101,7 +100,7 @@ std::size_t beginOf(gsl::span<const std::byte> bytes, const std::string& name, s
 void meetNext(Map& map, gsl::span<const std::byte> bytes, const Entry& next,
               std::vector<std::string>& notes)
 {
-    if (map.version == 1 || map.blocks.empty() || next.name.size() < kShortestName) {
+    if (map.version == 1 || map.blocks.empty() || !isStandardBlock(next.name)) {
         return;
     }
     RawBlock& last = map.blocks.back();
