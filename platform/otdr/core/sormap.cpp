@@ -17,9 +17,6 @@ constexpr std::array<char, 4> kMapName {'M', 'a', 'p', '\0'};
 constexpr unsigned kMostBlocks = 1024;
 constexpr std::size_t kLongestName = 64;
 
-/// A block is sought so many bytes beside its place.
-constexpr std::size_t kMisplaced = 64;
-
 struct Entry
 {
     std::string name;
@@ -76,52 +73,11 @@ std::size_t firstBlock(gsl::span<const std::byte> bytes, const Head& head, std::
     return stated ? head.size : end;
 }
 
-/// Where a block begins that the map puts at an index: where its name stands nearest to it, if it
-/// does at all; makers count the bytes of the block before wrongly.
-std::size_t beginOf(gsl::span<const std::byte> bytes, const std::string& name, std::size_t least,
-                    std::size_t at)
-{
-    const auto isAt = [&](std::size_t place) {
-        return place + name.size() < bytes.size()
-            && std::memcmp(&bytes[place], name.c_str(), name.size() + 1) == 0;
-    };
-    for (std::size_t off = 0; off <= kMisplaced; ++off) {
-        if (isAt(at + off)) {
-            return at + off;
-        }
-        if (off + least <= at && isAt(at - off)) {
-            return at - off;
-        }
-    }
-    return at;
-}
-
-/// Moves the end of the blocks placed so far to where the next one begins.
-void meetNext(Map& map, gsl::span<const std::byte> bytes, const Entry& next,
-              std::vector<std::string>& notes)
-{
-    if (map.version == 1 || map.blocks.empty() || !isStandardBlock(next.name)) {
-        return;
-    }
-    RawBlock& last = map.blocks.back();
-    const std::size_t begin =
-        beginOf(bytes, next.name, last.offset + last.name.size() + 1, map.end);
-    if (begin != map.end) {
-        notes.emplace_back(
-            "the block \"" + last.name + "\" is not as long as the map says; the next one stands "
-            + (begin > map.end ? std::to_string(begin - map.end) + " bytes later"
-                               : std::to_string(map.end - begin) + " bytes earlier"));
-        last.size = begin - last.offset;
-        map.end = begin;
-    }
-}
-
-void placeBlocks(Map& map, const std::vector<Entry>& entries, gsl::span<const std::byte> bytes,
+void placeBlocks(Map& map, const std::vector<Entry>& entries, std::size_t size,
                  std::vector<std::string>& notes)
 {
     for (const Entry& entry : entries) {
-        meetNext(map, bytes, entry, notes);
-        const std::size_t room = bytes.size() - map.end;
+        const std::size_t room = size - map.end;
         if (entry.size > 0 && room == 0) {
             notes.emplace_back("the file ends before the block \"" + entry.name + "\"");
             continue;
@@ -176,7 +132,7 @@ Result<Map> readMap(gsl::span<const std::byte> bytes, std::vector<std::string>& 
         return notATrace("not a trace file: its start is no map of blocks");
     }
     map.end = firstBlock(bytes, head, reader.position(), entries, notes);
-    placeBlocks(map, entries, bytes, notes);
+    placeBlocks(map, entries, bytes.size(), notes);
     return map;
 }
 

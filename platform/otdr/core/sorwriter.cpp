@@ -215,8 +215,8 @@ private:
     void addStandard(const sor::RawBlock& block)
     {
         if (!hasChanged(block.name)) {
-            pieces.push_back({block.name, block.revision,
-                              named(block.name, blockBody(*file.bytes, block))});
+            const Span whole = blockBytes(*file.bytes, block);
+            pieces.push_back({block.name, block.revision, Bytes(whole.begin(), whole.end())});
             return;
         }
         Bytes body = encodeBody(block.name, file);

@@ -155,26 +155,6 @@ TEST(SorMap, FindsTheBlocksWhereTheMapMisstatesItsSize)
     EXPECT_THAT(file->notes, Contains(HasSubstr("the map does not end where it says")));
 }
 
-/// Makers miscount their own blocks: the next one begins where its name stands.
-TEST(SorMap, FindsABlockBesideThePlaceThatTheMapTells)
-{
-    for (const std::size_t wrong : {0U, 1U, 2U, 3U}) {
-        for (const int by : {-10, -1, 1, 40, 64, 65}) {
-            auto blocks = SorSketch::plain().blocks();
-            blocks[wrong].statedSize = static_cast<std::int64_t>(
-                blocks[wrong].body.size() + blocks[wrong].name.size() + 1 + by);
-            const auto file = readBytes(SorSketch::assemble(2, blocks));
-            const bool isFound = by < 65;
-            ASSERT_EQ(file.ok() && file->data.samples.size() == 4000U, isFound) << wrong << by;
-            if (isFound) {
-                EXPECT_EQ(file->keyEvents->events.size(), 3U);
-                EXPECT_EQ(file->fxd.groupIndex, SorSketch::plain().fxd.groupIndex);
-                EXPECT_THAT(file->notes, ElementsAre(HasSubstr("is not as long as the map says")));
-            }
-        }
-    }
-}
-
 TEST(SorMap, RefusesAVersion1MapThatDoesNotEndWhereItSays)
 {
     SorSketch sketch = SorSketch::plain();
