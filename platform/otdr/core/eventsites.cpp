@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <utility>
 
 namespace otdr {
 
@@ -17,9 +18,19 @@ constexpr double kOwnSlopeSamples = 8.0;
 constexpr double kSlopeSpread_dBPerKm = 0.03;
 constexpr double kSlopeSpreadPart = 0.15;
 
+/// Of so many samples a piece of fibre tells its slope, and not better than to this part of what
+/// fibres differ by.
+constexpr std::size_t kFewestSlopeSamples = 8;
+constexpr double kSlopeDiffers = 0.1;
+
 /// The foot of an event without a reflection is known to about a sample: what may lie behind it is
 /// not taken for the fibre before it.
 constexpr double kFootMargin = 1.0;
+
+/// A reflection has risen by a part of its height before it stands out: of one that does so slowly,
+/// that part, of a few decibels perhaps, lies so many samples or pulses in front of its foot.
+constexpr double kRisingSamples = 2.0;
+constexpr double kRisingPulses = 0.15;
 
 /// Lines on both sides stray; they average over more than a pulse or two.
 constexpr double kWanders = 1.0;
@@ -77,7 +88,9 @@ double EventSites::fibreTo(std::size_t k) const
 {
     const bool isFoot = k < places.size();
     const double foot = isFoot ? places[k].at : end;
-    return foot - (isFoot && places[k].peak ? 0.0 : kFootMargin);
+    const bool isPeak = isFoot && places[k].peak;
+    const double rising = std::max(kRisingSamples, kRisingPulses * fibreTrace->scale().pulse);
+    return foot - (isPeak ? rising : kFootMargin);
 }
 
 double EventSites::lineFrom(std::size_t k) const
@@ -159,8 +172,34 @@ void EventSites::measure(std::size_t k)
     }
 }
 
+/// The slope of the fibre between the places; a piece of it counts for the more the better it is
+/// known. Where it was told before any place was, events bent it.
+void EventSites::learnUsualSlope()
+{
+    std::vector<std::pair<double, double>> slopes; // with their weights
+    double total = 0.0;
+    for (std::size_t k = 0; k <= places.size(); ++k) {
+        const auto own = fibreTrace->fit(lineFrom(k), fibreTo(k));
+        if (own && own->line.samples >= kFewestSlopeSamples && own->slopeError_dB > 0.0) {
+            const double error = std::hypot(own->slopeError_dB, kSlopeDiffers * slopeSpread_dB);
+            slopes.emplace_back(own->line.slope_dB, 1.0 / (error * error));
+            total += slopes.back().second;
+        }
+    }
+    std::sort(slopes.begin(), slopes.end());
+    double sum = 0.0;
+    for (const auto& [slope_dB, weight] : slopes) {
+        sum += weight;
+        if (sum >= 0.5 * total) {
+            usualSlope_dB = slope_dB;
+            return;
+        }
+    }
+}
+
 void EventSites::measure()
 {
+    learnUsualSlope();
     for (std::size_t k = 0; k < places.size(); ++k) {
         measure(k);
     }

@@ -107,6 +107,7 @@ private:
     void refinePeak(Site& site, double least, double most);
     [[nodiscard]] std::optional<SideLine> side(double from, double to) const;
     void findUsualSlope();
+    void learnUsualSlope();
 
     const FibreTrace* fibreTrace;
     double first;
