@@ -10,6 +10,7 @@
   const svg = plot.querySelector("svg");
   const path = svg.querySelector(".trace");
   const gridLines = svg.querySelector(".grid");
+  const unitName = plot.querySelector(".xunit"); // only where distances are known
   const [width, height] = svg.getAttribute("viewBox").split(" ").slice(2).map(Number);
   const counts = decode(text.textContent.trim());
   const perStep = given("perStep");
@@ -96,16 +97,22 @@
     gridLines.append(element);
   }
 
-  function axes() {
-    plot.querySelectorAll(".x, .y").forEach((old) => old.remove());
-    gridLines.replaceChildren();
+  function distanceAxis() {
     const unit = view.end - view.start >= 2000 ? 1000 : 1;
-    plot.querySelector(".xunit").textContent = unit === 1 ? "m" : "km";
+    unitName.textContent = unit === 1 ? "m" : "km";
     ticks(view.start / unit, view.end / unit, plot.clientWidth < 500 ? 5 : 10).forEach((tick) => {
       const place = left(tick.value * unit);
       label("x", "left", place, tick.label);
       gridLine({ x1: place, x2: place, y1: 0, y2: 100 });
     });
+  }
+
+  function axes() {
+    plot.querySelectorAll(".x, .y").forEach((old) => old.remove());
+    gridLines.replaceChildren();
+    if (unitName) {
+      distanceAxis();
+    }
     ticks(view.low, view.high, 8).forEach((tick) => {
       const place = top(tick.value);
       label("y", "top", place, tick.label);
@@ -160,7 +167,8 @@
     const place = left(first + at * step);
     cursor.hidden = place < 0 || place > 100;
     cursor.style.left = place + "%";
-    output.textContent = shown(first + at * step, 1) + " m · " + shown(level(counts[at * perStep]), 3) + " dB";
+    const where = unitName ? shown(first + at * step, 1) + " m · " : "";
+    output.textContent = where + shown(level(counts[at * perStep]), 3) + " dB";
   }
 
   const cursor = document.createElement("span");

@@ -88,7 +88,7 @@ QByteArray jsonOf(const std::string& path, const sor::File& file)
         {"backscatter_db", number(sor::backscatter_dB(file))},
         {"total_loss_db", number(sor::totalLoss_dB(file))},
         {"orl_db", number(sor::returnLoss_dB(file))},
-        {"fibre_end_m", number(sor::fibreEnd_m(file))},
+        {"fibre_end_m", file.hasFxd ? number(sor::fibreEnd_m(file)) : QJsonValue()},
         {"events", eventsOf(file)},
     };
     return QJsonDocument(object).toJson(QJsonDocument::Compact);

@@ -92,7 +92,7 @@ QString results(const sor::File& file)
 {
     return line("total loss", number(sor::totalLoss_dB(file), 3, " dB"))
         + line("return loss", number(sor::returnLoss_dB(file), 3, " dB"))
-        + line("fibre end", number(sor::fibreEnd_m(file), 1, " m"))
+        + line("fibre end", file.hasFxd ? number(sor::fibreEnd_m(file), 1, " m") : "-")
         + line("checksum", checksumText(file.checksum));
 }
 

@@ -55,6 +55,9 @@ void addMark(Waveform::Plot& plot, const ReportedEvent& event, const ChartWindow
 
 void addMarks(Waveform::Plot& plot, const Report& report)
 {
+    if (!report.chart.hasDistances) {
+        return;
+    }
     QVector<double> places_percent;
     for (const ReportedEvent& event : report.events) {
         places_percent << report.chart.window.left_percent(event.distance_m);
@@ -65,8 +68,9 @@ void addMarks(Waveform::Plot& plot, const Report& report)
     }
 }
 
-void prepare(Waveform::Plot& plot, const ChartWindow& window)
+void prepare(Waveform::Plot& plot, const TraceChart& chart)
 {
+    const ChartWindow& window = chart.window;
     // Fonts and colours are named, so that the picture does not depend on whose desktop it is.
     QFont font("Liberation Sans");
     font.setPixelSize(kFont_px);
@@ -83,6 +87,7 @@ void prepare(Waveform::Plot& plot, const ChartWindow& window)
         plot.enableAxis(axis);
         plot.axisWidget(axis)->setFont(font);
     }
+    plot.enableAxis(QwtPlot::xBottom, chart.hasDistances);
     plot.axisWidget(QwtPlot::xBottom)->setMinBorderDist(0, 0);
     plot.axisWidget(QwtPlot::yLeft)->setMinBorderDist(0, 0);
     plot.axisScaleDraw(QwtPlot::yLeft)->setMinimumExtent(0.0);
@@ -100,7 +105,7 @@ void prepare(Waveform::Plot& plot, const ChartWindow& window)
 QByteArray pictureOf(const Reflectogram& refl, const Report& report)
 {
     Waveform::Plot plot;
-    prepare(plot, report.chart.window);
+    prepare(plot, report.chart);
     ReflCurve curve(plot.clip(), refl, kTraceColour);
     curve.attach(&plot);
     curve.setBaseline(report.chart.window.low_dB);

@@ -108,7 +108,7 @@ void readParameters(const sor::File& file, Report& report)
 
 void readSpan(const sor::File& file, Report& report)
 {
-    report.spanLength_m = sor::fibreEnd_m(file);
+    report.spanLength_m = file.hasFxd ? sor::fibreEnd_m(file) : kUnknown;
     report.spanLoss_dB = sor::totalLoss_dB(file);
     report.spanReturnLoss_dB = sor::returnLoss_dB(file);
     if (report.spanLength_m > 0.0) {
@@ -130,11 +130,13 @@ Report reportOf(const TraceState& state)
     for (const QString& note : state.notes) {
         report.notes << printable(note);
     }
+    const bool hasDistances = std::isfinite(report.spacing_m);
     QVector<double> places_m;
     for (const ReportedEvent& event : qAsConst(report.events)) {
-        places_m << event.distance_m;
+        places_m << (hasDistances ? event.distance_m : kUnknown);
     }
-    report.chart = chartOf(state, places_m, report.spanLength_m);
+    report.chart = chartOf(state, places_m, hasDistances ? report.spanLength_m : kUnknown);
+    report.chart.hasDistances = hasDistances;
     return report;
 }
 

@@ -87,7 +87,8 @@ QVariantHash eventValues(const ReportedEvent& event, const TraceChart& chart)
         values["section"] = sectionValues(event.before);
     }
     const double left_percent = chart.window.left_percent(event.distance_m);
-    if (!chart.isEmpty && left_percent >= 0.0 && left_percent <= 100.0) {
+    const bool isInside = left_percent >= 0.0 && left_percent <= 100.0;
+    if (!chart.isEmpty && chart.hasDistances && isInside) {
         values["left_percent"] = QString::number(left_percent, 'f', 3);
         values["at_m"] = plain(event.distance_m);
     }
@@ -132,16 +133,20 @@ QVariantHash chartValues(const TraceChart& chart)
     }
     const ChartWindow& window = chart.window;
     const bool inKm = window.end_m - window.start_m >= 2.0 * kMetresPerKm;
+    const double unit_m = inKm ? kMetresPerKm : 1.0;
+    const QVector<AxisTick> distances = chart.hasDistances
+        ? axisTicks(window.start_m, window.end_m, kDistanceTicks, unit_m)
+        : QVector<AxisTick>();
     return {
         {"empty", false},
         {"width", TraceChart::kWidth},
         {"height", TraceChart::kHeight},
         {"path", QString::fromLatin1(chart.path)},
-        {"distance_unit", inKm ? "km" : "m"},
-        {"distance_ticks",
-         tickValues(
-             axisTicks(window.start_m, window.end_m, kDistanceTicks, inKm ? kMetresPerKm : 1.0),
-             window, true)},
+        {"distance_unit",
+         !chart.hasDistances ? ""
+             : inKm          ? "km"
+                             : "m"},
+        {"distance_ticks", tickValues(distances, window, true)},
         {"level_ticks",
          tickValues(axisTicks(window.low_dB, window.high_dB, kLevelTicks, 1.0), window, false)},
         {"start_m", plain(window.start_m)},
@@ -154,6 +159,16 @@ QVariantHash chartValues(const TraceChart& chart)
         {"samples_per_step", chart.samples.perStep},
         {"samples_db_per_count", plain(chart.samples.dbPerCount)},
     };
+}
+
+/// Texts as a template wants them: it takes a QStringList of more than one for empty.
+QVariantList textValues(const QStringList& texts)
+{
+    QVariantList values;
+    for (const QString& text : texts) {
+        values << text;
+    }
+    return values;
 }
 
 QVariantHash traceValues(const Report& report)
@@ -170,7 +185,7 @@ QVariantHash traceValues(const Report& report)
          report.date_s == 0 ? dash()
                             : QDateTime::fromSecsSinceEpoch(report.date_s, Qt::UTC)
                                   .toString("yyyy-MM-dd HH:mm:ss")},
-        {"notes", report.notes},
+        {"notes", textValues(report.notes)},
         {"has_event_comments",
          std::any_of(report.events.begin(), report.events.end(),
                      [](const ReportedEvent& event) { return !event.comment.isEmpty(); })},

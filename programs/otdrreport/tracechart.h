@@ -39,6 +39,7 @@ struct TraceChart
     static constexpr int kHeight = 1000;
 
     bool isEmpty = true; ///< there is nothing to draw
+    bool hasDistances = true; ///< otherwise the metres below only count the samples
     ChartWindow window;
     QByteArray path; ///< of the line, as SVG has it
     ChartSamples samples;

@@ -159,6 +159,18 @@ TEST_F(OtdrInfo, GivesNullForWhatTheFileDoesNotSay)
     EXPECT_EQ(object["events"].toArray().size(), 0);
 }
 
+TEST_F(OtdrInfo, TellsNoDistanceWhereItIsNotSaidHowItWasMeasured)
+{
+    SorSketch sketch = SorSketch::plain();
+    sketch.leftOut = {"FxdParams"};
+    const QString path = save("bare.sor", sketch);
+    const QJsonObject object = json(path);
+    ASSERT_EQ(object["events"].toArray().size(), 3);
+    EXPECT_TRUE(object["events"].toArray()[2].toObject()["distance_m"].isNull());
+    EXPECT_TRUE(object["fibre_end_m"].isNull());
+    EXPECT_THAT(run({path}).out.toStdString(), HasSubstr("  fibre end          -\n"));
+}
+
 TEST_F(OtdrInfo, JudgesTheChecksumWhereItCanBeJudged)
 {
     SorSketch sketch = SorSketch::plain();

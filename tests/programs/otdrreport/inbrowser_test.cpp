@@ -222,6 +222,20 @@ TEST_F(InBrowser, TraceOfFewSamplesMayBeZoomed)
     }
 }
 
+TEST_F(InBrowser, ChartWithoutDistancesNamesNone)
+{
+    SorSketch sketch = SorSketch::plain();
+    sketch.leftOut = {"FxdParams"};
+    openReport(sketch);
+    for (int zooms = 0; zooms < 2; ++zooms) {
+        EXPECT_EQ(textOf(".xname"), "Distances are not known");
+        EXPECT_EQ(count(".x"), 0);
+        EXPECT_GT(count(".y"), 2);
+        EXPECT_GT(drawnColumns(), 0.5);
+        press(kZoomIn);
+    }
+}
+
 TEST_F(InBrowser, TableOfAThousandEventsIsShown)
 {
     constexpr int kEvents = 1000;

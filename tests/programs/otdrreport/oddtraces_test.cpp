@@ -1,5 +1,6 @@
 // Files that keep to the format and make no sense: a page with true words or a clear refusal.
 
+#include "platform/otdr/reflectogram.h"
 #include "programs/otdrreport/generate.h"
 #include "tests/support/tracefiles.h"
 
@@ -12,6 +13,7 @@
 
 namespace {
 
+using testing_support::Bytes;
 using testing_support::keyEvent;
 using testing_support::SorSketch;
 using testing_support::TraceFiles;
@@ -62,6 +64,33 @@ TEST_P(OddTraces, GiveAPageOfNumbersAndDashesOrAReason)
     EXPECT_FALSE(match.hasMatch()) << html.mid(match.capturedStart() - 60, 120).toStdString();
     EXPECT_FALSE(QRegularExpression("[0-9\u202f]{40}").match(html).hasMatch())
         << "a number beyond all measure";
+}
+
+QString pageOf(const TraceFiles& files, const Bytes& trace)
+{
+    otdrreport::Request request;
+    request.task = otdrreport::Task::Write;
+    request.trace = files.write("in.sor", trace);
+    request.html = files.path("out.html");
+    EXPECT_EQ(otdrreport::generate(request), "");
+    QFile file(request.html);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+    return QString::fromUtf8(file.readAll());
+}
+
+TEST(DamagedTraces, HaveAllTheirNotesOnThePage)
+{
+    const TraceFiles files;
+    const Bytes whole = SorSketch::plain().build();
+    EXPECT_FALSE(pageOf(files, whole).contains("Notes on reading the file"));
+    const Bytes cut(whole.begin(), whole.end() - 2000);
+    const QString page = pageOf(files, cut);
+    const QStringList notes = Reflectogram(files.path("in.sor")).notes();
+    ASSERT_GT(notes.size(), 2);
+    EXPECT_EQ(page.count("Notes on reading the file"), 1);
+    for (const QString& note : notes) {
+        EXPECT_TRUE(page.contains("<li>" + note.toHtmlEscaped() + "</li>")) << qPrintable(note);
+    }
 }
 
 constexpr auto kMost = std::numeric_limits<std::int32_t>::max();

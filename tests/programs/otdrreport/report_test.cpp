@@ -71,6 +71,31 @@ TEST(Report, WhatTheFileDoesNotGiveIsUnknown)
     EXPECT_EQ(said.averages, 0.0);
 }
 
+TEST(Report, WithoutHowItWasMeasuredNoDistanceIsKnown)
+{
+    SorSketch sketch = SorSketch::plain();
+    sketch.leftOut = {"FxdParams"};
+    const Report said = report(sketch);
+    EXPECT_TRUE(std::isnan(said.spanLength_m));
+    EXPECT_TRUE(std::isnan(said.spanAttenuation_dBPerKm));
+    EXPECT_DOUBLE_EQ(said.spanLoss_dB, 3.12) << "which needs no distance";
+    EXPECT_TRUE(std::isnan(said.events.at(1).distance_m));
+    EXPECT_FALSE(said.chart.hasDistances);
+    EXPECT_TRUE(report(SorSketch::plain()).chart.hasDistances);
+}
+
+TEST(Report, WithoutASpacingTheWindowIsThatOfTheSamples)
+{
+    SorSketch sketch = SorSketch::plain();
+    sketch.fxd.pulses[0].dataSpacing = 0;
+    sketch.fxd.acquisitionRange = 0;
+    const Report said = report(sketch);
+    EXPECT_FALSE(said.chart.hasDistances);
+    EXPECT_NEAR(said.spanLength_m, 3063.27, 0.01) << "the events tell their own distances";
+    sketch.keyEvents.events.clear();
+    EXPECT_EQ(said.chart.window.end_m, report(sketch).chart.window.end_m);
+}
+
 TEST(Report, SectionsLieBetweenTheEvents)
 {
     const Report said = report(SorSketch::plain());

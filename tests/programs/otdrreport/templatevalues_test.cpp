@@ -7,6 +7,8 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
 namespace {
 
 using otdrreport::dash;
@@ -78,6 +80,31 @@ TEST(TemplateValues, KindsHaveNames)
     EXPECT_EQ(event(values(sketch), 4)["kind_name"].toString(), "End of the trace");
 }
 
+bool isTextList(const QVariant& value)
+{
+    switch (value.type()) {
+    case QVariant::StringList:
+        return true;
+    case QVariant::Hash: {
+        const QVariantHash hash = value.toHash();
+        return std::any_of(hash.begin(), hash.end(), isTextList);
+    }
+    case QVariant::List: {
+        const QVariantList list = value.toList();
+        return std::any_of(list.begin(), list.end(), isTextList);
+    }
+    default:
+        return false;
+    }
+}
+
+TEST(TemplateValues, ListsAreOfValuesSoThatATemplateCanAskWhetherThereAreAny)
+{
+    SorSketch sketch = SorSketch::plain();
+    sketch.fxd.groupIndex = 0;
+    EXPECT_FALSE(isTextList(values(sketch))) << "only a list of one text counts as true";
+}
+
 TEST(TemplateValues, EventBesideTheRecordHasNoMark)
 {
     SorSketch sketch = SorSketch::plain();
@@ -85,6 +112,18 @@ TEST(TemplateValues, EventBesideTheRecordHasNoMark)
     const QVariantHash all = values(sketch);
     EXPECT_TRUE(event(all, 1).contains("left_percent"));
     EXPECT_FALSE(event(all, 3).contains("left_percent"));
+}
+
+TEST(TemplateValues, ChartWithoutDistancesHasNeitherMarksNorTicksOfThem)
+{
+    SorSketch sketch = SorSketch::plain();
+    sketch.fxd.pulses[0].dataSpacing = 0;
+    sketch.fxd.acquisitionRange = 0;
+    const QVariantHash all = values(sketch);
+    EXPECT_EQ(at(all, "chart", "distance_unit").toString(), "");
+    EXPECT_TRUE(at(all, "chart", "distance_ticks").toList().isEmpty());
+    EXPECT_FALSE(at(all, "chart", "level_ticks").toList().isEmpty());
+    EXPECT_FALSE(event(all, 1).contains("left_percent"));
 }
 
 void collectNames(const QVariant& value, const QString& path, QStringList& names)
