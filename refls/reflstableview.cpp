@@ -1,14 +1,17 @@
 #include "refls/reflstableview.h"
 
 #include "platform/launcher/fittingheader.h"
+#include "platform/otdr/notewords.h"
 #include "platform/otdr/screennumber.h"
 #include "refls/multilineddelegate.h"
 #include "refls/reflstablemodel.h"
 #include "refls/refltablemenu.h"
 
 #include <QHeaderView>
+#include <QHelpEvent>
 #include <QMouseEvent>
 #include <QTimerEvent>
+#include <QToolTip>
 
 namespace Waveform {
 
@@ -125,6 +128,29 @@ void ReflsTableView::timerEvent(QTimerEvent* event)
         return;
     }
     QTableView::timerEvent(event);
+}
+
+bool ReflsTableView::viewportEvent(QEvent* event)
+{
+    if (event->type() == QEvent::ToolTip) {
+        const auto* help = static_cast<QHelpEvent*>(event);
+        QToolTip::showText(help->globalPos(), notesAt(help->pos()), viewport());
+        return true;
+    }
+    return QTableView::viewportEvent(event);
+}
+
+QString ReflsTableView::notesAt(QPoint pos) const
+{
+    const auto* refls = qobject_cast<const ReflsTableModel*>(model());
+    if (refls == nullptr) {
+        return {};
+    }
+    QStringList lines;
+    for (const QString& note : refls->refls().value(rowAt(pos.y())).notes()) {
+        lines << noteWords(note).toHtmlEscaped(); // a note may hold what the file holds
+    }
+    return lines.isEmpty() ? QString() : "<qt>" + lines.join("<br>") + "</qt>";
 }
 
 void ReflsTableView::longTap()

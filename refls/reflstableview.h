@@ -41,6 +41,9 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void timerEvent(QTimerEvent* event) override;
 
+    /// A pointer that rests on a row is told what was odd about the row's file.
+    bool viewportEvent(QEvent* event) override;
+
     /// The press lasted.
     virtual void longTap();
     void showMenu(QPoint pos);
@@ -48,6 +51,7 @@ protected:
 
 private:
     void setupHeaders();
+    [[nodiscard]] QString notesAt(QPoint pos) const;
 
     ReflTableMenu* menu;
     int longTapTimer = -1; ///< -1 while none runs

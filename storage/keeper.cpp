@@ -7,13 +7,14 @@
 #include "platform/launcher/zuconfigmodel.h"
 #include "platform/launcher/zulauncherconfig.h"
 #include "platform/otdr/errorwords.h"
+#include "platform/otdr/notewords.h"
 #include "platform/otdrconfig/otdrconfig.h"
 #include "refls/reflstablemodel.h"
+#include "storage/configfile.h"
 #include "storage/driveask.h"
 #include "storage/savethread.h"
 
 #include <QCoreApplication>
-#include <QDataStream>
 #include <QDebug>
 #include <QDir>
 #include <QFile>
@@ -63,6 +64,7 @@ Keeper::Keeper(CardController* card, ReflsTableModel* refls, QObject* parent)
     , nameConverter(std::make_shared<FileNameConverter>())
 {
     connect(refls, SIGNAL(mainReflChanged( Reflectogram )), SLOT(onChangeMainRefl( Reflectogram )));
+    connect(refls, SIGNAL(allReflsDeleted()), SLOT(offerSave())); // no word of the main trace then
 }
 
 void Keeper::setMeasModel(Model* newModel)
@@ -263,17 +265,32 @@ int Keeper::doLoad()
         return -1;
     }
     QStringList problems;
+    QStringList damages;
     for (const QString& file : files) {
-        emit loadRefl(file);
+        damages << loadOne(file);
         if (refls->isNewRefl(file)) {
             problems << errorWords(Reflectogram(file).error()); // which names the file
         }
     }
     problems.removeAll(QString()); // nobody listens to what is to be loaded
-    if (!problems.isEmpty()) {
-        emit showNotification(problems.join("\n"));
-    }
+    tell(problems + damages);
     return files.size() > problems.size() ? 0 : -1;
+}
+
+/// \return what the user should know of the trace that came of a file; most often nothing
+QString Keeper::loadOne(const QString& file)
+{
+    const bool wasNew = refls->isNewRefl(file);
+    emit loadRefl(file);
+    return wasNew && !refls->isNewRefl(file) ? damageWords(refls->mainRefl()) : QString();
+}
+
+void Keeper::tell(QStringList lines)
+{
+    lines.removeAll(QString());
+    if (!lines.isEmpty()) {
+        emit showNotification(lines.join("\n"));
+    }
 }
 
 /// Where traces to load may lie.
@@ -297,7 +314,7 @@ int Keeper::doLoadFile(const QString& file)
     if (limitReached()) {
         return -1;
     }
-    emit loadRefl(file);
+    tell({loadOne(file)});
     return 0;
 }
 
@@ -323,7 +340,7 @@ void Keeper::stopped()
     }
     measRunning = false;
     enableLoad(true);
-    enableSave(!eventsFinding && refls->mainRefl().isValid());
+    offerSave();
 }
 
 void Keeper::stopped(QString /*channel*/)
@@ -336,7 +353,12 @@ void Keeper::updated(QVariantMap& /*map*/, QString /*channel*/) { }
 void Keeper::setEventsFindingStatus(bool inProgress)
 {
     eventsFinding = inProgress;
-    enableSave(!eventsFinding && refls->mainRefl().isValid());
+    offerSave();
+}
+
+void Keeper::offerSave()
+{
+    onChangeMainRefl(refls->mainRefl());
 }
 
 void Keeper::onChangeMainRefl(Reflectogram refl)
@@ -351,27 +373,14 @@ QString Keeper::configFileName() const
 
 bool Keeper::saveConfig(const QString& fileName) const
 {
-    QFile file(fileName);
-    // QFile warns about an empty name, which there is without a model.
-    if (fileName.isEmpty() || !file.open(QIODevice::WriteOnly)) {
-        return false;
-    }
     QVariantMap map = card->config();
     map["measStopDate"] = measStopDate().toString(Qt::ISODate);
-    QDataStream stream(&file);
-    stream << map;
-    return stream.status() == QDataStream::Ok && file.flush();
+    return writeConfigFile(fileName, map);
 }
 
 QVariantMap Keeper::unserialize(const QString& fileName)
 {
-    QVariantMap map;
-    QFile file(fileName);
-    if (file.open(QIODevice::ReadOnly)) {
-        QDataStream stream(&file);
-        stream >> map;
-    }
-    return map;
+    return readConfigFile(fileName);
 }
 
 WfMeasParams Keeper::wfMeasParams(const QVariantMap& map)

@@ -94,8 +94,13 @@ signals:
     void showNotification(QString text);
     void maxReflsLimitReached();
 
+private slots:
+    void offerSave();
+
 private:
     [[nodiscard]] bool limitReached();
+    [[nodiscard]] QString loadOne(const QString& file);
+    void tell(QStringList lines);
     [[nodiscard]] QVector<FileDialog::Place> places() const;
     [[nodiscard]] bool saveOne(const Reflectogram& refl, const QString& base,
                                QDeadlineTimer& leaveBy);

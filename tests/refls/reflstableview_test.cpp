@@ -1,19 +1,25 @@
 #include "refls/reflstablemodel.h"
 #include "refls/reflstableview.h"
 #include "refls/refltablemenu.h"
+#include "tests/support/echo.h"
 #include "tests/support/metamethods.h"
 #include "tests/support/tracefiles.h"
 
 #include <QHeaderView>
+#include <QHelpEvent>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QStandardItemModel>
+#include <QToolTip>
 #include <QtTest>
 
 #include <gmock/gmock.h>
 
 namespace {
 
+using testing_support::Bytes;
+using testing_support::Echo;
+using testing_support::SorSketch;
 using testing_support::TraceFiles;
 using Waveform::ReflsTableModel;
 using Waveform::ReflsTableView;
@@ -327,6 +333,31 @@ TEST_F(Table, WithoutAModelNothingOpens)
     view.setModel(nullptr);
     doubleTap(QPoint(50, 20));
     EXPECT_FALSE(menu()->isVisible());
+}
+
+TEST_F(Table, RowTellsWhatWasOddAboutItsFileWhereThePointerRests)
+{
+    load(1);
+    SorSketch sketch = SorSketch::plain();
+    sketch.tail = Bytes(103);
+    sketch.leftOut = {"FxdParams"};
+    model.addRefl(Reflectogram(files.write("odd.sor", sketch)));
+    QCoreApplication::processEvents();
+    const auto restAt = [this](QPoint place) {
+        QHelpEvent event(QEvent::ToolTip, place, view.viewport()->mapToGlobal(place));
+        QCoreApplication::sendEvent(view.viewport(), &event);
+        return QToolTip::isVisible() ? QToolTip::text() : QString();
+    };
+    EXPECT_EQ(restAt(placeOf(0)), "") << "most files have nothing odd";
+    const Echo language;
+    const QStringList notes = model.refls().at(1).notes();
+    ASSERT_EQ(notes.size(), 2);
+    const QString told = restAt(placeOf(1));
+    for (const QString& note : notes) {
+        EXPECT_TRUE(told.contains(QString('<' + note + '>').toHtmlEscaped())) << qPrintable(told);
+    }
+    EXPECT_FALSE(model.data(model.index(1, 0), Qt::ToolTipRole).isValid());
+    QToolTip::hideText();
 }
 
 } // namespace

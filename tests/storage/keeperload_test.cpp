@@ -161,6 +161,46 @@ TEST_F(KeepingLoad, SaysWhatCannotBeLoadedAndLoadsTheRest)
     EXPECT_FALSE(text.contains("good.sor")) << text.toStdString();
 }
 
+TEST_F(KeepingLoad, SaysOfWhichFilesAPartIsMissing)
+{
+    const Bytes whole = SorSketch::plain().build();
+    files.write("home/otdr/whole.sor", whole);
+    files.write("home/otdr/cut.sor", Bytes(whole.begin(), whole.end() - 2000));
+    EXPECT_EQ(load([&](const OpenDialog& dialog) {
+                  for (const char* name : {"cut.sor", "whole.sor"}) {
+                      check(dialog, name);
+                  }
+              }),
+              0);
+    EXPECT_EQ(refls.rowCount(), 2) << "what is left is shown";
+    ASSERT_EQ(notified.size(), 1);
+    const QString text = notified.first().first().toString();
+    EXPECT_TRUE(text.startsWith("cut.sor: the file is damaged")) << text.toStdString();
+    EXPECT_TRUE(text.contains("of 4000 samples the file holds ")) << text.toStdString();
+    EXPECT_FALSE(text.contains("whole.sor")) << text.toStdString();
+    EXPECT_EQ(text.count('\n'), 0) << "one line a file, so that the message fits the screen";
+}
+
+TEST_F(KeepingLoad, SaysOfANamedFileOnceThatAPartIsMissing)
+{
+    const Bytes whole = SorSketch::plain().build();
+    const QString cut = files.write("cut.sor", Bytes(whole.begin(), whole.end() - 2000));
+    EXPECT_EQ(keeper.doLoadFile(cut), 0);
+    ASSERT_EQ(notified.size(), 1);
+    EXPECT_TRUE(notified.first().first().toString().startsWith("cut.sor: the file is damaged"));
+    EXPECT_EQ(keeper.doLoadFile(cut), 0);
+    EXPECT_EQ(notified.size(), 1) << "it is loaded already";
+}
+
+TEST_F(KeepingLoad, SaysNothingOfWhatAMakerDoesOtherwise)
+{
+    SorSketch sketch = SorSketch::plain();
+    sketch.tail = Bytes(103);
+    keeper.doLoadFile(files.write("tail.sor", sketch));
+    ASSERT_EQ(refls.refls().value(0).notes().size(), 1);
+    EXPECT_TRUE(notified.isEmpty());
+}
+
 TEST_F(KeepingLoad, KeeperMayGoWhileTheUserChooses)
 {
     auto* passing = new Keeper(&card, &refls);

@@ -32,6 +32,15 @@ TEST_F(Keeping, SavingIsOffWithoutATraceAndDuringARun)
     EXPECT_FALSE(keeper.isSaveEnabled());
 }
 
+TEST_F(Keeping, SavingIsOffWhenAllTracesAreDeleted)
+{
+    refls.addReflFromFile(files.write("a.sor", SorSketch::plain()));
+    refls.addReflFromFile(files.write("b.sor", SorSketch::plain()));
+    ASSERT_TRUE(keeper.isSaveEnabled());
+    refls.deleteAllRefls();
+    EXPECT_FALSE(keeper.isSaveEnabled());
+}
+
 TEST_F(Keeping, SavingIsOffWhileEventsAreSought)
 {
     refls.addReflFromFile(files.write("a.sor", SorSketch::plain()));
