@@ -133,8 +133,7 @@ void TwoMarkersModel::calculate()
 void TwoMarkersModel::requestORL(const TwoMarkersResult& result)
 {
     // Markers that the first trace pulls to its ends tell so before there is a calculator.
-    const bool isStretch = result.length() > 0.0 && result.leftX() >= 0.0 && result.rightX() >= 0.0;
-    if (!orlCalc || !isStretch) {
+    if (!orlCalc || !result.isStretch()) {
         return;
     }
     if (!orlWatcher) {

@@ -40,6 +40,9 @@ public:
 
     [[nodiscard]] double rightY() const { return xA > xB ? yA : yB; } ///< with both at one place yB
 
+    /// Whether there is fibre between the markers, which has a return loss.
+    [[nodiscard]] bool isStretch() const { return length() > 0.0 && leftX() >= 0.0; }
+
     /// dB, positive when power falls towards the right.
     [[nodiscard]] double loss() const { return leftY() - rightY(); }
 

@@ -11,6 +11,8 @@
 #include <QKeyEvent>
 #include <QWheelEvent>
 
+#include <limits>
+
 namespace Waveform {
 
 TwoMarkersView::TwoMarkersView(QWidget* parent)
@@ -74,6 +76,16 @@ void TwoMarkersView::placeSideBySide()
 {
     markerA->moveBy(markerA->width());
     markerB->moveBy(markerA->width() + markerB->width());
+    placedA_m = markerA->xValue();
+    placedB_m = markerB->xValue();
+}
+
+/// Nobody has moved them since they were placed, or an empty trace has pulled them to its start.
+bool TwoMarkersView::areUntouched() const
+{
+    const double a_m = markerA->xValue();
+    const double b_m = markerB->xValue();
+    return (a_m == placedA_m && b_m == placedB_m) || (a_m == 0.0 && b_m == 0.0);
 }
 
 /// Markers that were hidden when they were attached, on a canvas that had no size yet, have gone
@@ -194,11 +206,30 @@ void TwoMarkersView::setUseLSA(bool use)
 void TwoMarkersView::setResult(TwoMarkersResult res)
 {
     lineWidget->setLine(res.lsaLine);
+    if (!res.isStretch()) { // no computation will tell, and what stands there is of another stretch
+        setORL(std::numeric_limits<double>::quiet_NaN());
+    }
 }
 
 void TwoMarkersView::setORL(double orl)
 {
     resultWidget->setORL(orl);
+}
+
+void TwoMarkersView::onMainReflChanged(Reflectogram refl)
+{
+    const bool isFirst = refl.isValid() && !hasTrace;
+    hasTrace = refl.isValid();
+    if (!isFirst || !areUntouched()) {
+        return;
+    }
+    for (QmPlotMarker* marker : qAsConst(markers)) {
+        marker->setXValue(0.0);
+    }
+    wasShown = false;
+    if (markerB->isVisible()) {
+        placeAtFirstShow();
+    }
 }
 
 void TwoMarkersView::moveMarkersToScreen()

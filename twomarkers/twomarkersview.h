@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/otdr/reflectogram.h"
 #include "twomarkers/twomarkersresult.h"
 
 #include <QList>
@@ -63,9 +64,15 @@ public slots:
     /// right one.
     void moveMarkersToScreen();
 
+    /// The main trace is to be this one. Where there was none, markers that nobody has moved are
+    /// placed side by side anew: they stood on a scale that meant nothing. Before the model hears
+    /// of the trace, which might pull them to its end.
+    void onMainReflChanged(Reflectogram refl);
+
 private:
     void init();
     void placeSideBySide();
+    [[nodiscard]] bool areUntouched() const;
     void placeAtFirstShow();
     QwtInterval shownDistances();
 
@@ -78,6 +85,9 @@ private:
     bool useLSA = false;
     QPointer<Plot> plot;
     bool wasShown = false;
+    bool hasTrace = false;
+    double placedA_m = 0.0; ///< where the markers were placed last
+    double placedB_m = 0.0;
 };
 
 } // namespace Waveform

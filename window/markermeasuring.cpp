@@ -30,10 +30,12 @@ void MarkerMeasuring::initTwoMarkers(Plot* newPlot, CanvasControls* newCanvas, c
     canvas = newCanvas;
     twoMarkersView = new TwoMarkersView(plot->canvas());
     twoMarkersView->attachToPlot(plot);
-    auto* model = new TwoMarkersModel(parent());
+    model = new TwoMarkersModel(parent());
     model->setUseLSA(bar->isUsingLsa());
     const char* mainChanged = SIGNAL(mainReflChanged( Reflectogram ));
+    connect(refls, mainChanged, twoMarkersView, SLOT(onMainReflChanged( Reflectogram )));
     connect(refls, mainChanged, model, SLOT(setReflectogram( Reflectogram )));
+    connect(refls, SIGNAL(allReflsDeleted()), SLOT(onAllReflsDeleted()));
     connect(refls, mainChanged, parent(), SLOT(rescalePlot( Reflectogram )));
     connect(bar, SIGNAL(usingLSAChanged( bool )), model, SLOT(setUseLSA( bool )));
     connect(bar, SIGNAL(visibility2pChanged( bool )), twoMarkersView, SLOT(setVisible( bool )));
@@ -78,6 +80,13 @@ void MarkerMeasuring::followMarkers(const MeasView* bar)
     for (const QmPlotMarker* marker : markers) {
         connect(marker, SIGNAL(movedTo( QmPlotMarker*, double )), SLOT(showInOverview()));
     }
+}
+
+/// The set says no more of its main trace then.
+void MarkerMeasuring::onAllReflsDeleted()
+{
+    twoMarkersView->onMainReflChanged(Reflectogram());
+    model->setReflectogram(Reflectogram());
 }
 
 void MarkerMeasuring::showInOverview()

@@ -10,6 +10,7 @@ namespace Waveform {
 class CanvasControls;
 class Plot;
 class ReflsTableModel;
+class TwoMarkersModel;
 class TwoMarkersView;
 
 /// The measurement between two markers on the plot: shown while its bar is, in the bar's mode, on
@@ -33,6 +34,7 @@ public:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private slots:
+    void onAllReflsDeleted();
     void showInOverview();
 
 private:
@@ -42,6 +44,7 @@ private:
     Plot* plot = nullptr;
     CanvasControls* canvas = nullptr;
     TwoMarkersView* twoMarkersView = nullptr;
+    TwoMarkersModel* model = nullptr;
     int usualLetters = 0; ///< height of the results' letters where there is room, pixels
 };
 

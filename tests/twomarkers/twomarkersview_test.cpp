@@ -218,6 +218,35 @@ TEST_F(MarkersOnPlot, ShownOnesBeforeTheFrontArePutToItExactly)
     EXPECT_EQ(a->xValue(), 0.0); // not the column beside: that may lie before the fibre
 }
 
+TEST_F(MarkersOnPlot, ReturnLossOfATraceThatWentIsNotToldOfTheNext)
+{
+    showAll();
+    drag(b, 300);
+    finish();
+    ASSERT_TRUE(value(6).endsWith(" dB")) << qPrintable(value(6));
+    model.setReflectogram(Reflectogram());
+    EXPECT_EQ(value(6), "-");
+    model.setReflectogram(files.measured(TraceBuilder().fibre(4_km), plainFibre()));
+    finish();
+    EXPECT_EQ(value(2), "0.0 m");
+    EXPECT_EQ(value(6), "-");
+}
+
+TEST_F(MarkersOnPlot, ReturnLossIsToldOfNoStretchWithoutALengthOrBeforeTheFibre)
+{
+    showAll();
+    for (const double b_m : {0.0, -500.0}) {
+        see(-1000.0, 5000.0);
+        a->setXValue(0.0);
+        b->setXValue(2000.0);
+        finish();
+        ASSERT_TRUE(value(6).endsWith(" dB")) << qPrintable(value(6));
+        b->setXValue(b_m);
+        finish();
+        EXPECT_EQ(value(6), "-") << b_m;
+    }
+}
+
 TEST_F(MarkersOnPlot, ViewThatGoesLeavesTheModelInPeace)
 {
     showAll();

@@ -1,0 +1,110 @@
+// The markers of the measurement while traces come and go.
+
+#include "plot/qmmarker.h"
+#include "plot/qmplotmarker.h"
+#include "tests/window/screen.h"
+#include "twomarkers/twomarkersresultwidget.h"
+#include "twomarkers/twomarkersview.h"
+
+#include <QGridLayout>
+#include <QLabel>
+#include <QThreadPool>
+
+namespace {
+
+using namespace testing_support; // the fixture and builders
+
+class MarkersOfTraces : public Screen
+{
+protected:
+    MarkersOfTraces()
+        : markers(plot()->canvas()->findChildren<QmPlotMarker*>())
+        , view(window->findChild<Waveform::TwoMarkersView*>())
+    {
+        view->show();
+    }
+
+    static SorSketch longTrace()
+    {
+        SorSketch sketch = SorSketch::plain();
+        sketch.fxd.pulses[0].dataSpacing *= 40;
+        sketch.fxd.acquisitionRange *= 40;
+        return sketch;
+    }
+
+    [[nodiscard]] int column(int marker) const
+    {
+        return markers.at(marker)->x() + QmMarker::markerBorder;
+    }
+
+    [[nodiscard]] int columnOf(double distance_m) const
+    {
+        return qRound(plot()->canvasMap(QwtPlot::xBottom).transform(distance_m));
+    }
+
+    [[nodiscard]] QString value(int row) const
+    {
+        auto* grid = qobject_cast<QGridLayout*>(view->results()->layout());
+        return qobject_cast<QLabel*>(grid->itemAtPosition(row, 1)->widget())->text();
+    }
+
+    /// Until all computations are done and told.
+    static void finish()
+    {
+        for (int round = 0; round < 5; ++round) {
+            QThreadPool::globalInstance()->waitForDone();
+            QCoreApplication::processEvents();
+        }
+    }
+
+    void expectSideBySide() const
+    {
+        EXPECT_NEAR(column(0), columnOf(0.0) + 29, 1);
+        EXPECT_NEAR(column(1), columnOf(0.0) + 58, 1);
+    }
+
+    QList<QmPlotMarker*> markers;
+    Waveform::TwoMarkersView* view;
+};
+
+TEST_F(MarkersOfTraces, StandSideBySideOnTheFirstOneWhateverItsLength)
+{
+    load("long.sor", longTrace());
+    ASSERT_GT(refls()->mainRefl().maxdist(), 50'000.0);
+    finish();
+    expectSideBySide();
+}
+
+TEST_F(MarkersOfTraces, StandSideBySideOnTheOneAfterADeletedOne)
+{
+    load("short.sor");
+    finish();
+    const QString before = value(6);
+    ASSERT_TRUE(before.endsWith(" dB")) << qPrintable(before);
+    refls()->deleteRefl(0);
+    finish();
+    EXPECT_EQ(value(6), "-");
+    load("long.sor", longTrace());
+    finish();
+    expectSideBySide();
+    EXPECT_NE(value(2), "0.0 m");
+    EXPECT_NE(value(6), before);
+}
+
+TEST_F(MarkersOfTraces, MeasureNothingWhenAllAreDeleted)
+{
+    load("a.sor");
+    load("b.sor");
+    finish();
+    ASSERT_NE(value(3), "0.00 dB");
+    refls()->deleteAllRefls();
+    finish();
+    EXPECT_EQ(value(2), "0.0 m");
+    EXPECT_EQ(value(3), "0.00 dB");
+    EXPECT_EQ(value(6), "-");
+    load("long.sor", longTrace());
+    finish();
+    expectSideBySide();
+}
+
+} // namespace
