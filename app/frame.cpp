@@ -58,7 +58,8 @@ Frame::Frame(PluginWindow* window, AbstractKeeper* keeper)
     bar->setContentsMargins(kMargin, kMargin / 2, kMargin, kMargin / 2);
     bar->setSpacing(kMargin);
     bar->addWidget(title, 1);
-    bar->addWidget(new NightSwitch(this));
+    auto* night = new NightSwitch(this);
+    bar->addWidget(night);
     bar->addWidget(loadButton);
     bar->addWidget(saveButton);
     bar->addWidget(helpButton);
@@ -77,6 +78,10 @@ Frame::Frame(PluginWindow* window, AbstractKeeper* keeper)
         connectKeeper();
     }
     connectKeys();
+    setTabOrder(night, loadButton);
+    setTabOrder(loadButton, saveButton);
+    setTabOrder(saveButton, helpButton);
+    loadButton->setFocus(); // what most begin with
 }
 
 Frame::~Frame()

@@ -52,7 +52,7 @@ QVector<Row> steps()
         {Words::tr("Save"),
          Words::tr("Press Save and give a name: the trace and its report are written.")},
         {Words::tr("Events, Reflectograms"),
-         Words::tr("Show and hide the tables. A tap on a reflectogram offers "
+         Words::tr("Show and hide the tables. A long or double tap on a reflectogram offers "
                    "to make it the main one or to delete it.")},
         {Words::tr("Measurement"),
          Words::tr("Shows the markers A and B; drag them to where to measure.")},

@@ -15,6 +15,7 @@
 #include "app/shownpanels.h"
 #include "app/stopping.h"
 #include "platform/launcher/appearance.h"
+#include "platform/launcher/focusreturn.h"
 #include "platform/launcher/keysreturn.h"
 #include "platform/launcher/pluginwindow.h"
 #include "platform/launcher/zuconfig.h"
@@ -202,5 +203,6 @@ int main(int argc, char** argv)
     const Language language(options.language); // before the plugin makes its window
     const Appearance appearance;
     const KeysReturn keys;
+    const FocusReturn focus;
     return beginning.refused.isEmpty() ? run(options) : stopping::failOnScreen(beginning.refused);
 }

@@ -7,7 +7,7 @@
 
 #include <QHeaderView>
 #include <QHelpEvent>
-#include <QScrollBar>
+#include <QScroller>
 #include <QToolTip>
 
 #include <memory>
@@ -18,7 +18,6 @@ namespace {
 
 // For a fingertip, and yet five rows in the strip below the plot.
 constexpr int kRowHeight_px = 34;
-constexpr int kScrollBarWidth_px = 24;
 
 } // namespace
 
@@ -35,9 +34,8 @@ EventsTableView::EventsTableView(QWidget* parent)
     verticalHeader()->hide();
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     verticalHeader()->setDefaultSectionSize(kRowHeight_px);
-    verticalScrollBar()->setStyleSheet(
-        QString("QScrollBar:vertical { width: %1px; }").arg(kScrollBarWidth_px));
     setVerticalScrollMode(ScrollPerPixel);
+    QScroller::grabGesture(viewport(), QScroller::LeftMouseButtonGesture); // touches are the mouse
     setSelectionMode(SingleSelection);
     setSelectionBehavior(SelectRows);
     setAlternatingRowColors(true);

@@ -151,6 +151,11 @@ QPushButton* CanvasControls::zoomOffButton() const
     return ui->zoomOffButton;
 }
 
+QWidgetList CanvasControls::buttons() const
+{
+    return {ui->zoomOffButton, ui->zoomInButton, ui->zoomOutButton};
+}
+
 QmMiniPlot* CanvasControls::miniPlot() const
 {
     return ui->miniPlot;

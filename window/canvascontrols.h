@@ -39,6 +39,9 @@ public:
 
     [[nodiscard]] QmPlotZoomer* zoomer() const { return plotZoomer; }
 
+    /// The buttons of the view, from the first to the last.
+    [[nodiscard]] QWidgetList buttons() const;
+
     /// The column that tells about what is on the plot.
     [[nodiscard]] QVBoxLayout* legendLayout() const;
 

@@ -2,6 +2,7 @@
 
 #include "platform/launcher/palettefactory.h"
 #include "refls/reflstablemodel.h"
+#include "window/pagegeometry.h"
 
 #include <QEvent>
 
@@ -22,7 +23,7 @@ EmptyHint::EmptyHint(QWidget* canvas, ReflsTableModel* refls)
     , refls(refls)
 {
     setObjectName("emptyHint");
-    setText(tr("Press Start to measure.\nPress Load to open traces,\nor drop their files here."));
+    showWay();
     setTextFormat(Qt::PlainText);
     setAlignment(Qt::AlignCenter);
     setMargin(kMargin);
@@ -39,6 +40,15 @@ EmptyHint::EmptyHint(QWidget* canvas, ReflsTableModel* refls)
     connect(refls, SIGNAL(modelReset()), SLOT(showWhereEmpty()));
     lower();
     showWhereEmpty();
+}
+
+void EmptyHint::heed(QWidget* startButton, QWidget* resultBox)
+{
+    start = startButton;
+    results = resultBox;
+    startButton->installEventFilter(this);
+    resultBox->installEventFilter(this);
+    showWay();
 }
 
 void EmptyHint::follow(MeasModel* newModel)
@@ -72,24 +82,46 @@ void EmptyHint::showWhereEmpty()
     setVisible(!isMeasuring && !refls.isNull() && refls->rowCount() == 0);
 }
 
-void EmptyHint::centre()
+void EmptyHint::showWay()
 {
-    QRect place(QPoint(), sizeHint());
-    place.moveCenter(parentWidget()->rect().center());
-    setGeometry(place);
+    const bool isStartHere = start.isNull() || start->isVisibleTo(window());
+    setText(isStartHere ? tr(
+                "Press Start to measure.\nPress Load to open traces,\nor drop their files here.")
+                        : tr("Press Settings, then Start.\nPress Load to open traces,\nor drop "
+                             "their files here."));
+}
+
+void EmptyHint::place()
+{
+    const bool isBeside = !results.isNull() && !results->isHidden();
+    setGeometry(pagegeometry::hintPlace(parentWidget()->rect(),
+                                        isBeside ? results->geometry() : QRect(), sizeHint()));
 }
 
 bool EmptyHint::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched == parentWidget() && event->type() == QEvent::Resize && isVisible()) {
-        centre();
+    switch (event->type()) {
+    case QEvent::Show:
+    case QEvent::Hide:
+        showWay();
+        break;
+    case QEvent::Move:
+    case QEvent::Resize:
+    case QEvent::HideToParent:
+        break;
+    default:
+        return QLabel::eventFilter(watched, event);
+    }
+    if (isVisible()) {
+        place();
     }
     return QLabel::eventFilter(watched, event);
 }
 
 void EmptyHint::showEvent(QShowEvent* event)
 {
-    centre();
+    showWay();
+    place();
     QLabel::showEvent(event);
 }
 

@@ -30,6 +30,11 @@ int tableHeight(int pageHeight, int tables)
     return std::max(kLeastTable, std::min(static_cast<int>(share), left));
 }
 
+int wholeRows(int height, int header, int row, int leastRows)
+{
+    return header + std::max(leastRows, (height - header) / std::max(1, row)) * row;
+}
+
 int letterHeight(int canvasHeight, int rows, int around, int usual)
 {
     const int fitting = (canvasHeight - around) * 4 / (5 * std::max(1, rows));
@@ -39,6 +44,19 @@ int letterHeight(int canvasHeight, int rows, int around, int usual)
 bool fitsButtonColumn(int canvasHeight)
 {
     return canvasHeight >= kButtonColumn;
+}
+
+QRect hintPlace(const QRect& canvas, const QRect& results, const QSize& hint)
+{
+    QRect place(QPoint(), hint);
+    place.moveCenter(canvas.center());
+    if (place.intersects(results)) {
+        QRect left = canvas;
+        left.setRight(results.left() - 1);
+        place.moveCenter(left.center());
+        place.moveLeft(std::max(canvas.left(), place.left()));
+    }
+    return place;
 }
 
 bool fitsLegendGap(int canvasHeight)

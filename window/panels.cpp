@@ -13,8 +13,10 @@
 #include <QEvent>
 #include <QGridLayout>
 #include <QHeaderView>
+#include <QPushButton>
 
 #include <algorithm>
+#include <iterator>
 
 namespace Waveform {
 
@@ -109,17 +111,37 @@ void Panels::setupWrapPanel(QGridLayout* page, ControlBottomPanel* bottomPanel)
     page->addWidget(wrapPanel, kWrapRow, 0, 1, -1);
 }
 
+void Panels::setTabOrder(const QWidgetList& overChart, const QWidgetList& settings) const
+{
+    QWidgetList all = overChart;
+    all << eventsTable << settings;
+    const auto barButtons = markersBar->findChildren<QPushButton*>();
+    const auto panelButtons = wrapPanel->findChildren<QPushButton*>();
+    std::copy(barButtons.begin(), barButtons.end(), std::back_inserter(all));
+    std::copy(panelButtons.begin(), panelButtons.end(), std::back_inserter(all));
+    for (int i = 1; i < all.size(); ++i) {
+        QWidget::setTabOrder(all[i - 1], all[i]);
+    }
+}
+
 void Panels::shareHeight(int newPageHeight)
 {
     pageHeight = newPageHeight;
     const int shown = (eventsTable->isHidden() ? 0 : 1) + (reflsTable->isHidden() ? 0 : 1);
     const int most = pagegeometry::tableHeight(pageHeight, shown);
+    const int leastRows = shown > 1 ? 1 : 2;
     for (QTableView* table :
          {static_cast<QTableView*>(eventsTable), static_cast<QTableView*>(reflsTable)}) {
+        const int row = table->verticalHeader()->defaultSectionSize();
         const int least = leastHeight(*table);
         table->setMinimumHeight(least);
-        table->setMaximumHeight(std::max(least, most));
+        table->setMaximumHeight(pagegeometry::wholeRows(most, least - row, row, leastRows));
     }
+    // A short set leaves the rest to the plot.
+    const QHeaderView& rows = *reflsTable->verticalHeader();
+    const int all = leastHeight(*reflsTable) - rows.defaultSectionSize() + rows.length();
+    reflsTable->setMaximumHeight(
+        qBound(reflsTable->minimumHeight(), all, reflsTable->maximumHeight()));
 }
 
 bool Panels::eventFilter(QObject* watched, QEvent* event)
@@ -133,8 +155,15 @@ bool Panels::eventFilter(QObject* watched, QEvent* event)
     return QObject::eventFilter(watched, event);
 }
 
+void Panels::shareHeightAgain()
+{
+    shareHeight(pageHeight);
+}
+
 void Panels::followMainTrace()
 {
+    shareHeightAgain();
+    QMetaObject::invokeMethod(this, "shareHeightAgain", Qt::QueuedConnection); // as below
     const Reflectogram main = refls->mainRefl();
     if (!(main == shownMain)) {
         shownMain = main;

@@ -3,6 +3,7 @@
 #include "platform/otdr/reflectogram.h"
 
 #include <QObject>
+#include <QWidget>
 
 class ControlBottomPanel;
 class MeasView;
@@ -35,6 +36,10 @@ public:
     void init(ZuConfigModel* config, QGridLayout* page, ControlBottomPanel* bottomPanel);
     void setupWrapPanel(QGridLayout* page, ControlBottomPanel* bottomPanel);
 
+    /// Lets Tab go by everything as one reads: what lies over the chart, the events, the settings
+    /// or the bar in their place, the buttons of the panels. Each list from left to right.
+    void setTabOrder(const QWidgetList& overChart, const QWidgetList& settings) const;
+
     /// Gives the tables that are shown their share of a page of this height, pixels; the plot has
     /// the rest.
     void shareHeight(int pageHeight);
@@ -53,6 +58,9 @@ public:
     [[nodiscard]] MeasView* measView() const { return markersBar; }
 
 private slots:
+    /// For other rows in the table of traces.
+    void shareHeightAgain();
+
     /// Scrolls to the row of a new main trace; a user who has scrolled on is left alone.
     void followMainTrace();
     void scrollToMainTrace();

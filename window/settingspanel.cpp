@@ -5,6 +5,9 @@
 #include "platform/launcher/linedlabel.h"
 #include "platform/launcher/zuconfigmodel.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace Waveform {
 
 namespace {
@@ -43,6 +46,13 @@ HistoryCombo* SettingsPanel::newComboBox(ZuConfigModel* config, const SettingCho
     connect(combo, SIGNAL(currentDataChanged( QVariant )), setting, SLOT(tryChange( QVariant )));
     panel->prependWidget(LinedLabel::createLabeledWidget(combo), kBoxWidth, 0, {});
     return combo;
+}
+
+QWidgetList SettingsPanel::boxes() const
+{
+    QWidgetList boxes;
+    std::copy(combos.rbegin(), combos.rend(), std::back_inserter(boxes));
+    return boxes;
 }
 
 void SettingsPanel::setEnabled(bool enabled)

@@ -4,6 +4,7 @@
 
 #include <QList>
 #include <QObject>
+#include <QWidget>
 
 class ControlBottomPanel;
 class HistoryCombo;
@@ -29,6 +30,9 @@ public:
 
     /// Time, pulse, distance, wavelength: from right to left on the panel.
     [[nodiscard]] const QList<HistoryCombo*>& settingCombos() const { return combos; }
+
+    /// The same from left to right.
+    [[nodiscard]] QWidgetList boxes() const;
 
     [[nodiscard]] HistoryCombo* pulseCombo() const { return pulse; }
 

@@ -11,6 +11,7 @@
 #include "plot/qmplotzoomer.h"
 #include "refls/reflstablemodel.h"
 #include "refls/reflstableview.h"
+#include "twomarkers/twomarkersresultwidget.h"
 #include "twomarkers/twomarkersview.h"
 #include "window/canvascontrols.h"
 #include "window/countdown.h"
@@ -33,19 +34,12 @@
 
 namespace Waveform {
 
-namespace {
-
-constexpr int kBottomPanelHeight = 78;
-const QSize kActionButtonSize(100, 52);
-constexpr int kAnimationPoints = 3;
-constexpr int kAnimationStep_ms = 500;
-
-} // namespace
-
 Window::Window(ZuConfigModel* config, QWidget* parent)
     : MeasWindow(parent)
     , config(config)
 {
+    constexpr int kAnimationPoints = 3;
+    constexpr int kAnimationStep_ms = 500;
     waitWindow = new WaitWnd(this);
     warning = new WarningWindow(this);
     animator.setText(tr("Events"));
@@ -68,7 +62,9 @@ Window::Window(ZuConfigModel* config, QWidget* parent)
     initEventMarkersView();
     initTwoMarkers();
     panels->setupWrapPanel(pageLayout(), bottomPanel());
+    panels->setTabOrder(canvas->buttons(), settings->boxes() << actionButton());
     emptyHint = new EmptyHint(plot->canvas(), reflsTableModel());
+    emptyHint->heed(actionButton(), markerMeasuring->view()->results());
     raisePlotControls();
     setupEventFilters();
 }
@@ -81,9 +77,10 @@ Window::~Window()
 
 void Window::alignElements()
 {
+    constexpr int kBottomPanelHeight = 78;
     bottomPanel()->setFixedHeight(kBottomPanelHeight);
     bottomPanel()->setWindowTitle(tr("Settings"));
-    actionButton()->setFixedSize(kActionButtonSize);
+    actionButton()->setFixedSize(100, 52);
     bottomPanel()->setActionWidget(actionButton(), Qt::AlignBottom | Qt::AlignRight);
 }
 
@@ -240,6 +237,7 @@ void Window::measStarted()
     panels->reflsView()->setMenuDisabled(true);
     eventMarkers->setVisible(false);
     eventMarkers->clear();
+    warning->hide(); // what was wrong or done before is over
     MeasWindow::measStarted();
     settings->setEnabled(false);
     panels->setHeld(bottomPanel(), true);

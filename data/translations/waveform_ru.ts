@@ -127,8 +127,8 @@
         <translation>События, Рефлектограммы</translation>
     </message>
     <message>
-        <source>Show and hide the tables. A tap on a reflectogram offers to make it the main one or to delete it.</source>
-        <translation>Показать и скрыть таблицы. По нажатию на рефлектограмму её можно сделать основной или удалить.</translation>
+        <source>Show and hide the tables. A long or double tap on a reflectogram offers to make it the main one or to delete it.</source>
+        <translation>Показать и скрыть таблицы. По долгому или двойному нажатию на рефлектограмму её можно сделать основной или удалить.</translation>
     </message>
     <message>
         <source>Measurement</source>
@@ -663,6 +663,113 @@ ORL: %6
     </message>
 </context>
 <context>
+    <name>TraceNote</name>
+    <message>
+        <source>of %1 samples the file holds %2</source>
+        <translation>из %1 отсчётов в файле есть %2</translation>
+    </message>
+    <message>
+        <source>how the trace was measured is missing; distances are not known</source>
+        <translation>нет данных о том, как проводилось измерение; расстояния неизвестны</translation>
+    </message>
+    <message>
+        <source>the data spacing is 0; distances are not known</source>
+        <translation>интервал отсчётов равен 0; расстояния неизвестны</translation>
+    </message>
+    <message>
+        <source>of %1 events the file holds %2</source>
+        <translation>из %1 событий в файле есть %2</translation>
+    </message>
+    <message>
+        <source>the file ends within the block &quot;%1&quot;</source>
+        <translation>файл обрывается внутри блока «%1»</translation>
+    </message>
+    <message>
+        <source>the file ends before the block &quot;%1&quot;</source>
+        <translation>файл обрывается перед блоком «%1»</translation>
+    </message>
+    <message>
+        <source>the block &quot;%1&quot; ends early; its last fields are missing</source>
+        <translation>блок «%1» короче положенного; его последних полей нет</translation>
+    </message>
+    <message>
+        <source>the block &quot;%1&quot; is there more than once; the first is used</source>
+        <translation>блок «%1» записан несколько раз; взят первый</translation>
+    </message>
+    <message>
+        <source>%1 bytes follow the last block; they are kept</source>
+        <translation>байтов после последнего блока: %1; они сохраняются</translation>
+    </message>
+    <message>
+        <source>the samples come in %1 sections; they are joined</source>
+        <translation>отсчёты записаны частями, их число: %1; они соединены</translation>
+    </message>
+    <message>
+        <source>the scale factor of the samples is 0; 1.000 is assumed</source>
+        <translation>масштаб отсчётов равен 0; принято 1.000</translation>
+    </message>
+    <message>
+        <source>the group index %1 is impossible; %2 is assumed</source>
+        <translation>групповой показатель преломления %1 невозможен; принято %2</translation>
+    </message>
+    <message>
+        <source>the backscatter coefficient is stored as %1; it is read as %2 dB</source>
+        <translation>коэффициент обратного рассеяния записан как %1; он прочитан как %2 дБ</translation>
+    </message>
+    <message>
+        <source>the backscatter coefficient is stored as %1, which none is; the usual one is taken</source>
+        <translation>коэффициент обратного рассеяния записан как %1, что невозможно; взят обычный</translation>
+    </message>
+    <message>
+        <source>the samples are told to have several spacings; one is taken for all of them</source>
+        <translation>для отсчётов указано несколько интервалов; для всех взят один</translation>
+    </message>
+    <message>
+        <source>the data spacing is %1 times what the range allows; distances may be wrong</source>
+        <translation>интервал отсчётов в %1 раз больше, чем позволяет дальность; расстояния могут быть неверны</translation>
+    </message>
+    <message>
+        <source>the data spacing is ten times what the range allows; a tenth of it is taken</source>
+        <translation>интервал отсчётов в десять раз больше, чем позволяет дальность; взята его десятая часть</translation>
+    </message>
+    <message>
+        <source>the samples are counted as %1 and as %2; %3 are taken</source>
+        <translation>число отсчётов указано как %1 и как %2; взято %3</translation>
+    </message>
+    <message>
+        <source>the map does not end where it says; the blocks are taken from where it says</source>
+        <translation>оглавление кончается не там, где указано; блоки взяты с указанного места</translation>
+    </message>
+    <message>
+        <source>the map does not end where it says; the blocks are taken from its real end</source>
+        <translation>оглавление кончается не там, где указано; блоки взяты с его действительного конца</translation>
+    </message>
+    <message>
+        <source>the landmarks are more than their block can hold; they are not shown</source>
+        <translation>ориентиров больше, чем вмещает их блок; они не показаны</translation>
+    </message>
+    <message>
+        <source>the data spacing is 0; the range over the number of samples is taken</source>
+        <translation>интервал отсчётов равен 0; взят диапазон, делённый на число отсчётов</translation>
+    </message>
+    <message>
+        <source>the number of pulse widths is %1; one is assumed</source>
+        <translation>число длительностей импульса: %1; принята одна</translation>
+    </message>
+    <message>
+        <source>the offsets of the file put its events beside what the samples show; the port is taken to stand at sample %1 of the record, where they fit</source>
+        <translation>по смещениям из файла события не совпадают с отсчётами; начало линии принято на отсчёте %1, где они совпадают</translation>
+    </message>
+    <message>
+        <source>a snapshot tells no group index: %1 assumed</source>
+        <translation>снимок измерения не содержит группового показателя преломления: принято %1</translation>
+    </message>
+    <message>
+        <source>%1: the file is damaged; what could be read of it is shown (%2)</source>
+        <translation>%1: файл повреждён; показано то, что удалось прочитать (%2)</translation>
+    </message>
+</context>
+<context>
     <name>TwoMarkersResult</name>
     <message>
         <source> m</source>
@@ -725,6 +832,14 @@ ORL: %6
 Press Load to open traces,
 or drop their files here.</source>
         <translation>Нажмите «Старт», чтобы измерить.
+Нажмите «Открыть» для готовых рефлектограмм
+или перетащите сюда их файлы.</translation>
+    </message>
+    <message>
+        <source>Press Settings, then Start.
+Press Load to open traces,
+or drop their files here.</source>
+        <translation>Нажмите «Настройки», затем «Старт».
 Нажмите «Открыть» для готовых рефлектограмм
 или перетащите сюда их файлы.</translation>
     </message>

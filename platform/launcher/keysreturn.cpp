@@ -16,6 +16,13 @@ bool takesKeys(const QWidget& window)
         && !window.testAttribute(Qt::WA_ShowWithoutActivating);
 }
 
+/// Whether a dialog is open without which this window goes on to nothing.
+bool isBlocked(const QWidget& window)
+{
+    const QWidget* modal = QApplication::activeModalWidget();
+    return modal != nullptr && !window.isModal() && !modal->isAncestorOf(&window);
+}
+
 } // namespace
 
 KeysReturn::KeysReturn(QObject* parent)
@@ -28,21 +35,33 @@ bool KeysReturn::eventFilter(QObject* watched, QEvent* event)
 {
     const bool isTurn = event->type() == QEvent::Hide || event->type() == QEvent::Show;
     if (isTurn && !event->spontaneous() && watched->isWidgetType()) {
-        auto* widget = static_cast<QWidget*>(watched);
-        if (widget->isWindow()) {
-            follow(*widget, event->type());
+        auto& widget = *static_cast<QWidget*>(watched);
+        if (widget.isWindow() && event->type() == QEvent::Show) {
+            opened(widget);
+        } else if (widget.isWindow()) {
+            closed(widget);
         }
     }
     return QObject::eventFilter(watched, event);
 }
 
-void KeysReturn::follow(QWidget& window, QEvent::Type event)
+void KeysReturn::opened(QWidget& window)
+{
+    if (!takesKeys(window)) {
+        return;
+    }
+    if (isBlocked(window)) {
+        kept = &window;
+        return;
+    }
+    below = nullptr;
+    window.activateWindow();
+}
+
+void KeysReturn::closed(QWidget& window)
 {
     const QWindow* handle = window.windowHandle();
-    if (event == QEvent::Show && takesKeys(window)) {
-        below = nullptr;
-    } else if (event == QEvent::Hide && handle != nullptr
-               && handle == QGuiApplication::focusWindow()) {
+    if (handle != nullptr && handle == QGuiApplication::focusWindow()) {
         // One that had no keys leaves them where they are, which may be another program. When all
         // that the closing does has been done, the next dialog may be open.
         below = windowBelow(&window);
@@ -53,8 +72,11 @@ void KeysReturn::follow(QWidget& window, QEvent::Type event)
 void KeysReturn::giveBack()
 {
     const QWindow* focused = QGuiApplication::focusWindow();
-    QWidget* modal = QApplication::activeModalWidget(); // which keeps all keys from those below it
-    QWidget* next = modal != nullptr ? modal : below.data();
+    QWidget* next = QApplication::activeModalWidget(); // which keeps all keys from those below it
+    if (next == nullptr) {
+        next = kept != nullptr && kept->isVisible() ? kept.data() : below.data();
+        kept = nullptr;
+    }
     const bool isOurs = focused != nullptr && focused->isVisible();
     if (!below.isNull() && !isOurs && next->isVisible()) {
         next->activateWindow();

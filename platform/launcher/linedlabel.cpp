@@ -21,7 +21,6 @@ QWidget* LinedLabel::createLabeledWidget(QWidget* widget)
     column->addWidget(label);
     column->addWidget(widget);
     column->addStretch();
-    both->setFocusProxy(widget);
     return both;
 }
 

@@ -2,6 +2,7 @@
 
 #include "platform/launcher/popupgeometry.h"
 
+#include <QFontMetrics>
 #include <QHideEvent>
 #include <QLabel>
 #include <QPushButton>
@@ -13,17 +14,17 @@ namespace {
 constexpr int kTextWidth = 360;
 constexpr int kLongTextWidth = 620; ///< where words had to be broken
 
-/// The text with places where the long words in it, such as paths, may be broken: a label breaks
-/// lines between words only, and would cut what does not fit.
-QString breakable(const QString& text)
+/// The text with places where a word that is wider than the line, such as a path, may be broken: a
+/// label breaks lines between words only, and would cut what does not fit.
+QString breakable(const QString& text, const QFontMetrics& font)
 {
-    constexpr int kLongWord = 24;
     const QChar zeroWidthSpace(0x200B);
     QString result;
-    int wordLength = 0;
+    QString word; // as far as it has come
     for (const QChar character : text) {
-        wordLength = character.isSpace() ? 0 : wordLength + 1;
-        if (wordLength > kLongWord && !character.isLowSurrogate() && !character.isMark()) {
+        word = character.isSpace() ? QString() : word + character;
+        const bool isWhole = !character.isLowSurrogate() && !character.isMark();
+        if (isWhole && font.horizontalAdvance(word) > kTextWidth) {
             result += zeroWidthSpace;
         }
         result += character;
@@ -84,7 +85,7 @@ void WarningWindow::show(const QString& text, const QString& title)
 
 void WarningWindow::fitText()
 {
-    const QString broken = breakable(message);
+    const QString broken = breakable(message, label->fontMetrics());
     label->setMinimumWidth(broken == message ? kTextWidth : kLongTextWidth);
     label->setText(broken);
     adjustSize();

@@ -3,15 +3,21 @@
 #include "events/eventstablemodel.h"
 #include "events/eventstableview.h"
 #include "platform/launcher/controlbottompanel.h"
+#include "platform/launcher/historycombo.h"
 #include "platform/launcher/wrappanel.h"
 #include "plot/qmminiplot.h"
 #include "plot/qmplotmarker.h"
 #include "refls/reflstableview.h"
+#include "tests/support/reach.h"
 #include "tests/window/screen.h"
 #include "window/measview.h"
 
 #include <QGridLayout>
+#include <QHeaderView>
 #include <QVBoxLayout>
+
+#include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -244,6 +250,76 @@ TEST_F(FullTable, ShowsTheMainTraceAgainAfterANewSize)
     window->resize(800, 428);
     settle();
     EXPECT_TRUE(isInSight(3));
+}
+
+/// The height below the header, in rows.
+double rowsInSight(const QTableView& table, int row)
+{
+    return static_cast<double>(table.viewport()->height()) / table.rowHeight(row);
+}
+
+TEST_F(FullTable, RowsInSightAreWhole)
+{
+    auto* events = part<Waveform::EventsTableView>();
+    for (const QSize& size : {QSize(800, 428), QSize(1280, 748)}) {
+        window->resize(size);
+        for (const bool alone : {false, true}) {
+            events->setVisible(!alone);
+            settle();
+            EXPECT_EQ(rowsInSight(*table(), 0), std::floor(rowsInSight(*table(), 0)));
+            if (alone) {
+                EXPECT_GE(rowsInSight(*table(), 0), 2.0) << size.height();
+            }
+        }
+    }
+}
+
+TEST_F(FullTable, IsNoHigherThanItsRows)
+{
+    part<Waveform::EventsTableView>()->hide();
+    for (int left = 4; left > 0; --left) {
+        settle();
+        EXPECT_LE(rowsInSight(*table(), 0), left);
+        EXPECT_GE(rowsInSight(*table(), 0), std::min(left, 2));
+        refls()->deleteRefl(0);
+    }
+    settle();
+    EXPECT_LE(table()->viewport()->height(), table()->verticalHeader()->defaultSectionSize());
+}
+
+/// What messages call them, one a line.
+std::string names(const QList<QWidget*>& widgets)
+{
+    QStringList all;
+    for (const QWidget* widget : widgets) {
+        all << nameOf(*widget);
+    }
+    return all.join('\n').toStdString();
+}
+
+TEST_F(FullTable, TabGoesAsOneReads)
+{
+    table()->hide();
+    QTest::mouseClick(part<QPushButton>("zoomInButton"), Qt::LeftButton);
+    QList<QWidget*> expected;
+    for (const QString& name : zoomButtons) {
+        expected << part<QPushButton>(name);
+    }
+    expected << part<Waveform::EventsTableView>();
+    QList<QWidget*> boxes;
+    for (auto* box : window->findChildren<HistoryCombo*>()) {
+        boxes << box;
+    }
+    const auto byPlace = [this](const QWidget* a, const QWidget* b) {
+        return a->mapTo(window.get(), QPoint()).x() < b->mapTo(window.get(), QPoint()).x();
+    };
+    std::sort(boxes.begin(), boxes.end(), byPlace);
+    expected << boxes << action();
+    for (auto* button : part<WrapPanel>()->findChildren<QPushButton*>()) {
+        expected << button;
+    }
+    expected.first()->setFocus();
+    EXPECT_EQ(names(tabChain(*window)), names(expected.mid(1) << expected.first()));
 }
 
 } // namespace

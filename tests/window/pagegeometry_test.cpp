@@ -57,4 +57,28 @@ TEST(PageGeometry, LowCanvasHasNoRoomForColumnAndGap)
     EXPECT_FALSE(fitsLegendGap(230));
 }
 
+TEST(PageGeometry, TableEndsWithAWholeRow)
+{
+    EXPECT_EQ(wholeRows(224, 18, 44, 2), 18 + 4 * 44);
+    EXPECT_EQ(wholeRows(194, 18, 44, 2), 18 + 4 * 44);
+    EXPECT_EQ(wholeRows(193, 18, 44, 2), 18 + 3 * 44);
+    EXPECT_EQ(wholeRows(84, 19, 44, 2), 19 + 2 * 44) << "these at least";
+    EXPECT_EQ(wholeRows(60, 19, 34, 1), 19 + 34);
+    EXPECT_EQ(wholeRows(60, 19, 0, 1), 19) << "a table without rows";
+}
+
+TEST(PageGeometry, HintStandsInTheMiddleOrBesideTheResults)
+{
+    const QRect canvas(0, 0, 700, 160);
+    const QSize hint(200, 80);
+    EXPECT_EQ(hintPlace(canvas, QRect(), hint).center(), canvas.center());
+    const QRect results(410, 0, 175, 120);
+    const QRect place = hintPlace(canvas, results, hint);
+    EXPECT_FALSE(place.intersects(results));
+    EXPECT_TRUE(canvas.contains(place));
+    EXPECT_EQ(place.center().y(), canvas.center().y());
+    EXPECT_EQ(hintPlace(canvas, results, QSize(500, 80)).left(), 0) << "its beginning is read";
+    EXPECT_EQ(hintPlace(canvas, QRect(600, 0, 90, 120), hint).center(), canvas.center());
+}
+
 } // namespace

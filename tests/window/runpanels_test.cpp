@@ -132,4 +132,13 @@ TEST_F(RunPanels, StopDuringTheAnalysisEndsTheAnimation)
     EXPECT_EQ(action()->text(), "Start");
 }
 
+TEST_F(RunPanels, MessageGoesWhenARunStarts)
+{
+    window->notification()->show("In realtime mode you need sets pulse");
+    startEndlessRun();
+    EXPECT_FALSE(window->notification()->isVisible());
+    EXPECT_EQ(warning(), "");
+    stopRun();
+}
+
 } // namespace

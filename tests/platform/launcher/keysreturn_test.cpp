@@ -1,4 +1,5 @@
 #include "platform/launcher/keysreturn.h"
+#include "platform/launcher/warningwindow.h"
 
 #include <QApplication>
 #include <QDialog>
@@ -90,6 +91,38 @@ TEST_F(ClosedDialog, ThatHadNoKeysLeavesThemWhereTheyAre)
     dialog.close();
     QTest::qWait(20);
     EXPECT_TRUE(other.isActiveWindow());
+}
+
+/// As a message: nobody asks for the keys in its name.
+TEST(OpenedWindow, TakesTheKeysFromTheOneBelow)
+{
+    const KeysReturn keys;
+    QWidget window;
+    window.show();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    WarningWindow message(&window);
+    message.show("Saved to:\na.sor");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return message.isActiveWindow(); }));
+    QTest::keyClick(QGuiApplication::focusWindow(), Qt::Key_Return);
+    EXPECT_FALSE(message.isVisible());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window.isActiveWindow(); }));
+}
+
+TEST(OpenedWindow, HasItsTurnAfterADialogWithoutWhichNothingGoesOn)
+{
+    const KeysReturn keys;
+    QWidget window;
+    window.show();
+    QDialog question(&window);
+    question.setModal(true);
+    question.show();
+    WarningWindow message(&window);
+    message.show("The measurement card was disconnected.");
+    question.activateWindow();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return question.isActiveWindow(); }));
+    question.accept();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return message.isActiveWindow(); }));
 }
 
 } // namespace

@@ -112,3 +112,15 @@ TEST(WarningWindow, BreaksALongPathInsteadOfCuttingIt)
     window.show("short words");
     EXPECT_EQ(label->text(), "short words");
 }
+
+TEST(WarningWindow, NamesThatFitTheLineLeaveItsWidthAsItIs)
+{
+    WarningWindow window;
+    window.show("Saved to:\na.sor");
+    const int width = window.width();
+    window.hide();
+    const QString text = "Saved to:\notdr/trace_1310_0001.sor\notdr/trace_1310_0001.html\n";
+    window.show(text);
+    EXPECT_EQ(window.width(), width);
+    EXPECT_EQ(window.findChild<QLabel*>()->text(), text);
+}

@@ -1,0 +1,87 @@
+// The events table in the launcher's look, under a finger.
+
+#include "events/eventstablemodel.h"
+#include "events/eventstableview.h"
+#include "tests/platform/launcher/look.h"
+#include "tests/support/tracefiles.h"
+
+#include <QScrollBar>
+#include <QtTest>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace testing_support;
+using Light = PaletteFactory::Light;
+
+/// A table with more events than it has room for.
+class LongTable : public testing::Test
+{
+protected:
+    LongTable()
+        : refl(files.write("a.sor", SorSketch::plain()))
+    {
+        EventList events;
+        for (int i = 0; i < 20; ++i) {
+            events << Event(Event::Reflective, 0, 10);
+        }
+        refl.setEventList(events);
+        model.setReflectogram(refl);
+        view.setModel(&model);
+        view.resize(700, 120);
+        view.show();
+        QCoreApplication::processEvents();
+    }
+
+    /// A finger that goes up over the rows.
+    void drag(int from, int to)
+    {
+        QWidget* rows = view.viewport();
+        const int x = rows->width() / 2;
+        QTest::mousePress(rows, Qt::LeftButton, {}, {x, from});
+        for (int y = from - 10; y >= to; y -= 10) {
+            QMouseEvent move(QEvent::MouseMove, QPoint(x, y), rows->mapToGlobal(QPoint(x, y)),
+                             Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+            QCoreApplication::sendEvent(rows, &move);
+            QTest::qWait(5);
+        }
+        QTest::mouseRelease(rows, Qt::LeftButton, {}, {x, to});
+    }
+
+    const LookIn look {Light::Day};
+    TraceFiles files;
+    Reflectogram refl;
+    Waveform::EventsTableModel model;
+    Waveform::EventsTableView view;
+};
+
+TEST_F(LongTable, IsScrolledByADragWhichChoosesNothing)
+{
+    drag(view.viewport()->height() - 10, 10);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return view.verticalScrollBar()->value() > 0; }));
+    EXPECT_FALSE(view.selectionModel()->hasSelection());
+}
+
+TEST_F(LongTable, ScrollBarIsWideEnoughForAFinger)
+{
+    ASSERT_TRUE(view.verticalScrollBar()->isVisible());
+    EXPECT_EQ(view.verticalScrollBar()->width(), 24);
+}
+
+TEST_F(LongTable, ScrollBarTakesTheColoursOfNightAndDay)
+{
+    auto* style = qobject_cast<LauncherStyle*>(QApplication::style());
+    ASSERT_NE(style, nullptr);
+    for (const Light light : {Light::Night, Light::Day}) {
+        QApplication::setPalette(PaletteFactory::getPalette("Application", light));
+        style->setLight(light);
+        QCoreApplication::processEvents();
+        const QImage picture = view.verticalScrollBar()->grab().toImage();
+        const QColor mean =
+            picture.scaled(1, 1, Qt::IgnoreAspectRatio, Qt::SmoothTransformation).pixelColor(0, 0);
+        EXPECT_EQ(mean.lightness() < 128, light == Light::Night) << mean.lightness();
+    }
+}
+
+} // namespace
