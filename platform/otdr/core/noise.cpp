@@ -34,12 +34,26 @@ constexpr double kFallPulses = 2.0;
 /// Fewer second differences tell no scatter.
 constexpr std::size_t kFewestBetween = 16;
 
+/// Of a record that ends soon behind the fibre a smaller part may be darker; so many samples and
+/// pulses tell it, for the noise of neighbours is alike.
+constexpr double kFewestFloor = 48.0;
+constexpr double kFewestFloorPulses = 5.0;
+
 /// Fibre that tells the noise scatters less than this, and stands so much above the least level.
 constexpr double kFibreSigma_dB = 0.15;
 constexpr double kLight_dB = 3.0;
 
 /// Decibels of the trace for a relative change of power, 5 / ln 10.
 constexpr double kDbPerRelative = 2.1715;
+
+/// Whether both halves of a stretch are as dark: no light stands in one of them.
+bool isEven(const Trace& trace, std::size_t first, std::size_t last)
+{
+    const std::size_t middle = first + (last - first) / 2;
+    return std::abs(darknessOf(trace, first, middle).rms_dB
+                    - darknessOf(trace, middle, last).rms_dB)
+        < kLight_dB;
+}
 
 } // namespace
 
@@ -52,7 +66,7 @@ NoiseProfile::NoiseProfile(const Trace& trace, double pulse, std::size_t first, 
     if (!sigmas.empty()) {
         levelOut(trace);
     }
-    measureFloor(trace);
+    measureFloor(trace, pulse);
     measureCorrelation(trace, pulse);
 }
 
@@ -212,13 +226,24 @@ double NoiseProfile::leastSigma_dB(double from, double to) const
     return least;
 }
 
-void NoiseProfile::measureFloor(const Trace& trace)
+void NoiseProfile::measureFloor(const Trace& trace, double pulse)
 {
     const std::size_t n = trace.size();
     if (n < kFloorPart) {
         return;
     }
-    const Darkness dark = darknessOf(trace, n - n / kFloorPart, n);
+    Darkness dark = darknessOf(trace, n - n / kFloorPart, n);
+    const auto fewest =
+        static_cast<std::size_t>(std::max(kFewestFloor, kFewestFloorPulses * pulse));
+    for (std::size_t part = 2 * kFloorPart; n / part >= fewest; part *= 2) {
+        const Darkness last = darknessOf(trace, n - n / part, n);
+        const bool isDarker = last.rms_dB < dark.rms_dB - kLight_dB;
+        const bool isConstant = last.most_dB <= last.least_dB;
+        if (((last.isNoise && (isDarker || !dark.isNoise)) || (isConstant && isDarker))
+            && isEven(trace, n - n / part, n)) {
+            dark = last;
+        }
+    }
     rms = dark.isNoise ? dark.rms_dB
                        : dark.median_dB + levelOfRatio_dB(sigmas.back() / kDbPerRelative);
     if (dark.isEmpty) {

@@ -61,7 +61,7 @@ private:
                                                        double from, double to) const;
     [[nodiscard]] double weakerBehind(const Trace& trace, double pulse, double fall) const;
     void levelOut(const Trace& trace);
-    void measureFloor(const Trace& trace);
+    void measureFloor(const Trace& trace, double pulse);
     void measureCorrelation(const Trace& trace, double pulse);
 
     /// How alike the noise of neighbours is, and the scatter of a sample by what it was taken for.

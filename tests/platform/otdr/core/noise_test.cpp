@@ -84,6 +84,25 @@ TEST(NoiseProfile, FloorIsTheLevelOfTheRmsNoise)
     EXPECT_NEAR(profileOf(trace).rms_dB(), 12.0, 0.3);
 }
 
+/// Who sets the range to a little more than the length of the fibre leaves little noise behind it.
+TEST(NoiseProfile, FloorIsThatOfTheLittleNoiseThatARecordHas)
+{
+    std::mt19937_64 random(7);
+    std::normal_distribution<double> power(0.0, 1.0);
+    for (const int noisy : {1200, 600, 450, 250, 150}) {
+        const auto fibre = TraceBuilder().fibre(12_km).noise(0.002_dB, 7).build();
+        std::vector<std::uint16_t> counts(fibre->samples().begin(), fibre->samples().end());
+        for (int i = 0; i < noisy; ++i) {
+            const double value = power(random);
+            const double level_dB = value > 0.0 ? 12.0 + 5.0 * std::log10(value) : 0.0;
+            counts.push_back(
+                static_cast<std::uint16_t>(65535.0 - 1000.0 * std::max(0.0, level_dB)));
+        }
+        const otdr::Trace trace(otdr::RawSamples(counts), 0.001, fibre->axis());
+        EXPECT_NEAR(profileOf(trace).rms_dB(), 12.0, 2.0) << noisy;
+    }
+}
+
 /// A converter of few steps, its noise cut off at the least of them, and every sample the mean of
 /// two: two fifths of them stands at that least level, and no wide scatter shows the noise.
 TEST(NoiseProfile, FloorOfNoiseThatIsCutOffIsNotTakenForLight)
