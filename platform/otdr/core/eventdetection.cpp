@@ -25,6 +25,9 @@ constexpr double kLaunchPeak_dB = 0.3;
 constexpr double kLevelPulses = 0.4;
 constexpr double kFewestLevel = 3.0;
 
+/// The fall at the end has begun no earlier than this, nor than a pulse, before it was seen.
+constexpr double kFallSamples = 2.0;
+
 /// The group of the start and of what stands in its dead zone.
 constexpr int kLaunch = -1;
 
@@ -209,7 +212,8 @@ private:
         if (hasLine && peakAbove(trace, extent.end, extent.end + 2.0 * w, least)) {
             listLastPeaks(end);
         } else {
-            end.index = hasLine ? footOfFall(fibre, extent.end - 2.0, end.before) : extent.end;
+            const double from = extent.end - std::min(kFallSamples, w);
+            end.index = hasLine ? footOfFall(fibre, from, end.before) : extent.end;
             result.events.push_back(end);
         }
         result.end = result.events.back().index;
