@@ -322,16 +322,20 @@ bool canBeSearched(const Trace& trace, const Measurement& measurement)
 
 } // namespace
 
-Detection detectEvents(const Trace& whole, const Measurement& measurement,
+Detection detectEvents(const Trace& trace, const Measurement& measurement,
                        const DetectionSettings& settings)
 {
-    const Trace trace(whole.samples().first(measuredSamples(whole)), whole.dbPerCount(),
-                      whole.axis());
-    if (!canBeSearched(trace, measurement)) {
+    const std::size_t measured = measuredSamples(trace);
+    std::optional<Trace> part; // what was computed from the whole trace is used where it can be
+    if (measured < trace.size()) {
+        part.emplace(trace.samples().first(measured), trace.dbPerCount(), trace.axis());
+    }
+    const Trace& searched = part ? *part : trace;
+    if (!canBeSearched(searched, measurement)) {
         return {};
     }
-    const EventSearch search(trace, measurement, settings);
-    return Listing(trace, measurement, search).make();
+    const EventSearch search(searched, measurement, settings);
+    return Listing(searched, measurement, search).make();
 }
 
 } // namespace otdr
