@@ -29,9 +29,6 @@ struct Darkness
 /// noise alone, or most of them stand at one level, near the least of the record. first < last.
 [[nodiscard]] bool isDark(const Trace& trace, std::size_t first, std::size_t last);
 
-/// The part of a record, from its end, in which the noise is sought.
-constexpr std::size_t kFloorPart = 10;
-
 /// The number of samples that were measured: all but those that fill the record up behind them, of
 /// one value behind noise or of no count at all.
 [[nodiscard]] std::size_t measuredSamples(const Trace& trace);

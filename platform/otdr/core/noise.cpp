@@ -34,6 +34,9 @@ constexpr double kFallPulses = 2.0;
 /// Fewer second differences tell no scatter.
 constexpr std::size_t kFewestBetween = 16;
 
+/// The noise floor is sought in the last tenth of a record.
+constexpr std::size_t kFloorPart = 10;
+
 /// Of a record that ends soon behind the fibre a smaller part may be darker; so many samples and
 /// pulses tell it, for the noise of neighbours is alike.
 constexpr double kFewestFloor = 48.0;
