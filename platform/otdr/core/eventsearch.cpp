@@ -10,6 +10,7 @@
 #include <cmath>
 #include <cstddef>
 #include <optional>
+#include <utility>
 
 namespace otdr {
 
@@ -20,6 +21,10 @@ constexpr double kScanPart = 0.8;
 
 /// Rounds of scanning what lies between the events found so far.
 constexpr int kRounds = 3;
+
+/// Noise that was thought to be larger by this factor hid events: where these stand close to each
+/// other they bend the trace wherever the noise is measured.
+constexpr double kOtherNoise = 2.0;
 
 /// A receiver slower or faster than was thought by this factor is believed.
 constexpr double kOtherReceiver = 2.0;
@@ -87,6 +92,9 @@ EventSearch::EventSearch(const Trace& trace, const Measurement& measurement,
     fibre.endNoiseAt(ends.end);
     learnFromPeaks();
     findAll();
+    for (int round = 0; round < kRounds && learnNoise(); ++round) {
+        findAll();
+    }
     if (learnFromSteps()) {
         findAll();
     }
@@ -345,6 +353,27 @@ double EventSearch::listedHeight_dB() const
         : std::max(kLeastPeak_dB,
                    peakHeight_dB(settings.reflectance_dB, measurement.backscatter_dB,
                                  measurement.pulse_ns));
+}
+
+/// The noise of the fibre between the places found so far. False where it is much as was thought.
+bool EventSearch::learnNoise()
+{
+    std::vector<Disturbance> events;
+    for (const Site& site : sites.sites()) {
+        events.push_back({site.at - 1.0, site.behind});
+    }
+    const NoiseProfile& thought = fibre.noise();
+    NoiseProfile shown = fibre.noiseBetween(std::move(events), ends.end);
+    const bool hidSteps = settings.significance * thought.wander_dB() > settings.loss_dB
+        && kOtherNoise * shown.wander_dB() < thought.wander_dB();
+    const bool wasUnlike = thought.isMoreThanRoundings()
+        && kOtherNoise * kOtherNoise * shown.correlation() < thought.correlation();
+    if (!hidSteps && !wasUnlike) {
+        return false;
+    }
+    fibre.setNoise(std::move(shown));
+    scannedForSteps.clear();
+    return true;
 }
 
 /// What the scans offer between the places found so far.

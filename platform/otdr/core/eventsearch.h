@@ -57,6 +57,7 @@ private:
     [[nodiscard]] bool rises(const Site& site, double from) const;
     [[nodiscard]] double soughtHeight_dB() const;
     [[nodiscard]] double listedHeight_dB() const;
+    bool learnNoise();
     void addPeaks();
     void addSteps();
     void findAll();

@@ -28,6 +28,11 @@ constexpr double kSlope_dBPerKm = 0.7;
 constexpr double kTellingError_dBPerKm = 0.2;
 constexpr double kSteeper = 3.0;
 
+/// Light no weaker than the fibre before, but for a loss, that falls by no more than this within so
+/// many pulses, beyond what fibre loses, is that of fibre.
+constexpr double kEvenPulses = 5.0;
+constexpr double kEven_dB = 0.03;
+
 /// Behind a peak, a stretch that falls by less than this is fibre with the last of a tail.
 constexpr double kSteepFall_dB = 0.2;
 
@@ -143,6 +148,26 @@ double FibreBehind::untilChange(double from, double to, double threshold_dB) con
         }
     }
     return to;
+}
+
+std::optional<double> FibreBehind::evenFrom(double fibreFrom, double from, double to,
+                                            double threshold_dB) const
+{
+    const double least = std::max(levelBefore_dB(fibreFrom, from) - threshold_dB,
+                                  trace.noise().rms_dB() + kPlainAboveNoise_dB);
+    const double furthest = std::min(to + kFurthestPulses * w, lastLit - shortest);
+    const double step = std::max(1.0, 0.5 * w);
+    for (double at = to + 2.0 * w; at < furthest; at += step) {
+        const double level = trace.mean_dB(at, at + w);
+        const double behind = trace.mean_dB(at + kEvenPulses * w, at + (kEvenPulses + 1.0) * w);
+        const double error_dB =
+            trace.noise().sigma_dB(at) * std::sqrt(2.0 * trace.noise().correlation() / w);
+        const double lost = level - behind + usualSlope_dB * kEvenPulses * w;
+        if (behind > least && error_dB < kEven_dB && std::abs(lost) < kEven_dB) {
+            return at;
+        }
+    }
+    return std::nullopt;
 }
 
 /// So many samples of light show whether it is that of fibre. In weak light the last of a

@@ -31,6 +31,12 @@ public:
     /// once: a line that falls as the fibre before does, where that is known, and stays straight.
     [[nodiscard]] std::optional<double> plainlyFrom(double fibreFrom, double from, double to) const;
 
+    /// Where light stays even for some pulses behind a fall, no weaker than the fibre before but
+    /// for less than threshold_dB: fibre, however close events stand there. A tail comes down
+    /// further.
+    [[nodiscard]] std::optional<double> evenFrom(double fibreFrom, double from, double to,
+                                                 double threshold_dB) const;
+
 private:
     [[nodiscard]] double levelBefore_dB(double fibreFrom, double index) const;
     [[nodiscard]] double tellingLength(double start, double threshold_dB) const;

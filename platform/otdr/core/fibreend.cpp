@@ -105,7 +105,11 @@ public:
                 || isLaunch(at, extent) || behindIt.follows(fibreFrom, from, at, threshold_dB)) {
                 continue;
             }
-            if (const auto seen = behindIt.plainlyFrom(fibreBegins, from, at)) {
+            auto seen = behindIt.plainlyFrom(fibreBegins, from, at);
+            if (!seen) {
+                seen = behindIt.evenFrom(fibreFrom, from, at, threshold_dB);
+            }
+            if (seen) {
                 at = std::max(at, *seen);
                 continue;
             }

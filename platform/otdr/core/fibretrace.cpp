@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <utility>
 #include <vector>
 
 namespace otdr {
@@ -144,8 +145,13 @@ FibreTrace::FibreTrace(const Trace& trace, const SearchScale& scale)
 
 void FibreTrace::endNoiseAt(double index)
 {
-    scatter = NoiseProfile(*trace, limits.pulse, static_cast<std::size_t>(begin),
-                           static_cast<std::size_t>(std::clamp(index, begin, size())));
+    scatter = noiseBetween({}, index);
+}
+
+NoiseProfile FibreTrace::noiseBetween(std::vector<Disturbance> events, double end) const
+{
+    return {*trace, limits.pulse, static_cast<std::size_t>(begin),
+            static_cast<std::size_t>(std::clamp(end, begin, size())), std::move(events)};
 }
 
 void FibreTrace::setTimeConstant(double samples)

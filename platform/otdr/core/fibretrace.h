@@ -5,6 +5,8 @@
 #include "platform/otdr/core/pulseshape.h"
 
 #include <optional>
+#include <utility>
+#include <vector>
 
 namespace otdr {
 
@@ -56,6 +58,12 @@ public:
 
     /// Takes the noise from what lies before this index.
     void endNoiseAt(double index);
+
+    /// The noise of what lies between events, in order, before an index.
+    [[nodiscard]] NoiseProfile noiseBetween(std::vector<Disturbance> events, double end) const;
+
+    /// Takes another noise.
+    void setNoise(NoiseProfile noise) { scatter = std::move(noise); }
 
     /// Takes another time constant of the receiver, samples.
     void setTimeConstant(double samples);

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace otdr {
 
@@ -60,9 +61,11 @@ bool isEven(const Trace& trace, std::size_t first, std::size_t last)
 
 } // namespace
 
-NoiseProfile::NoiseProfile(const Trace& trace, double pulse, std::size_t first, std::size_t last)
+NoiseProfile::NoiseProfile(const Trace& trace, double pulse, std::size_t first, std::size_t last,
+                           std::vector<Disturbance> events)
     : first(std::min(first, trace.size()))
     , last(std::clamp(last, this->first, trace.size()))
+    , events(std::move(events))
 {
     measureScatter(trace, pulse);
     breakAtFalls(trace, pulse);
@@ -71,6 +74,15 @@ NoiseProfile::NoiseProfile(const Trace& trace, double pulse, std::size_t first, 
     }
     measureFloor(trace, pulse);
     measureCorrelation(trace, pulse);
+}
+
+/// Whether an event stands between two indices.
+bool NoiseProfile::isDisturbed(double from, double to) const
+{
+    const auto next =
+        std::lower_bound(events.begin(), events.end(), from,
+                         [](const Disturbance& event, double index) { return event.to < index; });
+    return next != events.end() && next->from < to;
 }
 
 void NoiseProfile::measureScatter(const Trace& trace, double pulse)
@@ -88,7 +100,11 @@ void NoiseProfile::measureScatter(const Trace& trace, double pulse)
         // A short last block looks further back.
         const std::size_t from = end - std::min(end - first, blockSize);
         for (std::size_t i = std::max(from, first + lag); i < end && i + lag < last; i += stride) {
-            differences.push_back(secondDifferenceAt(trace, i, lag));
+            const auto middle = static_cast<double>(i);
+            const auto reach = static_cast<double>(lag);
+            if (!isDisturbed(middle - reach, middle + reach)) {
+                differences.push_back(secondDifferenceAt(trace, i, lag));
+            }
         }
         double sigma = sigmas.empty() ? kLeastSigma_dB : sigmas.back();
         if (differences.size() >= kFewestDifferences || sigmas.empty()) {

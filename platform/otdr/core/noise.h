@@ -8,6 +8,13 @@ namespace otdr {
 
 class Trace;
 
+/// An event with its dead zone, from one index to another.
+struct Disturbance
+{
+    double from;
+    double to;
+};
+
 /// The noise of a trace, estimated from its own samples.
 ///
 /// Scatter is told per sample, for a trace without its events and slopes: the median of second
@@ -20,8 +27,10 @@ public:
     static constexpr double kLeastSigma_dB = 0.0003;
 
     /// Of the samples first .. last - 1; noise before the light comes or after it has ended is no
-    /// scatter of the fibre. pulse: width in samples, > 0.
-    NoiseProfile(const Trace& trace, double pulse, std::size_t first, std::size_t last);
+    /// scatter of the fibre. pulse: width in samples, > 0. Events, in order, tell nothing of it:
+    /// many close to each other would, where they are not known.
+    NoiseProfile(const Trace& trace, double pulse, std::size_t first, std::size_t last,
+                 std::vector<Disturbance> events = {});
 
     /// Standard deviation of a single sample about the fibre at an index, dB.
     [[nodiscard]] double sigma_dB(double index) const;
@@ -40,6 +49,9 @@ public:
     /// Whether the record was long enough to tell that; else it is 0.
     [[nodiscard]] bool knowsWander() const { return isWanderKnown; }
 
+    /// Whether correlation() is told by noise, and not by what rounding makes of the fibre.
+    [[nodiscard]] bool isMoreThanRoundings() const { return isNoise; }
+
     /// Level of light as strong as the RMS noise (SNR = 1), dB. Where the record does not reach the
     /// noise it follows from the scatter of its last part.
     [[nodiscard]] double rms_dB() const { return rms; }
@@ -52,6 +64,8 @@ private:
         double square; ///< variance of a mean that it tells
     };
 
+    [[nodiscard]] std::size_t strideOfBends(std::size_t length) const;
+
     /// In order of the scatter.
     [[nodiscard]] std::vector<Bend> bendsOf(const Trace& trace, std::size_t length) const;
     void measureScatter(const Trace& trace, double pulse);
@@ -63,6 +77,9 @@ private:
     void levelOut(const Trace& trace);
     void measureFloor(const Trace& trace, double pulse);
     void measureCorrelation(const Trace& trace, double pulse);
+    void measureLikeness(const Trace& trace, double pulse, const std::vector<Bend>& bends,
+                         double length);
+    void measureWander(const std::vector<Bend>& bends, double length);
 
     /// How alike the noise of neighbours is, and the scatter of a sample by what it was taken for.
     struct Likeness
@@ -74,8 +91,11 @@ private:
     [[nodiscard]] std::optional<Likeness> likenessByLags(const Trace& trace, double pulse) const;
     [[nodiscard]] double differenceOver(const Trace& trace, std::size_t lag) const;
 
+    [[nodiscard]] bool isDisturbed(double from, double to) const;
+
     std::size_t first;
     std::size_t last;
+    std::vector<Disturbance> events;
     std::size_t blockSize = 1;
     std::vector<double> sigmas; ///< of each block
     std::vector<double> falls; ///< indices at which the scatter changes at once
@@ -83,6 +103,7 @@ private:
     double alike = 1.0;
     double wander = 0.0;
     bool isWanderKnown = false;
+    bool isNoise = false;
     double rms = 0.0;
 };
 

@@ -18,6 +18,10 @@ constexpr double kMeanPulses = 2.0;
 constexpr double kShortestMean = 32.0;
 constexpr std::size_t kFewestBends = 48;
 
+/// Events that leave less than this part of the bends stand close to each other: shorter means tell
+/// more of what lies between them.
+constexpr double kCrowdedPart = 0.75;
+
 /// Differences over a lag are taken at so many places at most; where the scatter is no more than so
 /// many times what rounding makes it, they tell nothing of neighbours.
 constexpr std::size_t kMostDifferences = 16384;
@@ -42,20 +46,65 @@ constexpr double kMedianOfSquare = 0.4549;
 /// Fewer differences tell nothing.
 constexpr std::size_t kFewestDifferences = 64;
 
+/// Lower quartile of the square of a standard normal variable. Where squares are told to be this
+/// many times smaller by their quartile than by their median, there are two kinds of them.
+constexpr double kQuartileOfSquare = 0.1015;
+constexpr double kTwoKinds = 8.0;
+
+/// The square of a normal value, and what of its variance is known.
+struct Square
+{
+    double value;
+    double known;
+};
+
+/// The rest of the variance, by the square below which a part of them lies.
+double restBy(const std::vector<Square>& squares, std::size_t divisor, double ofSquare)
+{
+    std::vector<double> rests;
+    rests.reserve(squares.size());
+    for (const Square& square : squares) {
+        rests.push_back(square.value - ofSquare * square.known);
+    }
+    const auto place = rests.begin() + static_cast<std::ptrdiff_t>(rests.size() / divisor);
+    std::nth_element(rests.begin(), place, rests.end());
+    return *place / ofSquare;
+}
+
+/// What the variance of normal values exceeds the known part by. Where events stand so close that
+/// they disturb more than half of the values, it is that of the others.
+double restOfVariance(const std::vector<Square>& squares)
+{
+    std::vector<Square> whole = squares;
+    for (Square& square : whole) {
+        square.known = 0.0;
+    }
+    const bool hasTwoKinds =
+        restBy(whole, 2, kMedianOfSquare) > kTwoKinds * restBy(whole, 4, kQuartileOfSquare);
+    return hasTwoKinds ? restBy(squares, 4, kQuartileOfSquare)
+                       : restBy(squares, 2, kMedianOfSquare);
+}
+
 } // namespace
+
+/// From one bend to the next, samples.
+std::size_t NoiseProfile::strideOfBends(std::size_t length) const
+{
+    return std::max<std::size_t>(1, length * (1 + (last - first) / length / 4096) / 2);
+}
 
 std::vector<NoiseProfile::Bend> NoiseProfile::bendsOf(const Trace& trace, std::size_t length) const
 {
     std::vector<Bend> bends;
-    const std::size_t stride =
-        std::max<std::size_t>(1, length * (1 + (last - first) / length / 4096) / 2);
+    const std::size_t stride = strideOfBends(length);
     for (std::size_t i = first + length; i + 2 * length <= last; i += stride) {
         const std::size_t middle = i + length / 2;
         const double sigma = sigma_dB(static_cast<double>(middle));
         const auto fall =
             std::lower_bound(falls.begin(), falls.end(), static_cast<double>(i - length));
         const bool isBroken = fall != falls.end() && *fall < static_cast<double>(i + 2 * length);
-        if (sigma < kLogarithmic_dB && !isBroken) {
+        if (sigma < kLogarithmic_dB && !isBroken
+            && !isDisturbed(static_cast<double>(i - length), static_cast<double>(i + 2 * length))) {
             const double bend = trace.meanLevel_dB(i - length, i)
                 - 2.0 * trace.meanLevel_dB(i, i + length)
                 + trace.meanLevel_dB(i + length, i + 2 * length);
@@ -76,7 +125,9 @@ double NoiseProfile::differenceOver(const Trace& trace, std::size_t lag) const
     const std::size_t stride = 1 + (last - first) / kMostDifferences;
     for (std::size_t i = first + lag; i + lag < last; i += stride) {
         const double sigma = sigma_dB(static_cast<double>(i));
-        if (sigma > kRoundings * kLeastSigma_dB && sigma < kLogarithmic_dB) {
+        const auto reach = static_cast<double>(lag);
+        if (sigma > kRoundings * kLeastSigma_dB && sigma < kLogarithmic_dB
+            && !isDisturbed(static_cast<double>(i) - reach, static_cast<double>(i) + reach)) {
             values.push_back(secondDifferenceAt(trace, i, lag) * trace.dbPerCount() / sigma);
             rounding += std::pow(trace.dbPerCount() / sigma, 2.0) * kRoundingOfDifference;
         }
@@ -127,42 +178,60 @@ std::optional<NoiseProfile::Likeness> NoiseProfile::likenessByLags(const Trace& 
 
 void NoiseProfile::measureCorrelation(const Trace& trace, double pulse)
 {
-    const double length = std::max(kShortestMean, std::ceil(kMeanPulses * pulse));
-    const std::vector<Bend> bends = bendsOf(trace, static_cast<std::size_t>(length));
-    if (bends.size() < kFewestBends) {
-        if (const auto likeness = likenessByLags(trace, pulse)) {
-            alike = likeness->correlation;
-            for (std::vector<double>* some : {&sigmas, &beforeFalls}) {
-                for (double& sigma : *some) {
-                    sigma = std::max(kLeastSigma_dB, sigma * std::min(1.0, likeness->scatter));
-                }
-            }
-        }
+    auto length = static_cast<std::size_t>(std::max(kShortestMean, std::ceil(kMeanPulses * pulse)));
+    std::vector<Bend> bends = bendsOf(trace, length);
+    const std::size_t all = (last - first) / strideOfBends(length);
+    if (!events.empty()
+        && static_cast<double>(bends.size()) < kCrowdedPart * static_cast<double>(all)) {
+        length = (length + 1) / 2;
+        bends = bendsOf(trace, length);
+    }
+    if (bends.size() >= kFewestBends) {
+        measureLikeness(trace, pulse, bends, static_cast<double>(length));
+        measureWander(bends, static_cast<double>(length));
         return;
     }
-    // Of the third that scatters most, those of which it is noise: roundings are not alike.
+    if (const auto likeness = likenessByLags(trace, pulse)) {
+        alike = likeness->correlation;
+        for (std::vector<double>* some : {&sigmas, &beforeFalls}) {
+            for (double& sigma : *some) {
+                sigma = std::max(kLeastSigma_dB, sigma * std::min(1.0, likeness->scatter));
+            }
+        }
+    }
+}
+
+/// Of the third of the bends that scatters most, those of which it is noise: roundings are not
+/// alike.
+void NoiseProfile::measureLikeness(const Trace& trace, double pulse, const std::vector<Bend>& bends,
+                                   double length)
+{
     const auto third = bends.end() - static_cast<std::ptrdiff_t>(bends.size() / 3);
     const auto noisy = std::find_if(bends.begin(), bends.end(), [](const Bend& bend) {
         return bend.sigma > kNoisyRoundings * kLeastSigma_dB;
     });
-    const bool isFew = bends.end() - noisy < static_cast<std::ptrdiff_t>(kFewestBends);
-    std::vector<double> values;
-    for (auto bend = isFew ? third : std::max(third, noisy); bend != bends.end(); ++bend) {
-        values.push_back(bend->square / (bend->sigma * bend->sigma / length));
+    isNoise = bends.end() - noisy >= static_cast<std::ptrdiff_t>(kFewestBends);
+    std::vector<Square> squares;
+    for (auto bend = isNoise ? std::max(third, noisy) : third; bend != bends.end(); ++bend) {
+        squares.push_back({bend->square / (bend->sigma * bend->sigma / length), 0.0});
     }
-    alike = std::clamp(medianOf(values) / kMedianOfSquare, 1.0, length);
-    if (isFew && noisy != bends.end()) {
+    alike = std::clamp(restOfVariance(squares), 1.0, length);
+    if (!isNoise && noisy != bends.end()) {
         const auto likeness = likenessByLags(trace, pulse);
         alike = likeness ? likeness->correlation : alike;
     }
-    values.clear();
-    for (auto bend = bends.begin();
-         bend != bends.begin() + static_cast<std::ptrdiff_t>(bends.size() / 3); ++bend) {
-        values.push_back(bend->square
-                         - kMedianOfSquare * alike * bend->sigma * bend->sigma / length);
+}
+
+/// Where it scatters least, means bend by more than their noise.
+void NoiseProfile::measureWander(const std::vector<Bend>& bends, double length)
+{
+    std::vector<Square> squares;
+    const auto third = bends.begin() + static_cast<std::ptrdiff_t>(bends.size() / 3);
+    for (auto bend = bends.begin(); bend != third; ++bend) {
+        squares.push_back({bend->square, alike * bend->sigma * bend->sigma / length});
     }
     isWanderKnown = true;
-    wander = std::sqrt(std::max(0.0, medianOf(values) / kMedianOfSquare));
+    wander = std::sqrt(std::max(0.0, restOfVariance(squares)));
 }
 
 } // namespace otdr

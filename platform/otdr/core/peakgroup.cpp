@@ -102,7 +102,9 @@ public:
             trace.settledFrom(std::max(rough, fallen - w) + trace.gap() + hidden, longest), to);
         group.feet = {rough};
         for (const double foot : risesBetween(trace, rough, group.behind)) {
-            group.feet.push_back(foot);
+            if (foot < group.behind) { // what begins to rise there is the next one's
+                group.feet.push_back(foot);
+            }
         }
         for (std::size_t i = 0; i < group.feet.size(); ++i) {
             const double next = i + 1 < group.feet.size() ? group.feet[i + 1] : group.behind;

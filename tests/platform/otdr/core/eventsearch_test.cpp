@@ -211,6 +211,24 @@ TEST(EventSearch, FindsEachPlaceOnce)
     }
 }
 
+/// Losses and gains seven pulses from each other bend the trace wherever its noise is measured:
+/// what is found of them tells it, and that finds the others.
+TEST(EventSearch, FindsWhatStandsCloseToEachOther)
+{
+    std::vector<Place> places;
+    for (int k = 1; k <= 80; ++k) {
+        places.push_back({140.0 * k, (k % 3 == 0 ? -1.0 : 0.5) * (k % 7 == 0 ? 0.4 : 0.1), 0.0});
+    }
+    const DrawnFibre link = linkOf(places, 1.6);
+    const EventSearch search(link->samples(), measurement(), {});
+    const auto& found = search.places().sites();
+    ASSERT_EQ(found.size(), places.size());
+    for (std::size_t k = 0; k < found.size(); ++k) {
+        EXPECT_NEAR(found[k].at, places[k].at, 3.0) << k;
+        EXPECT_NEAR(found[k].loss_dB, places[k].loss_dB, 0.005) << k;
+    }
+}
+
 /// -70 dB stand 0.9 dB above the fibre where a pulse of 20 ns scatters -80 dB a nanosecond.
 TEST(EventSearch, ListsNoReflectionLowerThanTheLeast)
 {

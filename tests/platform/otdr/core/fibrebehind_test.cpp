@@ -50,6 +50,12 @@ bool followsIn(const DrawnFibre& fibre)
     return behind.follows(kFall - 400.0, kFall - 10.0, kFall + kPulse, 3.0);
 }
 
+bool isEvenIn(const DrawnFibre& fibre)
+{
+    const otdr::FibreBehind behind(*fibre, kEnd, -kSlope_dB);
+    return behind.evenFrom(kFall - 400.0, kFall - 10.0, kFall + kPulse, 3.0).has_value();
+}
+
 double sum_dB(double a_dB, double b_dB)
 {
     return 5.0 * std::log10(std::pow(10.0, a_dB / 5.0) + std::pow(10.0, b_dB / 5.0));
@@ -241,6 +247,32 @@ TEST(FibreBehind, IsNotSeenInNoiseOrInLightThatDoesNotFall)
         EXPECT_FALSE(seenIn(splitFibre(dark, seed))) << seed;
         EXPECT_FALSE(seenIn(splitFibre(level, seed))) << seed;
     }
+}
+
+/// Events a dozen pulses from each other leave no straight line of ten.
+TEST(FibreBehind, IsSeenWhereLightStaysEvenBetweenCloseEvents)
+{
+    const auto crowded = [](double behind, double /*level_dB*/) {
+        return 34.0 - 0.2 * std::floor(behind / (9.0 * kPulse)) - kSlope_dB * behind;
+    };
+    for (const std::uint64_t seed : {1, 2, 3}) {
+        const DrawnFibre fibre = splitFibre(crowded, seed);
+        EXPECT_FALSE(seenIn(fibre)) << seed;
+        EXPECT_TRUE(isEvenIn(fibre)) << seed;
+    }
+}
+
+/// On its way down a tail passes the level of the fibre before, and is not even there.
+TEST(FibreBehind, IsNotEvenInATail)
+{
+    for (const double exponent : {0.5, 1.0, 2.0}) {
+        const auto tail = [=](double behind, double /*level_dB*/) {
+            return 36.0 + 5.0 * exponent * (1.5 - std::log10(1.0 + behind / kPulse));
+        };
+        EXPECT_FALSE(isEvenIn(splitFibre(tail))) << exponent;
+    }
+    const auto lower = [](double /*behind*/, double level_dB) { return level_dB; };
+    EXPECT_FALSE(isEvenIn(splitFibre(lower))); // a loss of 10 dB is more than an event's
 }
 
 TEST(FibreBehind, IsNotSeenPlainlyWhereTheScaleIsUnknown)

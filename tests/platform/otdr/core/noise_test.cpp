@@ -354,6 +354,46 @@ TEST(NoiseProfile, LikenessIsToldByWhatScattersAndNotByRoundings)
     }
 }
 
+/// Fibre with a loss or a gain of 0.2 dB every so many metres; pulses are 10 m long.
+TraceBuilder crowdedFibre(int spacing_m)
+{
+    TraceBuilder link = TraceBuilder().fibre(20_km).noise(0.005_dB, 8);
+    for (int k = 1; k * spacing_m < 20000; ++k) {
+        link.splice(Length {static_cast<double>(k * spacing_m)},
+                    Decibels {k % 2 == 0 ? 0.2 : -0.2});
+    }
+    return link;
+}
+
+/// Ten pulses show a bend, and two of three hold a step. The others tell the noise, if no better
+/// than to a few times; all of them would have it that neighbours are as alike as means can tell,
+/// 32 times.
+TEST(NoiseProfile, LessThanHalfOfTheFibreTellsItsNoise)
+{
+    const auto trace = crowdedFibre(170).build();
+    const NoiseProfile noise = profileOf(*trace);
+    EXPECT_LT(noise.correlation(), 8.0);
+    EXPECT_LT(noise.wander_dB(), 0.003);
+}
+
+TEST(NoiseProfile, EventsThatAreKnownTellNothingOfIt)
+{
+    const TraceBuilder link = crowdedFibre(70);
+    const auto trace = link.build();
+    const double pulse = link.pulseSamples();
+    std::vector<otdr::Disturbance> events;
+    for (int k = 1; k * 70 < 20000; ++k) {
+        const double at = link.indexOf(Length {70.0 * k});
+        events.push_back({at - 1.0, at + 1.5 * pulse});
+    }
+    const NoiseProfile unknown(*trace, pulse, 0, trace->size());
+    EXPECT_GT(unknown.wander_dB(), 0.03);
+    const NoiseProfile known(*trace, pulse, 0, trace->size(), events);
+    EXPECT_NEAR(known.sigma_dB(10000.0), 0.005, 0.0015);
+    EXPECT_NEAR(known.correlation(), 1.0, 0.5);
+    EXPECT_LT(known.wander_dB(), 0.003);
+}
+
 TEST(NoiseProfile, StandsEmptyAndTinyTraces)
 {
     for (const std::size_t size : {0U, 1U, 2U, 17U, 300U}) {

@@ -136,6 +136,15 @@ TEST(PeakGroup, FurtherRisesInTheDeadZoneAreReflections)
     EXPECT_NEAR(found.heights_dB[2], 9.0, 1e-9);
 }
 
+/// The place behind it begins where the light rises anew.
+TEST(PeakGroup, WhatRisesWhereItMustEndIsNotItsOwn)
+{
+    const DrawnFibre fibre = withRaised({{1000, 1060, 3.0}, {1050, 1070, 3.0}});
+    const PeakGroup found = measurePeak(*fibre, 1000.0, 0.0, 1049.0);
+    EXPECT_EQ(found.feet.size(), 1U);
+    EXPECT_LE(found.behind, 1049.0);
+}
+
 /// A reflection that holds the receiver at its top may be offered by its end.
 TEST(PeakGroup, IsMeasuredFromItsFootWhereverItWasOffered)
 {
