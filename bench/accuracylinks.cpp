@@ -11,30 +11,6 @@ namespace accuracy {
 
 namespace {
 
-double draw(std::mt19937_64& random, double from, double to)
-{
-    return from + (to - from) * std::uniform_real_distribution<double>()(random);
-}
-
-gather::FibreEvent drawEvent(std::mt19937_64& random, double at_m)
-{
-    gather::FibreEvent event;
-    event.at_m = at_m;
-    const double kind = draw(random, 0.0, 1.0);
-    if (kind < 0.3) {
-        event.kind = "connector";
-        event.loss_dB = gather::Spectrum(draw(random, 0.05, 0.5));
-        event.reflectance_dB = gather::Spectrum(draw(random, -65.0, -14.0));
-    } else if (kind < 0.45) {
-        event.kind = "bend";
-        event.loss_dB = gather::Spectrum(draw(random, 0.05, 0.5));
-    } else {
-        event.kind = "splice";
-        event.loss_dB = gather::Spectrum(0.02 * std::pow(25.0, draw(random, 0.0, 1.0)));
-    }
-    return event;
-}
-
 /// One of two, four, eight or sixteen ways, as data sheets have them.
 gather::FibreEvent drawSplitter(std::mt19937_64& random, double at_m)
 {
@@ -73,6 +49,39 @@ const std::vector<Row>& rows()
         {"split 1 us", 1000.0, 40.0, 4, 28.0, 1500.0, true},
     };
     return all;
+}
+
+double draw(std::mt19937_64& random, double from, double to)
+{
+    return from + (to - from) * std::uniform_real_distribution<double>()(random);
+}
+
+gather::FibreEvent drawEvent(std::mt19937_64& random, double at_m)
+{
+    gather::FibreEvent event;
+    event.at_m = at_m;
+    const double kind = draw(random, 0.0, 1.0);
+    if (kind < 0.3) {
+        event.kind = "connector";
+        event.loss_dB = gather::Spectrum(draw(random, 0.05, 0.5));
+        event.reflectance_dB = gather::Spectrum(draw(random, -65.0, -14.0));
+    } else if (kind < 0.45) {
+        event.kind = "bend";
+        event.loss_dB = gather::Spectrum(draw(random, 0.05, 0.5));
+    } else {
+        event.kind = "splice";
+        event.loss_dB = gather::Spectrum(0.02 * std::pow(25.0, draw(random, 0.0, 1.0)));
+    }
+    return event;
+}
+
+gather::Spectrum drawEnd(std::mt19937_64& random)
+{
+    const double end = draw(random, 0.0, 1.0);
+    if (end < 0.4) {
+        return gather::Spectrum(-14.7);
+    }
+    return end < 0.7 ? gather::Spectrum(draw(random, -60.0, -30.0)) : gather::Spectrum();
 }
 
 gather::Fibre drawLink(const Row& row, std::mt19937_64& random)
@@ -116,12 +125,7 @@ gather::Fibre drawLink(const Row& row, std::mt19937_64& random)
         fibre.events.push_back(event);
     }
     addSection(length_m);
-    const double end = draw(random, 0.0, 1.0);
-    if (end < 0.4) { // open; else cut at an angle, or absorbed
-        fibre.endReflectance_dB = gather::Spectrum(-14.7);
-    } else if (end < 0.7) {
-        fibre.endReflectance_dB = gather::Spectrum(draw(random, -60.0, -30.0));
-    }
+    fibre.endReflectance_dB = drawEnd(random);
     return fibre;
 }
 

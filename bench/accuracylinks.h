@@ -27,6 +27,15 @@ struct Row
 /// What is drawn, from access lines to long hauls, without much noise and near it.
 [[nodiscard]] const std::vector<Row>& rows();
 
+/// Evenly drawn.
+[[nodiscard]] double draw(std::mt19937_64& random, double from, double to);
+
+/// A connector, a bend or a splice, at least 20 mdB of the latter.
+[[nodiscard]] gather::FibreEvent drawEvent(std::mt19937_64& random, double at_m);
+
+/// Open, cut at an angle, or absorbing: its reflectance.
+[[nodiscard]] gather::Spectrum drawEnd(std::mt19937_64& random);
+
 /// A link of a row.
 [[nodiscard]] gather::Fibre drawLink(const Row& row, std::mt19937_64& random);
 

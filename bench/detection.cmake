@@ -8,8 +8,21 @@ set_target_properties(detection_compare PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CM
 waveform_program(detection_drawn SOURCES detection_drawn.cpp DEPENDS otdr_core)
 set_target_properties(detection_drawn PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bench)
 
-# What it finds on simulated links whose truth is known.
-waveform_program(detection_accuracy
-    SOURCES accuracyfigures.cpp accuracyfigures.h accuracylinks.cpp accuracylinks.h detection_accuracy.cpp
+# Simulated links whose truth is known, and what counts as found of it.
+waveform_library(detection_links
+    SOURCES
+        accuracyfigures.cpp
+        accuracylinks.cpp
+        instrument.cpp
+        knownlink.cpp
+        matching.cpp
+        oddlinks.cpp
     DEPENDS otdr_core gather)
+
+# What it finds on them, with the instrument that the acquisition simulates.
+waveform_program(detection_accuracy SOURCES detection_accuracy.cpp DEPENDS detection_links)
 set_target_properties(detection_accuracy PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bench)
+
+# What it finds on other fibres and with other instruments.
+waveform_program(detection_fibres SOURCES detection_fibres.cpp DEPENDS detection_links)
+set_target_properties(detection_fibres PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bench)

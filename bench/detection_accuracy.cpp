@@ -12,6 +12,7 @@
 
 #include "bench/accuracyfigures.h"
 #include "bench/accuracylinks.h"
+#include "bench/knownlink.h"
 #include "platform/otdr/core/constants.h"
 #include "platform/otdr/core/eventdetection.h"
 #include "platform/otdr/core/reflectance.h"
@@ -36,14 +37,13 @@ using accuracy::Figures;
 using accuracy::kBackscatter_dB;
 using accuracy::kIor;
 using accuracy::kMeasuring_s;
+using accuracy::KnownLink;
 using accuracy::Row;
 using gather::TruthEvent;
 using otdr::DetectedEvent;
 
 constexpr int kWavelength_nm = 1550;
 constexpr double kNoiseLevel_dB = 6.0; // of the simulated instrument
-constexpr double kDbPerRelative = 2.1715; // 5 / ln 10
-constexpr double kRounding_dB = 0.00029; // counts of 0.001 dB
 
 /// One link, its trace, what is on it and what was found.
 class Link
@@ -61,7 +61,6 @@ public:
             snapshot.samples, snapshot.dbPerCount(),
             otdr::TraceAxis {snapshot.sampleInterval_ns, snapshot.firstSample_ns});
         interval_ns = snapshot.sampleInterval_ns;
-        truth = gather::truthOf(fibre, kWavelength_nm);
         found =
             otdr::detectEvents(*trace, {row.pulse_ns, otdr::metresPerNs(kIor), kBackscatter_dB});
         pulse = row.pulse_ns / interval_ns;
@@ -69,14 +68,15 @@ public:
         const double alike = std::exp(-interval_ns / tau);
         correlation = (1.0 + alike) / (1.0 - alike);
         gap = 1.5 * pulse + 2.0;
+        known = std::make_unique<KnownLink>(fibre, kWavelength_nm, sight());
     }
 
     void count(Figures& figures, bool prints)
     {
         std::vector<bool> isTrue(found.events.size(), false);
-        const double limit = endOf();
-        for (std::size_t k = 0; k < truth.size(); ++k) {
-            const TruthEvent& event = truth[k];
+        const double limit = known->endOf();
+        for (std::size_t k = 0; k < known->truth().size(); ++k) {
+            const TruthEvent& event = known->truth()[k];
             const DetectedEvent* nearest = nearestTo(event, isTrue);
             if (event.ghost) {
                 countGhost(k, nearest, figures);
@@ -112,10 +112,11 @@ public:
     /// All that is on the link and all that was found.
     void print() const
     {
-        for (const TruthEvent& event : truth) {
-            std::printf("  true  %9.1f  loss %8.4f  R %7.1f  level %6.2f%s%s\n", indexOf(event),
-                        event.apparentLoss_dB, event.reflectance_dB, levelBefore(indexOf(event)),
-                        event.ghost ? "  echo" : "", event.end ? "  end" : "");
+        for (const TruthEvent& event : known->truth()) {
+            std::printf("  true  %9.1f  loss %8.4f  R %7.1f  level %6.2f%s%s\n",
+                        known->indexOf(event), event.apparentLoss_dB, event.reflectance_dB,
+                        known->levelBefore(known->indexOf(event)), event.ghost ? "  echo" : "",
+                        event.end ? "  end" : "");
         }
         for (const DetectedEvent& event : found.events) {
             std::printf("  found %9.1f  loss %8.4f +- %.4f  R %7.1f  T %.1f  Tp %.1f%s\n",
@@ -137,19 +138,16 @@ private:
         return request;
     }
 
-    [[nodiscard]] double indexOf(const TruthEvent& event) const
+    [[nodiscard]] accuracy::Sight sight() const
     {
-        return event.time_ns / interval_ns;
-    }
-
-    [[nodiscard]] double endOf() const
-    {
-        for (const TruthEvent& event : truth) {
-            if (event.end) {
-                return indexOf(event);
-            }
-        }
-        return static_cast<double>(trace->size());
+        accuracy::Sight seen;
+        seen.interval_ns = interval_ns;
+        seen.pulse = pulse;
+        seen.gap = gap;
+        seen.launch_dB = source.launchLevel_dB();
+        seen.noise_dB = kNoiseLevel_dB;
+        seen.correlation = correlation;
+        return seen;
     }
 
     /// The found event within a pulse of a true one; marks all there as true.
@@ -158,11 +156,11 @@ private:
     {
         const DetectedEvent* nearest = nullptr;
         for (std::size_t i = 0; i < found.events.size(); ++i) {
-            const double off = std::abs(found.events[i].index - indexOf(event));
+            const double off = std::abs(found.events[i].index - known->indexOf(event));
             if (off <= std::max(pulse, 2.0)) {
                 isTrue[i] = true;
                 const bool isNearer =
-                    nearest == nullptr || off < std::abs(nearest->index - indexOf(event));
+                    nearest == nullptr || off < std::abs(nearest->index - known->indexOf(event));
                 nearest = isNearer && found.events[i].kind != DetectedEvent::Kind::Start
                     ? &found.events[i]
                     : nearest;
@@ -171,87 +169,19 @@ private:
         return nearest;
     }
 
-    /// Level of the fibre just before a place, free of noise, dB.
-    [[nodiscard]] double levelBefore(double index) const
-    {
-        double level = source.launchLevel_dB();
-        double at_m = 0.0;
-        for (const gather::Section& section : fibre.sections) {
-            const double to_m = std::min(at_m + section.length_m, metresOf(index));
-            level -= section.attenuation_dBPerKm.at(kWavelength_nm) * (to_m - at_m) / 1000.0;
-            at_m = to_m;
-        }
-        for (const TruthEvent& event : truth) {
-            level -=
-                !event.ghost && !event.end && indexOf(event) < index ? event.apparentLoss_dB : 0.0;
-        }
-        return level;
-    }
-
-    [[nodiscard]] double metresOf(double index) const
-    {
-        return index * interval_ns * otdr::metresPerNs(kIor);
-    }
-
-    /// Standard deviation of a sample at a level.
-    [[nodiscard]] static double sigmaAt(double level_dB)
-    {
-        return std::hypot(kDbPerRelative * std::pow(10.0, (kNoiseLevel_dB - level_dB) / 5.0),
-                          kRounding_dB);
-    }
-
-    /// Samples of undisturbed fibre on both sides of a true event.
-    struct Sides
-    {
-        double left = 0.0;
-        double right = 0.0;
-    };
-
-    [[nodiscard]] Sides sidesOf(std::size_t k) const
-    {
-        const double at = indexOf(truth[k]);
-        double from = 0.0;
-        double to = endOf();
-        for (std::size_t i = 0; i < truth.size(); ++i) {
-            const double other = indexOf(truth[i]);
-            if (i != k && std::abs(other - at) < 1e-6) {
-                continue; // at one place
-            }
-            from = i != k && other < at ? std::max(from, other) : from;
-            to = i != k && other > at ? std::min(to, other) : to;
-        }
-        const double longest = 5000.0 / metresOf(1.0);
-        return {std::min(longest, at - from - gap), std::min(longest, to - at - gap)};
-    }
-
-    /// Standard error of the loss by the two lines that the fibre allows.
-    [[nodiscard]] double boundOf(std::size_t k, const Sides& sides) const
-    {
-        const double level = levelBefore(indexOf(truth[k]));
-        const auto variance = [&](double n, double away, double at_dB) {
-            const double s = sigmaAt(at_dB);
-            const double d = n / 2.0 + away;
-            return s * s * correlation * (1.0 / n + 12.0 * d * d / (n * n * n));
-        };
-        return std::sqrt(variance(sides.left, 0.0, level)
-                         + variance(sides.right, gap, level - truth[k].apparentLoss_dB));
-    }
-
     void countEvent(std::size_t k, const DetectedEvent* nearest, Figures& figures,
                     bool prints) const
     {
-        const TruthEvent& event = truth[k];
-        const Sides sides = sidesOf(k);
-        const double fewest = std::min(2.0 * gap, 4500.0 / metresOf(1.0));
-        if (indexOf(event) < 3.0 * gap || sides.left < fewest || sides.right < fewest) {
+        const TruthEvent& event = known->truth()[k];
+        const KnownLink::Sides sides = known->sidesOf(k);
+        const double fewest = std::min(2.0 * gap, 4500.0 / known->metresOf(1.0));
+        if (known->indexOf(event) < 3.0 * gap || sides.left < fewest || sides.right < fewest) {
             return;
         }
-        const double level = levelBefore(indexOf(event));
-        const double sigma = sigmaAt(level);
-        const double bound = boundOf(k, sides);
-        const double height = std::isnan(event.reflectance_dB)
-            ? 0.0
-            : otdr::peakHeight_dB(event.reflectance_dB, kBackscatter_dB, row.pulse_ns);
+        const double level = known->levelBefore(known->indexOf(event));
+        const double sigma = known->sigmaAt(level);
+        const double bound = known->boundOf(k, sides);
+        const double height = known->heightOf(event);
         const bool isStep = std::abs(event.apparentLoss_dB) >= 8.0 * bound
             && std::abs(event.apparentLoss_dB) >= 0.02;
         const bool isPeak = height >= 6.0 * sigma && level > kNoiseLevel_dB + 3.0;
@@ -263,13 +193,13 @@ private:
             if (prints) {
                 std::printf("  missed at %.1f: loss %.4f (%.1f bounds) height %.3f (%.1f sigma), "
                             "level %.1f\n",
-                            indexOf(event), event.apparentLoss_dB, event.apparentLoss_dB / bound,
-                            height, height / sigma, level);
+                            known->indexOf(event), event.apparentLoss_dB,
+                            event.apparentLoss_dB / bound, height, height / sigma, level);
             }
             return;
         }
         (isPeak ? figures.peaksFound : figures.stepsFound) += 1;
-        const double off = nearest->index - indexOf(event);
+        const double off = nearest->index - known->indexOf(event);
         if (isPeak) {
             figures.peakOff.push_back(off);
             const bool isWhole = height + level < source.launchLevel_dB() + gather::kSaturation_dB;
@@ -286,8 +216,8 @@ private:
             figures.lossOff.push_back((nearest->loss_dB - event.apparentLoss_dB) / bound);
             if (prints && std::abs(figures.lossOff.back()) > 5.0) {
                 std::printf("  loss at %.1f: %.4f for %.4f, bound %.5f, off %.2f samples, h %.2f\n",
-                            indexOf(event), nearest->loss_dB, event.apparentLoss_dB, bound, off,
-                            height);
+                            known->indexOf(event), nearest->loss_dB, event.apparentLoss_dB, bound,
+                            off, height);
             }
         }
     }
@@ -295,24 +225,27 @@ private:
     void countEnd(const TruthEvent& event, const DetectedEvent* nearest, Figures& figures,
                   bool prints) const
     {
-        if (levelBefore(indexOf(event)) < kNoiseLevel_dB + 3.0) {
+        if (known->levelBefore(known->indexOf(event)) < kNoiseLevel_dB + 3.0) {
             return;
         }
         ++figures.ends;
         const bool isFound = nearest != nullptr && nearest->kind == DetectedEvent::Kind::End;
         figures.endsFound += isFound ? 1 : 0;
         if (!isFound && prints) {
-            std::printf("  end at %.1f missed, level %.1f; found %.1f\n", indexOf(event),
-                        levelBefore(indexOf(event)), found.end);
+            std::printf("  end at %.1f missed, level %.1f; found %.1f\n", known->indexOf(event),
+                        known->levelBefore(known->indexOf(event)), found.end);
         }
     }
 
     /// An echo is told from an event where it is told at all; where it is not, it is a false alarm.
     void countGhost(std::size_t k, const DetectedEvent* nearest, Figures& figures) const
     {
-        const bool isAlone = std::none_of(truth.begin(), truth.end(), [&](const TruthEvent& other) {
-            return !other.ghost && std::abs(indexOf(other) - indexOf(truth[k])) < 2.0 * pulse + 2.0;
-        });
+        const bool isAlone = std::none_of(
+            known->truth().begin(), known->truth().end(), [&](const TruthEvent& other) {
+                return !other.ghost
+                    && std::abs(known->indexOf(other) - known->indexOf(known->truth()[k]))
+                    < 2.0 * pulse + 2.0;
+            });
         if (isAlone && nearest != nullptr) {
             ++figures.ghosts;
             figures.ghostsKnown += nearest->echo ? 1 : 0;
@@ -324,19 +257,20 @@ private:
     void countReturnLoss(Figures& figures) const
     {
         double sum = 0.0;
-        const double end = endOf();
+        const double end = known->endOf();
         const double unit = std::pow(10.0, kBackscatter_dB / 10.0) * interval_ns;
         const double step = std::max(1.0, end / 4000.0);
         for (double i = 0.5 * step; i < end; i += step) {
-            sum += step * unit * std::pow(10.0, (levelBefore(i) - source.launchLevel_dB()) / 5.0);
+            sum += step * unit
+                * std::pow(10.0, (known->levelBefore(i) - source.launchLevel_dB()) / 5.0);
         }
         bool isWhole = true;
-        for (const TruthEvent& event : truth) {
+        for (const TruthEvent& event : known->truth()) {
             if (event.ghost || std::isnan(event.reflectance_dB)) {
                 continue;
             }
-            const double index = indexOf(event);
-            const double lost = source.launchLevel_dB() - levelBefore(index);
+            const double index = known->indexOf(event);
+            const double lost = source.launchLevel_dB() - known->levelBefore(index);
             const double height =
                 otdr::peakHeight_dB(event.reflectance_dB, kBackscatter_dB, row.pulse_ns);
             isWhole = isWhole && height - lost < gather::kSaturation_dB;
@@ -352,7 +286,7 @@ private:
     gather::Fibre fibre;
     gather::SimulatedTrace source;
     std::unique_ptr<otdr::Trace> trace;
-    std::vector<TruthEvent> truth;
+    std::unique_ptr<KnownLink> known;
     otdr::Detection found;
     double interval_ns = 1.0;
     double pulse = 1.0;

@@ -43,6 +43,11 @@ constexpr double kLevel_dB = 0.1;
 constexpr double kNoisyLevel_dB = 0.5;
 constexpr double kTail_dB = 0.3;
 
+/// The last of a drop's fibre are so many pulses; what stands this much above the fibre before it
+/// leaves a tail.
+constexpr double kDropPulses = 3.0;
+constexpr double kHighPeak_dB = 10.0;
+
 /// A receiver that was not overloaded has come down within so many pulses.
 constexpr double kShortTailPulses = 3.0;
 
@@ -93,7 +98,8 @@ public:
             const double from = at + 0.5 * w;
             const double top = behindPeak(at);
             const double behind = fallenFrom(top);
-            if (top > at && isShortFibre(from, behind)) {
+            const double before = trace.mean_dB(from - w, from);
+            if (top > at && isPatchCord(behind, before)) {
                 fibreBegins = behind;
                 at = std::max(behind, from);
                 continue;
@@ -111,6 +117,11 @@ public:
             }
             if (seen) {
                 at = std::max(at, *seen);
+                continue;
+            }
+            if (const auto drop = dropBehind(from, top, before)) {
+                fibreBegins = *drop;
+                at = std::max(*drop, from);
                 continue;
             }
             extent.end = foot(from, at, fibreFrom);
@@ -164,8 +175,9 @@ private:
         double last = at;
         for (double i = at; i < at + kLongestPeakPulses * w; i += 1.0) {
             last = trace.mean_dB(i, i + 1.0) > base + threshold_dB ? i : last;
-            if (last > at && i - last > w) {
-                break; // what rises again is another reflection
+            // What rises further behind, or again, is another reflection.
+            if (i - last > (last > at ? 1.0 : kFallPulses + 1.0) * w) {
+                break;
             }
         }
         return last;
@@ -185,34 +197,74 @@ private:
         return i + half;
     }
 
+    /// Where the light falls most within some pulses.
+    [[nodiscard]] double steepest(double from) const
+    {
+        const double half = std::max(1.0, std::floor(0.5 * w));
+        double at = from;
+        double most = 0.0;
+        for (double i = from; i < from + (kFallPulses + 1.0) * w; i += 1.0) {
+            const double fall = trace.mean_dB(i - half, i) - trace.mean_dB(i, i + half);
+            at = fall > most ? i : at;
+            most = std::max(most, fall);
+        }
+        return at;
+    }
+
+    /// Shortest piece of fibre that can be known as such.
+    [[nodiscard]] double shortest() const { return std::max(kFewestShort, kShortPulses * w); }
+
     /// Whether a piece of fibre begins between a peak and the next sudden change: level, and no
     /// lower than the fibre before the peak but for the loss of an event.
-    [[nodiscard]] bool isShortFibre(double from, double begin) const
+    [[nodiscard]] bool isPatchCord(double begin, double before_dB) const
     {
-        const double length = std::max(kFewestShort, kShortPulses * w);
-        const auto line = trace.fit(begin, begin + length);
+        const double end = begin + shortest();
+        return isLevel(begin, end, before_dB - threshold_dB, before_dB + kTail_dB)
+            && changeBehind(end);
+    }
+
+    /// Where the fibre behind a splitter begins that ends within some pulses: level up to a sudden
+    /// change. Behind a high peak that may be a tail with an echo.
+    [[nodiscard]] std::optional<double> dropBehind(double from, double top, double before_dB) const
+    {
+        for (double i = from; i <= top; i += 1.0) {
+            if (trace.mean_dB(i, i + 1.0) > before_dB + kHighPeak_dB) {
+                return std::nullopt;
+            }
+        }
+        const double begin = fallenFrom(steepest(from));
+        const auto end = changeBehind(begin + shortest());
+        if (!end) {
+            return std::nullopt;
+        }
+        const double piece = std::max(begin, *end - kDropPulses * w);
+        return isLevel(piece, *end, 0.0, before_dB) ? std::optional(begin) : std::nullopt;
+    }
+
+    /// Whether light is level between two indices, plainly above the noise and between two levels.
+    [[nodiscard]] bool isLevel(double from, double to, double least_dB, double most_dB) const
+    {
+        const auto line = trace.fit(from, to);
         if (!line || static_cast<double>(line->line.samples) < kFewestShort) {
             return false;
         }
-        const double before = trace.mean_dB(from - w, from);
-        const double level = line->at(begin);
+        const double level = line->at(from);
         const double chance_dB = std::min(kChance * line->slopeError_dB * w, kNoisyLevel_dB);
         return std::abs(line->line.slope_dB) * w < std::max(kLevel_dB, chance_dB)
-            && level < before + kTail_dB && level > before - threshold_dB
-            && level > trace.noise().rms_dB() + kPlainAboveNoise_dB
-            && changesBehind(begin + length);
+            && level < most_dB && level > least_dB
+            && level > trace.noise().rms_dB() + kPlainAboveNoise_dB;
     }
 
-    /// Whether a sudden change follows within some pulses.
-    [[nodiscard]] bool changesBehind(double from) const
+    /// The first index within some pulses behind which the light changes suddenly.
+    [[nodiscard]] std::optional<double> changeBehind(double from) const
     {
         const double step = std::max(1.0, std::floor(w / 2.0));
         for (double at = from; at < std::min(from + kChangePulses * w, trace.size()); at += step) {
             if (std::abs(changeAt(at)) > threshold_dB) {
-                return true;
+                return at;
             }
         }
-        return false;
+        return std::nullopt;
     }
 
     /// The last stretch whose median stands above the noise, of those that follow each other.

@@ -1,0 +1,168 @@
+#include "bench/knownlink.h"
+
+#include "bench/accuracylinks.h"
+#include "platform/otdr/core/constants.h"
+#include "platform/otdr/core/reflectance.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace accuracy {
+
+namespace {
+
+using gather::TruthEvent;
+
+constexpr double kDbPerRelative = 2.1715; // 5 / ln 10
+constexpr double kLongestLine_m = 5000.0;
+constexpr double kSamePlace = 1e-6; // samples
+
+/// Noise of less than this part of a count does not spread the samples over two counts.
+constexpr double kNoiseThatSpreads = 0.3;
+
+} // namespace
+
+KnownLink::KnownLink(const gather::Fibre& fibre, int wavelength_nm, const Sight& sight)
+    : fibre(fibre)
+    , wavelength_nm(wavelength_nm)
+    , sight(sight)
+    , events(gather::truthOf(fibre, wavelength_nm))
+{
+    events.erase(std::remove_if(events.begin(), events.end(),
+                                [this](const TruthEvent& event) { return isNothing(event); }),
+                 events.end());
+    double border_m = 0.0;
+    for (const gather::Section& section : fibre.sections) {
+        border_m += section.length_m;
+        joints.push_back((border_m / otdr::metresPerNs(kIor) - sight.firstSample_ns)
+                         / sight.interval_ns);
+    }
+    joints.pop_back(); // that is the end
+}
+
+bool KnownLink::isNothing(const TruthEvent& event) const
+{
+    if (event.ghost) { // its reflectance is told as if all light came back from it
+        const double above_dB = event.reflectance_dB - kBackscatter_dB
+            - 10.0 * std::log10(sight.pulse * sight.interval_ns);
+        return sight.launch_dB + above_dB / 2.0 < sight.leastEcho_dB;
+    }
+    return !event.end && event.apparentLoss_dB == 0.0 && std::isnan(event.reflectance_dB);
+}
+
+double KnownLink::indexOf(const TruthEvent& event) const
+{
+    return (event.time_ns - sight.firstSample_ns) / sight.interval_ns;
+}
+
+double KnownLink::metresOf(double index) const
+{
+    return (index * sight.interval_ns + sight.firstSample_ns) * otdr::metresPerNs(kIor);
+}
+
+double KnownLink::endOf() const
+{
+    const auto end = std::find_if(events.begin(), events.end(),
+                                  [](const TruthEvent& event) { return event.end; });
+    return indexOf(*end);
+}
+
+double KnownLink::levelBefore(double index) const
+{
+    double level = sight.launch_dB;
+    double at_m = 0.0;
+    for (const gather::Section& section : fibre.sections) {
+        const double to_m = std::min(at_m + section.length_m, metresOf(index));
+        level -= section.attenuation_dBPerKm.at(wavelength_nm) * (to_m - at_m) / 1000.0;
+        at_m = to_m;
+    }
+    for (const TruthEvent& event : events) {
+        level -= !event.ghost && !event.end && indexOf(event) < index ? event.apparentLoss_dB : 0.0;
+    }
+    return level;
+}
+
+double KnownLink::shown_dB(double level_dB) const
+{
+    if (sight.offset == 0.0) {
+        return level_dB;
+    }
+    const double light = std::pow(10.0, (level_dB - sight.noise_dB) / 5.0) + sight.offset;
+    return sight.noise_dB + 5.0 * std::log10(std::max(light, 1e-3));
+}
+
+double KnownLink::shownLoss_dB(std::size_t k) const
+{
+    const double level = levelBefore(indexOf(events[k]));
+    return sight.offset == 0.0 ? events[k].apparentLoss_dB
+                               : shown_dB(level) - shown_dB(level - events[k].apparentLoss_dB);
+}
+
+double KnownLink::heightOf(const TruthEvent& event) const
+{
+    return std::isnan(event.reflectance_dB)
+        ? 0.0
+        : otdr::peakHeight_dB(event.reflectance_dB, kBackscatter_dB,
+                              sight.pulse * sight.interval_ns);
+}
+
+bool KnownLink::overloads(const TruthEvent& event) const
+{
+    return !event.ghost
+        && heightOf(event) + levelBefore(indexOf(event)) > sight.launch_dB + sight.overload_dB;
+}
+
+double KnownLink::sigmaAt(double level_dB) const
+{
+    return std::hypot(kDbPerRelative * std::pow(10.0, (sight.noise_dB - shown_dB(level_dB)) / 5.0),
+                      sight.rounding_dB);
+}
+
+KnownLink::Sides KnownLink::sidesOf(std::size_t k) const
+{
+    const double at = indexOf(events[k]);
+    double from = 0.0;
+    double to = endOf();
+    for (const double joint : joints) {
+        from = joint < at - kSamePlace ? std::max(from, joint) : from;
+        to = joint > at + kSamePlace ? std::min(to, joint) : to;
+    }
+    double late = 0.0;
+    for (std::size_t i = 0; i < events.size(); ++i) {
+        const double other = indexOf(events[i]);
+        const double tail = sight.recovery > 0.0 && overloads(events[i]) ? sight.recovery : 0.0;
+        if (i != k && std::abs(other - at) < kSamePlace) {
+            continue; // at one place
+        }
+        from = i != k && other < at ? std::max(from, other + tail) : from;
+        to = i != k && other > at ? std::min(to, other) : to;
+        late = i == k ? tail : late;
+    }
+    const double longest = kLongestLine_m / (metresOf(1.0) - metresOf(0.0));
+    return {std::min(longest, at - from - sight.gap),
+            std::min(longest, to - at - late - sight.gap)};
+}
+
+/// Of a mean over many samples, times their number.
+double KnownLink::varianceAt(double level_dB) const
+{
+    const double sigma = sigmaAt(level_dB);
+    const double count_dB = sight.rounding_dB * std::sqrt(12.0);
+    const bool isSteady = sight.run > 1.0 && sigma < kNoiseThatSpreads * count_dB;
+    const double alike = isSteady ? sight.rounding_dB * sight.rounding_dB * (sight.run - 1.0) : 0.0;
+    return sigma * sigma * sight.correlation + alike
+        + sight.fading_dB * sight.fading_dB * sight.pulse;
+}
+
+double KnownLink::boundOf(std::size_t k, const Sides& sides) const
+{
+    const double level = levelBefore(indexOf(events[k]));
+    const auto variance = [&](double n, double away, double at_dB) {
+        const double d = n / 2.0 + away;
+        return varianceAt(at_dB) * (1.0 / n + 12.0 * d * d / (n * n * n));
+    };
+    return std::sqrt(variance(sides.left, 0.0, level)
+                     + variance(sides.right, sight.gap, level - events[k].apparentLoss_dB));
+}
+
+} // namespace accuracy
