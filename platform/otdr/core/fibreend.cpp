@@ -250,9 +250,8 @@ private:
         }
         const double level = line->at(from);
         const double chance_dB = std::min(kChance * line->slopeError_dB * w, kNoisyLevel_dB);
-        return std::abs(line->line.slope_dB) * w < std::max(kLevel_dB, chance_dB)
-            && level < most_dB && level > least_dB
-            && level > trace.noise().rms_dB() + kPlainAboveNoise_dB;
+        return std::abs(line->line.slope_dB) * w < std::max(kLevel_dB, chance_dB) && level < most_dB
+            && level > least_dB && level > trace.noise().rms_dB() + kPlainAboveNoise_dB;
     }
 
     /// The first index within some pulses behind which the light changes suddenly.

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 #include <utility>
 
@@ -22,6 +23,10 @@ constexpr std::size_t kMostBlocks = 512;
 constexpr double kBlockPulses = 10.0;
 constexpr std::size_t kDifferencesPerBlock = 256;
 constexpr std::size_t kFewestDifferences = 64;
+
+/// So many differences of neighbours tell by what steps a trace was measured.
+constexpr std::size_t kFewestSteps = 8;
+constexpr double kSameStep = 0.2;
 
 /// Scatter beyond which the logarithm of noisy light says nothing.
 constexpr double kMostSigma_dB = 5.0;
@@ -57,6 +62,31 @@ bool isEven(const Trace& trace, std::size_t first, std::size_t last)
     return std::abs(darknessOf(trace, first, middle).rms_dB
                     - darknessOf(trace, middle, last).rms_dB)
         < kLight_dB;
+}
+
+/// What rounding scatters by, dB: where most neighbours are equal, and most of the others differ by
+/// much the same, that is the step which they were measured with. Else 0.
+double roundingOf_dB(const Trace& trace, std::size_t first, std::size_t last, std::size_t stride)
+{
+    const RawSamples& counts = trace.samples();
+    std::vector<int> steps;
+    std::size_t pairs = 0;
+    for (std::size_t i = first; i + 1 < last; i += stride) {
+        const int step = std::abs(int {counts[i + 1]} - int {counts[i]});
+        if (step > 0) {
+            steps.push_back(step);
+        }
+        ++pairs;
+    }
+    if (2 * steps.size() > pairs || steps.size() < kFewestSteps) {
+        return 0.0;
+    }
+    const double step = medianOf(steps);
+    const auto alike = std::count_if(steps.begin(), steps.end(), [&](int other) {
+        return std::abs(other - step) < kSameStep * step;
+    });
+    const bool isStep = 2 * static_cast<std::size_t>(alike) > steps.size();
+    return isStep ? step * trace.dbPerCount() / std::sqrt(12.0) : 0.0;
 }
 
 } // namespace
@@ -110,7 +140,8 @@ void NoiseProfile::measureScatter(const Trace& trace, double pulse)
         if (differences.size() >= kFewestDifferences || sigmas.empty()) {
             sigma = differences.empty() ? kLeastSigma_dB : scatterBy_dB(trace, differences);
         }
-        sigmas.push_back(std::clamp(sigma, kLeastSigma_dB, kMostSigma_dB));
+        const double least = std::max(kLeastSigma_dB, roundingOf_dB(trace, from, end, stride));
+        sigmas.push_back(std::clamp(sigma, least, kMostSigma_dB));
     }
 }
 

@@ -133,11 +133,12 @@ private:
         sigma = trace.noise().sigma_dB(at);
         const double end = fibreEndBefore(trace, at, from);
         const auto fitted = trace.fit(std::max(from, end - kFibreGaps * trace.gap()), end);
-        if (fitted && fitted->line.samples >= 4) {
+        if (fitted && fitted->line.samples >= 4 && !trace.isSteep(*fitted)) {
             line = fitted->line;
-        } else {
-            line.level_dB = trace.mean_dB(end - 2.0, end);
-            line.centre = end;
+        } else { // little fibre, or a loss on it: what is seen last
+            const double last = fitted ? std::max(end, at - 0.5 * w) : end;
+            line.level_dB = trace.mean_dB(last - 2.0, last);
+            line.centre = last;
         }
     }
 

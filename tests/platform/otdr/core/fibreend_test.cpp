@@ -96,6 +96,41 @@ TEST(FibreEnd, IsNotASplitter)
     EXPECT_NEAR(extentOf(builder).end, builder.indexOf(12_km), 2.0);
 }
 
+/// A drop behind a splitter, too short to show how it falls: the reflection of its end does.
+TEST(FibreEnd, OfADropIsBehindTheSplitter)
+{
+    for (const double length_m : {40.0, 60.0, 90.0}) {
+        const Length end {4000.0 + length_m};
+        for (const Decibels height : {6_dB, 15_dB}) {
+            const TraceBuilder drop = TraceBuilder()
+                                          .fibre(end)
+                                          .splice(4_km, 12_dB)
+                                          .reflectingEnd(height)
+                                          .behind(4000)
+                                          .noiseFloor(8_dB);
+            const auto trace = withNoise(drop.counts(), 16.0, 3);
+            const auto extent = extentOf(drop, trace);
+            EXPECT_EQ(extent.kind, End::Found) << length_m;
+            EXPECT_NEAR(extent.end, drop.indexOf(end), 3.0) << length_m;
+        }
+    }
+}
+
+/// Nor has the far end's reflection anything to do with the fall of the one in front of it.
+TEST(FibreEnd, StandsBehindALowReflectionCloseBeforeIt)
+{
+    const TraceBuilder builder = TraceBuilder()
+                                     .fibre(8_km)
+                                     .connector(Length {7950.0}, 0.3_dB, 5_dB)
+                                     .reflectingEnd(20_dB)
+                                     .behind(3000)
+                                     .noise(0.01_dB, 11)
+                                     .noiseFloor(8_dB);
+    const auto extent = extentOf(builder);
+    EXPECT_EQ(extent.kind, End::Found);
+    EXPECT_NEAR(extent.end, builder.indexOf(8_km), 2.0);
+}
+
 /// The round top of a reflection of 15 samples is straight for some samples; the fibre before it is
 /// what it rises from, whatever pulse is told.
 TEST(FibreEnd, StandsBeforeARoundReflectionThatIsWiderThanThePulseTold)

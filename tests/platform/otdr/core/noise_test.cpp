@@ -354,6 +354,24 @@ TEST(NoiseProfile, LikenessIsToldByWhatScattersAndNotByRoundings)
     }
 }
 
+/// An instrument that measures in steps of 50 counts: differences are none for most samples.
+TEST(NoiseProfile, StepsOfTheMeasurementAreNoise)
+{
+    std::mt19937_64 random(9);
+    std::normal_distribution<double> normal(0.0, 10.0);
+    std::vector<std::uint16_t> counts(20000);
+    for (std::size_t i = 0; i < counts.size(); ++i) {
+        const double exact = 20000.0 + 0.05 * static_cast<double>(i) + normal(random);
+        counts[i] = static_cast<std::uint16_t>(50.0 * std::round(exact / 50.0));
+    }
+    const otdr::Trace trace(otdr::RawSamples(counts), 0.001, {});
+    const NoiseProfile noise = profileOf(trace, 20.0);
+    for (double at = 500.0; at < 19500.0; at += 1000.0) {
+        EXPECT_GT(noise.sigma_dB(at), 0.014) << at;
+        EXPECT_LT(noise.sigma_dB(at), 0.025) << at;
+    }
+}
+
 /// Fibre with a loss or a gain of 0.2 dB every so many metres; pulses are 10 m long.
 TraceBuilder crowdedFibre(int spacing_m)
 {

@@ -145,6 +145,19 @@ TEST(PeakGroup, WhatRisesWhereItMustEndIsNotItsOwn)
     EXPECT_LE(found.behind, 1049.0);
 }
 
+/// A splitter three pulses in front of it: the line down its ramp would go on to fall.
+TEST(PeakGroup, HeightIsNotThatAboveTheRampOfALoss)
+{
+    const otdr::PulseShape shape(20.0, 1.6);
+    otdr::SearchScale scale = scaleOf(20.0, 10000.0);
+    const DrawnFibre fibre(4000, scale, [&](double i) {
+        return eventLevel_dB(shape, i - 940.0, 40.0, 30.0)
+            + eventLevel_dB(shape, i - 1000.0, 0.0, 0.0, 8.0);
+    });
+    const PeakGroup found = measurePeak(*fibre, 1000.0, 0.0, 4000.0);
+    EXPECT_NEAR(found.heights_dB.front(), 8.0, 0.1);
+}
+
 /// A reflection that holds the receiver at its top may be offered by its end.
 TEST(PeakGroup, IsMeasuredFromItsFootWhereverItWasOffered)
 {
