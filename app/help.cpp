@@ -68,6 +68,7 @@ QVector<Row> gestures()
         {Words::tr("+  –  1:1"), Words::tr("zoom in, zoom out, show everything")},
         {Words::tr("Right, Left"), Words::tr("narrow and widen the distances")},
         {Words::tr("Up, Down"), Words::tr("narrow and widen the levels")},
+        {Words::tr("Very short tap on A or B"), Words::tr("chooses the marker, or leaves it")},
         {Words::tr("Wheel, Page Up, Page Down"), Words::tr("move the chosen marker step by step")},
         {Words::tr("Tab, Space, Enter"), Words::tr("go to a control, press it")},
         {Words::tr("Ctrl+O, Ctrl+S, Ctrl+Q"), Words::tr("load, save, leave")},

@@ -1,5 +1,6 @@
 #include "plot/plot.h"
 
+#include "plot/levelscaledraw.h"
 #include "plot/otdrdistancescaledraw.h"
 
 #include <qwt_plot_grid.h>
@@ -45,6 +46,8 @@ void Plot::setupAxis(QwtPlot::Axis axis)
 {
     if (axis == xBottom) {
         setAxisScaleDraw(axis, new OtdrDistanceScaleDraw(axisWidget(axis)));
+    } else {
+        setAxisScaleDraw(axis, new LevelScaleDraw); // the axis owns it
     }
     QwtScaleWidget* widget = axisWidget(axis);
     widget->setSpacing(0);

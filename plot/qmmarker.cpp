@@ -232,11 +232,15 @@ void QmMarker::hideEvent(QHideEvent* event)
 
 void QmMarker::paintEvent(QPaintEvent* /*event*/)
 {
-    const QColor color = PaletteFactory::getPalette("GenericWindow").color(QPalette::Button);
+    const QPalette colors = PaletteFactory::getPalette("GenericWindow");
+    const QColor color = colors.color(QPalette::Button);
     QPainter painter(this);
     paintLine(painter, color);
     paintKnob(painter, color);
-    paintSymbol(painter);
+    // The light of a checked knob has the colour of a button: its letter as well.
+    paintSymbol(painter,
+                isLit() ? colors.color(QPalette::ButtonText)
+                        : palette().color(QPalette::WindowText));
 }
 
 void QmMarker::paintLine(QPainter& painter, const QColor& color) const
@@ -253,7 +257,7 @@ void QmMarker::paintKnob(QPainter& painter, const QColor& color) const
 {
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(painter.pen().color(), 2.0));
-    if (checkable && marked) {
+    if (isLit()) {
         painter.setBrush(activeEffect(color, knob));
     } else {
         painter.setBrush(palette().color(QPalette::Window));
@@ -261,10 +265,10 @@ void QmMarker::paintKnob(QPainter& painter, const QColor& color) const
     painter.drawEllipse(knob);
 }
 
-void QmMarker::paintSymbol(QPainter& painter) const
+void QmMarker::paintSymbol(QPainter& painter, const QColor& ink) const
 {
     if (!text.text().isEmpty()) {
-        painter.setPen(palette().color(QPalette::WindowText));
+        painter.setPen(ink);
         painter.drawStaticText(markergeometry::centred(text.size(), knob), text);
     } else if (!pixmap.isNull()) {
         const QSizeF size = QSizeF(pixmap.size()) / pixmap.devicePixelRatioF();

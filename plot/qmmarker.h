@@ -102,7 +102,10 @@ private:
     void drag(int dx);
     void paintLine(QPainter& painter, const QColor& color) const;
     void paintKnob(QPainter& painter, const QColor& color) const;
-    void paintSymbol(QPainter& painter) const;
+    void paintSymbol(QPainter& painter, const QColor& ink) const;
+
+    /// Whether the knob shows the light of a checked marker.
+    [[nodiscard]] bool isLit() const { return checkable && marked; }
 
     bool moving = false;
     bool movable = true;

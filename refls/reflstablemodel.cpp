@@ -29,7 +29,7 @@ QString twoDecimals(double value)
 QString dateText(const Reflectogram& refl)
 {
     const auto sor = refl.sorData();
-    if (!sor) {
+    if (!sor || !sor->hasFxdParams()) {
         return "-";
     }
     const qint64 milliseconds = sor->fxdParams().dateTime * 1000;

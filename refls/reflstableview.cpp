@@ -10,6 +10,7 @@
 #include <QHeaderView>
 #include <QHelpEvent>
 #include <QMouseEvent>
+#include <QScroller>
 #include <QTimerEvent>
 #include <QToolTip>
 
@@ -31,9 +32,11 @@ ReflsTableView::ReflsTableView(QWidget* parent)
     setProperty("palette_id", "table"); // light, for names in the colours of the curves
     setupHeaders();
     setItemDelegate(new MultilinedDelegate(this));
+    setTextElideMode(Qt::ElideMiddle); // names of one run begin alike and end with the wavelength
     setSelectionMode(QAbstractItemView::NoSelection);
     setFocusPolicy(Qt::NoFocus);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setupScrolling();
     // As high as its rows where there is room, so that a short set leaves it to the plot.
     setSizeAdjustPolicy(QAbstractScrollArea::AdjustToContents);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Maximum);
@@ -51,6 +54,26 @@ void ReflsTableView::setupHeaders()
     verticalHeader()->setDefaultSectionSize(kTouchHeight);
     verticalHeader()->hide();
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff); // the columns share the width
+}
+
+void ReflsTableView::setupScrolling()
+{
+    setVerticalScrollMode(ScrollPerPixel);
+    QScroller* scroller = QScroller::scroller(viewport());
+    QScrollerProperties properties = scroller->scrollerProperties();
+    // The press is told at once, so that a long tap takes no longer where there is to scroll.
+    properties.setScrollMetric(QScrollerProperties::MousePressEventDelay, 0.0);
+    scroller->setScrollerProperties(properties);
+    QScroller::grabGesture(viewport(), QScroller::LeftMouseButtonGesture); // touches are the mouse
+    connect(scroller,
+            SIGNAL(stateChanged( QScroller::State )), SLOT(onScrolling( QScroller::State )));
+}
+
+void ReflsTableView::onScrolling(QScroller::State state)
+{
+    if (state == QScroller::Dragging) {
+        stopLongTapTimer(); // the finger is on no row any more
+    }
 }
 
 void ReflsTableView::setModel(QAbstractItemModel* newModel)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QPoint>
+#include <QScroller>
 #include <QTableView>
 
 class ReflTableMenu;
@@ -8,7 +9,7 @@ class ReflTableMenu;
 namespace Waveform {
 
 /// The table of loaded traces on the touch screen. A long or a double tap on a row opens a menu
-/// for its trace.
+/// for its trace; a drag scrolls where there is more than is seen.
 class ReflsTableView : public QTableView
 {
     Q_OBJECT
@@ -49,8 +50,12 @@ protected:
     void showMenu(QPoint pos);
     void stopLongTapTimer();
 
+private slots:
+    void onScrolling(QScroller::State state);
+
 private:
     void setupHeaders();
+    void setupScrolling();
     [[nodiscard]] QString notesAt(QPoint pos) const;
 
     ReflTableMenu* menu;

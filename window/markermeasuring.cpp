@@ -47,7 +47,17 @@ void MarkerMeasuring::initTwoMarkers(Plot* newPlot, CanvasControls* newCanvas, c
     arrangeResults(plot->canvas()->height());
     plot->canvas()->installEventFilter(this); // before the canvas is laid out for a new size
     twoMarkersView->hide();
+    raiseMarkers();
     followMarkers(bar);
+}
+
+/// On a low canvas the results reach down to the knobs, which must still be seen and taken.
+void MarkerMeasuring::raiseMarkers()
+{
+    const auto markers = plot->canvas()->findChildren<QmPlotMarker*>();
+    for (QmPlotMarker* marker : markers) {
+        marker->raise();
+    }
 }
 
 bool MarkerMeasuring::eventFilter(QObject* watched, QEvent* event)

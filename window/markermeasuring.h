@@ -38,6 +38,7 @@ private slots:
     void showInOverview();
 
 private:
+    void raiseMarkers();
     void arrangeResults(int canvasHeight);
     void followMarkers(const MeasView* bar);
 

@@ -95,6 +95,25 @@ QString longestPulseLabel()
     return t("20", kMicrosecond);
 }
 
+QString foreignLabel(const QString& key, const QVariant& value)
+{
+    constexpr double kFromSmall = 1000.0; // ns to µs, m to km
+    const QString text = value.toString();
+    bool isNumber = false;
+    const double number = text.toDouble(&isNumber);
+    if (!isNumber) {
+        return text;
+    }
+    if (key == "distance") {
+        return t(screennumber::general(number / kFromSmall), kKilometre);
+    }
+    if (key == "pulse" && number >= kFromSmall) {
+        return t(screennumber::general(number / kFromSmall), kMicrosecond);
+    }
+    const char* unit = key == "pulse" ? kNanosecond : key == "duration" ? kSecond : kNanometre;
+    return t(screennumber::general(number), unit);
+}
+
 bool startsWithLongestPulse(const QString& cardRevision)
 {
     return !(cardRevision < QLatin1String("3.0"));

@@ -29,6 +29,10 @@ constexpr int kLongestPulse_ns = 20000;
 
 [[nodiscard]] QString longestPulseLabel();
 
+/// How a value that the box of a setting does not offer reads: in the unit of those that it offers;
+/// what is no number as it is.
+[[nodiscard]] QString foreignLabel(const QString& key, const QVariant& value);
+
 /// Whether the card has the longest pulse, by the text of its revision as it is stored: compared as
 /// text, so that "10" counts as older than "3.0".
 [[nodiscard]] bool startsWithLongestPulse(const QString& cardRevision);

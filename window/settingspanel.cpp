@@ -41,6 +41,9 @@ HistoryCombo* SettingsPanel::newComboBox(ZuConfigModel* config, const SettingCho
     combo->setWhatsThis(choices.title);
     combo->addItems(choices.labels, choices.values);
     combo->setCurrentIndex(0);
+    // Stored by hand or given for this run: what is measured is what the box has to show.
+    combo->setWording(
+        [key = choices.key](const QVariant& value) { return foreignLabel(key, value); });
     ZuSetting* setting = config->setting(choices.key, "MeasParams");
     connect(setting, SIGNAL(changed( QVariant )), combo, SLOT(setCurrentIndexByData( QVariant )));
     connect(combo, SIGNAL(currentDataChanged( QVariant )), setting, SLOT(tryChange( QVariant )));

@@ -16,6 +16,7 @@
 #include "window/canvascontrols.h"
 #include "window/countdown.h"
 #include "window/curveset.h"
+#include "window/distancenote.h"
 #include "window/emptyhint.h"
 #include "window/maintrace.h"
 #include "window/markermeasuring.h"
@@ -100,6 +101,10 @@ void Window::setupPlot()
     // A pan and a new size ask for other samples as a zoom does.
     connect(plot, SIGNAL(scaledTo( QRectF )), SLOT(rescalePlot( QRectF )));
     connect(plot, SIGNAL(resized()), SLOT(rescaleCurrentView()));
+    auto* distanceNote = new DistanceNote(plot->canvas());
+    connect(reflsTableModel(),
+            SIGNAL(mainReflChanged( Reflectogram )), distanceNote, SLOT(showFor( Reflectogram )));
+    connect(reflsTableModel(), SIGNAL(allReflsDeleted()), distanceNote, SLOT(hide()));
     canvas->setupPanner();
     canvas->setupZoomer();
 }

@@ -187,6 +187,14 @@
         <translation>сузить и расширить интервал уровней</translation>
     </message>
     <message>
+        <source>Very short tap on A or B</source>
+        <translation>Короткое касание A или B</translation>
+    </message>
+    <message>
+        <source>chooses the marker, or leaves it</source>
+        <translation>выбрать маркер или снять выбор</translation>
+    </message>
+    <message>
         <source>Wheel, Page Up, Page Down</source>
         <translation>Колесо, Page Up, Page Down</translation>
     </message>
@@ -823,6 +831,13 @@ ORL: %6
     <message>
         <source>OK</source>
         <translation>ОК</translation>
+    </message>
+</context>
+<context>
+    <name>Waveform::DistanceNote</name>
+    <message>
+        <source>The distances of this trace are not known: a metre stands for a sample.</source>
+        <translation>Расстояния этой рефлектограммы неизвестны: метр обозначает один отсчёт.</translation>
     </message>
 </context>
 <context>

@@ -28,8 +28,8 @@ QPushButton* ChoicePopup::newButton(const Choice& choice)
     button->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     button->setCheckable(true);
     button->setChecked(choice.id == current);
-    if (choice.id == current) {
-        marked = button;
+    if (initial == nullptr || choice.id == current) {
+        initial = button;
     }
     connect(button, &QPushButton::clicked, this, [this, id = choice.id] {
         close();
@@ -41,7 +41,7 @@ QPushButton* ChoicePopup::newButton(const Choice& choice)
 void ChoicePopup::showEvent(QShowEvent* event)
 {
     BasePopupWindow::showEvent(event);
-    if (marked != nullptr) {
-        marked->setFocus(Qt::PopupFocusReason);
+    if (initial != nullptr) {
+        initial->setFocus(Qt::PopupFocusReason);
     }
 }

@@ -20,7 +20,7 @@ public:
     };
 
     /// \param current the id of the choice that is in force; it is marked and has the focus at
-    /// first
+    /// first. Where none of them is in force, the first has the focus.
     ChoicePopup(const QVector<Choice>& choices, int current, QWidget* parent = nullptr);
 
 signals:
@@ -34,6 +34,6 @@ private:
     QPushButton* newButton(const Choice& choice);
 
     // No button group: Qt would let Tab reach no other button than the checked one.
-    QPushButton* marked = nullptr;
+    QPushButton* initial = nullptr; ///< has the focus at first
     int current;
 };

@@ -5,6 +5,8 @@
 #include "platform/launcher/settingrules.h"
 
 #include <QKeyEvent>
+#include <QStyleOptionComboBox>
+#include <QStylePainter>
 
 #include <memory>
 
@@ -64,9 +66,30 @@ QSize HistoryCombo::minimumSizeHint() const
 void HistoryCombo::setCurrentIndexByData(const QVariant& value)
 {
     const int index = indexOfData(value);
+    setForeign(index >= 0 ? QVariant() : value);
     if (index >= 0) {
         setCurrentIndex(index);
     }
+}
+
+void HistoryCombo::setWording(const Wording& newWording)
+{
+    wording = newWording;
+    update();
+}
+
+QString HistoryCombo::shownText() const
+{
+    if (!foreign.isValid()) {
+        return currentText();
+    }
+    return wording ? wording(foreign) : foreign.toString();
+}
+
+void HistoryCombo::setForeign(const QVariant& value)
+{
+    foreign = value;
+    update();
 }
 
 void HistoryCombo::announce()
@@ -77,12 +100,17 @@ void HistoryCombo::announce()
         return;
     }
     announced = value;
+    setForeign({});
     emit currentDataChanged(value);
 }
 
 void HistoryCombo::countUse(int index)
 {
     setItemData(index, itemData(index, kUsesRole).toInt() + 1, kUsesRole);
+    if (foreign.isValid()) { // the entry that was selected all the time was chosen from a list
+        setForeign({});
+        emit currentDataChanged(currentData());
+    }
 }
 
 QVector<int> HistoryCombo::offeredOrder() const
@@ -107,7 +135,8 @@ void HistoryCombo::showPopup()
     for (const int index : order) {
         choices << ChoicePopup::Choice {index, itemText(index)};
     }
-    auto made = std::make_unique<ChoicePopup>(choices, currentIndex(), this);
+    const int chosen = foreign.isValid() ? -1 : currentIndex();
+    auto made = std::make_unique<ChoicePopup>(choices, chosen, this);
     const QSize wanted = made->sizeHint();
     const QSize room = BasePopupWindow::screenAt(mapToGlobal(rect().center())).size();
     if (wanted.boundedTo(room) != wanted) {
@@ -132,6 +161,7 @@ void HistoryCombo::hidePopup()
 void HistoryCombo::choose(int index)
 {
     if (index == currentIndex()) {
+        setForeign({});
         emit currentDataChanged(currentData()); // what is bound to the box may hold another value
     }
     setCurrentIndex(index);
@@ -146,4 +176,22 @@ void HistoryCombo::keyPressEvent(QKeyEvent* event)
         return;
     }
     QComboBox::keyPressEvent(event);
+}
+
+void HistoryCombo::paintEvent(QPaintEvent* event)
+{
+    if (!foreign.isValid()) {
+        QComboBox::paintEvent(event);
+        return;
+    }
+    QStyleOptionComboBox option;
+    initStyleOption(&option);
+    const QRect field =
+        style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, this);
+    option.currentText = fontMetrics().elidedText(shownText(), Qt::ElideRight, field.width());
+    option.currentIcon = QIcon();
+    QStylePainter painter(this);
+    painter.setPen(palette().color(QPalette::Text));
+    painter.drawComplexControl(QStyle::CC_ComboBox, option);
+    painter.drawControl(QStyle::CE_ComboBoxLabel, option);
 }

@@ -6,10 +6,15 @@
 #include <QStringList>
 #include <QVariant>
 
+#include <functional>
+
 class ChoicePopup;
 
 /// A choice box for the touch screen: each entry has a label and a value, and is offered on a large
 /// button of its own.
+///
+/// A value that no entry has may be bound to it: that is then what the box shows, while the
+/// selection stays for what asks for it, and no entry is marked as chosen.
 ///
 /// Tab reaches it; Space, Enter or a tap opens it.
 class HistoryCombo : public QComboBox
@@ -34,6 +39,14 @@ public:
     /// The first entry with this value, as number or text ("100" is 100); -1 where there is none.
     [[nodiscard]] int indexOfData(const QVariant& value) const;
 
+    using Wording = std::function<QString(const QVariant& value)>;
+
+    /// How a value that no entry has is to read; as it is, unless told otherwise.
+    void setWording(const Wording& newWording);
+
+    /// What stands in the box.
+    [[nodiscard]] QString shownText() const;
+
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
 
@@ -41,7 +54,7 @@ public:
     void hidePopup() override;
 
 public slots:
-    /// Selects the entry with this value; without one the selection stays.
+    /// Selects the entry with this value; without one the selection stays, and the value is shown.
     void setCurrentIndexByData(const QVariant& value);
 
 signals:
@@ -50,13 +63,17 @@ signals:
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
 
 private:
     void announce();
     void choose(int index);
     void countUse(int index);
+    void setForeign(const QVariant& value);
     [[nodiscard]] QVector<int> offeredOrder() const;
 
     QPointer<ChoicePopup> popup;
     QVariant announced;
+    QVariant foreign; ///< the bound value where no entry has it; invalid where one has
+    Wording wording;
 };

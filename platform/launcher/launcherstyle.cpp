@@ -69,6 +69,20 @@ bool showsFocus(const QStyleOption& option)
         && option.state.testFlag(QStyle::State_KeyboardFocusChange);
 }
 
+bool isRow(const QStyleOption& option, const QWidget* widget)
+{
+    return option.state.testFlag(QStyle::State_Item)
+        || qobject_cast<const QAbstractItemView*>(widget) != nullptr;
+}
+
+/// Whether keys brought the focus. Of a row Qt says so in any case.
+bool isFocusOfKeys(const QStyleOption& option, const QWidget* widget)
+{
+    return isRow(option, widget) && widget != nullptr
+        ? widget->window()->testAttribute(Qt::WA_KeyboardFocusChange)
+        : option.state.testFlag(QStyle::State_KeyboardFocusChange);
+}
+
 bool isKey(QEvent::Type type)
 {
     return type == QEvent::KeyPress || type == QEvent::ShortcutOverride;
@@ -171,11 +185,10 @@ void LauncherStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* 
                                   QPainter* painter, const QWidget* widget) const
 {
     if (element == PE_FrameFocusRect) {
-        if (!option->state.testFlag(State_KeyboardFocusChange)) {
+        if (!isFocusOfKeys(*option, widget)) {
             return;
         }
-        if (option->state.testFlag(State_Item)
-            || qobject_cast<const QAbstractItemView*>(widget) != nullptr) {
+        if (isRow(*option, widget)) {
             drawRowFrame(*painter, option->rect, option->palette);
         } else {
             drawFrame(*painter, option->rect, option->palette.color(QPalette::WindowText), 2.0);
@@ -237,6 +250,9 @@ bool LauncherStyle::eventFilter(QObject* watched, QEvent* event)
         }
     } else if (isKey(type)) {
         isByKeys = true;
+        if (qobject_cast<QAbstractItemView*>(watched) != nullptr) {
+            showFocus(*widget.window(), true); // they lead on from the row that a finger chose
+        }
     } else if (type == QEvent::MouseButtonPress) {
         isByKeys = false;
         showFocus(*widget.window(), false);
@@ -254,7 +270,10 @@ void LauncherStyle::showFocus(QWidget& window, bool shown)
         return;
     }
     window.setAttribute(Qt::WA_KeyboardFocusChange, shown);
-    if (QWidget* focused = window.focusWidget()) {
+    QWidget* focused = window.focusWidget();
+    if (const auto* rows = qobject_cast<QAbstractItemView*>(focused)) {
+        rows->viewport()->update();
+    } else if (focused != nullptr) {
         focused->update();
     }
 }

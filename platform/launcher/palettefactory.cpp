@@ -68,7 +68,8 @@ QPalette application(PaletteFactory::Light light)
 }
 
 /// Its Button role is the ground of the marked table row, whose text is white, and the colour of
-/// the markers' lines on the chart: dark enough for both, yet light enough for a dark letter on it.
+/// the markers' lines on the chart and of the lit knob under a letter in the ButtonText role: dark
+/// enough for all of them.
 QPalette genericWindow(PaletteFactory::Light light)
 {
     QPalette palette = application(light);

@@ -159,6 +159,12 @@ double Reflectogram::endOfFiber() const
     return now ? now->endOfFibre_m() : -1.0;
 }
 
+bool Reflectogram::hasDistances() const
+{
+    const auto now = state();
+    return !now || now->hasDistances();
+}
+
 double Reflectogram::maxdist() const
 {
     const auto now = state();

@@ -59,6 +59,10 @@ public:
     [[nodiscard]] double pulseWidth() const; ///< ns
     [[nodiscard]] double backscatter() const; ///< dB at 1 ns
     [[nodiscard]] double endOfFiber() const; ///< m; negative where it is not known
+
+    /// Whether it is known how far the samples lie apart; where not, one is taken for a metre.
+    [[nodiscard]] bool hasDistances() const;
+
     [[nodiscard]] double maxdist() const; ///< distance of the last sample, m; 0 without a trace
     [[nodiscard]] double dataSpacing() const; ///< between samples, ns round trip
     [[nodiscard]] double

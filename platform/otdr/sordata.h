@@ -33,12 +33,19 @@ class SorData
 public:
     [[nodiscard]] const FxdParamsBlock& fxdParams() const { return fxd; }
 
+    /// Whether the file says how it was measured; where not, what stands in its place was assumed.
+    [[nodiscard]] bool hasFxdParams() const { return isFxdTold; }
+
     /// Null where nothing is known yet.
     [[nodiscard]] const KeyEventsBlock* keyEvents() const { return key ? &*key : nullptr; }
 
     [[nodiscard]] const SupParamsBlock& supParams() const { return sup; }
 
-    void setFxdParams(const FxdParamsBlock& params) { fxd = params; }
+    void setFxdParams(const FxdParamsBlock& params, bool isTold = true)
+    {
+        fxd = params;
+        isFxdTold = isTold;
+    }
 
     void setKeyEvents(const KeyEventsBlock& block) { key = block; }
 
@@ -46,6 +53,7 @@ public:
 
 private:
     FxdParamsBlock fxd;
+    bool isFxdTold = false;
     std::optional<KeyEventsBlock> key;
     SupParamsBlock sup;
 };

@@ -76,7 +76,7 @@ std::shared_ptr<const SorData> sorDataOf(const otdr::sor::File& file, const Trac
     fxd.averages = file.fxd.averages;
     fxd.averagingTime = orElse(otdr::sor::averagingTime_s(file), 0.0);
     fxd.range = state.range_m;
-    sor->setFxdParams(fxd);
+    sor->setFxdParams(fxd, file.hasFxd);
     sor->setSupParams({bytesOf(file.sup.supplier), bytesOf(file.sup.mainframeId),
                        bytesOf(file.sup.mainframeSerial), bytesOf(file.sup.moduleId),
                        bytesOf(file.sup.moduleSerial), bytesOf(file.sup.softwareRevision),
@@ -102,8 +102,10 @@ otdr::Result<TraceState> loadSor(const QString& fileName)
     if (!axis.note.empty()) {
         state.notes << QString::fromStdString(axis.note);
     }
-    // Without a spacing the axis counts samples: one nanosecond each.
-    const double interval_ns = axis.sampleInterval_ns > 0.0 ? axis.sampleInterval_ns : 1.0;
+    // Without a spacing the axis counts samples: one metre each.
+    const double index = otdr::sor::groupIndex(*file);
+    const double interval_ns =
+        axis.sampleInterval_ns > 0.0 ? axis.sampleInterval_ns : 1.0 / otdr::metresPerNs(index);
     state.trace = std::make_shared<const otdr::Trace>(
         file->data.samples, file->data.scaleFactor * otdr::kUsualDbPerCount / 1000.0,
         otdr::TraceAxis {interval_ns, orElse(axis.firstSample_ns, 0.0)});
@@ -111,7 +113,7 @@ otdr::Result<TraceState> loadSor(const QString& fileName)
     state.pulse_ns = orElse(otdr::sor::pulse_ns(*file), 0.0);
     state.backscatter_dB =
         orElse(otdr::sor::backscatter_dB(*file), usualBackscatter_dB(state.wavelength_nm));
-    state.ior = otdr::sor::groupIndex(*file);
+    state.ior = index;
     state.range_m = orElse(otdr::sor::range_m(*file), 0.0);
     state.duration_s =
         static_cast<int>(std::lround(orElse(otdr::sor::averagingTime_s(*file), 0.0)));

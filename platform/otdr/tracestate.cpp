@@ -22,11 +22,17 @@ double TraceState::indexAt(double distance_m) const
     return trace->sampleAt(distance_m, metresPerNs());
 }
 
+bool TraceState::hasDistances() const
+{
+    return !file || otdr::sor::sampleInterval_ns(*file) > 0.0;
+}
+
 double TraceState::endOfFibre_m() const
 {
     // A file tells the end of the fibre from the end of the record; a list of events alone does
-    // not.
-    if (file && processing == Reflectogram::FromFile && std::isnan(otdr::sor::fibreEnd_m(*file))) {
+    // not, nor does a time without the index of the glass.
+    if (file && processing == Reflectogram::FromFile
+        && (!file->hasFxd || std::isnan(otdr::sor::fibreEnd_m(*file)))) {
         return -1.0;
     }
     const auto end = std::find_if(events.begin(), events.end(),

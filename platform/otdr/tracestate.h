@@ -44,6 +44,10 @@ struct TraceState
     /// Fractional index in the record of a distance in metres. Only with a trace.
     [[nodiscard]] double indexAt(double distance_m) const;
 
+    /// Whether it is known how far the samples lie apart. Where it is not, one is taken for a
+    /// metre.
+    [[nodiscard]] bool hasDistances() const;
+
     /// Distance of the end of the fibre, m; negative where it is not known.
     [[nodiscard]] double endOfFibre_m() const;
 };

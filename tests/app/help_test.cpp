@@ -83,6 +83,14 @@ TEST_F(Help, FitsTheInstrumentAndScrollsByKeys)
     EXPECT_EQ(text->verticalScrollBar()->value() > 0, text->verticalScrollBar()->maximum() > 0);
 }
 
+TEST_F(Help, TellsHowAMarkerIsChosenBeforeWhatMovesIt)
+{
+    load();
+    const int choosing = help::page().indexOf("Very short tap on A or B");
+    EXPECT_GE(choosing, 0);
+    EXPECT_LT(choosing, help::page().indexOf("move the chosen marker"));
+}
+
 TEST_F(Help, TellsWhereFilesGo)
 {
     load();

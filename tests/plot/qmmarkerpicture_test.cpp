@@ -1,9 +1,12 @@
 #include "platform/launcher/palettefactory.h"
 #include "tests/plot/markertest.h"
+#include "tests/support/contrast.h"
 
 #include <QImage>
 
+#include <algorithm>
 #include <cstdlib>
+#include <vector>
 
 namespace {
 
@@ -40,6 +43,29 @@ protected:
         return count;
     }
 
+    /// The row in the middle of the letter, from side to side of the knob.
+    [[nodiscard]] std::vector<QColor> letterOn(const QColor& canvas)
+    {
+        QImage image(marker.size(), QImage::Format_RGB32);
+        image.fill(canvas);
+        marker.render(&image, QPoint(), QRegion(), QWidget::RenderFlags());
+        std::vector<QColor> row;
+        for (int x = 9; x <= 19; ++x) {
+            row.push_back(image.pixelColor(x, 274));
+        }
+        return row;
+    }
+
+    /// Of the stroke against what lies beside it.
+    [[nodiscard]] static double bestContrast(const std::vector<QColor>& row)
+    {
+        double best = 0.0;
+        for (const QColor& color : row) {
+            best = std::max(best, testing_support::contrast(color, row.front()));
+        }
+        return best;
+    }
+
     const QColor kKnob {250, 220, 180};
     const QColor line = PaletteFactory::getPalette("GenericWindow").color(QPalette::Button);
 };
@@ -74,6 +100,20 @@ TEST_F(MarkerPicture, CheckedKnobIsLit)
     EXPECT_EQ(picture().pixelColor(14, 274), line);
     marker.setCheckable(false);
     EXPECT_EQ(picture().pixelColor(14, 274), kKnob);
+}
+
+TEST_F(MarkerPicture, SymbolIsReadOnTheLitKnobAsOnThePlainOne)
+{
+    marker.setPalette(PaletteFactory::getPalette("chart"));
+    marker.setSymbol(QChar('I'));
+    for (const bool check : {false, true}) {
+        marker.setChecked(check);
+        // The canvas and the traces on it shine through the light.
+        for (const QColor& behind : {QColor(Qt::white), QColor(Qt::black)}) {
+            EXPECT_GE(bestContrast(letterOn(behind)), 4.5)
+                << check << " on " << behind.name().toStdString();
+        }
+    }
 }
 
 TEST_F(MarkerPicture, KnobHasAnEdgeOfTwoPixels)

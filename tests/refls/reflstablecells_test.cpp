@@ -75,6 +75,15 @@ TEST_F(TraceSet, DateIsThatOfUniversalTimeWhereverOneIs)
     tzset();
 }
 
+TEST_F(TraceSet, WhatAFileDoesNotTellIsNotShownAsIfItDid)
+{
+    SorSketch bare = SorSketch::plain();
+    bare.leftOut = {"FxdParams"};
+    model.addReflFromFile(files.write("bare.sor", bare));
+    EXPECT_EQ(text(0, 1), "-") << "when it was measured";
+    EXPECT_EQ(text(0, 3), "-") << "how long the fibre is";
+}
+
 TEST_F(TraceSet, FibreThatEndsAtTheStartHasADistance)
 {
     Reflectogram refl = files.plain();

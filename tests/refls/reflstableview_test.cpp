@@ -5,9 +5,11 @@
 #include "tests/support/metamethods.h"
 #include "tests/support/tracefiles.h"
 
+#include <QElapsedTimer>
 #include <QHeaderView>
 #include <QHelpEvent>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QStandardItemModel>
 #include <QToolTip>
@@ -68,6 +70,19 @@ protected:
         release(place);
     }
 
+    /// A finger that goes up over the rows and stays down.
+    void drag(QPoint from, int to)
+    {
+        constexpr int kStep = 6;
+        press(from);
+        for (int y = from.y() - kStep; y >= to; y -= kStep) {
+            QTest::mouseMove(view.windowHandle(), inWindow({from.x(), y}));
+            QTest::qWait(5);
+        }
+    }
+
+    int scrolled() const { return view.verticalScrollBar()->value(); }
+
     void doubleTap(QPoint place)
     {
         QTest::mouseDClick(view.windowHandle(), Qt::LeftButton, {}, inWindow(place));
@@ -112,6 +127,11 @@ TEST_F(Table, IsATableToLookAt)
     EXPECT_EQ(view.selectionMode(), QAbstractItemView::NoSelection);
     EXPECT_EQ(view.focusPolicy(), Qt::NoFocus);
     EXPECT_EQ(view.editTriggers(), QAbstractItemView::NoEditTriggers);
+}
+
+TEST_F(Table, LongNamesKeepTheirEnds)
+{
+    EXPECT_EQ(view.textElideMode(), Qt::ElideMiddle);
 }
 
 TEST_F(Table, RowsAreHighEnoughForAFingerAlsoAfterAReset)
@@ -175,6 +195,47 @@ TEST_F(Table, LiftingTheFingerOverAnEntryChoosesNothing)
     QTest::mouseRelease(view.windowHandle(), Qt::LeftButton, {}, onEntry);
     EXPECT_TRUE(menu()->isVisible());
     EXPECT_EQ(model.rowCount(), 2);
+}
+
+TEST_F(Table, IsScrolledByADragWhichOpensNoMenu)
+{
+    view.resize(800, 120); // as high as an instrument has room for
+    load(4);
+    const QPoint start(placeOf(1).x(), view.viewport()->height() - 4);
+    drag(start, 4);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return scrolled() > 0; }));
+    QTest::qWait(kLongTap_ms + 200);
+    EXPECT_FALSE(menu()->isVisible()) << "the finger moved";
+    release({start.x(), 4});
+    EXPECT_FALSE(menu()->isVisible());
+}
+
+TEST_F(Table, ThatCanBeScrolledOpensItsMenuAsSoonAsAnother)
+{
+    view.resize(800, 120);
+    load(4);
+    QElapsedTimer sinceThePress;
+    sinceThePress.start();
+    press(placeOf(1));
+    ASSERT_TRUE(QTest::qWaitFor([this] { return menu()->isVisible(); }));
+    EXPECT_LT(sinceThePress.elapsed(), kLongTap_ms + 150);
+    release(placeOf(1));
+    EXPECT_TRUE(menu()->isVisible());
+    menu()->close();
+    doubleTap(placeOf(0));
+    EXPECT_TRUE(menu()->isVisible());
+}
+
+TEST_F(Table, ScrollsByPixelsAndRestsWhereItIsUnderALongTap)
+{
+    view.resize(800, 120);
+    load(4);
+    view.verticalScrollBar()->setValue(20);
+    EXPECT_EQ(scrolled(), 20);
+    EXPECT_LT(view.visualRect(model.index(0, 1)).top(), 0);
+    longTap(placeOf(1));
+    EXPECT_TRUE(menu()->isVisible());
+    EXPECT_EQ(scrolled(), 20);
 }
 
 TEST_F(Table, DoubleTapOpensTheMenu)

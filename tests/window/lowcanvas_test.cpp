@@ -2,6 +2,7 @@
 
 #include "events/eventstableview.h"
 #include "plot/qmminiplot.h"
+#include "plot/qmplotmarker.h"
 #include "refls/reflstableview.h"
 #include "tests/window/screen.h"
 #include "twomarkers/twomarkersresultwidget.h"
@@ -107,6 +108,25 @@ TEST_F(LowCanvas, ResultsOfAMeasurementAreWholeWithAllPanels)
     events()->hide();
     QCoreApplication::processEvents();
     EXPECT_EQ(QFontInfo(results->font()).pixelSize(), usual) << "the letters stay small";
+}
+
+TEST_F(LowCanvas, MarkersAreTakenWhereTheyStandBehindTheResults)
+{
+    showPanels({bar(), events(), traces()});
+    const auto* results = window->findChild<Waveform::TwoMarkersResultWidget*>();
+    ASSERT_TRUE(results->isVisible());
+    const QPoint middle = results->geometry().center();
+    const QList<QmPlotMarker*> markers = plot()->canvas()->findChildren<QmPlotMarker*>();
+    ASSERT_EQ(markers.size(), 2);
+    for (QmPlotMarker* marker : markers) {
+        marker->centerOn(middle.x());
+        EXPECT_EQ(plot()->canvas()->childAt(middle), marker);
+        marker->centerOn(0.0);
+    }
+    expectButtonsApart();
+    markers.first()->centerOn(place("zoomInButton").center().x());
+    EXPECT_EQ(plot()->canvas()->childAt(place("zoomInButton").center()), button("zoomInButton"))
+        << "a marker covers a button";
 }
 
 TEST_F(LowCanvas, OverviewStandsApartFromResultsAndButtons)

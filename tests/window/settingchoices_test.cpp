@@ -114,6 +114,20 @@ TEST(SettingChoices, RevisionAsTextIsComparedAsText)
     EXPECT_FALSE(startsWithLongestPulse(QString()));
 }
 
+TEST(SettingChoices, ValuesThatAreNotOfferedHaveTheUnitsOfThoseThatAre)
+{
+    const testing_support::InLocale inGermany(QLocale(QLocale::German));
+    EXPECT_EQ(foreignLabel("duration", 20), "20 s");
+    EXPECT_EQ(foreignLabel("pulse", 7), "7 ns");
+    EXPECT_EQ(foreignLabel("pulse", "2500"), QString("2,5 ") + QChar(0xB5) + "s");
+    EXPECT_EQ(foreignLabel("pulse", kLongestPulse_ns), longestPulseLabel());
+    EXPECT_EQ(foreignLabel("distance", 750.0), "0,75 km");
+    EXPECT_EQ(foreignLabel("distance", 75000), "75 km");
+    EXPECT_EQ(foreignLabel("wavelength", 1549.5), "1549,5 nm");
+    EXPECT_EQ(foreignLabel("wavelength", "both"), "both");
+    EXPECT_EQ(foreignLabel("pulse", ""), "");
+}
+
 TEST(SettingChoices, RevisionAsNumberIsRounded)
 {
     EXPECT_TRUE(hasLongestPulse(2.5));

@@ -4,6 +4,7 @@
 #include "platform/launcher/linedlabel.h"
 #include "platform/launcher/zuconfigmodel.h"
 #include "tests/platform/launcher/confighome.h"
+#include "window/settingchoices.h"
 #include "window/settingspanel.h"
 
 #include <QPushButton>
@@ -196,6 +197,32 @@ TEST_F(Settings, StoredValueThatNoEntryHasLeavesTheBox)
     EXPECT_EQ(stored("distance"), QVariant("75000"));
     choose(distance(), "1 km");
     EXPECT_EQ(stored("distance"), QVariant(1000)) << "box and measurement differ";
+}
+
+TEST_F(Settings, ValueThatNoEntryHasIsShownForItIsMeasured)
+{
+    ZuConfig("zuotdr", "MeasParams", "distance").store("75000");
+    ZuConfig("zuotdr", "MeasParams", "wavelength").store("1549.5");
+    ZuConfig::setForThisRun("zuotdr", "MeasParams", "pulse", 7);
+    ZuConfig::setForThisRun("zuotdr", "MeasParams", "duration", 20);
+    build();
+    EXPECT_EQ(distance()->shownText(), "75 km");
+    EXPECT_EQ(wavelength()->shownText(), "1549.5 nm");
+    EXPECT_EQ(pulse()->shownText(), "7 ns");
+    EXPECT_EQ(time()->shownText(), "20 s");
+    choose(pulse(), "5 ns"); // where the box stood all the time
+    EXPECT_EQ(pulse()->shownText(), "5 ns");
+    EXPECT_EQ(stored("pulse"), QVariant(5));
+    offer("distance", 40000);
+    EXPECT_EQ(distance()->shownText(), "40 km");
+}
+
+TEST_F(Settings, LongestPulseOnACardWithoutItIsShownAsItIs)
+{
+    ZuConfig::setForThisRun("zuotdr", "MeasParams", "pulse", 20000);
+    build("2.0");
+    EXPECT_EQ(pulse()->shownText(), Waveform::longestPulseLabel());
+    EXPECT_EQ(pulse()->count(), 8);
 }
 
 TEST_F(Settings, RunDisablesThemAll)

@@ -94,6 +94,76 @@ TEST_F(Box, StaysForAValueThatNoEntryHas)
     EXPECT_TRUE(told.isEmpty());
 }
 
+TEST_F(Box, ShowsAValueThatNoEntryHasAndMarksNone)
+{
+    combo.setCurrentIndexByData(10);
+    const QImage before = combo.grab().toImage();
+    combo.setCurrentIndexByData(11);
+    EXPECT_EQ(combo.shownText(), "11");
+    combo.setWording([](const QVariant& value) { return value.toString() + " ns"; });
+    EXPECT_EQ(combo.shownText(), "11 ns");
+    const QImage foreign = combo.grab().toImage();
+    EXPECT_NE(foreign, before) << "the box looks as if an entry were in force";
+    combo.addItem("11 ns", 12);
+    combo.setCurrentIndexByData(12);
+    EXPECT_EQ(foreign, combo.grab().toImage()) << "it looks as any other value";
+    combo.setCurrentIndexByData(11);
+    combo.showPopup();
+    for (const QPushButton* button : popup()->findChildren<QPushButton*>()) {
+        EXPECT_FALSE(button->isChecked()) << qPrintable(button->text());
+    }
+    EXPECT_NE(popup()->focusWidget(), nullptr) << "keys have nowhere to start";
+}
+
+TEST_F(Box, ShowsItsEntryAgainOnceThatIsInForce)
+{
+    combo.setCurrentIndexByData(11);
+    combo.setCurrentIndexByData(5); // where the selection stayed
+    EXPECT_EQ(combo.shownText(), "5 ns");
+    combo.setCurrentIndexByData(11);
+    combo.setCurrentIndex(1);
+    EXPECT_EQ(combo.shownText(), "10 ns");
+    combo.setCurrentIndexByData(11);
+    combo.setCurrentIndexByData(QVariant()); // nothing is bound
+    EXPECT_EQ(combo.shownText(), "10 ns");
+}
+
+TEST_F(Box, EntryThatWasSelectedAllTheTimeIsToldOnceWhenItIsChosen)
+{
+    combo.setCurrentIndexByData(11);
+    told.clear();
+    choose(0);
+    EXPECT_EQ(combo.shownText(), "5 ns");
+    ASSERT_EQ(told.size(), 1);
+    EXPECT_EQ(told[0].first(), QVariant(5));
+}
+
+TEST_F(Box, EntryOfAListThatWasSelectedAllTheTimeIsToldOnceWhenItIsChosen)
+{
+    for (int i = 0; i < 300; ++i) {
+        combo.addItem(QString::number(i), 1000 + i);
+    }
+    combo.setCurrentIndexByData(11);
+    told.clear();
+    combo.showPopup();
+    ASSERT_TRUE(combo.view()->isVisible());
+    QTest::keyClick(combo.view(), Qt::Key_Return);
+    EXPECT_EQ(combo.shownText(), "5 ns");
+    ASSERT_EQ(told.size(), 1);
+    EXPECT_EQ(told[0].first(), QVariant(5));
+}
+
+TEST_F(Box, EntriesMayComeAndGoWhileItShowsAnotherValue)
+{
+    combo.setCurrentIndexByData(10);
+    combo.setCurrentIndexByData(11);
+    told.clear();
+    combo.removeItem(0);
+    combo.addItem("1 ns", 1);
+    EXPECT_EQ(combo.shownText(), "11");
+    EXPECT_TRUE(told.isEmpty());
+}
+
 TEST_F(Box, TellsValuesAndNotIndices)
 {
     combo.setCurrentIndex(2);

@@ -9,6 +9,8 @@
 #include <QDialog>
 #include <QLineEdit>
 #include <QPainter>
+#include <QStandardItemModel>
+#include <QTableView>
 #include <QToolButton>
 #include <QtTest>
 #include <QVBoxLayout>
@@ -205,6 +207,36 @@ TEST_P(FocusIn, IsShownInAPopUpThatAKeyOpened)
     ASSERT_NE(popup, nullptr);
     EXPECT_FALSE(popup->testAttribute(Qt::WA_KeyboardFocusChange));
     popup->close();
+}
+
+TEST_P(FocusIn, IsShownOnARowToKeysAndNotToAFinger)
+{
+    QStandardItemModel model(4, 2);
+    QTableView rows;
+    rows.setModel(&model);
+    rows.setSelectionBehavior(QAbstractItemView::SelectRows);
+    rows.show();
+    QApplication::setActiveWindow(&rows);
+    const auto picture = [&] { return rows.viewport()->grab().toImage(); };
+    const auto hasFrame = [&] {
+        const QImage with = picture();
+        const QModelIndex current = rows.currentIndex();
+        rows.selectionModel()->setCurrentIndex({}, QItemSelectionModel::NoUpdate);
+        const QImage without = picture();
+        rows.selectionModel()->setCurrentIndex(current, QItemSelectionModel::NoUpdate);
+        return with != without;
+    };
+    const auto tap = [&](int row) {
+        QTest::mouseClick(rows.viewport(), Qt::LeftButton, {},
+                          rows.visualRect(model.index(row, 0)).center());
+    };
+    tap(1);
+    ASSERT_TRUE(rows.hasFocus() && rows.selectionModel()->isRowSelected(1, {}));
+    EXPECT_FALSE(hasFrame()) << "of a cell, where a row is chosen";
+    QTest::keyClick(&rows, Qt::Key_Down);
+    EXPECT_TRUE(hasFrame());
+    tap(0);
+    EXPECT_FALSE(hasFrame());
 }
 
 INSTANTIATE_TEST_SUITE_P(Lights, FocusIn, testing::Values(Light::Day, Light::Night));

@@ -80,8 +80,8 @@ TEST_P(Lights, KeepTheMarkedTableRowReadable)
 {
     const QColor row = palette("GenericWindow").color(QPalette::Button);
     EXPECT_GE(contrast(Qt::white, row), 4.5) << "its text is white";
-    EXPECT_GE(contrast(palette("chart").color(QPalette::WindowText), row), 3.0)
-        << "a marker's letter on its colour";
+    EXPECT_GE(contrast(palette("GenericWindow").color(QPalette::ButtonText), row), 4.5)
+        << "a checked marker's letter on its colour";
     EXPECT_GE(contrast(palette("chart").color(QPalette::Window), row), 3.0)
         << "a marker's line on the chart";
 }

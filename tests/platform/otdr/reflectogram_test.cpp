@@ -61,6 +61,21 @@ TEST(Reflectogram, TwoEmptyHandlesAreEqualAndTwoLoadsOfOneFileAreNot)
     EXPECT_NE(one, Reflectogram());
 }
 
+TEST(Reflectogram, CountsSamplesAsMetresWhereDistancesAreNotKnown)
+{
+    const TraceFiles files;
+    SorSketch sketch = SorSketch::plain();
+    EXPECT_TRUE(Reflectogram(files.write("known.sor", sketch)).hasDistances());
+    sketch.leftOut = {"FxdParams"};
+    const Reflectogram refl(files.write("unknown.sor", sketch));
+    ASSERT_TRUE(refl.isValid()) << qPrintable(refl.error());
+    EXPECT_FALSE(refl.hasDistances());
+    EXPECT_NEAR(refl.smpl2dist(1.0), 1.0, 1e-12);
+    EXPECT_NEAR(refl.maxdist(), 3999.0, 1e-9);
+    EXPECT_LT(refl.endOfFiber(), 0.0) << "the time of its last event is no distance";
+    EXPECT_TRUE(Reflectogram().hasDistances());
+}
+
 TEST(Reflectogram, TellsWhatTheFileSays)
 {
     const TraceFiles files;
