@@ -33,6 +33,9 @@ constexpr double kSteeper = 3.0;
 constexpr double kEvenPulses = 5.0;
 constexpr double kEven_dB = 0.03;
 
+/// The fibre before a fall is taken from so many pulses at most.
+constexpr double kBeforePulses = 20.0;
+
 /// Behind a peak, a stretch that falls by less than this is fibre with the last of a tail.
 constexpr double kSteepFall_dB = 0.2;
 
@@ -106,6 +109,14 @@ bool FibreBehind::follows(double fibreFrom, double from, double to, double thres
         && std::abs(behind->bend_dB) < kChance * behind->bendError_dB;
 }
 
+std::optional<double> FibreBehind::seenFrom(double fibreFrom, double from, double to,
+                                            double threshold_dB) const
+{
+    const auto plain = plainlyFrom(fibreFrom, from, to);
+    return plain ? plain
+                 : evenFrom(std::max(fibreFrom, from - kBeforePulses * w), from, to, threshold_dB);
+}
+
 std::optional<double> FibreBehind::plainlyFrom(double fibreFrom, double from, double to) const
 {
     auto before = trace.fit(fibreFrom, from);
@@ -119,6 +130,28 @@ std::optional<double> FibreBehind::plainlyFrom(double fibreFrom, double from, do
             if (isPlain(begin, begin + length, before)) {
                 return begin;
             }
+        }
+    }
+    return std::nullopt;
+}
+
+/// Light that stays even for some pulses, however close events stand there: a tail comes down
+/// further.
+std::optional<double> FibreBehind::evenFrom(double fibreFrom, double from, double to,
+                                            double threshold_dB) const
+{
+    const double least = std::max(levelBefore_dB(fibreFrom, from) - threshold_dB,
+                                  trace.noise().rms_dB() + kPlainAboveNoise_dB);
+    const double furthest = std::min(to + kFurthestPulses * w, lastLit - shortest);
+    const double step = std::max(1.0, 0.5 * w);
+    for (double at = to + 2.0 * w; at < furthest; at += step) {
+        const double level = trace.mean_dB(at, at + w);
+        const double behind = trace.mean_dB(at + kEvenPulses * w, at + (kEvenPulses + 1.0) * w);
+        const double error_dB =
+            trace.noise().sigma_dB(at) * std::sqrt(2.0 * trace.noise().correlation() / w);
+        const double lost = level - behind + usualSlope_dB * kEvenPulses * w;
+        if (behind > least && error_dB < kEven_dB && std::abs(lost) < kEven_dB) {
+            return at;
         }
     }
     return std::nullopt;
@@ -148,26 +181,6 @@ double FibreBehind::untilChange(double from, double to, double threshold_dB) con
         }
     }
     return to;
-}
-
-std::optional<double> FibreBehind::evenFrom(double fibreFrom, double from, double to,
-                                            double threshold_dB) const
-{
-    const double least = std::max(levelBefore_dB(fibreFrom, from) - threshold_dB,
-                                  trace.noise().rms_dB() + kPlainAboveNoise_dB);
-    const double furthest = std::min(to + kFurthestPulses * w, lastLit - shortest);
-    const double step = std::max(1.0, 0.5 * w);
-    for (double at = to + 2.0 * w; at < furthest; at += step) {
-        const double level = trace.mean_dB(at, at + w);
-        const double behind = trace.mean_dB(at + kEvenPulses * w, at + (kEvenPulses + 1.0) * w);
-        const double error_dB =
-            trace.noise().sigma_dB(at) * std::sqrt(2.0 * trace.noise().correlation() / w);
-        const double lost = level - behind + usualSlope_dB * kEvenPulses * w;
-        if (behind > least && error_dB < kEven_dB && std::abs(lost) < kEven_dB) {
-            return at;
-        }
-    }
-    return std::nullopt;
 }
 
 /// So many samples of light show whether it is that of fibre. In weak light the last of a

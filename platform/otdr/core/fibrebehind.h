@@ -27,17 +27,16 @@ public:
     /// before it begins.
     [[nodiscard]] bool follows(double fibreFrom, double from, double to, double threshold_dB) const;
 
-    /// Where fibre shows plainly behind a fall, beyond the tail and the events that follow it at
-    /// once: a line that falls as the fibre before does, where that is known, and stays straight.
-    [[nodiscard]] std::optional<double> plainlyFrom(double fibreFrom, double from, double to) const;
-
-    /// Where light stays even for some pulses behind a fall, no weaker than the fibre before but
-    /// for less than threshold_dB: fibre, however close events stand there. A tail comes down
-    /// further.
-    [[nodiscard]] std::optional<double> evenFrom(double fibreFrom, double from, double to,
+    /// Where fibre shows behind a fall, beyond the tail and the events that follow it at once:
+    /// plainly, as a line that falls as the fibre before does, where that is known, and stays
+    /// straight; or even, if no weaker than that fibre but for less than threshold_dB.
+    [[nodiscard]] std::optional<double> seenFrom(double fibreFrom, double from, double to,
                                                  double threshold_dB) const;
 
 private:
+    [[nodiscard]] std::optional<double> plainlyFrom(double fibreFrom, double from, double to) const;
+    [[nodiscard]] std::optional<double> evenFrom(double fibreFrom, double from, double to,
+                                                 double threshold_dB) const;
     [[nodiscard]] double levelBefore_dB(double fibreFrom, double index) const;
     [[nodiscard]] double tellingLength(double start, double threshold_dB) const;
     [[nodiscard]] double untilChange(double from, double to, double threshold_dB) const;

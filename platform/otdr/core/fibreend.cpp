@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 #include <optional>
 
 namespace otdr {
@@ -88,8 +89,9 @@ public:
         usualSlope_dB = trace.usualSlope_dB(extent.first, extent.lastLit);
         const FibreBehind behindIt(trace, extent.lastLit, usualSlope_dB);
         const double step = std::max(1.0, std::floor(w / 2.0));
+        const double last = extent.lastLit + visibleLength();
         double fibreBegins = extent.first;
-        for (double at = extent.first + w; at < extent.lastLit + w; at += step) {
+        for (double at = extent.first + w; at < last; at += step) {
             const double change = changeAt(at);
             if (!(std::abs(change) > threshold_dB) || !isLit(at)) {
                 continue;
@@ -105,17 +107,13 @@ public:
                 continue;
             }
             at = top;
-            for (; at < extent.lastLit + w && falls(at); at += step) { }
+            for (; at < last && falls(at); at += step) { }
             const double fibreFrom = std::max(fibreBegins, from - 20.0 * w);
             if (trace.mean_dB(at, at + w) > trace.mean_dB(from - w, from) + threshold_dB
                 || isLaunch(at, extent) || behindIt.follows(fibreFrom, from, at, threshold_dB)) {
                 continue;
             }
-            auto seen = behindIt.plainlyFrom(fibreBegins, from, at);
-            if (!seen) {
-                seen = behindIt.evenFrom(fibreFrom, from, at, threshold_dB);
-            }
-            if (seen) {
+            if (const auto seen = behindIt.seenFrom(fibreBegins, from, at, threshold_dB)) {
                 at = std::max(at, *seen);
                 continue;
             }
@@ -126,9 +124,10 @@ public:
             }
             extent.end = foot(from, at, fibreFrom);
             extent.kind = FibreExtent::End::Found;
-            extent.first = std::min(extent.first, extent.end);
             break;
         }
+        refuseTail(extent);
+        extent.first = std::min(extent.first, extent.end);
         return extent;
     }
 
@@ -138,10 +137,7 @@ private:
     {
         const double launch = trace.launch();
         const double last = launch + kLongestOverloadPulses * w;
-        double top = 0.0;
-        for (double i = launch; i < launch + trace.gap(); i += 1.0) {
-            top = std::max(top, trace.mean_dB(i, i + 1.0));
-        }
+        const double top = highestOf(launch, launch + trace.gap());
         double fallen = launch;
         while (fallen < last && trace.mean_dB(fallen, fallen + 1.0) < top) {
             fallen += 1.0;
@@ -211,6 +207,49 @@ private:
         return at;
     }
 
+    /// Takes an end behind nothing but the tail of the launch back to the port.
+    void refuseTail(FibreExtent& extent) const
+    {
+        const double longest = kLongestLaunchPulses * w;
+        if (extent.end < std::min(extent.launch + longest, trace.size() - 1.0)
+            && !hasFibre(extent.launch, extent.end)) {
+            extent.end = extent.launch;
+            extent.kind = FibreExtent::End::Found;
+        }
+    }
+
+    /// Whether any light behind the top of the launch is level: what falls all the way is the tail
+    /// of the port's reflection, with no fibre connected.
+    [[nodiscard]] bool hasFibre(double launch, double end) const
+    {
+        const double top = highestOf(launch, launch + trace.gap());
+        double from = launch;
+        while (from < end && trace.mean_dB(from, from + 1.0) < top) {
+            from += 1.0;
+        }
+        while (from < end && trace.mean_dB(from, from + 1.0) > top - kLaunchFall_dB) {
+            from += 1.0;
+        }
+        const double length = 2.0 * shortest();
+        const double highest = std::numeric_limits<double>::infinity();
+        for (double at = from; at + length < end; at += std::max(1.0, 0.25 * w)) {
+            if (isLevel(at, at + length, 0.0, highest)) {
+                return true;
+            }
+        }
+        const bool isHeld = from > launch + kLongestOverloadPulses * w;
+        return isHeld || end - from < w + shortest(); // too little of a tail
+    }
+
+    [[nodiscard]] double highestOf(double from, double to) const
+    {
+        double top = 0.0;
+        for (double i = from; i < to; i += 1.0) {
+            top = std::max(top, trace.mean_dB(i, i + 1.0));
+        }
+        return top;
+    }
+
     /// Shortest piece of fibre that can be known as such.
     [[nodiscard]] double shortest() const { return std::max(kFewestShort, kShortPulses * w); }
 
@@ -227,10 +266,8 @@ private:
     /// change. Behind a high peak that may be a tail with an echo.
     [[nodiscard]] std::optional<double> dropBehind(double from, double top, double before_dB) const
     {
-        for (double i = from; i <= top; i += 1.0) {
-            if (trace.mean_dB(i, i + 1.0) > before_dB + kHighPeak_dB) {
-                return std::nullopt;
-            }
+        if (highestOf(from, top + 1.0) > before_dB + kHighPeak_dB) {
+            return std::nullopt;
         }
         const double begin = fallenFrom(steepest(from));
         const auto end = changeBehind(begin + shortest());
@@ -266,10 +303,16 @@ private:
         return std::nullopt;
     }
 
+    /// Samples of which the median tells whether there is light.
+    [[nodiscard]] double visibleLength() const
+    {
+        return std::max({32.0, std::ceil(w), std::floor(trace.size() / 8192.0)});
+    }
+
     /// The last stretch whose median stands above the noise, of those that follow each other.
     [[nodiscard]] double lastVisible(double from) const
     {
-        const double length = std::max({32.0, std::ceil(w), std::floor(trace.size() / 8192.0)});
+        const double length = visibleLength();
         const double least = trace.noise().rms_dB();
         const std::size_t stride = std::max<std::size_t>(1, static_cast<std::size_t>(length / 32));
         double last = from;

@@ -41,19 +41,13 @@ DrawnFibre splitFibre(Behind behind, std::uint64_t seed = 1)
 std::optional<double> seenIn(const DrawnFibre& fibre)
 {
     const otdr::FibreBehind behind(*fibre, kEnd, -kSlope_dB);
-    return behind.plainlyFrom(100.0, kFall - 10.0, kFall + kPulse);
+    return behind.seenFrom(100.0, kFall - 10.0, kFall + kPulse, 3.0);
 }
 
 bool followsIn(const DrawnFibre& fibre)
 {
     const otdr::FibreBehind behind(*fibre, kEnd, -kSlope_dB);
     return behind.follows(kFall - 400.0, kFall - 10.0, kFall + kPulse, 3.0);
-}
-
-bool isEvenIn(const DrawnFibre& fibre)
-{
-    const otdr::FibreBehind behind(*fibre, kEnd, -kSlope_dB);
-    return behind.evenFrom(kFall - 400.0, kFall - 10.0, kFall + kPulse, 3.0).has_value();
 }
 
 double sum_dB(double a_dB, double b_dB)
@@ -144,7 +138,7 @@ bool isSeenWith(double dbPerKm, double fibreFrom = 100.0, double lastLit = kEnd,
         },
         sigma_dB);
     const otdr::FibreBehind behind(*fibre, lastLit, -kSlope_dB);
-    return behind.plainlyFrom(fibreFrom, kFall - 10.0, kFall + kPulse).has_value();
+    return behind.seenFrom(fibreFrom, kFall - 10.0, kFall + kPulse, 3.0).has_value();
 }
 
 /// Hardly steeper than the fibre before, by 0.3 of its slope and 0.05 dB/km, and no flatter than
@@ -257,8 +251,7 @@ TEST(FibreBehind, IsSeenWhereLightStaysEvenBetweenCloseEvents)
     };
     for (const std::uint64_t seed : {1, 2, 3}) {
         const DrawnFibre fibre = splitFibre(crowded, seed);
-        EXPECT_FALSE(seenIn(fibre)) << seed;
-        EXPECT_TRUE(isEvenIn(fibre)) << seed;
+        EXPECT_TRUE(seenIn(fibre)) << seed;
     }
 }
 
@@ -269,10 +262,8 @@ TEST(FibreBehind, IsNotEvenInATail)
         const auto tail = [=](double behind, double /*level_dB*/) {
             return 36.0 + 5.0 * exponent * (1.5 - std::log10(1.0 + behind / kPulse));
         };
-        EXPECT_FALSE(isEvenIn(splitFibre(tail))) << exponent;
+        EXPECT_FALSE(seenIn(splitFibre(tail))) << exponent;
     }
-    const auto lower = [](double /*behind*/, double level_dB) { return level_dB; };
-    EXPECT_FALSE(isEvenIn(splitFibre(lower))); // a loss of 10 dB is more than an event's
 }
 
 TEST(FibreBehind, IsNotSeenPlainlyWhereTheScaleIsUnknown)

@@ -131,6 +131,36 @@ TEST(FibreEnd, StandsBehindALowReflectionCloseBeforeIt)
     EXPECT_NEAR(extent.end, builder.indexOf(8_km), 2.0);
 }
 
+/// Nothing is connected: behind the port's reflection, which overloads the receiver, its tail.
+TEST(FibreEnd, WithoutAFibreIsAtThePort)
+{
+    std::vector<std::uint16_t> light(3000);
+    for (std::size_t i = 0; i < light.size(); ++i) {
+        const double level_dB = i < 15 ? 45.0 : 25.0 - 0.15 * (static_cast<double>(i) - 15.0);
+        light[i] = static_cast<std::uint16_t>(65535.0 - 1000.0 * std::max(0.0, level_dB));
+    }
+    const TraceBuilder pulse; // of ten samples
+    const auto extent = extentOf(pulse, withNoise(light, 8.0, 5));
+    EXPECT_EQ(extent.kind, End::Found);
+    EXPECT_NEAR(extent.end, 0.0, 10.0);
+}
+
+/// Light is looked at in stretches; behind the last whole one there may be fibre still.
+TEST(FibreEnd, OfAPulseOfOneSampleIsFound)
+{
+    for (const double length_m : {1000.0, 1010.0, 1020.0, 1029.0}) {
+        const TraceBuilder builder = TraceBuilder()
+                                         .pulse(10.0)
+                                         .fibre(Length {length_m})
+                                         .behind(600)
+                                         .noise(0.01_dB, 11)
+                                         .noiseFloor(8_dB);
+        const auto extent = extentOf(builder);
+        EXPECT_EQ(extent.kind, End::Found) << length_m;
+        EXPECT_NEAR(extent.end, builder.indexOf(Length {length_m}), 2.0) << length_m;
+    }
+}
+
 /// The round top of a reflection of 15 samples is straight for some samples; the fibre before it is
 /// what it rises from, whatever pulse is told.
 TEST(FibreEnd, StandsBeforeARoundReflectionThatIsWiderThanThePulseTold)
