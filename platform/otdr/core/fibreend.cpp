@@ -3,12 +3,12 @@
 #include "platform/otdr/core/fibrebehind.h"
 #include "platform/otdr/core/peakgroup.h"
 #include "platform/otdr/core/scatter.h"
+#include "platform/otdr/core/shortfibre.h"
 #include "platform/otdr/core/trace.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <limits>
 #include <optional>
 
 namespace otdr {
@@ -32,25 +32,11 @@ constexpr double kLaunchTail_dB = 0.01;
 /// A receiver that was overloaded comes down within so many pulses.
 constexpr double kLongestPeakPulses = 12.0;
 
-/// A sudden change is looked for within so many pulses behind a short piece of fibre.
-constexpr double kChangePulses = 10.0;
-
-/// A short piece of fibre, a patch cord say, is known by half a pulse of it, and no fewer samples:
-/// it falls or rises by no more within a pulse than this or, where noise hides that, the larger
-/// limit, and stands no higher than the fibre before it but for the last of a tail.
-constexpr double kShortPulses = 0.5;
+/// Fewer samples tell no line.
 constexpr double kFewestShort = 5.0;
+
+/// Within a pulse fibre falls by what it usually does but for so much.
 constexpr double kLevel_dB = 0.1;
-constexpr double kNoisyLevel_dB = 0.5;
-constexpr double kTail_dB = 0.3;
-
-/// The last of a drop's fibre are so many pulses; what stands this much above the fibre before it
-/// leaves a tail.
-constexpr double kDropPulses = 3.0;
-constexpr double kHighPeak_dB = 10.0;
-
-/// A receiver that was not overloaded has come down within so many pulses.
-constexpr double kShortTailPulses = 3.0;
 
 /// Neighbours that pass the same receiver are alike; samples so many pulses apart, hardly.
 constexpr double kApartPulses = 0.1;
@@ -88,20 +74,21 @@ public:
         extent.end = extent.lastLit;
         usualSlope_dB = trace.usualSlope_dB(extent.first, extent.lastLit);
         const FibreBehind behindIt(trace, extent.lastLit, usualSlope_dB);
+        const ShortFibre piece(trace, threshold_dB, usualSlope_dB);
         const double step = std::max(1.0, std::floor(w / 2.0));
         const double last = extent.lastLit + visibleLength();
         double fibreBegins = extent.first;
         for (double at = extent.first + w; at < last; at += step) {
-            const double change = changeAt(at);
+            const double change = changeAt_dB(trace, at, usualSlope_dB);
             if (!(std::abs(change) > threshold_dB) || !isLit(at)) {
                 continue;
             }
             // What falls or rises here does so not before the windows that it was seen with.
             const double from = at + 0.5 * w;
             const double top = behindPeak(at);
-            const double behind = fallenFrom(top);
+            const double behind = piece.fallenFrom(top);
             const double before = trace.mean_dB(from - w, from);
-            if (top > at && isPatchCord(behind, before)) {
+            if (top > at && piece.isPatchCord(behind, before)) {
                 fibreBegins = behind;
                 at = std::max(behind, from);
                 continue;
@@ -117,7 +104,7 @@ public:
                 at = std::max(at, *seen);
                 continue;
             }
-            if (const auto drop = dropBehind(from, top, before)) {
+            if (const auto drop = piece.dropBehind(from, top, before)) {
                 fibreBegins = *drop;
                 at = std::max(*drop, from);
                 continue;
@@ -126,7 +113,7 @@ public:
             extent.kind = FibreExtent::End::Found;
             break;
         }
-        refuseTail(extent);
+        refuseTail(extent, piece);
         extent.first = std::min(extent.first, extent.end);
         return extent;
     }
@@ -137,7 +124,7 @@ private:
     {
         const double launch = trace.launch();
         const double last = launch + kLongestOverloadPulses * w;
-        const double top = highestOf(launch, launch + trace.gap());
+        const double top = highest_dB(trace, launch, launch + trace.gap());
         double fallen = launch;
         while (fallen < last && trace.mean_dB(fallen, fallen + 1.0) < top) {
             fallen += 1.0;
@@ -179,40 +166,12 @@ private:
         return last;
     }
 
-    /// The first index behind the top of a peak where light falls by less than kLevel_dB within
-    /// half a pulse.
-    [[nodiscard]] double fallenFrom(double top) const
-    {
-        const double half = std::max(1.0, std::floor(0.5 * w));
-        double i = top;
-        while (i < top + kShortTailPulses * w
-               && trace.mean_dB(i, i + half) - trace.mean_dB(i + half, i + 2.0 * half)
-                   > kLevel_dB) {
-            i += 1.0;
-        }
-        return i + half;
-    }
-
-    /// Where the light falls most within some pulses.
-    [[nodiscard]] double steepest(double from) const
-    {
-        const double half = std::max(1.0, std::floor(0.5 * w));
-        double at = from;
-        double most = 0.0;
-        for (double i = from; i < from + (kFallPulses + 1.0) * w; i += 1.0) {
-            const double fall = trace.mean_dB(i - half, i) - trace.mean_dB(i, i + half);
-            at = fall > most ? i : at;
-            most = std::max(most, fall);
-        }
-        return at;
-    }
-
     /// Takes an end behind nothing but the tail of the launch back to the port.
-    void refuseTail(FibreExtent& extent) const
+    void refuseTail(FibreExtent& extent, const ShortFibre& piece) const
     {
         const double longest = kLongestLaunchPulses * w;
         if (extent.end < std::min(extent.launch + longest, trace.size() - 1.0)
-            && !hasFibre(extent.launch, extent.end)) {
+            && !hasFibre(extent.launch, extent.end, piece)) {
             extent.end = extent.launch;
             extent.kind = FibreExtent::End::Found;
         }
@@ -220,9 +179,9 @@ private:
 
     /// Whether any light behind the top of the launch is level: what falls all the way is the tail
     /// of the port's reflection, with no fibre connected.
-    [[nodiscard]] bool hasFibre(double launch, double end) const
+    [[nodiscard]] bool hasFibre(double launch, double end, const ShortFibre& piece) const
     {
-        const double top = highestOf(launch, launch + trace.gap());
+        const double top = highest_dB(trace, launch, launch + trace.gap());
         double from = launch;
         while (from < end && trace.mean_dB(from, from + 1.0) < top) {
             from += 1.0;
@@ -230,77 +189,11 @@ private:
         while (from < end && trace.mean_dB(from, from + 1.0) > top - kLaunchFall_dB) {
             from += 1.0;
         }
-        const double length = 2.0 * shortest();
-        const double highest = std::numeric_limits<double>::infinity();
-        for (double at = from; at + length < end; at += std::max(1.0, 0.25 * w)) {
-            if (isLevel(at, at + length, 0.0, highest)) {
-                return true;
-            }
+        if (piece.isSeenBetween(from, end)) {
+            return true;
         }
         const bool isHeld = from > launch + kLongestOverloadPulses * w;
-        return isHeld || end - from < w + shortest(); // too little of a tail
-    }
-
-    [[nodiscard]] double highestOf(double from, double to) const
-    {
-        double top = 0.0;
-        for (double i = from; i < to; i += 1.0) {
-            top = std::max(top, trace.mean_dB(i, i + 1.0));
-        }
-        return top;
-    }
-
-    /// Shortest piece of fibre that can be known as such.
-    [[nodiscard]] double shortest() const { return std::max(kFewestShort, kShortPulses * w); }
-
-    /// Whether a piece of fibre begins between a peak and the next sudden change: level, and no
-    /// lower than the fibre before the peak but for the loss of an event.
-    [[nodiscard]] bool isPatchCord(double begin, double before_dB) const
-    {
-        const double end = begin + shortest();
-        return isLevel(begin, end, before_dB - threshold_dB, before_dB + kTail_dB)
-            && changeBehind(end);
-    }
-
-    /// Where the fibre behind a splitter begins that ends within some pulses: level up to a sudden
-    /// change. Behind a high peak that may be a tail with an echo.
-    [[nodiscard]] std::optional<double> dropBehind(double from, double top, double before_dB) const
-    {
-        if (highestOf(from, top + 1.0) > before_dB + kHighPeak_dB) {
-            return std::nullopt;
-        }
-        const double begin = fallenFrom(steepest(from));
-        const auto end = changeBehind(begin + shortest());
-        if (!end) {
-            return std::nullopt;
-        }
-        const double piece = std::max(begin, *end - kDropPulses * w);
-        return isLevel(piece, *end, 0.0, before_dB) ? std::optional(begin) : std::nullopt;
-    }
-
-    /// Whether light is level between two indices, plainly above the noise and between two levels.
-    [[nodiscard]] bool isLevel(double from, double to, double least_dB, double most_dB) const
-    {
-        const auto line = trace.fit(from, to);
-        if (!line || static_cast<double>(line->line.samples) < kFewestShort) {
-            return false;
-        }
-        const double level = line->at(from);
-        const double chance_dB = std::min(kChance * line->slopeError_dB * w, kNoisyLevel_dB);
-        return std::abs(line->line.slope_dB) * w < std::max(kLevel_dB, chance_dB) && level < most_dB
-            && level > least_dB && level > trace.noise().rms_dB() + kPlainAboveNoise_dB;
-    }
-
-    /// The first index within some pulses behind which the light changes suddenly.
-    [[nodiscard]] std::optional<double> changeBehind(double from) const
-    {
-        const double step = std::max(1.0, std::floor(w / 2.0));
-        for (double at = from; at < std::min(from + kChangePulses * w, trace.size()); at += step) {
-            if (std::abs(changeAt(at)) > threshold_dB) {
-                return at;
-            }
-        }
-        return std::nullopt;
+        return isHeld || end - from < w + piece.shortest(); // too little of a tail
     }
 
     /// Samples of which the median tells whether there is light.
@@ -332,15 +225,6 @@ private:
         return last + 2.0 * length > trace.size() ? trace.size() - 1.0 : last;
     }
 
-    /// By how much the level falls across the two pulses behind an index, beyond what fibre loses
-    /// on the way, dB.
-    [[nodiscard]] double changeAt(double at) const
-    {
-        return trace.mean_dB(at - w, at)
-            - trace.mean_dB(at + kFallPulses * w, at + (kFallPulses + 1.0) * w)
-            + usualSlope_dB * (kFallPulses + 1.0) * w;
-    }
-
     /// Whether there is more than noise before an index, or behind it.
     [[nodiscard]] bool isLit(double at) const
     {
@@ -349,7 +233,10 @@ private:
             || trace.mean_dB(at + kFallPulses * w, at + (kFallPulses + 1.0) * w) > least;
     }
 
-    [[nodiscard]] bool falls(double at) const { return changeAt(at) > threshold_dB && isLit(at); }
+    [[nodiscard]] bool falls(double at) const
+    {
+        return changeAt_dB(trace, at, usualSlope_dB) > threshold_dB && isLit(at);
+    }
 
     /// Standard deviation of a sample before an index, dB.
     [[nodiscard]] double scatterBefore_dB(double index, double length) const

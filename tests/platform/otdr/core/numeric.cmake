@@ -29,6 +29,7 @@ waveform_test(otdr_core_numeric_test
         reflectance_test.cpp
         returnloss_test.cpp
         scatter_test.cpp
+        shortfibre_test.cpp
         snapshot_test.cpp
         splitter_test.cpp
         storedthresholds_test.cpp

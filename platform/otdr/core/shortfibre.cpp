@@ -1,0 +1,155 @@
+#include "platform/otdr/core/shortfibre.h"
+
+#include "platform/otdr/core/fibrebehind.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace otdr {
+
+namespace {
+
+/// A sudden change is looked for within so many pulses behind a short piece of fibre.
+constexpr double kChangePulses = 10.0;
+
+/// A short piece is known by half a pulse of it, and no fewer samples: it falls or rises by no more
+/// within a pulse than this or, where noise hides that, the larger limit, and a patch cord stands
+/// no higher than the fibre before it but for the last of a tail.
+constexpr double kShortPulses = 0.5;
+constexpr double kFewestShort = 5.0;
+constexpr double kLevel_dB = 0.1;
+constexpr double kNoisyLevel_dB = 0.5;
+constexpr double kTail_dB = 0.3;
+
+/// A line tells its slope within this many standard errors.
+constexpr double kChance = 5.0;
+
+/// The last of a drop's fibre are so many pulses; what stands this much above the fibre before it
+/// leaves a tail.
+constexpr double kDropPulses = 3.0;
+constexpr double kHighPeak_dB = 10.0;
+
+/// A receiver that was not overloaded has come down within so many pulses.
+constexpr double kShortTailPulses = 3.0;
+
+} // namespace
+
+double changeAt_dB(const FibreTrace& trace, double at, double slope_dB)
+{
+    const double w = trace.scale().pulse;
+    return trace.mean_dB(at - w, at)
+        - trace.mean_dB(at + kFallPulses * w, at + (kFallPulses + 1.0) * w)
+        + slope_dB * (kFallPulses + 1.0) * w;
+}
+
+double highest_dB(const FibreTrace& trace, double from, double to)
+{
+    double top = 0.0;
+    for (double i = from; i < to; i += 1.0) {
+        top = std::max(top, trace.mean_dB(i, i + 1.0));
+    }
+    return top;
+}
+
+ShortFibre::ShortFibre(const FibreTrace& trace, double threshold_dB, double usualSlope_dB)
+    : trace(trace)
+    , w(trace.scale().pulse)
+    , threshold_dB(threshold_dB)
+    , usualSlope_dB(usualSlope_dB)
+{
+}
+
+double ShortFibre::shortest() const
+{
+    return std::max(kFewestShort, kShortPulses * w);
+}
+
+double ShortFibre::fallenFrom(double top) const
+{
+    const double half = std::max(1.0, std::floor(0.5 * w));
+    double i = top;
+    while (i < top + kShortTailPulses * w
+           && trace.mean_dB(i, i + half) - trace.mean_dB(i + half, i + 2.0 * half) > kLevel_dB) {
+        i += 1.0;
+    }
+    return i + half;
+}
+
+/// Where the light falls most within some pulses.
+double ShortFibre::steepest(double from) const
+{
+    const double half = std::max(1.0, std::floor(0.5 * w));
+    double at = from;
+    double most = 0.0;
+    for (double i = from; i < from + (kFallPulses + 1.0) * w; i += 1.0) {
+        const double fall = trace.mean_dB(i - half, i) - trace.mean_dB(i, i + half);
+        at = fall > most ? i : at;
+        most = std::max(most, fall);
+    }
+    return at;
+}
+
+bool ShortFibre::isPatchCord(double begin, double before_dB) const
+{
+    const double end = begin + shortest();
+    return isLevel(begin, end, before_dB - threshold_dB, before_dB + kTail_dB)
+        && changeBehind(begin);
+}
+
+std::optional<double> ShortFibre::dropBehind(double from, double top, double before_dB) const
+{
+    if (highest_dB(trace, from, top + 1.0) > before_dB + kHighPeak_dB) {
+        return std::nullopt;
+    }
+    const double begin = fallenFrom(steepest(from));
+    const auto end = changeBehind(begin);
+    if (!end) {
+        return std::nullopt;
+    }
+    const double piece = std::max(begin, *end - kDropPulses * w);
+    return isLevel(piece, *end, 0.0, before_dB) ? std::optional(begin) : std::nullopt;
+}
+
+bool ShortFibre::isSeenBetween(double from, double to) const
+{
+    const double length = 2.0 * shortest();
+    const double highest = std::numeric_limits<double>::infinity();
+    for (double at = from; at + length < to; at += std::max(1.0, 0.25 * w)) {
+        if (isLevel(at, at + length, 0.0, highest)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+/// Whether light is level between two indices, plainly above the noise and between two levels.
+bool ShortFibre::isLevel(double from, double to, double least_dB, double most_dB) const
+{
+    const auto line = trace.fit(from, to);
+    if (!line || static_cast<double>(line->line.samples) < kFewestShort) {
+        return false;
+    }
+    const double level = line->at(from);
+    const double chance_dB = std::min(kChance * line->slopeError_dB * w, kNoisyLevel_dB);
+    return std::abs(line->line.slope_dB) * w < std::max(kLevel_dB, chance_dB) && level < most_dB
+        && level > least_dB && level > trace.noise().rms_dB() + kPlainAboveNoise_dB;
+}
+
+/// The first index within some pulses behind which the light changes suddenly; what lies in front
+/// of `from` does not count.
+std::optional<double> ShortFibre::changeBehind(double from) const
+{
+    const double step = std::max(1.0, std::floor(w / 2.0));
+    const double last = std::min(from + shortest() + kChangePulses * w, trace.size());
+    for (double at = from + shortest(); at < last; at += step) {
+        const double before = trace.mean_dB(std::max(from, at - w), at);
+        const double behind = trace.mean_dB(at + kFallPulses * w, at + (kFallPulses + 1.0) * w);
+        if (std::abs(before - behind + usualSlope_dB * (kFallPulses + 1.0) * w) > threshold_dB) {
+            return at;
+        }
+    }
+    return std::nullopt;
+}
+
+} // namespace otdr
