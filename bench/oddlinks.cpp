@@ -382,9 +382,9 @@ OddLink allDrops(Random& random)
 {
     constexpr int kDrops = 8;
     const double feeder_m = draw(random, 1000.0, 10000.0);
-    std::vector<double> ends_m;
-    for (int i = 0; i < kDrops; ++i) {
-        ends_m.push_back(feeder_m + drawLog(random, 10.0, 300.0));
+    std::vector<double> ends_m(kDrops);
+    for (double& end_m : ends_m) {
+        end_m = feeder_m + drawLog(random, 10.0, 300.0);
     }
     std::sort(ends_m.begin(), ends_m.end());
     OddLink link = plain(random, happens(random, 0.5) ? 10.0 : 30.0, 22.0, ends_m.back());

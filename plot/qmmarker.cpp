@@ -233,7 +233,7 @@ void QmMarker::hideEvent(QHideEvent* event)
 void QmMarker::paintEvent(QPaintEvent* /*event*/)
 {
     const QPalette colors = PaletteFactory::getPalette("GenericWindow");
-    const QColor color = colors.color(QPalette::Button);
+    const QColor& color = colors.color(QPalette::Button);
     QPainter painter(this);
     paintLine(painter, color);
     paintKnob(painter, color);

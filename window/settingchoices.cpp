@@ -98,7 +98,7 @@ QString longestPulseLabel()
 QString foreignLabel(const QString& key, const QVariant& value)
 {
     constexpr double kFromSmall = 1000.0; // ns to µs, m to km
-    const QString text = value.toString();
+    QString text = value.toString();
     bool isNumber = false;
     const double number = text.toDouble(&isNumber);
     if (!isNumber) {
