@@ -2,6 +2,7 @@
 
 #include <QList>
 #include <QObject>
+#include <QWidgetList>
 
 #include <memory>
 

@@ -171,7 +171,7 @@ private:
     {
         const double longest = kLongestLaunchPulses * w;
         if (extent.end < std::min(extent.launch + longest, trace.size() - 1.0)
-            && !hasFibre(extent.launch, extent.end, piece)) {
+            && !hasFibre(extent.launch, extent.end, piece) && !rises(extent)) {
             extent.end = extent.launch;
             extent.kind = FibreExtent::End::Found;
         }
@@ -194,6 +194,24 @@ private:
         }
         const bool isHeld = from > launch + kLongestOverloadPulses * w;
         return isHeld || end - from < w + piece.shortest(); // too little of a tail
+    }
+
+    /// Whether a reflection stands at an end that was found: no tail rises.
+    [[nodiscard]] bool rises(const FibreExtent& extent) const
+    {
+        if (extent.kind != FibreExtent::End::Found) {
+            return false;
+        }
+        const double half = std::max(2.0, std::floor(0.5 * w));
+        const double least = std::max(trace.mean_dB(extent.end - half, extent.end),
+                                      trace.noise().rms_dB() + kPlainAboveNoise_dB)
+            + threshold_dB;
+        for (double i = extent.end; i < extent.end + w; i += 1.0) {
+            if (trace.mean_dB(i, i + half) > least) {
+                return true;
+            }
+        }
+        return false;
     }
 
     /// Samples of which the median tells whether there is light.

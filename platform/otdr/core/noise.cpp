@@ -294,8 +294,9 @@ void NoiseProfile::measureFloor(const Trace& trace, double pulse)
             dark = last;
         }
     }
-    rms = dark.isNoise ? dark.rms_dB
-                       : dark.median_dB + levelOfRatio_dB(sigmas.back() / kDbPerRelative);
+    // Of no fibre, nothing scatters but darkness.
+    const double scatter = sigmas.empty() ? kMostSigma_dB : sigmas.back();
+    rms = dark.isNoise ? dark.rms_dB : dark.median_dB + levelOfRatio_dB(scatter / kDbPerRelative);
     if (dark.isEmpty) {
         rms = std::max(rms, dark.median_dB);
     }

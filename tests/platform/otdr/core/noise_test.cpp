@@ -412,6 +412,19 @@ TEST(NoiseProfile, EventsThatAreKnownTellNothingOfIt)
     EXPECT_LT(known.wander_dB(), 0.003);
 }
 
+/// With nothing connected no fibre is left to tell it.
+TEST(NoiseProfile, StandsAStretchWithoutSamples)
+{
+    for (const bool isDark : {false, true}) {
+        const std::vector<std::uint16_t> counts(2000, isDark ? 65535 : 20000);
+        const otdr::Trace trace(otdr::RawSamples(counts), 0.001, {});
+        const NoiseProfile noise(trace, 10.0, 5, 5);
+        EXPECT_GT(noise.sigma_dB(5.0), 0.0);
+        EXPECT_TRUE(std::isfinite(noise.rms_dB()));
+        EXPECT_EQ(noise.wander_dB(), 0.0);
+    }
+}
+
 TEST(NoiseProfile, StandsEmptyAndTinyTraces)
 {
     for (const std::size_t size : {0U, 1U, 2U, 17U, 300U}) {
