@@ -1,5 +1,6 @@
 #include "platform/otdr/core/fibreend.h"
 
+#include "platform/otdr/core/darkness.h"
 #include "platform/otdr/core/fibrebehind.h"
 #include "platform/otdr/core/peakgroup.h"
 #include "platform/otdr/core/scatter.h"
@@ -31,6 +32,9 @@ constexpr double kLaunchTail_dB = 0.01;
 
 /// A receiver that was overloaded comes down within so many pulses.
 constexpr double kLongestPeakPulses = 12.0;
+
+/// The end of a record is dark where its last tenth is.
+constexpr std::size_t kDarkPart = 10;
 
 /// Fewer samples tell no line.
 constexpr double kFewestShort = 5.0;
@@ -170,6 +174,10 @@ private:
     void refuseTail(FibreExtent& extent, const ShortFibre& piece) const
     {
         const double longest = kLongestLaunchPulses * w;
+        const std::size_t size = trace.samples().size();
+        if (!isDark(trace.samples(), size - size / kDarkPart, size)) {
+            return; // whatever is light is not known well
+        }
         if (extent.end < std::min(extent.launch + longest, trace.size() - 1.0)
             && !hasFibre(extent.launch, extent.end, piece) && !rises(extent)) {
             extent.end = extent.launch;

@@ -30,7 +30,8 @@ constexpr double kChance = 5.0;
 constexpr double kDropPulses = 3.0;
 constexpr double kHighPeak_dB = 10.0;
 
-/// A drop is weaker than the fibre before it by this part of a sudden change, at least.
+/// A drop in front of a reflection is weaker than the fibre before it by this part of a sudden
+/// change, at least.
 constexpr double kSplitPart = 0.5;
 
 /// A receiver that was not overloaded has come down within so many pulses.
@@ -111,8 +112,9 @@ std::optional<double> ShortFibre::dropBehind(double from, double top, double bef
         return std::nullopt;
     }
     const double piece = std::max(begin, *end - kDropPulses * w);
-    // What is as bright as the fibre before is that fibre, in front of a reflection.
-    const bool isDrop = isLevel(piece, *end, 0.0, before_dB - kSplitPart * threshold_dB);
+    // As bright as the fibre before and in front of a reflection, it is that fibre.
+    const double lost_dB = top > begin ? kSplitPart * threshold_dB : 0.0;
+    const bool isDrop = isLevel(piece, *end, 0.0, before_dB - lost_dB);
     return isDrop ? std::optional(begin) : std::nullopt;
 }
 

@@ -84,14 +84,14 @@ TEST(ShortFibre, ADropIsLevelUpToItsEnd)
     EXPECT_FALSE(dropIn(80.0, 0.03));
 }
 
-/// As bright as the fibre before it is that fibre.
-TEST(ShortFibre, ADropIsWeakerThanTheFibreBefore)
+/// As bright as the fibre before, and in front of a reflection, it is that fibre.
+TEST(ShortFibre, ADropInFrontOfAReflectionIsWeakerThanTheFibreBefore)
 {
     const auto droppedBy = [](double loss_dB) {
         const DrawnFibre fibre = recordOf([=](double i) {
             return i < 1000.0 ? 30.0 : (i < 1100.0 ? 30.0 - loss_dB : (i < 1120.0 ? 45.0 : 1.0));
         });
-        return otdr::ShortFibre(*fibre, kThreshold_dB, 0.0).dropBehind(985.0, 985.0, 30.0);
+        return otdr::ShortFibre(*fibre, kThreshold_dB, 0.0).dropBehind(985.0, 1099.0, 30.0);
     };
     EXPECT_TRUE(droppedBy(3.5));
     EXPECT_FALSE(droppedBy(1.0));
