@@ -2,7 +2,7 @@
 if(TARGET test_deskuser)
     waveform_program(screenshots
         SOURCES fewcolours.cpp fewcolours.h screenshots.cpp screenstates.cpp screenstates.h
-        DEPENDS test_deskuser)
+        DEPENDS test_deskuser Qt5::Widgets)
     set_target_properties(screenshots PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bench)
     target_compile_definitions(screenshots PRIVATE
         WAVEFORM_BIN="${CMAKE_BINARY_DIR}/bin"

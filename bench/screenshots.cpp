@@ -17,8 +17,8 @@
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QScreen>
+#include <QTest>
 #include <QTextStream>
-#include <QtTest>
 
 namespace {
 

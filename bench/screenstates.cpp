@@ -13,7 +13,7 @@
 #include <QScreen>
 #include <QSignalSpy>
 #include <QTableView>
-#include <QtTest>
+#include <QTest>
 
 namespace {
 

@@ -1,6 +1,7 @@
 # From the start to the first painted window, and the memory with four traces: build/bench/startup
 add_library(paint_teller MODULE paintteller.cpp paintteller.h)
 target_link_libraries(paint_teller PRIVATE Qt5::Widgets waveform_options)
+target_precompile_headers(paint_teller REUSE_FROM pch_widgets)
 set_target_properties(paint_teller PROPERTIES
     AUTOMOC ON
     PREFIX ""
@@ -9,7 +10,7 @@ set_target_properties(paint_teller PROPERTIES
 waveform_program(emptywindow SOURCES emptywindow.cpp DEPENDS Qt5::Widgets Qwt::Qwt)
 waveform_program(startup
     SOURCES benchtrace.cpp benchtrace.h startup.cpp windowrun.cpp windowrun.h
-    DEPENDS otdr)
+    DEPENDS otdr Qt5::Core)
 set_target_properties(emptywindow startup PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bench)
 target_compile_definitions(startup PRIVATE
     WAVEFORM_BIN="${CMAKE_BINARY_DIR}/bin"

@@ -6,7 +6,7 @@
 #include "twomarkers/twomarkersresultwidget.h"
 
 #include <QApplication>
-#include <QtTest>
+#include <QTest>
 
 #include <cmath>
 

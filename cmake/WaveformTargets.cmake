@@ -17,7 +17,7 @@ set(CMAKE_CXX_FLAGS_RELEASE "-O2 -g1")
 find_program(CCACHE ccache)
 if(CCACHE)
     # With precompiled headers it keeps nothing unless told that their macros and times need no watching.
-    set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros ${CCACHE})
+    set(CMAKE_CXX_COMPILER_LAUNCHER env CCACHE_SLOPPINESS=pch_defines,time_macros ${CCACHE})
     add_compile_options($<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>)
 endif()
 
@@ -27,6 +27,8 @@ add_library(waveform_options INTERFACE)
 target_compile_options(waveform_options INTERFACE -Wall -Wextra -Wpedantic -Werror
                        # Qt's logging macros leave their last argument out.
                        $<$<CXX_COMPILER_ID:Clang>:-Wno-gnu-zero-variadic-macro-arguments>)
+# As Qt asks of all that use it, programs too: precompiled headers suit only who is compiled alike.
+target_compile_options(waveform_options INTERFACE -fPIC)
 target_include_directories(waveform_options INTERFACE ${PROJECT_SOURCE_DIR})
 if(WAVEFORM_SANITIZE)
     target_compile_options(waveform_options INTERFACE -fsanitize=${WAVEFORM_SANITIZE}
@@ -36,7 +38,7 @@ endif()
 include(hardening)
 
 # What every target has: Qt's meta-object compiler where it asks for it, that of resources where it has some, and by what
-# it depends on, the precompiled headers of the Qt modules it may use. These are compiled once for all targets; the
+# it depends on, the precompiled headers of the libraries it may use. These are compiled once for all targets; the
 # presets that check do without (who includes too little is found there).
 function(_waveform_common target moc)
     target_link_libraries(${target} PRIVATE waveform_options)
@@ -51,20 +53,35 @@ function(_waveform_common target moc)
         target_precompile_headers(${target} REUSE_FROM pch_widgets)
     elseif("${ARGN}" MATCHES "Qt5::")
         target_precompile_headers(${target} REUSE_FROM pch_core)
-    elseif("${ARGN}" MATCHES "GTest::")
-        target_precompile_headers(${target} PRIVATE <gmock/gmock.h>)
+    elseif("${ARGN}" MATCHES "test_plain")
+        target_precompile_headers(${target} REUSE_FROM test_plain)
+    else()
+        target_precompile_headers(${target} REUSE_FROM pch_standard)
     endif()
 endfunction()
 
-# The targets that precompile; called once, when Qt has been found.
+# A target that precompiles headers for others.
+function(_waveform_precompiled target depends)
+    add_library(${target} STATIC ${CMAKE_BINARY_DIR}/pch.cpp)
+    target_link_libraries(${target} PRIVATE ${depends} waveform_options)
+    target_precompile_headers(${target} PRIVATE ${ARGN})
+endfunction()
+
+# The targets that precompile; called once, when Qt has been found. Their headers are those that many files include, and
+# not all of <QtWidgets>: whatever is precompiled is loaded for every file, which then took 0.6 s instead of 0.2 s.
 function(waveform_precompile)
     file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/pch.cpp CONTENT "")
-    foreach(module Core Widgets)
-        string(TOLOWER pch_${module} target)
-        add_library(${target} STATIC ${CMAKE_BINARY_DIR}/pch.cpp)
-        target_link_libraries(${target} PRIVATE Qt5::${module} waveform_options)
-        target_precompile_headers(${target} PRIVATE <Qt${module}>)
-    endforeach()
+    set(headers <algorithm> <array> <cmath> <cstddef> <cstdint> <functional> <gsl/span> <limits> <memory> <mutex>
+        <optional> <string> <utility> <variant> <vector>)
+    _waveform_precompiled(pch_standard Microsoft.GSL::GSL ${headers})
+    list(APPEND headers <QByteArray> <QCoreApplication> <QDateTime> <QDebug> <QDir> <QFile> <QFileInfo> <QList>
+        <QMetaType> <QObject> <QPointer> <QString> <QStringList> <QTimer> <QVariantMap>)
+    _waveform_precompiled(pch_core Qt5::Core ${headers})
+    list(APPEND headers <QAbstractTableModel> <QApplication> <QColor> <QDialog> <QFontMetrics> <QFrame> <QGridLayout>
+        <QHBoxLayout> <QKeyEvent> <QLabel> <QLocale> <QPainter> <QPalette> <QPixmap> <QPolygonF> <QPushButton>
+        <QVBoxLayout> <QWidget>)
+    _waveform_precompiled(pch_widgets Qt5::Widgets ${headers})
+    set(WAVEFORM_PRECOMPILED ${headers} PARENT_SCOPE) # the tests have more
 endfunction()
 
 # waveform_library(NAME [SHARED] [MOC] SOURCES a.cpp ... DEPENDS other ...)

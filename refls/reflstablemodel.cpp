@@ -7,7 +7,7 @@
 #include <QFileInfo>
 #include <QFuture>
 #include <QFutureWatcher>
-#include <QtConcurrent>
+#include <QtConcurrentRun>
 
 #include <algorithm>
 #include <cmath>

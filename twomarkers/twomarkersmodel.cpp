@@ -6,7 +6,7 @@
 #include "plot/qmplotmarker.h"
 
 #include <QFuture>
-#include <QtConcurrent>
+#include <QtConcurrentRun>
 
 #include <utility>
 

@@ -5,7 +5,7 @@
 #include "window/curveset.h"
 
 #include <QDebug>
-#include <QtConcurrent>
+#include <QtConcurrentRun>
 
 namespace Waveform {
 

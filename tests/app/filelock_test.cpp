@@ -13,7 +13,7 @@
 
 namespace {
 
-using Outcome = FileLock::Outcome;
+using LockOutcome = FileLock::Outcome;
 
 class LockFile : public testing::Test
 {
@@ -26,21 +26,21 @@ TEST_F(LockFile, IsHeldByOneAtATime)
 {
     FileLock first;
     FileLock second;
-    EXPECT_EQ(first.take(file), Outcome::Taken);
-    EXPECT_EQ(second.take(file), Outcome::HeldByOther);
+    EXPECT_EQ(first.take(file), LockOutcome::Taken);
+    EXPECT_EQ(second.take(file), LockOutcome::HeldByOther);
     first.release();
-    EXPECT_EQ(second.take(file), Outcome::Taken);
-    EXPECT_EQ(first.take(file), Outcome::HeldByOther);
+    EXPECT_EQ(second.take(file), LockOutcome::Taken);
+    EXPECT_EQ(first.take(file), LockOutcome::HeldByOther);
 }
 
 TEST_F(LockFile, IsLetGoOfWithItsHolder)
 {
     {
         FileLock first;
-        ASSERT_EQ(first.take(file), Outcome::Taken);
+        ASSERT_EQ(first.take(file), LockOutcome::Taken);
     }
     FileLock second;
-    EXPECT_EQ(second.take(file), Outcome::Taken);
+    EXPECT_EQ(second.take(file), LockOutcome::Taken);
 }
 
 TEST_F(LockFile, IsFreeWhenItsProcessWasKilled)
@@ -50,17 +50,17 @@ TEST_F(LockFile, IsFreeWhenItsProcessWasKilled)
     const pid_t child = ::fork();
     if (child == 0) {
         FileLock lock;
-        const char answer = lock.take(file) == Outcome::Taken ? 'y' : 'n';
+        const char answer = lock.take(file) == LockOutcome::Taken ? 'y' : 'n';
         ::_exit(::write(ready[1], &answer, 1) == 1 && ::pause() == 0 ? 0 : 1);
     }
     char answer = ' ';
     ASSERT_EQ(::read(ready[0], &answer, 1), 1);
     EXPECT_EQ(answer, 'y');
     FileLock lock;
-    EXPECT_EQ(lock.take(file), Outcome::HeldByOther);
+    EXPECT_EQ(lock.take(file), LockOutcome::HeldByOther);
     ::kill(child, SIGKILL);
     ::waitpid(child, nullptr, 0);
-    EXPECT_EQ(lock.take(file), Outcome::Taken);
+    EXPECT_EQ(lock.take(file), LockOutcome::Taken);
 }
 
 TEST_F(LockFile, IsNotInheritedByAChildProgram)
@@ -68,12 +68,12 @@ TEST_F(LockFile, IsNotInheritedByAChildProgram)
     QProcess child;
     {
         FileLock lock;
-        ASSERT_EQ(lock.take(file), Outcome::Taken);
+        ASSERT_EQ(lock.take(file), LockOutcome::Taken);
         child.start("sleep", {"60"});
         ASSERT_TRUE(child.waitForStarted());
     }
     FileLock lock;
-    EXPECT_EQ(lock.take(file), Outcome::Taken);
+    EXPECT_EQ(lock.take(file), LockOutcome::Taken);
     child.kill();
     child.waitForFinished();
 }
@@ -81,8 +81,8 @@ TEST_F(LockFile, IsNotInheritedByAChildProgram)
 TEST_F(LockFile, CannotBeWhereNoFileCan)
 {
     FileLock lock;
-    EXPECT_EQ(lock.take(directory.filePath("missing/lock")), Outcome::NoFile);
-    EXPECT_EQ(lock.take(directory.path()), Outcome::NoFile);
+    EXPECT_EQ(lock.take(directory.filePath("missing/lock")), LockOutcome::NoFile);
+    EXPECT_EQ(lock.take(directory.path()), LockOutcome::NoFile);
 }
 
 TEST_F(LockFile, IsNoLinkToAnotherFile)
@@ -90,7 +90,7 @@ TEST_F(LockFile, IsNoLinkToAnotherFile)
     const QString other = directory.filePath("other");
     ASSERT_TRUE(QFile::link(other, file));
     FileLock lock;
-    EXPECT_EQ(lock.take(file), Outcome::NoFile);
+    EXPECT_EQ(lock.take(file), LockOutcome::NoFile);
     EXPECT_FALSE(QFile::exists(other));
 }
 

@@ -3,6 +3,7 @@
 #include "app/frame.h"
 #include "platform/launcher/abstractkeeper.h"
 #include "platform/launcher/nameprompt.h"
+#include "tests/app/answer.h"
 #include "tests/app/hosting.h"
 #include "tests/support/fakeprogram.h"
 
@@ -19,23 +20,6 @@
 namespace {
 
 using namespace testing_support; // directories and builders
-
-/// Gives a name and says yes.
-class Answer : public NamePrompt
-{
-public:
-    explicit Answer(QString name)
-        : name(std::move(name))
-    {
-    }
-
-    std::optional<QString> askName(const QString& /*proposed*/) override { return name; }
-
-    bool askOverwrite(const QString& /*name*/) override { return true; }
-
-private:
-    QString name;
-};
 
 TEST(FrameOfAWindow, LetsItGoAtItsEnd)
 {

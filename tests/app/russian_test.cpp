@@ -4,9 +4,9 @@
 #include "app/language.h"
 #include "platform/launcher/abstractkeeper.h"
 #include "platform/launcher/namedialog.h"
-#include "platform/launcher/nameprompt.h"
 #include "platform/launcher/opendialog.h"
 #include "platform/launcher/zuconfigmodel.h"
+#include "tests/app/answer.h"
 #include "tests/app/hosting.h"
 #include "tests/support/inlocale.h"
 #include "tests/support/reach.h"
@@ -22,15 +22,6 @@
 namespace {
 
 using namespace testing_support; // the fixture and what looks at windows
-
-/// Gives a name and says yes.
-class Answer : public NamePrompt
-{
-public:
-    std::optional<QString> askName(const QString& /*proposed*/) override { return "link"; }
-
-    bool askOverwrite(const QString& /*name*/) override { return true; }
-};
 
 /// Words of the sources' language in a text: the product's name, file names and keys are none.
 QStringList englishIn(QString text)
@@ -193,7 +184,7 @@ TEST_F(Russian, MeasurementCountsDownAndSavesInIt)
     timer.start(5);
     ASSERT_TRUE(measure());
     timer.stop();
-    host->keeper()->setNamePrompt(std::make_unique<Answer>());
+    host->keeper()->setNamePrompt(std::make_unique<Answer>("link"));
     QTest::mouseClick(button("saveButton"), Qt::LeftButton);
     QCoreApplication::processEvents();
     EXPECT_TRUE(told().startsWith("Отчёты сохранены:\n")) << qPrintable(told());
@@ -232,7 +223,7 @@ protected:
         settings->setting("helix", "MeasParams")->tryChange(QVariant(1.5));
         settings->setting("distance", "MeasParams")->tryChange(QVariant(2500));
         settings->freeLater();
-        host->keeper()->setNamePrompt(std::make_unique<Answer>());
+        host->keeper()->setNamePrompt(std::make_unique<Answer>("link"));
         QTest::mouseClick(button("saveButton"), Qt::LeftButton);
         host.reset();
         auto contents = contentsOf(files.path("home"));
@@ -272,7 +263,7 @@ TEST_F(SessionsInTwoLanguages, MeasureTheSame)
         const Language language(code);
         load();
         ASSERT_TRUE(measure());
-        host->keeper()->setNamePrompt(std::make_unique<Answer>());
+        host->keeper()->setNamePrompt(std::make_unique<Answer>("link"));
         QTest::mouseClick(button("saveButton"), Qt::LeftButton);
         const Reflectogram refl(files.path("home/otdr/link.sor"));
         ASSERT_TRUE(refl.isValid()) << code;

@@ -13,7 +13,7 @@ using accuracy::KnownLink;
 using accuracy::Sight;
 using gather::Spectrum;
 
-constexpr int kWavelength_nm = 1550;
+constexpr int kLinkWavelength_nm = 1550;
 
 /// Ten kilometres of 0.2 dB/km with a loss of 0.5 dB in their middle.
 gather::Fibre fibreWithLoss()
@@ -39,7 +39,7 @@ Sight sight()
 
 TEST(KnownLink, TellsTheLevelOfTheFibre)
 {
-    const KnownLink link(fibreWithLoss(), kWavelength_nm, sight());
+    const KnownLink link(fibreWithLoss(), kLinkWavelength_nm, sight());
     EXPECT_NEAR(link.endOf(), 10000.0, 1e-6);
     EXPECT_NEAR(link.levelBefore(link.indexOf(link.truth().front())), 29.0, 1e-6);
     EXPECT_NEAR(link.levelBefore(10000.0), 27.5, 1e-6);
@@ -49,7 +49,7 @@ TEST(KnownLink, CountsPlacesFromTheFirstSample)
 {
     Sight early = sight();
     early.firstSample_ns = -300.0 * early.interval_ns;
-    const KnownLink link(fibreWithLoss(), kWavelength_nm, early);
+    const KnownLink link(fibreWithLoss(), kLinkWavelength_nm, early);
     EXPECT_NEAR(link.endOf(), 10300.0, 1e-6);
     EXPECT_NEAR(link.levelBefore(link.indexOf(link.truth().front())), 29.0, 1e-6);
 }
@@ -57,12 +57,12 @@ TEST(KnownLink, CountsPlacesFromTheFirstSample)
 TEST(KnownLink, DividesTheLinesWhereFibresOfOtherSlopesMeet)
 {
     gather::Fibre fibre = fibreWithLoss();
-    const KnownLink whole(fibre, kWavelength_nm, sight());
+    const KnownLink whole(fibre, kLinkWavelength_nm, sight());
     EXPECT_NEAR(whole.sidesOf(0).left, 4900.0, 1e-6);
     EXPECT_NEAR(whole.sidesOf(0).right, 4900.0, 1e-6);
     fibre.sections = {{8000.0, Spectrum(0.2), Spectrum(kBackscatter_dB)},
                       {2000.0, Spectrum(0.4), Spectrum(kBackscatter_dB)}};
-    const KnownLink joined(fibre, kWavelength_nm, sight());
+    const KnownLink joined(fibre, kLinkWavelength_nm, sight());
     EXPECT_NEAR(joined.sidesOf(0).right, 2900.0, 1e-6);
 }
 
@@ -71,7 +71,7 @@ TEST(KnownLink, BoundsALossByTheErrorOfTwoLines)
     Sight seen = sight();
     seen.gap = 0.0;
     seen.rounding_dB = 0.0;
-    const KnownLink link(fibreWithLoss(), kWavelength_nm, seen);
+    const KnownLink link(fibreWithLoss(), kLinkWavelength_nm, seen);
     // At its end a line through n samples is known to 2 s / sqrt(n).
     const auto error = [&](double level_dB) {
         return 2.0 * link.sigmaAt(level_dB) / std::sqrt(900.0);
@@ -83,9 +83,10 @@ TEST(KnownLink, BoundsALossByCoherentNoiseToo)
 {
     Sight seen = sight();
     const double without =
-        KnownLink(fibreWithLoss(), kWavelength_nm, seen).boundOf(0, {900.0, 900.0});
+        KnownLink(fibreWithLoss(), kLinkWavelength_nm, seen).boundOf(0, {900.0, 900.0});
     seen.fading_dB = 0.01;
-    const double with = KnownLink(fibreWithLoss(), kWavelength_nm, seen).boundOf(0, {900.0, 900.0});
+    const double with =
+        KnownLink(fibreWithLoss(), kLinkWavelength_nm, seen).boundOf(0, {900.0, 900.0});
     EXPECT_GT(with, 10.0 * without);
 }
 
@@ -94,7 +95,7 @@ TEST(KnownLink, ShowsWeakLossesLargerWhereLightIsTakenAway)
     Sight seen = sight();
     seen.launch_dB = 13.0; // at the loss 6 dB above the noise
     seen.offset = -3.0;
-    const KnownLink link(fibreWithLoss(), kWavelength_nm, seen);
+    const KnownLink link(fibreWithLoss(), kLinkWavelength_nm, seen);
     // Light of 15.8 times the noise becomes one of 12.6 times, each less by 3.
     EXPECT_NEAR(link.shownLoss_dB(0), 5.0 * std::log10((15.849 - 3.0) / (12.589 - 3.0)), 1e-3);
 }

@@ -11,7 +11,7 @@ namespace testing_support {
 
 namespace {
 
-constexpr int kPatience_ms = 60'000;
+constexpr int kProgramPatience_ms = 60'000;
 
 } // namespace
 
@@ -79,7 +79,7 @@ void UserAtTheScreen::quit()
     const quint32 window = plot().window();
     teller.disconnectFromServer();
     screen->close(window);
-    ASSERT_TRUE(application.waitForFinished(kPatience_ms)) << "it does not end";
+    ASSERT_TRUE(application.waitForFinished(kProgramPatience_ms)) << "it does not end";
     EXPECT_EQ(application.exitStatus(), QProcess::NormalExit);
     EXPECT_EQ(application.exitCode(), 0);
     checkConsole(QString::fromUtf8(application.readAll()));
@@ -103,7 +103,7 @@ QList<SeenWidget> UserAtTheScreen::look()
     QList<SeenWidget> widgets;
     teller.write("look\n");
     while (!teller.canReadLine()) {
-        if (!teller.waitForReadyRead(kPatience_ms)) {
+        if (!teller.waitForReadyRead(kProgramPatience_ms)) {
             ADD_FAILURE() << "the application does not answer: "
                           << application.readAll().constData();
             return widgets;
@@ -261,7 +261,7 @@ void UserAtTheScreen::waitUntil(const std::function<bool()>& isSo, const char* w
     while (!isSo()) {
         ASSERT_EQ(application.state(), QProcess::Running)
             << what << "; it ended: " << application.readAll().constData();
-        ASSERT_LT(time.elapsed(), kPatience_ms) << "not seen: " << what;
+        ASSERT_LT(time.elapsed(), kProgramPatience_ms) << "not seen: " << what;
         QTest::qWait(10);
     }
 }

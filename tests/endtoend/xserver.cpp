@@ -15,7 +15,7 @@ namespace testing_support {
 
 namespace {
 
-constexpr int kPatience_ms = 30'000;
+constexpr int kServerPatience_ms = 30'000;
 
 struct Free
 {
@@ -55,7 +55,7 @@ XServer::XServer()
     server.start("Xvfb",
                  {"-displayfd", "1", "-screen", "0", "1280x800x24", "-nolisten", "tcp", "-noreset",
                   "+extension", "XTEST"});
-    while (!server.canReadLine() && server.waitForReadyRead(kPatience_ms)) { }
+    while (!server.canReadLine() && server.waitForReadyRead(kServerPatience_ms)) { }
     const QString number = server.readLine().trimmed();
     if (number.isEmpty()) {
         return;
@@ -70,7 +70,7 @@ XServer::~XServer()
         xcb_disconnect(connection);
     }
     server.terminate();
-    if (!server.waitForFinished(kPatience_ms)) {
+    if (!server.waitForFinished(kServerPatience_ms)) {
         server.kill();
         server.waitForFinished();
     }
@@ -100,7 +100,7 @@ void XServer::act(const QStringList& actions) const
     environment.insert("DISPLAY", name);
     xdotool.setProcessEnvironment(environment);
     xdotool.start("xdotool", actions);
-    EXPECT_TRUE(xdotool.waitForFinished(kPatience_ms));
+    EXPECT_TRUE(xdotool.waitForFinished(kServerPatience_ms));
     EXPECT_EQ(xdotool.exitCode(), 0) << xdotool.readAllStandardError().constData();
 }
 

@@ -1,6 +1,7 @@
 #include "events/eventmarkersview.h"
 #include "plot/plot.h"
 #include "plot/reflcurve.h"
+#include "tests/events/eventat.h"
 #include "tests/support/paintcounter.h"
 #include "tests/support/tracefiles.h"
 
@@ -19,14 +20,8 @@
 
 namespace {
 
+using testing_support::eventAt;
 using testing_support::TraceFiles;
-
-Event eventAt(Event::Type type, long position)
-{
-    Event event(type, 0, 10);
-    event.position = position;
-    return event;
-}
 
 class EventTicks : public testing::Test
 {

@@ -1,5 +1,6 @@
 #include "events/eventstablemodel.h"
 #include "platform/otdr/otdr.h"
+#include "tests/events/eventat.h"
 #include "tests/support/echo.h"
 #include "tests/support/inlocale.h"
 #include "tests/support/tracefiles.h"
@@ -15,16 +16,10 @@
 
 namespace {
 
+using testing_support::eventAt;
 using testing_support::realTraces;
 using testing_support::TraceFiles;
 using Waveform::EventsTableModel;
-
-Event eventAt(Event::Type type, long position)
-{
-    Event event(type, 0, 10);
-    event.position = position;
-    return event;
-}
 
 Event measured(Event::Type type, double loss_dB, double reflectance_dB)
 {

@@ -5,6 +5,7 @@
 #include "platform/launcher/palettefactory.h"
 #include "plot/plot.h"
 #include "plot/reflcurve.h"
+#include "tests/events/eventat.h"
 #include "tests/support/tracefiles.h"
 
 #include <qwt_plot_curve.h>
@@ -27,17 +28,11 @@
 
 namespace {
 
+using testing_support::eventAt;
 using testing_support::TraceFiles;
 using Waveform::EventCellDelegate;
 using Waveform::EventsTableModel;
 using Waveform::EventsTableView;
-
-Event eventAt(Event::Type type, long position)
-{
-    Event event(type, 0, 10);
-    event.position = position;
-    return event;
-}
 
 EventList threeEventsAndTwoSections()
 {

@@ -3,6 +3,7 @@
 #include "events/eventmarkersview.h"
 #include "plot/plot.h"
 #include "plot/reflcurve.h"
+#include "tests/events/eventat.h"
 #include "tests/support/paintcounter.h"
 #include "tests/support/tracefiles.h"
 
@@ -21,6 +22,7 @@
 
 namespace {
 
+using testing_support::eventAt;
 using testing_support::TraceFiles;
 
 /// A selection that tells how many follow its current row.
@@ -36,13 +38,6 @@ public:
         return receivers(SIGNAL(currentRowChanged(QModelIndex, QModelIndex)));
     }
 };
-
-Event eventAt(Event::Type type, long position)
-{
-    Event event(type, 0, 10);
-    event.position = position;
-    return event;
-}
 
 EventList startSectionEnd(long end)
 {

@@ -1,6 +1,6 @@
 #include "tests/plot/finger.h"
 
-#include <QtTest>
+#include <QTest>
 #include <QWindow>
 
 namespace testing_support {

@@ -1,4 +1,5 @@
 #include "plot/legendgeometry.h"
+#include "tests/plot/legendsides.h"
 
 #include <QFont>
 
@@ -10,8 +11,8 @@ namespace {
 
 using namespace legendgeometry;
 
-constexpr Qt::Alignment kRight = Qt::AlignRight | Qt::AlignVCenter;
-constexpr Qt::Alignment kLeft = Qt::AlignLeft | Qt::AlignVCenter;
+using testing_support::kLeft;
+using testing_support::kRight;
 
 TEST(LegendGeometry, SizeIsThatOfTheLinesAndWhatIsAroundThem)
 {

@@ -1,5 +1,5 @@
-#include "plot/plot.h"
 #include "plot/plotlinewidget.h"
+#include "tests/plot/countingplot.h"
 
 #include <qwt_scale_map.h>
 
@@ -11,16 +11,7 @@
 
 namespace {
 
-class CountingPlot : public Waveform::Plot
-{
-    Q_OBJECT
-
-public:
-    [[nodiscard]] int followers() const
-    {
-        return receivers(SIGNAL(transformMapsChanged(QwtScaleMap, QwtScaleMap)));
-    }
-};
+using testing_support::CountingPlot;
 
 class PlotLine : public testing::Test
 {
@@ -162,5 +153,3 @@ TEST(PlotLineOnItsOwn, OutlivesThePlotItWasAttachedTo)
 }
 
 } // namespace
-
-#include "plotlinewidget_test.moc"

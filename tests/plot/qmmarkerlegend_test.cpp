@@ -1,4 +1,5 @@
 #include "plot/qmmarkerlegend.h"
+#include "tests/plot/legendsides.h"
 #include "tests/support/echo.h"
 #include "tests/support/inlocale.h"
 
@@ -11,8 +12,8 @@
 
 namespace {
 
-constexpr Qt::Alignment kRight = Qt::AlignRight | Qt::AlignVCenter;
-constexpr Qt::Alignment kLeft = Qt::AlignLeft | Qt::AlignVCenter;
+using testing_support::kLeft;
+using testing_support::kRight;
 
 class Legend : public testing::Test
 {

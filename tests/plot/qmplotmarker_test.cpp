@@ -1,5 +1,5 @@
-#include "plot/plot.h"
 #include "plot/qmplotmarker.h"
+#include "tests/plot/countingplot.h"
 #include "tests/plot/finger.h"
 
 #include <QSignalSpy>
@@ -11,17 +11,7 @@
 
 namespace {
 
-/// A plot that tells how many follow its views.
-class CountingPlot : public Waveform::Plot
-{
-    Q_OBJECT
-
-public:
-    [[nodiscard]] int followers() const
-    {
-        return receivers(SIGNAL(transformMapsChanged(QwtScaleMap, QwtScaleMap)));
-    }
-};
+using testing_support::CountingPlot;
 
 class PlotMarker : public testing::Test
 {
@@ -247,5 +237,3 @@ TEST(PlotMarkerOnItsOwn, OutlivesThePlotItWasAttachedTo)
 }
 
 } // namespace
-
-#include "qmplotmarker_test.moc"

@@ -22,7 +22,8 @@ QwtScaleMap map(double s1, double s2, double p1, double p2)
 }
 
 /// Which pixels are covered: the rectangles, less the columns that are not.
-std::vector<std::string> picture(const StickColumns& columns, const QRect& area, double baseline)
+std::vector<std::string> paintedRows(const StickColumns& columns, const QRect& area,
+                                     double baseline)
 {
     std::vector<std::string> rows(static_cast<std::size_t>(area.height()),
                                   std::string(static_cast<std::size_t>(area.width()), '.'));
@@ -92,7 +93,7 @@ TEST(StickColumns, SticksReachFromTheBaselineToTheirLevelBothIncluded)
     StickColumns columns(area);
     columns.add(metreSteps({1.0, 4.0, 0.0, 2.0, 2.0}), map(0.0, 4.0, 0.0, 4.0),
                 map(0.0, 5.0, 5.0, 0.0), 1.0);
-    EXPECT_EQ(picture(columns, area, 5.0),
+    EXPECT_EQ(paintedRows(columns, area, 5.0),
               (std::vector<std::string> {".....", ".#...", ".#...", ".#.##", "##.##", "#####"}));
     EXPECT_FALSE(columns.hasGaps());
 }
@@ -103,7 +104,7 @@ TEST(StickColumns, TallestStickOfAColumnCoversTheOthers)
     StickColumns columns(area);
     columns.add(metreSteps({1.0, 4.0, 2.0, 1.0}), map(0.0, 3.0, 0.0, 1.0), map(0.0, 5.0, 5.0, 0.0),
                 1.0);
-    EXPECT_EQ(picture(columns, area, 5.0),
+    EXPECT_EQ(paintedRows(columns, area, 5.0),
               (std::vector<std::string> {"..", "#.", "#.", "##", "##", "##"}));
 }
 
@@ -113,7 +114,7 @@ TEST(StickColumns, ColumnsBetweenSticksApartStayFree)
     StickColumns columns(area);
     columns.add(metreSteps({1.0, 3.0, 2.0}), map(0.0, 2.0, 0.0, 6.0), map(0.0, 3.0, 3.0, 0.0), 1.0);
     EXPECT_TRUE(columns.hasGaps());
-    EXPECT_EQ(picture(columns, area, 3.0),
+    EXPECT_EQ(paintedRows(columns, area, 3.0),
               (std::vector<std::string> {"...#...", "...#..#", "#..#..#", "#..#..#"}));
     // Where neighbours share rows they share a rectangle across the gap.
     EXPECT_EQ(columns.rectangles(3.0).size(), 3U);
@@ -125,7 +126,7 @@ TEST(StickColumns, WhatLiesOutsideTheAreaIsCutOff)
     StickColumns columns(area);
     columns.add(metreSteps(std::vector<double>(40, 60.0)), map(0.0, 39.0, 0.0, 39.0),
                 map(0.0, 5.0, 100.0, 0.0), 1.0);
-    EXPECT_EQ(picture(columns, area, 100.0),
+    EXPECT_EQ(paintedRows(columns, area, 100.0),
               (std::vector<std::string> {"###", "###", "###", "###"}));
 }
 
@@ -198,7 +199,7 @@ TEST_P(StickPicture, IsThatOfAllSamples)
     const QwtScaleMap yMap = map(0.0, view.top_dB, 199.0, 0.0);
     StickColumns columns(area);
     columns.add(state, xMap, yMap, view.ratio);
-    EXPECT_EQ(picture(columns, area, yMap.transform(0.0) * view.ratio),
+    EXPECT_EQ(paintedRows(columns, area, yMap.transform(0.0) * view.ratio),
               slowPicture(state, area, xMap, yMap, view.ratio));
 }
 

@@ -5,6 +5,7 @@
 #include "refls/reflstablemodel.h"
 #include "storage/keeper.h"
 #include "tests/platform/launcher/confighome.h"
+#include "tests/plugin/untakenconnection.h"
 #include "tests/support/acquisitiondir.h"
 #include "tests/support/warnings.h"
 #include "window/window.h"
@@ -20,13 +21,11 @@ namespace {
 using testing_support::AcquisitionDir;
 using testing_support::ConfigHome;
 using testing_support::expectWarning;
+using testing_support::kUntakenConnection;
 using Waveform::Keeper;
 using Waveform::Model;
 using Waveform::Plugin;
 using Waveform::Window;
-
-// The one connection that is not to take: the end of a drag has nothing left to do.
-const char* const kUntakenConnection = "No such slot Waveform::Window::rescalePlot(";
 
 class PluginTest : public testing::Test
 {

@@ -10,6 +10,7 @@
 #include "refls/reflstablemodel.h"
 #include "storage/keeper.h"
 #include "tests/platform/launcher/confighome.h"
+#include "tests/plugin/untakenconnection.h"
 #include "tests/support/acquisitiondir.h"
 #include "tests/support/fakeprogram.h"
 #include "tests/support/tracefiles.h"
@@ -32,9 +33,6 @@ using Waveform::Keeper;
 using Waveform::Model;
 using Waveform::Plugin;
 using Waveform::Window;
-
-// The one connection that is not to take: the end of a drag has nothing left to do.
-const char* const kUntakenConnection = "No such slot Waveform::Window::rescalePlot(";
 
 class Wiring : public testing::Test
 {

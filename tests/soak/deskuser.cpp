@@ -19,10 +19,10 @@
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTableView>
+#include <QTest>
 #include <QThreadPool>
 #include <QTimer>
 #include <QTreeView>
-#include <QtTest>
 #include <QWheelEvent>
 
 namespace testing_support {

@@ -2,6 +2,7 @@
 
 #include "platform/launcher/zulauncherconfig.h"
 #include "tests/platform/launcher/confighome.h"
+#include "tests/storage/contents.h"
 #include "tests/support/fakeprogram.h"
 #include "tests/support/nthcall.h"
 #include "tests/support/tracefiles.h"
@@ -32,12 +33,6 @@ struct Outcome
     QString log;
     QStringList calls; ///< of the file system, up to the end
 };
-
-QByteArray contents(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 class FaultySave : public testing::Test
 {

@@ -3,6 +3,7 @@
 
 #include "platform/launcher/filesmodel.h"
 #include "platform/launcher/zulauncherconfig.h"
+#include "tests/storage/contents.h"
 #include "tests/storage/keeping.h"
 #include "tests/support/warnings.h"
 
@@ -122,12 +123,6 @@ public:
 protected:
     void setupChildProcess() override { ::setpgid(0, 0); }
 };
-
-QByteArray contents(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 QStringList namesIn(const QString& dir)
 {

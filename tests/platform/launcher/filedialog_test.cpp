@@ -71,7 +71,7 @@ public:
 };
 
 template <typename Deed>
-void onDialog(Deed deed)
+void onPicker(Deed deed)
 {
     QTimer::singleShot(0, qApp, [deed] {
         auto* dialog = qobject_cast<OpenDialog*>(QApplication::activeModalWidget());
@@ -116,7 +116,7 @@ TEST_F(Choosing, AnswersTheFileThatWasTouched)
 {
     const QString file = make("link.sor");
     make("link.html");
-    onDialog([](const Picker& picker) {
+    onPicker([](const Picker& picker) {
         EXPECT_EQ(picker.dialog->windowTitle(), "Open");
         EXPECT_EQ(picker.names(), QStringList {"link.sor"});
         EXPECT_FALSE(picker.button("Load")->isEnabled());
@@ -131,19 +131,19 @@ TEST_F(Choosing, TakesAFilterInBrackets)
 {
     make("link.txt");
     make("a.SOR");
-    onDialog([](const Picker& picker) { EXPECT_EQ(picker.names(), QStringList {"a.SOR"}); });
+    onPicker([](const Picker& picker) { EXPECT_EQ(picker.names(), QStringList {"a.SOR"}); });
     EXPECT_EQ(chooseOne("Traces (*.sor *.trc)"), "");
 }
 
 TEST_F(Choosing, AnswersNothingWhenCancelled)
 {
     make("link.sor");
-    onDialog([](const Picker& picker) {
+    onPicker([](const Picker& picker) {
         picker.touch("link.sor");
         picker.press("Cancel");
     });
     EXPECT_EQ(chooseOne(), "");
-    onDialog([](const Picker& picker) {
+    onPicker([](const Picker& picker) {
         picker.touch("link.sor");
         QTest::keyClick(picker.dialog, Qt::Key_Escape);
     });
@@ -155,7 +155,7 @@ TEST_F(Choosing, TellsHowManyMayStillBeLoadedAndTakesNoMore)
     const QString a = make("a.sor");
     const QString b = make("b.sor");
     make("c.sor");
-    onDialog([](const Picker& picker) {
+    onPicker([](const Picker& picker) {
         EXPECT_EQ(picker.left(), "May still be loaded: 2");
         picker.touch("b.sor", FilesModel::Size); // anywhere in the row
         EXPECT_EQ(picker.left(), "May still be loaded: 1");
@@ -170,7 +170,7 @@ TEST_F(Choosing, TellsHowManyMayStillBeLoadedAndTakesNoMore)
 TEST_F(Choosing, SecondTouchTakesAFileBack)
 {
     make("a.sor");
-    onDialog([](const Picker& picker) {
+    onPicker([](const Picker& picker) {
         picker.touch("a.sor");
         EXPECT_TRUE(picker.button("Load")->isEnabled());
         picker.touch("a.sor");
@@ -184,7 +184,7 @@ TEST_F(Choosing, ShowsTheFlashDriveAsWell)
 {
     const QString a = make("a.sor");
     const QString b = make("stick/b.sor");
-    onDialog([](const Picker& picker) {
+    onPicker([](const Picker& picker) {
         picker.touch("a.sor");
         EXPECT_TRUE(picker.button("Storage")->isChecked());
         picker.press("Flash drive");
@@ -200,7 +200,7 @@ TEST_F(Choosing, NamesOfAForeignDriveAreTextAndNothingElse)
 {
     const QString file = make("R&D <b>x/<i>y.sor");
     const QString place = QFileInfo(file).path();
-    onDialog([&](const Picker& picker) {
+    onPicker([&](const Picker& picker) {
         const QPushButton* button = picker.button("R&&D <b>x");
         ASSERT_NE(button, nullptr);
         const auto shown = [](const QString& toolTip) {
@@ -217,7 +217,7 @@ TEST_F(Choosing, NamesOfAForeignDriveAreTextAndNothingElse)
 
 TEST_F(Choosing, SaysThatThereIsNothing)
 {
-    onDialog([](const Picker& picker) {
+    onPicker([](const Picker& picker) {
         auto* label = picker.list->findChild<QLabel*>();
         ASSERT_NE(label, nullptr);
         EXPECT_TRUE(label->isVisible());
@@ -232,7 +232,7 @@ TEST_F(Choosing, SaysThatThereIsNothing)
 TEST_F(Choosing, GoesElsewhereOnTheDesktop)
 {
     const QString c = make("elsewhere/c.sor");
-    onDialog([this](const Picker& picker) {
+    onPicker([this](const Picker& picker) {
         QTimer::singleShot(0, qApp, [this] {
             auto* chooser = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
             ASSERT_NE(chooser, nullptr);
@@ -251,7 +251,7 @@ TEST_F(Choosing, GoesElsewhereOnTheDesktop)
 TEST_F(Choosing, DoubleClickLoadsAtOnce)
 {
     const QString a = make("a.sor");
-    onDialog([](const Picker& picker) {
+    onPicker([](const Picker& picker) {
         picker.touch("a.sor");
         QTest::mouseDClick(picker.list->viewport(), Qt::LeftButton, {}, picker.placeOf("a.sor", 0));
         EXPECT_FALSE(picker.dialog->isVisible());
@@ -263,7 +263,7 @@ TEST_F(Choosing, WorksByKeysAlone)
 {
     make("a.sor");
     const QString b = make("b.sor");
-    onDialog([](const Picker& picker) {
+    onPicker([](const Picker& picker) {
         EXPECT_EQ(picker.dialog->focusWidget(), picker.list);
         const int row = picker.names().indexOf("b.sor");
         picker.list->setCurrentIndex(picker.list->model()->index(row, 0));
@@ -278,14 +278,14 @@ TEST_F(Choosing, WorksByKeysAlone)
 TEST_F(Choosing, EnterLoadsTheRowWhereNoneIsChecked)
 {
     const QString a = make("a.sor");
-    onDialog([](const Picker& picker) { QTest::keyClick(picker.list, Qt::Key_Return); });
+    onPicker([](const Picker& picker) { QTest::keyClick(picker.list, Qt::Key_Return); });
     EXPECT_EQ(choose(), QStringList {a});
 }
 
 TEST_F(Choosing, IsForFingersAndFitsTheInstrument)
 {
     make("a.sor");
-    onDialog([](const Picker& picker) {
+    onPicker([](const Picker& picker) {
         EXPECT_LE(picker.dialog->width(), 800);
         EXPECT_LE(picker.dialog->height(), 480);
         EXPECT_GE(picker.list->visualRect(picker.list->model()->index(0, 0)).height(), 44);
@@ -301,7 +301,7 @@ TEST_F(Choosing, DragScrollsTheListAndChecksNothing)
     for (int i = 0; i < 40; ++i) {
         make(QString("%1.sor").arg(i));
     }
-    onDialog([](const Picker& picker) {
+    onPicker([](const Picker& picker) {
         QWidget* rows = picker.list->viewport();
         const int x = rows->width() / 2;
         int y = rows->height() - 10;

@@ -16,27 +16,27 @@ namespace {
 
 QStringList diary;
 
-class FakeModel : public MeasModel
+class DiaryModel : public MeasModel
 {
 public:
-    explicit FakeModel(CardController* card)
+    explicit DiaryModel(CardController* card)
         : MeasModel(card, "")
     {
         diary << "model";
     }
 
-    ~FakeModel() override { diary << "~model"; }
+    ~DiaryModel() override { diary << "~model"; }
 
 protected:
     void doInit() override { diary << "init"; }
 };
 
-class FakeWindow : public MeasWindow
+class DiaryWindow : public MeasWindow
 {
 public:
-    FakeWindow() { diary << "window"; }
+    DiaryWindow() { diary << "window"; }
 
-    ~FakeWindow() override { diary << "~window"; }
+    ~DiaryWindow() override { diary << "~window"; }
 
     void setModel(PluginModel* model) override
     {
@@ -45,12 +45,12 @@ public:
     }
 };
 
-class FakeKeeper : public AbstractKeeper
+class DiaryKeeper : public AbstractKeeper
 {
 public:
-    FakeKeeper() { diary << "keeper"; }
+    DiaryKeeper() { diary << "keeper"; }
 
-    ~FakeKeeper() override { diary << "~keeper"; }
+    ~DiaryKeeper() override { diary << "~keeper"; }
 
     int doSave(const QString& /*name*/) override { return 0; }
 
@@ -79,7 +79,7 @@ public:
             EXPECT_EQ(window(), nullptr);
             EXPECT_EQ(myKeeper(), nullptr);
         }
-        return new FakeModel(cardController);
+        return new DiaryModel(cardController);
     }
 
     PluginWindow* createWindow() override
@@ -89,19 +89,19 @@ public:
             EXPECT_EQ(window(), nullptr);
             EXPECT_EQ(myKeeper(), nullptr);
         }
-        return withWindow ? new FakeWindow : nullptr;
+        return withWindow ? new DiaryWindow : nullptr;
     }
 
     AbstractKeeper* createKeeper() override
     {
         ++keeperCalls;
         if (incurious) {
-            return new FakeKeeper;
+            return new DiaryKeeper;
         }
         EXPECT_NE(model(), nullptr);
         EXPECT_EQ(window() != nullptr, withWindow);
         EXPECT_EQ(myKeeper(), nullptr);
-        return window() == nullptr ? nullptr : new FakeKeeper;
+        return window() == nullptr ? nullptr : new DiaryKeeper;
     }
 
     PluginIcon* createIcon() override

@@ -16,7 +16,7 @@ namespace {
 
 using namespace testing_support; // builder and units
 
-WfMeasParams fibre()
+WfMeasParams usualFibre()
 {
     WfMeasParams params;
     params.ior = 1.468;
@@ -28,7 +28,7 @@ TEST(LossCalc, MeasuresASpliceFromTheLinesOnBothSides)
 {
     const TraceFiles files;
     const Reflectogram refl =
-        files.measured(TraceBuilder().fibre(4_km).splice(2_km, 0.3_dB), fibre());
+        files.measured(TraceBuilder().fibre(4_km).splice(2_km, 0.3_dB), usualFibre());
     const long position = std::lround(2000.0 / refl.smpl2dist(1.0));
     const LossCalc calc(position, refl);
     EXPECT_NEAR(calc.loss(), 0.3, 0.002); // counts are whole thousandths
@@ -40,7 +40,7 @@ TEST(LossCalc, CountsPositionsFromZeroMetres)
 {
     const TraceFiles files;
     const TraceBuilder builder = TraceBuilder().front(200).fibre(4_km).splice(2_km, 0.3_dB);
-    const Reflectogram refl(files.writeSnapshot("dark.bin", builder, 10.0, -2000.0), fibre());
+    const Reflectogram refl(files.writeSnapshot("dark.bin", builder, 10.0, -2000.0), usualFibre());
     const LossCalc calc(std::lround(2000.0 / refl.smpl2dist(1.0)), refl);
     EXPECT_NEAR(calc.loss(), 0.3, 0.002);
 }
@@ -49,7 +49,7 @@ TEST(LossCalc, KeepsItsLinesClearOfNeighbouringEvents)
 {
     const TraceFiles files;
     Reflectogram refl = files.measured(
-        TraceBuilder().fibre(6_km).splice(2_km, 0.3_dB).splice(3_km, 1.0_dB), fibre());
+        TraceBuilder().fibre(6_km).splice(2_km, 0.3_dB).splice(3_km, 1.0_dB), usualFibre());
     Event first(Event::NonReflective, 2000, 10);
     Event second(Event::NonReflective, 3000, 10);
     refl.setEventList({first, second});
@@ -61,7 +61,7 @@ TEST(LossCalc, KnowsTheLevelBeforeTheEndThoughNoneIsBehind)
 {
     const TraceFiles files;
     const Reflectogram refl = files.measured(
-        TraceBuilder().fibre(4_km).behind(4000).noise(0.001_dB, 5).noiseFloor(10_dB), fibre());
+        TraceBuilder().fibre(4_km).behind(4000).noise(0.001_dB, 5).noiseFloor(10_dB), usualFibre());
     const LossCalc calc(std::lround(4000.0 / refl.smpl2dist(1.0)), refl);
     EXPECT_NEAR(calc.reflIn(), 45.0 - 0.8, 0.002);
     EXPECT_TRUE(std::isnan(calc.reflOut()));
@@ -80,8 +80,8 @@ TEST(ReflcoefCalc, FindsTheReflectanceThatMadeThePeak)
 {
     const double height_dB = otdr::peakHeight_dB(-45.0, -81.9, 100.0);
     const TraceFiles files;
-    const Reflectogram refl =
-        files.measured(TraceBuilder().fibre(4_km).reflection(2_km, Decibels {height_dB}), fibre());
+    const Reflectogram refl = files.measured(
+        TraceBuilder().fibre(4_km).reflection(2_km, Decibels {height_dB}), usualFibre());
     const double base_dB = 45.0 - 0.4;
     double peak_dB = 0.0;
     EXPECT_NEAR(ReflcoefCalc(refl)(2000.0, base_dB, peak_dB), -45.0, 0.01);
@@ -92,7 +92,7 @@ TEST(ReflcoefCalc, FindsTheReflectanceThatMadeThePeak)
 TEST(ReflcoefCalc, IsUnknownWhereNothingStandsAboveTheBase)
 {
     const TraceFiles files;
-    const Reflectogram refl = files.measured(TraceBuilder().fibre(4_km), fibre());
+    const Reflectogram refl = files.measured(TraceBuilder().fibre(4_km), usualFibre());
     double peak_dB = 0.0;
     EXPECT_TRUE(std::isnan(ReflcoefCalc(refl)(2000.0, 60.0, peak_dB)));
     EXPECT_TRUE(std::isnan(peak_dB));
@@ -103,7 +103,7 @@ TEST(OrlCalc, AgreesWithTheClosedFormOfUniformFibre)
 {
     // Without reflections: the sum of a falling exponential from the start of the stretch.
     const TraceFiles files;
-    const Reflectogram refl = files.measured(TraceBuilder().fibre(6_km), fibre());
+    const Reflectogram refl = files.measured(TraceBuilder().fibre(6_km), usualFibre());
     const double metresPerNs = refl.smpl2dist(1.0) / refl.dataSpacing();
     const double perMetre = 0.2 / 4342.9;
     const auto closedForm = [&](double length_m) {
@@ -127,7 +127,7 @@ TEST(OrlCalc, TakesTheStatedReflectanceForASaturatedPeak)
 {
     const TraceFiles files;
     Reflectogram refl =
-        files.measured(TraceBuilder().fibre(6_km).reflection(3_km, 15.0_dB), fibre());
+        files.measured(TraceBuilder().fibre(6_km).reflection(3_km, 15.0_dB), usualFibre());
     ORLCalc calc(refl);
     const double seen = calc.recalculate(1000.0, 5000.0);
     Event clipped(Event::Reflective, 3000, 10);
@@ -143,7 +143,7 @@ TEST(OrlCalc, TakesTheStatedReflectanceForASaturatedPeak)
 TEST(OrlCalc, MayComputeWhileTheTraceIsExchanged)
 {
     const TraceFiles files;
-    const Reflectogram one = files.measured(TraceBuilder().fibre(3_km), fibre());
+    const Reflectogram one = files.measured(TraceBuilder().fibre(3_km), usualFibre());
     const Reflectogram two = files.plain();
     ORLCalc calc(one);
     std::atomic<bool> done {false};
@@ -162,7 +162,7 @@ TEST(OrlCalc, MayComputeWhileTheTraceIsExchanged)
 TEST(LsaLine, ReproducesAStraightFibre)
 {
     const TraceFiles files;
-    const Reflectogram refl = files.measured(TraceBuilder().fibre(6_km), fibre());
+    const Reflectogram refl = files.measured(TraceBuilder().fibre(6_km), usualFibre());
     LSALine lsa(1000.0, 2000.0, refl);
     const QLineF line = lsa.updateLineX1X2(4000.0, 2000.0);
     EXPECT_EQ(line.x1(), 4000.0);
@@ -175,7 +175,8 @@ TEST(LsaLine, ReproducesAStraightFibre)
 TEST(LsaLine, AgreesWithAStraightSumOverNoisySamples)
 {
     const TraceFiles files;
-    const Reflectogram refl = files.measured(TraceBuilder().fibre(6_km).noise(0.05_dB, 3), fibre());
+    const Reflectogram refl =
+        files.measured(TraceBuilder().fibre(6_km).noise(0.05_dB, 3), usualFibre());
     const QLineF line = LSALine(1000.0, 5000.0, refl).line();
 
     const double step = refl.smpl2dist(1.0);
@@ -203,7 +204,7 @@ TEST(LsaLine, AgreesWithAStraightSumOverNoisySamples)
 TEST(LsaLine, FallsBackToTheTraceBetweenTwoSamples)
 {
     const TraceFiles files;
-    const Reflectogram refl = files.measured(TraceBuilder().fibre(6_km), fibre());
+    const Reflectogram refl = files.measured(TraceBuilder().fibre(6_km), usualFibre());
     const double step = refl.smpl2dist(1.0);
     const QLineF line = LSALine(100.2 * step, 100.4 * step, refl).line();
     EXPECT_NEAR(line.y1(), refl.powerAtDist(100.2 * step), 1e-6);

@@ -27,7 +27,7 @@ struct Fault
     QByteArray reason; ///< on standard error
 };
 
-struct Outcome
+struct FaultyOutcome
 {
     bool isKilled = false;
     int code = -1;
@@ -49,7 +49,7 @@ protected:
     }
 
     /// Writes the report where old files stand.
-    Outcome run(int nth, const QString& how) const
+    FaultyOutcome run(int nth, const QString& how) const
     {
         for (const QString& name : kNames) {
             QFile file(path(name));
@@ -65,7 +65,7 @@ protected:
                 process.readAllStandardError(), faults.calls()};
     }
 
-    void expectOldOrNew(const Outcome& outcome) const
+    void expectOldOrNew(const FaultyOutcome& outcome) const
     {
         for (const QString& name : kNames) {
             const bool isNew = contents(name) == wanted[name];
@@ -94,7 +94,7 @@ TEST_P(FaultyReport, LeavesEachFileOldOrNewAndSaysWhy)
             continue;
         }
         SCOPED_TRACE(std::to_string(nth) + ": " + calls[nth - 1].toStdString());
-        const Outcome outcome = run(nth, GetParam().how);
+        const FaultyOutcome outcome = run(nth, GetParam().how);
         ASSERT_GE(outcome.calls.size(), nth) << "the fault never came";
         EXPECT_EQ(outcome.isKilled, GetParam().reason.isEmpty());
         expectOldOrNew(outcome);

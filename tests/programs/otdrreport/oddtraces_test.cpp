@@ -66,7 +66,7 @@ TEST_P(OddTraces, GiveAPageOfNumbersAndDashesOrAReason)
         << "a number beyond all measure";
 }
 
-QString pageOf(const TraceFiles& files, const Bytes& trace)
+QString generatedPage(const TraceFiles& files, const Bytes& trace)
 {
     otdrreport::Request request;
     request.task = otdrreport::Task::Write;
@@ -82,9 +82,9 @@ TEST(DamagedTraces, HaveAllTheirNotesOnThePage)
 {
     const TraceFiles files;
     const Bytes whole = SorSketch::plain().build();
-    EXPECT_FALSE(pageOf(files, whole).contains("Notes on reading the file"));
+    EXPECT_FALSE(generatedPage(files, whole).contains("Notes on reading the file"));
     const Bytes cut(whole.begin(), whole.end() - 2000);
-    const QString page = pageOf(files, cut);
+    const QString page = generatedPage(files, cut);
     const QStringList notes = Reflectogram(files.path("in.sor")).notes();
     ASSERT_GT(notes.size(), 2);
     EXPECT_EQ(page.count("Notes on reading the file"), 1);

@@ -20,8 +20,6 @@ using gather::analyse;
 using gather::TraceParams;
 using gather::TruthEvent;
 
-constexpr const char* kFast = "[Simulation]\nseed=7\ntimeScale=0\n";
-
 WfMeasParams measParams(const TraceParams& announced)
 {
     WfMeasParams params;

@@ -8,7 +8,7 @@ using gather::CommandLine;
 using gather::Form;
 using testing::HasSubstr;
 
-CommandLine parse(std::vector<const char*> arguments)
+CommandLine parseLine(std::vector<const char*> arguments)
 {
     arguments.insert(arguments.begin(), "wfgather");
     return gather::parseCommandLine(static_cast<int>(arguments.size()), arguments.data());
@@ -18,7 +18,7 @@ CommandLine parse(std::vector<const char*> arguments)
 
 TEST(GatherCommandLine, TakesTheTwoFiles)
 {
-    const CommandLine line = parse({"-o", "/tmp/user/wfsnapshot.bin", "-c", "/tmp/otdrcfg-1"});
+    const CommandLine line = parseLine({"-o", "/tmp/user/wfsnapshot.bin", "-c", "/tmp/otdrcfg-1"});
     EXPECT_EQ(line.form, Form::Run);
     EXPECT_EQ(line.snapshot, "/tmp/user/wfsnapshot.bin");
     EXPECT_EQ(line.settings, "/tmp/otdrcfg-1");
@@ -26,8 +26,8 @@ TEST(GatherCommandLine, TakesTheTwoFiles)
 
 TEST(GatherCommandLine, KeepsTheBytesOfANameAsTheyAre)
 {
-    EXPECT_EQ(parse({"-o", "\xff\xfe", "-c", "\xc3\xa9"}).snapshot, "\xff\xfe");
-    EXPECT_EQ(parse({"-o", "a", "-c", "\xc3\xa9"}).settings, "\xc3\xa9");
+    EXPECT_EQ(parseLine({"-o", "\xff\xfe", "-c", "\xc3\xa9"}).snapshot, "\xff\xfe");
+    EXPECT_EQ(parseLine({"-o", "a", "-c", "\xc3\xa9"}).settings, "\xc3\xa9");
 }
 
 TEST(GatherCommandLine, WantsBothFilesAndNothingElse)
@@ -41,7 +41,7 @@ TEST(GatherCommandLine, WantsBothFilesAndNothingElse)
                                                 {"-o", "a", "-c", "b", "c"},
                                                 {"-o", "a", "-c", "b", "-x"},
                                                 {"--nonsense"}}) {
-        const CommandLine line = parse(arguments);
+        const CommandLine line = parseLine(arguments);
         EXPECT_EQ(line.form, Form::Wrong);
         EXPECT_FALSE(line.message.empty());
     }
@@ -49,7 +49,7 @@ TEST(GatherCommandLine, WantsBothFilesAndNothingElse)
 
 TEST(GatherCommandLine, KnowsHelpAndVersion)
 {
-    EXPECT_EQ(parse({"--help"}).form, Form::ShowHelp);
-    EXPECT_THAT(parse({"--help"}).message, HasSubstr("timeScale"));
-    EXPECT_EQ(parse({"--version"}).form, Form::ShowVersion);
+    EXPECT_EQ(parseLine({"--help"}).form, Form::ShowHelp);
+    EXPECT_THAT(parseLine({"--help"}).message, HasSubstr("timeScale"));
+    EXPECT_EQ(parseLine({"--version"}).form, Form::ShowVersion);
 }

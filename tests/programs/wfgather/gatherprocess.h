@@ -7,11 +7,21 @@
 
 #include <sys/types.h>
 
+#include <chrono>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace wfgather_test {
+
+/// Settings of a simulation that is the same each time and does not wait.
+constexpr const char* kFast = "[Simulation]\nseed=7\ntimeScale=0\n";
+
+inline void sleep_ms(int time)
+{
+    std::this_thread::sleep_for(std::chrono::milliseconds(time));
+}
 
 /// A directory for one run of the acquisition program: settings, snapshot.
 class RunDirectory

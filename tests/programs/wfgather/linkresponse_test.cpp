@@ -22,7 +22,7 @@ double dB(double fraction)
     return 10.0 * std::log10(fraction);
 }
 
-double timeOf(double at_m)
+double timeTo(double at_m)
 {
     return at_m / otdr::metresPerNs(kIor);
 }
@@ -60,8 +60,8 @@ TEST(LinkResponse, BackscatterDecaysByTwiceTheAttenuation)
     ASSERT_EQ(response.backscatter.size(), 1U);
     const auto& stretch = response.backscatter.front();
     EXPECT_NEAR(dB(stretch.power_perNs), -81.9, 1e-9);
-    EXPECT_NEAR(dB(std::exp(-stretch.decay_perNs * timeOf(1000.0))), -0.4, 1e-9);
-    EXPECT_NEAR(stretch.to_ns, timeOf(10000.0), 1e-6);
+    EXPECT_NEAR(dB(std::exp(-stretch.decay_perNs * timeTo(1000.0))), -0.4, 1e-9);
+    EXPECT_NEAR(stretch.to_ns, timeTo(10000.0), 1e-6);
 }
 
 /// So dark that no power is left to count in.
@@ -73,7 +73,7 @@ TEST(LinkResponse, AFibreThatSwallowsAllLightAnswersWithNumbers)
     fibre.endReflectance_dB = Spectrum(-14.7);
     const LinkResponse response = responseOf(fibre, 1550);
     for (const auto& stretch : response.backscatter) {
-        EXPECT_NEAR(stretch.decay_perNs * timeOf(1000.0), 2.0 * 180.0 * std::log(10.0) / 10.0,
+        EXPECT_NEAR(stretch.decay_perNs * timeTo(1000.0), 2.0 * 180.0 * std::log(10.0) / 10.0,
                     1e-9);
     }
     for (const auto& reflection : response.reflections) {
@@ -181,7 +181,7 @@ TEST(Truth, TellsAGainerByTheChangeOfBackscatter)
     EXPECT_NEAR(truth[1].at_m, 8000.0, 1e-9);
     EXPECT_NEAR(truth[1].apparentLoss_dB, 0.2, 1e-9);
     EXPECT_TRUE(truth[2].end);
-    EXPECT_NEAR(truth[2].time_ns, timeOf(10000.0), 1e-6);
+    EXPECT_NEAR(truth[2].time_ns, timeTo(10000.0), 1e-6);
 }
 
 TEST(Truth, FindsABorderWhoseSumIsNotExact)

@@ -10,8 +10,6 @@
 #include <unistd.h>
 
 #include <array>
-#include <chrono>
-#include <thread>
 
 // "M {", the snapshots (each behind its tick) and "M }" of a trace are seen in this order, however
 // busy the reader is.
@@ -22,11 +20,6 @@ using namespace wfgather_test;
 
 constexpr const char* kBothFast =
     "[MeasParams]\nduration=1\nwavelength=all\n[Simulation]\nseed=1\ntimeScale=0\n";
-
-void sleep_ms(int time)
-{
-    std::this_thread::sleep_for(std::chrono::milliseconds(time));
-}
 
 /// Whether something comes true within two seconds.
 template <typename Condition>

@@ -20,8 +20,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
 
-constexpr const char* kFast = "[Simulation]\nseed=7\ntimeScale=0\n";
-
 std::string fast(const std::string& measParams)
 {
     return "[MeasParams]\n" + measParams + "\n" + kFast;

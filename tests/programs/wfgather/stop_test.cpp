@@ -4,7 +4,6 @@
 
 #include <chrono>
 #include <csignal>
-#include <thread>
 
 namespace {
 
@@ -15,11 +14,6 @@ using testing::Ge;
 using testing::Le;
 
 using Clock = std::chrono::steady_clock;
-
-void sleep_ms(int time)
-{
-    std::this_thread::sleep_for(std::chrono::milliseconds(time));
-}
 
 double since(Clock::time_point begin)
 {

@@ -20,7 +20,7 @@ using otdr::ErrorCode;
 using otdr::writeFileAtomically;
 using testing_support::Bytes;
 
-Bytes bytesOf(const std::string& text)
+Bytes bytesOfText(const std::string& text)
 {
     return testing_support::ByteSketch().text(text).done;
 }
@@ -104,7 +104,7 @@ TEST_F(AtomicFile, IsClosedAfterAFailureWhateverItsNumber)
 
 TEST_F(AtomicFile, WritesANewFile)
 {
-    const auto written = writeFileAtomically(at("new"), bytesOf("trace"));
+    const auto written = writeFileAtomically(at("new"), bytesOfText("trace"));
     ASSERT_TRUE(written.ok());
     EXPECT_EQ(*written, 5U);
     EXPECT_EQ(contents("new"), "trace");
@@ -113,10 +113,10 @@ TEST_F(AtomicFile, WritesANewFile)
 
 TEST_F(AtomicFile, ReplacesAFileAndKeepsItsPermissions)
 {
-    ASSERT_TRUE(writeFileAtomically(at("old"), bytesOf("a longer one")).ok());
+    ASSERT_TRUE(writeFileAtomically(at("old"), bytesOfText("a longer one")).ok());
     fs::permissions(at("old"),
                     fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
-    ASSERT_TRUE(writeFileAtomically(at("old"), bytesOf("short")).ok());
+    ASSERT_TRUE(writeFileAtomically(at("old"), bytesOfText("short")).ok());
     EXPECT_EQ(contents("old"), "short");
     EXPECT_EQ(fs::status(at("old")).permissions(),
               fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
@@ -125,7 +125,7 @@ TEST_F(AtomicFile, ReplacesAFileAndKeepsItsPermissions)
 TEST_F(AtomicFile, GivesANewFileThePermissionsOfTheUser)
 {
     const mode_t before = ::umask(027);
-    ASSERT_TRUE(writeFileAtomically(at("new"), bytesOf("x")).ok());
+    ASSERT_TRUE(writeFileAtomically(at("new"), bytesOfText("x")).ok());
     ::umask(before);
     EXPECT_EQ(static_cast<unsigned>(fs::status(at("new")).permissions()), 0640U);
 }
@@ -139,9 +139,9 @@ TEST_F(AtomicFile, WritesAnEmptyFile)
 
 TEST_F(AtomicFile, FollowsALink)
 {
-    ASSERT_TRUE(writeFileAtomically(at("real"), bytesOf("old")).ok());
+    ASSERT_TRUE(writeFileAtomically(at("real"), bytesOfText("old")).ok());
     fs::create_symlink("real", directory / "link");
-    ASSERT_TRUE(writeFileAtomically(at("link"), bytesOf("new")).ok());
+    ASSERT_TRUE(writeFileAtomically(at("link"), bytesOfText("new")).ok());
     EXPECT_TRUE(fs::is_symlink(directory / "link"));
     EXPECT_EQ(contents("real"), "new");
 }
@@ -149,13 +149,13 @@ TEST_F(AtomicFile, FollowsALink)
 TEST_F(AtomicFile, TakesANameAsLongAsANameCanBe)
 {
     const std::string name(255, 'n');
-    ASSERT_TRUE(writeFileAtomically(at(name), bytesOf("x")).ok());
+    ASSERT_TRUE(writeFileAtomically(at(name), bytesOfText("x")).ok());
     EXPECT_EQ(contents(name), "x");
 }
 
 TEST_F(AtomicFile, LeavesTheOldFileWholeWhenTheDiskIsFull)
 {
-    ASSERT_TRUE(writeFileAtomically(at("kept"), bytesOf("what was there")).ok());
+    ASSERT_TRUE(writeFileAtomically(at("kept"), bytesOfText("what was there")).ok());
     {
         const FullDisk full(1000);
         const auto written = writeFileAtomically(at("kept"), Bytes(5000));
@@ -168,7 +168,7 @@ TEST_F(AtomicFile, LeavesTheOldFileWholeWhenTheDiskIsFull)
 
 TEST_F(AtomicFile, NamesTheFileThatCannotBeWritten)
 {
-    const auto written = writeFileAtomically(at("no/such/directory"), bytesOf("x"));
+    const auto written = writeFileAtomically(at("no/such/directory"), bytesOfText("x"));
     ASSERT_FALSE(written.ok());
     EXPECT_EQ(written.error().code, ErrorCode::CannotWrite);
     EXPECT_THAT(written.error().message, testing::HasSubstr("no/such/directory"));
@@ -177,10 +177,10 @@ TEST_F(AtomicFile, NamesTheFileThatCannotBeWritten)
 TEST_F(AtomicFile, RefusesWhatIsNotARegularFile)
 {
     fs::create_directory(directory / "folder");
-    EXPECT_FALSE(writeFileAtomically(at("folder"), bytesOf("x")).ok());
+    EXPECT_FALSE(writeFileAtomically(at("folder"), bytesOfText("x")).ok());
     ASSERT_EQ(::mkfifo(at("pipe").c_str(), 0600), 0);
-    EXPECT_FALSE(writeFileAtomically(at("pipe"), bytesOf("x")).ok());
-    EXPECT_FALSE(writeFileAtomically("", bytesOf("x")).ok());
+    EXPECT_FALSE(writeFileAtomically(at("pipe"), bytesOfText("x")).ok());
+    EXPECT_FALSE(writeFileAtomically("", bytesOfText("x")).ok());
     EXPECT_EQ(entries(), 2);
 }
 
@@ -226,7 +226,7 @@ TEST_F(Leftovers, OfAProgramThatRunsStay)
 
 TEST_F(Leftovers, OfAnEarlierProcessWithOurNumberAreRemovedAndOurOwnStay)
 {
-    ASSERT_TRUE(writeFileAtomically(at("trace"), bytesOf("x")).ok()); // number 0 is used by now
+    ASSERT_TRUE(writeFileAtomically(at("trace"), bytesOfText("x")).ok()); // number 0 is used by now
     const std::string own = ".waveform-" + std::to_string(::getpid());
     make(own + "-0");
     make(own + "-4000000000");

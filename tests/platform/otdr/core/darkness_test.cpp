@@ -1,6 +1,7 @@
 #include "platform/otdr/core/darkness.h"
 #include "platform/otdr/core/eventdetection.h"
 #include "platform/otdr/core/trace.h"
+#include "tests/platform/otdr/core/counts.h"
 #include "tests/support/tracebuilder.h"
 
 #include <gtest/gtest.h>
@@ -17,11 +18,6 @@ using namespace otdr;
 using namespace testing_support;
 
 using Counts = std::vector<std::uint16_t>;
-
-Trace traceOf(const Counts& counts)
-{
-    return {RawSamples(counts), kUsualDbPerCount, {}};
-}
 
 std::uint16_t countOf(double level_dB)
 {
@@ -116,7 +112,7 @@ TEST(Darkness, BehindLightIsMeasured)
 }
 
 /// A link with noise behind it, in front of it so many samples of darkness.
-Counts link(std::size_t front, std::uint16_t frontCount, double least_dB)
+Counts linkBetweenDarkness(std::size_t front, std::uint16_t frontCount, double least_dB)
 {
     const Counts fibre = TraceBuilder()
                              .fibre(12_km)
@@ -127,14 +123,14 @@ Counts link(std::size_t front, std::uint16_t frontCount, double least_dB)
     return Counts(front, frontCount) + fibre + noiseOf(20.0, least_dB, 6000);
 }
 
-Detection detect(const Counts& counts)
+Detection detectIn(const Counts& counts)
 {
     return detectEvents(Trace(RawSamples(counts), kUsualDbPerCount, {10.0, 0.0}),
                         {100.0, 0.1021, -80.0});
 }
 
 /// The same events, all of them so many samples later.
-void expectSame(const Detection& found, const Detection& expected, double later)
+void expectSameEvents(const Detection& found, const Detection& expected, double later)
 {
     // The start stands at 0 m, whatever is there.
     ASSERT_EQ(found.events.size(), expected.events.size());
@@ -149,24 +145,25 @@ void expectSame(const Detection& found, const Detection& expected, double later)
 
 TEST(DarkRecord, DoesNotMindDarkSamplesBeforeThePort)
 {
-    const Detection expected = detect(link(0, 0, 1.5));
+    const Detection expected = detectIn(linkBetweenDarkness(0, 0, 1.5));
     ASSERT_EQ(expected.events.size(), 4U);
     for (const std::size_t front : {100, 1000, 2000, 20000}) {
         for (const std::uint16_t count : {65535, 64000}) {
             SCOPED_TRACE(front);
-            expectSame(detect(link(front, count, 1.5)), expected, static_cast<double>(front));
+            expectSameEvents(detectIn(linkBetweenDarkness(front, count, 1.5)), expected,
+                             static_cast<double>(front));
         }
     }
 }
 
 TEST(DarkRecord, DoesNotMindWhatFillsTheRecordUp)
 {
-    const Counts plain = link(0, 0, 1.5);
-    const Detection expected = detect(plain);
+    const Counts plain = linkBetweenDarkness(0, 0, 1.5);
+    const Detection expected = detectIn(plain);
     for (const std::size_t fill : {100, 3000, 30000}) {
         for (const std::uint16_t count : {65535, 64035, 64000, 0}) {
             SCOPED_TRACE(count);
-            expectSame(detect(plain + Counts(fill, count)), expected, 0.0);
+            expectSameEvents(detectIn(plain + Counts(fill, count)), expected, 0.0);
         }
     }
 }
@@ -175,10 +172,10 @@ TEST(DarkRecord, DoesNotMindWhatFillsTheRecordUp)
 /// there.
 TEST(DarkRecord, DoesNotMindWhereTheNoiseIsCutOff)
 {
-    const Detection expected = detect(link(0, 0, 0.0));
+    const Detection expected = detectIn(linkBetweenDarkness(0, 0, 0.0));
     for (const double least_dB : {1.5, 10.0, 17.0, 19.0, 20.0, 21.0, 21.5}) {
         SCOPED_TRACE(least_dB);
-        expectSame(detect(link(0, 0, least_dB)), expected, 0.0);
+        expectSameEvents(detectIn(linkBetweenDarkness(0, 0, least_dB)), expected, 0.0);
     }
 }
 

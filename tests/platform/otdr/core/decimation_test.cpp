@@ -39,7 +39,7 @@ private:
     Trace trace;
 };
 
-Counts randomCounts(std::size_t size, unsigned different, unsigned seed)
+Counts countsOfFew(std::size_t size, unsigned different, unsigned seed)
 {
     std::mt19937 generator(seed);
     Counts counts(size);
@@ -172,7 +172,7 @@ TEST(Decimation, WindowIsClosedAtBothEnds)
 
 TEST(Decimation, GivesAllSamplesWhereTheyAreNoMoreThanThePoints)
 {
-    const Counts counts = randomCounts(100, 65536, 1);
+    const Counts counts = countsOfFew(100, 65536, 1);
     const TraceOf trace(counts);
     for (const std::size_t points : {100U, 101U, 5000U}) {
         EXPECT_EQ(decimatePeaks(trace, 0, 99, points).size(), 100U);
@@ -270,7 +270,7 @@ TEST(Decimation, EqualsTheDefinitionForAnyWindow)
     std::uniform_real_distribution<double> part(-0.2, 1.2);
     for (unsigned round = 0; round < 200; ++round) {
         const std::size_t size = generator() % 40000;
-        const Counts counts = randomCounts(size, round % 2 == 0 ? 65536 : 3, round);
+        const Counts counts = countsOfFew(size, round % 2 == 0 ? 65536 : 3, round);
         const TraceOf trace(counts);
         double first = part(generator) * static_cast<double>(size);
         double last = part(generator) * static_cast<double>(size);
@@ -291,7 +291,7 @@ TEST(Decimation, EqualsTheDefinitionForAnyWindow)
 
 TEST(Decimation, NeverGivesMorePointsThanAsked)
 {
-    const Counts counts = randomCounts(10000, 65536, 5);
+    const Counts counts = countsOfFew(10000, 65536, 5);
     const TraceOf trace(counts);
     for (std::size_t points = 2; points < 200; ++points) {
         EXPECT_LE(decimatePeaks(trace, 0, 9999, points).size(), points);

@@ -14,6 +14,8 @@
 
 namespace testing_support {
 
+constexpr double kPulse = 20.0; ///< samples; of most of these fibres
+
 /// A trace drawn from a formula, and what the search asks of it: the truth is the formula itself.
 class DrawnFibre
 {

@@ -10,7 +10,7 @@ namespace {
 using otdr::DetectedEvent;
 using Kind = DetectedEvent::Kind;
 
-constexpr double kPulse = 20.0;
+constexpr double kEchoesPulse = 20.0;
 
 /// A reflection on fibre that loses nothing, so that echoes are as strong as their reflectors make
 /// them.
@@ -29,7 +29,7 @@ DetectedEvent reflector(double index, double reflectance_dB, double loss_dB = 0.
 
 bool isLastAnEcho(std::vector<DetectedEvent> events, double port = 0.0)
 {
-    otdr::markEchoes(events, kPulse, port);
+    otdr::markEchoes(events, kEchoesPulse, port);
     for (std::size_t i = 0; i + 1 < events.size(); ++i) {
         EXPECT_FALSE(events[i].echo) << i;
     }
@@ -185,7 +185,7 @@ TEST(Echoes, HaveNoEchoesOfTheirOwn)
 {
     std::vector<DetectedEvent> events = {reflector(3000, -40.0), reflector(6000, -106.0),
                                          reflector(12000, -240.0)};
-    otdr::markEchoes(events, kPulse, 0.0);
+    otdr::markEchoes(events, kEchoesPulse, 0.0);
     EXPECT_TRUE(events[1].echo);
     EXPECT_FALSE(events[2].echo);
 }

@@ -1,5 +1,6 @@
 #include "platform/otdr/core/eventdetection.h"
 #include "platform/otdr/core/reflectance.h"
+#include "tests/platform/otdr/core/kindsof.h"
 #include "tests/support/tracebuilder.h"
 
 #include <gmock/gmock.h>
@@ -7,7 +8,6 @@
 
 #include <cmath>
 #include <random>
-#include <string>
 #include <vector>
 
 namespace {
@@ -36,15 +36,6 @@ Detection detect(const TraceBuilder& builder, const otdr::DetectionSettings& set
 TraceBuilder link(std::uint64_t seed = 21)
 {
     return TraceBuilder().fibre(12_km).behind(3000).noise(0.01_dB, seed).noiseFloor(8_dB);
-}
-
-std::string kindsOf(const Detection& detection)
-{
-    std::string kinds;
-    for (const DetectedEvent& event : detection.events) {
-        kinds += "srnpe"[static_cast<int>(event.kind)];
-    }
-    return kinds;
 }
 
 const DetectedEvent* nearest(const Detection& detection, double index)

@@ -10,8 +10,6 @@ namespace {
 using namespace testing_support;
 using otdr::Candidate;
 
-constexpr double kPulse = 20.0;
-
 otdr::SearchScale windowsUpTo(double longest)
 {
     otdr::SearchScale scale = scaleOf(kPulse);

@@ -13,9 +13,7 @@ namespace {
 using namespace testing_support;
 using otdr::EventSearch;
 
-constexpr double kPulse = 20.0;
-
-struct Place
+struct DrawnPlace
 {
     double at;
     double loss_dB;
@@ -24,13 +22,13 @@ struct Place
 
 /// 12,000 samples of a nanosecond and a decimetre each, as a receiver of this time constant shows
 /// them.
-DrawnFibre linkOf(const std::vector<Place>& places, double timeConstant)
+DrawnFibre linkOf(const std::vector<DrawnPlace>& places, double timeConstant)
 {
     const otdr::PulseShape shape(kPulse, timeConstant);
     return {12000, scaleOf(kPulse),
             [=](double i) {
                 double level = 40.0 - 0.00003 * i;
-                for (const Place& place : places) {
+                for (const DrawnPlace& place : places) {
                     level +=
                         eventLevel_dB(shape, i - place.at, 0.0, -place.loss_dB, place.height_dB);
                 }
@@ -215,7 +213,7 @@ TEST(EventSearch, FindsEachPlaceOnce)
 /// what is found of them tells it, and that finds the others.
 TEST(EventSearch, FindsWhatStandsCloseToEachOther)
 {
-    std::vector<Place> places;
+    std::vector<DrawnPlace> places;
     for (int k = 1; k <= 80; ++k) {
         places.push_back({140.0 * k, (k % 3 == 0 ? -1.0 : 0.5) * (k % 7 == 0 ? 0.4 : 0.1), 0.0});
     }

@@ -12,7 +12,6 @@ namespace {
 
 using namespace testing_support;
 
-constexpr double kPulse = 20.0;
 constexpr double kFall = 8000.0; ///< where light falls by 10 dB
 constexpr double kEnd = 30000.0;
 constexpr double kNoise_dB = 8.0; ///< level of its RMS

@@ -44,14 +44,14 @@ otdr::Trace withNoise(const std::vector<std::uint16_t>& light, double rms_dB, st
     return {otdr::RawSamples(counts), 0.001, {10.0, 0.0}};
 }
 
-TraceBuilder link()
+TraceBuilder endingLink()
 {
     return TraceBuilder().fibre(12_km).behind(3000).noise(0.01_dB, 11).noiseFloor(8_dB);
 }
 
 TEST(FibreEnd, OfACutStandsAtItsFoot)
 {
-    const TraceBuilder builder = link();
+    const TraceBuilder builder = endingLink();
     const auto extent = extentOf(builder);
     EXPECT_EQ(extent.kind, End::Found);
     EXPECT_NEAR(extent.end, builder.indexOf(12_km), 2.0);
@@ -59,7 +59,7 @@ TEST(FibreEnd, OfACutStandsAtItsFoot)
 
 TEST(FibreEnd, OfAReflectionStandsAtItsFoot)
 {
-    const TraceBuilder builder = link().reflectingEnd(12_dB);
+    const TraceBuilder builder = endingLink().reflectingEnd(12_dB);
     const auto extent = extentOf(builder);
     EXPECT_EQ(extent.kind, End::Found);
     EXPECT_NEAR(extent.end, builder.indexOf(12_km), 2.0);
@@ -67,7 +67,7 @@ TEST(FibreEnd, OfAReflectionStandsAtItsFoot)
 
 TEST(FibreEnd, IsNotAConnector)
 {
-    const TraceBuilder builder = link().connector(4_km, 0.5_dB, 15_dB);
+    const TraceBuilder builder = endingLink().connector(4_km, 0.5_dB, 15_dB);
     EXPECT_NEAR(extentOf(builder).end, builder.indexOf(12_km), 2.0);
 }
 
@@ -75,10 +75,12 @@ TEST(FibreEnd, IsNotAConnector)
 TEST(FibreEnd, OfAShortPieceBehindAConnectorIsTheFarOne)
 {
     for (const double length_m : {20.0, 30.0, 60.0, 120.0}) {
-        const TraceBuilder builder = link().connector(Length {12000.0 - length_m}, 0.3_dB, 10_dB);
+        const TraceBuilder builder =
+            endingLink().connector(Length {12000.0 - length_m}, 0.3_dB, 10_dB);
         EXPECT_NEAR(extentOf(builder).end, builder.indexOf(12_km), 2.5) << length_m;
     }
-    const TraceBuilder builder = link().connector(11.9_km, 0.3_dB, 10_dB).reflectingEnd(12_dB);
+    const TraceBuilder builder =
+        endingLink().connector(11.9_km, 0.3_dB, 10_dB).reflectingEnd(12_dB);
     EXPECT_NEAR(extentOf(builder).end, builder.indexOf(12_km), 2.5);
 }
 
@@ -92,7 +94,7 @@ TEST(FibreEnd, IsFoundWhereTheRecordBehindItIsDarkAndWithoutNoise)
 
 TEST(FibreEnd, IsNotASplitter)
 {
-    const TraceBuilder builder = link().splice(5_km, 10_dB);
+    const TraceBuilder builder = endingLink().splice(5_km, 10_dB);
     EXPECT_NEAR(extentOf(builder).end, builder.indexOf(12_km), 2.0);
 }
 
@@ -233,13 +235,13 @@ TEST(FibreEnd, OfARecordThatEndsOnFibreIsOutOfRange)
 
 TEST(FibreEnd, LaunchIsWhereLightBegins)
 {
-    const TraceBuilder builder = link().front(500);
+    const TraceBuilder builder = endingLink().front(500);
     EXPECT_NEAR(extentOf(builder).launch, 500.0, 1.0);
 }
 
 TEST(FibreEnd, LaunchReflectionIsOverWhereTheFibreBegins)
 {
-    const TraceBuilder builder = link().reflection(0_km, 10_dB);
+    const TraceBuilder builder = endingLink().reflection(0_km, 10_dB);
     const auto extent = extentOf(builder);
     EXPECT_GE(extent.first, builder.pulseSamples());
     EXPECT_LT(extent.first, 6.0 * builder.pulseSamples());

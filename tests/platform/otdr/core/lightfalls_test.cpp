@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr double kPulse = 10.0;
+constexpr double kFallsPulse = 10.0;
 constexpr std::size_t kReach = 256;
 
 /// Falls of 8,000 samples of these levels, dB, with a little noise.
@@ -26,13 +26,13 @@ std::vector<double> fallsOf(const std::function<double(double)>& level_dB, doubl
             std::lround(otdr::kNoSignal - std::max(0.0, level) / otdr::kUsualDbPerCount));
     }
     const otdr::Trace trace(otdr::RawSamples(counts), otdr::kUsualDbPerCount, {});
-    return otdr::lightFalls(trace, kPulse, 0, counts.size(), kReach);
+    return otdr::lightFalls(trace, kFallsPulse, 0, counts.size(), kReach);
 }
 
 /// Light that falls by so much within a pulse behind a place.
 double fallen_dB(double i, double place, double fall_dB)
 {
-    return -fall_dB * std::min(1.0, std::max(0.0, (i - place) / kPulse));
+    return -fall_dB * std::min(1.0, std::max(0.0, (i - place) / kFallsPulse));
 }
 
 TEST(LightFalls, AreFoundWhereverTheyStand)
@@ -42,7 +42,7 @@ TEST(LightFalls, AreFoundWhereverTheyStand)
             const auto falls =
                 fallsOf([=](double i) { return 30.0 + fallen_dB(i, place, fall_dB); });
             ASSERT_EQ(falls.size(), 1U) << place << ' ' << fall_dB;
-            EXPECT_NEAR(falls.front(), place + 0.5 * kPulse, kPulse) << fall_dB;
+            EXPECT_NEAR(falls.front(), place + 0.5 * kFallsPulse, kFallsPulse) << fall_dB;
         }
     }
 }
@@ -56,8 +56,8 @@ TEST(LightFalls, OfOneStretchAreAllTold)
                 return 30.0 + fallen_dB(i, place, 8.0) + fallen_dB(i, place + apart, 12.0);
             });
             ASSERT_EQ(falls.size(), 2U) << apart << ' ' << place;
-            EXPECT_NEAR(falls[0], place + 0.5 * kPulse, kPulse) << apart;
-            EXPECT_NEAR(falls[1], place + apart + 0.5 * kPulse, kPulse) << apart;
+            EXPECT_NEAR(falls[0], place + 0.5 * kFallsPulse, kFallsPulse) << apart;
+            EXPECT_NEAR(falls[1], place + apart + 0.5 * kFallsPulse, kFallsPulse) << apart;
         }
     }
 }
@@ -68,7 +68,7 @@ TEST(LightFalls, AreNoReflectionsNorWhatFibreLoses)
     EXPECT_TRUE(fallsOf([](double i) { return 30.0 + fallen_dB(i, 3000.0, 0.8); }).empty());
     for (const double pulses : {1.0, 3.0, 10.0, 20.0}) {
         const auto reflection = [=](double i) {
-            return 20.0 + (i >= 3000.0 && i < 3000.0 + pulses * kPulse ? 15.0 : 0.0);
+            return 20.0 + (i >= 3000.0 && i < 3000.0 + pulses * kFallsPulse ? 15.0 : 0.0);
         };
         EXPECT_TRUE(fallsOf(reflection).empty()) << pulses;
     }

@@ -1,5 +1,6 @@
 #include "platform/otdr/core/linefit.h"
 #include "platform/otdr/core/trace.h"
+#include "tests/platform/otdr/core/counts.h"
 #include "tests/support/tracebuilder.h"
 
 #include <gtest/gtest.h>
@@ -15,26 +16,10 @@ namespace {
 using otdr::fitLine;
 using otdr::fitLineBetween;
 using otdr::Line;
-using otdr::RawSamples;
 using otdr::Trace;
 using namespace testing_support;
 
 using Counts = std::vector<std::uint16_t>;
-
-Trace traceOf(const Counts& counts, double dbPerCount = 0.001)
-{
-    return Trace(RawSamples(counts), dbPerCount, {});
-}
-
-Counts randomCounts(std::size_t size, unsigned seed)
-{
-    std::mt19937 generator(seed);
-    Counts counts(size);
-    for (std::uint16_t& count : counts) {
-        count = static_cast<std::uint16_t>(generator());
-    }
-    return counts;
-}
 
 /// Counts from a level in decibels down by a slope in decibels a sample.
 Counts slope(std::size_t size, double level, double perSample)
@@ -78,7 +63,7 @@ Line slowLine(const Trace& trace, std::size_t first, std::size_t last)
     return line;
 }
 
-void expectSame(const Trace& trace, std::size_t first, std::size_t last)
+void expectSameLine(const Trace& trace, std::size_t first, std::size_t last)
 {
     const std::optional<Line> found = fitLine(trace, first, last);
     ASSERT_TRUE(found);
@@ -144,19 +129,19 @@ TEST(LineFit, EqualsStraightSumsForAnyStretch)
         const Trace trace = traceOf(randomCounts(2 + generator() % 3000, round));
         const std::size_t first = generator() % (trace.size() - 1);
         const std::size_t last = first + 2 + generator() % (trace.size() - first - 1);
-        expectSame(trace, first, std::min(last, trace.size()));
+        expectSameLine(trace, first, std::min(last, trace.size()));
     }
 }
 
 TEST(LineFit, AgreesWithStraightSumsOnTenMillionSamples)
 {
     const Trace trace = traceOf(slope(10'000'000, 60.0, 0.000005));
-    expectSame(trace, 0, trace.size());
-    expectSame(trace, 9'990'000, 9'999'999);
-    expectSame(trace, 1'234'567, 8'765'432);
+    expectSameLine(trace, 0, trace.size());
+    expectSameLine(trace, 9'990'000, 9'999'999);
+    expectSameLine(trace, 1'234'567, 8'765'432);
     const Trace noise = traceOf(randomCounts(10'000'000, 4));
-    expectSame(noise, 0, noise.size());
-    expectSame(noise, 9'999'900, 10'000'000);
+    expectSameLine(noise, 0, noise.size());
+    expectSameLine(noise, 9'999'900, 10'000'000);
 }
 
 TEST(LineFit, OfTheReversedTraceHasTheOppositeSlope)

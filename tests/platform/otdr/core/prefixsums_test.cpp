@@ -1,4 +1,5 @@
 #include "platform/otdr/core/prefixsums.h"
+#include "tests/platform/otdr/core/counts.h"
 
 #include <gtest/gtest.h>
 
@@ -13,21 +14,13 @@ using otdr::LineSums;
 using otdr::PowerSums;
 using otdr::PrefixSums;
 using otdr::RawSamples;
+using testing_support::randomCounts;
 
 using Counts = std::vector<std::uint16_t>;
 
-Counts randomCounts(std::size_t size, unsigned seed)
-{
-    std::mt19937 generator(seed);
-    Counts counts(size);
-    for (std::uint16_t& count : counts) {
-        count = static_cast<std::uint16_t>(generator());
-    }
-    return counts;
-}
-
 /// Straight sums with the centre and base that the answer chose.
-void expectExact(const Counts& counts, const PrefixSums& sums, std::size_t first, std::size_t last)
+void expectExactSums(const Counts& counts, const PrefixSums& sums, std::size_t first,
+                     std::size_t last)
 {
     const LineSums found = sums.sums(first, last);
     ASSERT_EQ(found.samples, last - first);
@@ -87,7 +80,7 @@ TEST(PrefixSums, AreExactForEveryStretchOfAShortTrace)
     const PrefixSums sums {RawSamples(counts)};
     for (std::size_t first = 0; first < counts.size(); ++first) {
         for (std::size_t last = first + 1; last <= counts.size(); ++last) {
-            expectExact(counts, sums, first, last);
+            expectExactSums(counts, sums, first, last);
         }
     }
 }
@@ -97,9 +90,9 @@ TEST(PrefixSums, AreExactAroundTheBordersOfBlocks)
     for (const std::size_t size : {1U, 63U, 64U, 65U, 127U, 128U, 129U, 6400U}) {
         const Counts counts = randomCounts(size, static_cast<unsigned>(size));
         const PrefixSums sums {RawSamples(counts)};
-        expectExact(counts, sums, 0, size);
-        expectExact(counts, sums, size - 1, size);
-        expectExact(counts, sums, size / 2, size);
+        expectExactSums(counts, sums, 0, size);
+        expectExactSums(counts, sums, size - 1, size);
+        expectExactSums(counts, sums, size / 2, size);
     }
 }
 
@@ -111,7 +104,7 @@ TEST(PrefixSums, AreExactForAnyStretchOfAnySize)
         const PrefixSums sums {RawSamples(counts)};
         const std::size_t first = generator() % (counts.size() - 1);
         const std::size_t last = first + 1 + generator() % (counts.size() - first);
-        expectExact(counts, sums, first, std::min(last, counts.size()));
+        expectExactSums(counts, sums, first, std::min(last, counts.size()));
     }
 }
 
@@ -123,7 +116,7 @@ TEST(PrefixSums, StayExactAtTheEndsOfTheirRange)
     std::fill(counts.begin() + static_cast<std::ptrdiff_t>(counts.size() / 2), counts.end(),
               std::uint16_t {65535});
     const PrefixSums sums {RawSamples(counts)};
-    expectExact(counts, sums, 50, 50 + PrefixSums::kLongest);
+    expectExactSums(counts, sums, 50, 50 + PrefixSums::kLongest);
     EXPECT_EQ(sums.sums(0, PrefixSums::kLongest + 1).samples, 0U);
 }
 

@@ -31,7 +31,7 @@ Extremes slowExtremes(const Counts& counts, std::size_t first, std::size_t last)
 }
 
 /// Counts lowest .. highest at random; few of them make many equal ones.
-Counts randomCounts(std::size_t size, unsigned lowest, unsigned highest, unsigned seed)
+Counts countsBetween(std::size_t size, unsigned lowest, unsigned highest, unsigned seed)
 {
     std::mt19937 generator(seed);
     std::uniform_int_distribution<unsigned> distribution(lowest, highest);
@@ -51,7 +51,8 @@ Counts falling(std::size_t size)
     return counts;
 }
 
-void expectExact(const Counts& counts, const Pyramid& pyramid, std::size_t first, std::size_t last)
+void expectExactExtremes(const Counts& counts, const Pyramid& pyramid, std::size_t first,
+                         std::size_t last)
 {
     const Extremes expected = slowExtremes(counts, first, last);
     const std::optional<Extremes> found = pyramid.extremes(first, last);
@@ -74,10 +75,10 @@ void expectExactAnywhere(const Counts& counts, unsigned seed)
             std::swap(first, last);
         }
         if (first < last) {
-            expectExact(counts, pyramid, first, last);
+            expectExactExtremes(counts, pyramid, first, last);
         }
     }
-    expectExact(counts, pyramid, 0, counts.size());
+    expectExactExtremes(counts, pyramid, 0, counts.size());
 }
 
 TEST(Pyramid, HasNoExtremesWithoutSamples)
@@ -135,13 +136,13 @@ TEST(Pyramid, IsExactAroundEveryBorderOfGroups)
     for (const std::size_t group : {64U, 1024U, 16384U}) {
         for (const std::size_t size :
              {group - 1, group, group + 1, 2 * group + 7, 16 * group + 1}) {
-            const Counts counts = randomCounts(size, 0, 65535, static_cast<unsigned>(size));
+            const Counts counts = countsBetween(size, 0, 65535, static_cast<unsigned>(size));
             const Pyramid pyramid {RawSamples(counts)};
             const std::size_t before = std::min(group, size) - 1;
             for (std::size_t first = before < 3 ? 0 : before - 3; first <= before; ++first) {
-                expectExact(counts, pyramid, first, size);
-                expectExact(counts, pyramid, 0, first + 1);
-                expectExact(counts, pyramid, first, std::min(first + 2, size));
+                expectExactExtremes(counts, pyramid, first, size);
+                expectExactExtremes(counts, pyramid, 0, first + 1);
+                expectExactExtremes(counts, pyramid, first, std::min(first + 2, size));
             }
         }
     }
@@ -149,11 +150,11 @@ TEST(Pyramid, IsExactAroundEveryBorderOfGroups)
 
 TEST(Pyramid, IsExactForEveryStretchOfAShortTrace)
 {
-    const Counts counts = randomCounts(200, 100, 140, 7);
+    const Counts counts = countsBetween(200, 100, 140, 7);
     const Pyramid pyramid {RawSamples(counts)};
     for (std::size_t first = 0; first < counts.size(); ++first) {
         for (std::size_t last = first + 1; last <= counts.size(); ++last) {
-            expectExact(counts, pyramid, first, last);
+            expectExactExtremes(counts, pyramid, first, last);
         }
     }
 }
@@ -163,9 +164,9 @@ TEST(Pyramid, IsExactForAnyStretchOfAnySize)
     for (unsigned seed = 1; seed <= 20; ++seed) {
         std::mt19937 generator(seed);
         const std::size_t size = 1 + generator() % 60000;
-        expectExactAnywhere(randomCounts(size, 0, 65535, seed), seed);
-        expectExactAnywhere(randomCounts(size, 65530, 65535, seed), seed);
-        expectExactAnywhere(randomCounts(size, 20000, 20001, seed), seed);
+        expectExactAnywhere(countsBetween(size, 0, 65535, seed), seed);
+        expectExactAnywhere(countsBetween(size, 65530, 65535, seed), seed);
+        expectExactAnywhere(countsBetween(size, 20000, 20001, seed), seed);
         expectExactAnywhere(falling(size), seed);
     }
 }
@@ -173,7 +174,7 @@ TEST(Pyramid, IsExactForAnyStretchOfAnySize)
 TEST(Pyramid, IsExactWhereAllLevelsAreInUse)
 {
     const std::size_t size = 5'000'011; // 64 * 16 * 16 * 16 * 16 and more
-    expectExactAnywhere(randomCounts(size, 0, 65535, 3), 4);
+    expectExactAnywhere(countsBetween(size, 0, 65535, 3), 4);
     expectExactAnywhere(falling(size), 5);
 }
 
@@ -190,7 +191,7 @@ TEST(Pyramid, FindsASpikeOfOneSampleWhereverItIs)
 
 TEST(Pyramid, AnswersManyStretchesAsItAnswersEach)
 {
-    const Counts counts = randomCounts(30000, 0, 3000, 11);
+    const Counts counts = countsBetween(30000, 0, 3000, 11);
     const Pyramid pyramid {RawSamples(counts)};
     const std::vector<std::size_t> borders {0, 0, 1, 17, 64, 64, 500, 5000, 29999, 30000, 30000};
     std::vector<Sample> highest {{99, 99}};
@@ -247,7 +248,7 @@ TEST(ExtremeScan, FindsTheFirstOfTheSmallestAndOfTheLargest)
         // Around the middle, where a count taken for a signed number would turn over, and at the
         // end.
         for (const int lowest : {32764, 65528}) {
-            const Counts counts = randomCounts(n, lowest, lowest + 7, static_cast<unsigned>(n));
+            const Counts counts = countsBetween(n, lowest, lowest + 7, static_cast<unsigned>(n));
             const auto smallest = std::min_element(counts.begin(), counts.end());
             const auto largest = std::max_element(counts.begin(), counts.end());
             for (const auto& search : {best, plainBest}) {
@@ -267,7 +268,7 @@ TEST(ExtremeScan, VectorsAgreeWithThePlainLoopOnAGroup)
     using namespace otdr::scan;
     for (unsigned seed = 0; seed < 300; ++seed) {
         const Counts counts =
-            randomCounts(kGroup, seed % 2 == 0 ? 0 : 32760, seed % 2 == 0 ? 65535 : 32775, seed);
+            countsBetween(kGroup, seed % 2 == 0 ? 0 : 32760, seed % 2 == 0 ? 65535 : 32775, seed);
         const GroupExtremes expected = plainExtremes(counts.data(), kGroup);
         const GroupExtremes found = groupExtremes(counts.data());
         ASSERT_EQ(found.smallest.position, expected.smallest.position);

@@ -14,7 +14,7 @@ using otdr::reflectance_dB;
 using namespace testing_support;
 
 /// Peak heights at 1550 nm, backscatter -81.9 dB, to a tenth of a decibel or better.
-struct Row
+struct PeakRow
 {
     double reflectance;
     double pulse_ns;
@@ -22,7 +22,7 @@ struct Row
     double tolerance;
 };
 
-constexpr Row kTable[] = {
+constexpr PeakRow kTable[] = {
     {-14.7, 5, 30.1, 0.06},     {-14.7, 100, 23.6, 0.06},    {-14.7, 1000, 18.6, 0.06},
     {-14.7, 20000, 12.1, 0.06}, {-35, 10, 18.5, 0.06},       {-35, 500, 10.0, 0.06},
     {-35, 10000, 3.9, 0.06},    {-45, 30, 11.1, 0.06},       {-45, 1000, 3.9, 0.06},
@@ -32,7 +32,7 @@ constexpr Row kTable[] = {
 
 TEST(Reflectance, OfKnownPeaksIsThatOfTheTable)
 {
-    for (const Row& row : kTable) {
+    for (const PeakRow& row : kTable) {
         EXPECT_NEAR(peakHeight_dB(row.reflectance, -81.9, row.pulse_ns), row.height, row.tolerance)
             << row.reflectance << " dB, " << row.pulse_ns << " ns";
     }

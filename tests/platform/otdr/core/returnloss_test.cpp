@@ -40,7 +40,7 @@ ReturnLossSection sectionOf(const TraceBuilder& builder, Length from, Length to,
     return section;
 }
 
-struct Row
+struct ReturnLossRow
 {
     double length_km;
     double at1310;
@@ -51,8 +51,9 @@ TEST(ReturnLoss, OfAUniformFibreIsThatOfTheTable)
 {
     // 0.34 dB/km and -79.5 dB at 1310 nm, 0.19 dB/km and -81.9 dB at 1550 nm; the table has a tenth
     // of a decibel.
-    for (const Row& row :
-         {Row {1, 39.9, 42.2}, Row {5, 34.2, 35.9}, Row {20, 31.7, 32.2}, Row {50, 31.5, 31.5}}) {
+    for (const ReturnLossRow& row :
+         {ReturnLossRow {1, 39.9, 42.2}, ReturnLossRow {5, 34.2, 35.9},
+          ReturnLossRow {20, 31.7, 32.2}, ReturnLossRow {50, 31.5, 31.5}}) {
         const Length length {row.length_km * 1000.0};
         TraceBuilder builder = TraceBuilder().fibre(length).launch(55_dB).attenuation(0.34_dB);
         EXPECT_NEAR(returnLoss_dB(*builder.build(), sectionOf(builder, 0_m, length, -79.5)),

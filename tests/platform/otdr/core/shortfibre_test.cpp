@@ -9,13 +9,13 @@ namespace {
 
 using namespace testing_support;
 
-constexpr double kPulse = 20.0;
-constexpr double kThreshold_dB = 3.0;
+constexpr double kShortPulse = 20.0;
+constexpr double kSudden_dB = 3.0;
 
 /// A record that is dark, 2 dB or less, behind 3000.
 DrawnFibre recordOf(const std::function<double(double)>& level_dB)
 {
-    return {4000, {kPulse, 0.08 * kPulse, 5000.0, 1000.0}, [=](double i) {
+    return {4000, {kShortPulse, 0.08 * kShortPulse, 5000.0, 1000.0}, [=](double i) {
                 return i < 3000.0 ? level_dB(i) : (static_cast<int>(i) % 2 == 0 ? 2.0 : 0.0);
             }};
 }
@@ -25,7 +25,7 @@ TEST(ShortFibre, AChangeIsThatBeyondWhatFibreLoses)
     const DrawnFibre fibre =
         recordOf([](double i) { return 40.0 - 0.001 * i - (i < 1000.0 ? 0.0 : 4.0); });
     EXPECT_NEAR(changeAt_dB(*fibre, 500.0, -0.001), 0.0, 1e-3);
-    EXPECT_NEAR(changeAt_dB(*fibre, 500.0, 0.0), 0.001 * 3.0 * kPulse, 1e-3);
+    EXPECT_NEAR(changeAt_dB(*fibre, 500.0, 0.0), 0.001 * 3.0 * kShortPulse, 1e-3);
     EXPECT_NEAR(changeAt_dB(*fibre, 980.0, -0.001), 4.0, 1e-3);
     EXPECT_NEAR(highest_dB(*fibre, 990.0, 1010.0), 39.01, 1e-3);
 }
@@ -39,7 +39,7 @@ bool isCord(double length, double fibre_dB, double slope_dB = 0.0)
             : behind < 0.0 ? 45.0
                            : (behind < length ? fibre_dB - slope_dB * behind : 20.0);
     });
-    return otdr::ShortFibre(*fibre, kThreshold_dB, 0.0).isPatchCord(1030.0, 30.0);
+    return otdr::ShortFibre(*fibre, kSudden_dB, 0.0).isPatchCord(1030.0, 30.0);
 }
 
 TEST(ShortFibre, APatchCordIsLevelUpToTheNextChange)
@@ -64,14 +64,14 @@ std::optional<double> dropIn(double length, double slope_dB, double height_dB = 
 {
     const DrawnFibre fibre = recordOf([=](double i) {
         const double behind = i - 1000.0;
-        const bool isEnd = behind >= length && behind < length + kPulse;
+        const bool isEnd = behind >= length && behind < length + kShortPulse;
         return behind < 0.0 ? 30.0
-            : behind < kPulse && height_dB > 0.0
+            : behind < kShortPulse && height_dB > 0.0
             ? 30.0 + height_dB
             : (behind < length ? 20.0 - slope_dB * behind : (isEnd ? 35.0 : 1.0));
     });
-    const double top = height_dB > 0.0 ? 1000.0 + kPulse : 985.0;
-    return otdr::ShortFibre(*fibre, kThreshold_dB, 0.0).dropBehind(985.0, top, 30.0);
+    const double top = height_dB > 0.0 ? 1000.0 + kShortPulse : 985.0;
+    return otdr::ShortFibre(*fibre, kSudden_dB, 0.0).dropBehind(985.0, top, 30.0);
 }
 
 TEST(ShortFibre, ADropIsLevelUpToItsEnd)
@@ -79,7 +79,7 @@ TEST(ShortFibre, ADropIsLevelUpToItsEnd)
     for (const double length : {45.0, 80.0, 150.0}) {
         const auto drop = dropIn(length, 0.0);
         ASSERT_TRUE(drop) << length;
-        EXPECT_NEAR(*drop, 1000.0, kPulse) << length;
+        EXPECT_NEAR(*drop, 1000.0, kShortPulse) << length;
     }
     EXPECT_FALSE(dropIn(80.0, 0.03));
 }
@@ -91,7 +91,7 @@ TEST(ShortFibre, ADropInFrontOfAReflectionIsWeakerThanTheFibreBefore)
         const DrawnFibre fibre = recordOf([=](double i) {
             return i < 1000.0 ? 30.0 : (i < 1100.0 ? 30.0 - loss_dB : (i < 1120.0 ? 45.0 : 1.0));
         });
-        return otdr::ShortFibre(*fibre, kThreshold_dB, 0.0).dropBehind(985.0, 1099.0, 30.0);
+        return otdr::ShortFibre(*fibre, kSudden_dB, 0.0).dropBehind(985.0, 1099.0, 30.0);
     };
     EXPECT_TRUE(droppedBy(3.5));
     EXPECT_FALSE(droppedBy(1.0));
@@ -107,7 +107,7 @@ TEST(ShortFibre, IsSeenWhereAnyLightIsLevel)
 {
     const auto seenIn = [](double slope_dB) {
         const DrawnFibre fibre = recordOf([=](double i) { return 30.0 - slope_dB * i; });
-        return otdr::ShortFibre(*fibre, kThreshold_dB, 0.0).isSeenBetween(10.0, 300.0);
+        return otdr::ShortFibre(*fibre, kSudden_dB, 0.0).isSeenBetween(10.0, 300.0);
     };
     EXPECT_TRUE(seenIn(0.0));
     EXPECT_TRUE(seenIn(0.004));
@@ -118,8 +118,8 @@ TEST(ShortFibre, HasFallenWhereItHardlyFallsAnyMore)
 {
     const DrawnFibre fibre = recordOf(
         [](double i) { return i < 1000.0 ? 45.0 : std::max(30.0, 45.0 - 0.5 * (i - 1000.0)); });
-    const otdr::ShortFibre piece(*fibre, kThreshold_dB, 0.0);
-    EXPECT_NEAR(piece.fallenFrom(1000.0), 1030.0, kPulse);
+    const otdr::ShortFibre piece(*fibre, kSudden_dB, 0.0);
+    EXPECT_NEAR(piece.fallenFrom(1000.0), 1030.0, kShortPulse);
     EXPECT_GE(piece.fallenFrom(1000.0), 1028.0);
     EXPECT_EQ(piece.shortest(), 10.0);
 }

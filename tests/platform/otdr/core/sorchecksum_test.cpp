@@ -1,4 +1,5 @@
 #include "platform/otdr/core/sorreader.h"
+#include "tests/platform/otdr/core/sorreading.h"
 #include "tests/support/sorsketch.h"
 
 #include <gmock/gmock.h>
@@ -8,14 +9,8 @@ namespace {
 namespace sor = otdr::sor;
 using otdr::readSor;
 using testing_support::ChecksumRecipe;
+using testing_support::readSketch;
 using testing_support::SorSketch;
-
-sor::File readSketch(const SorSketch& sketch)
-{
-    auto file = readSor(sketch.share());
-    EXPECT_TRUE(file.ok()) << (file.ok() ? "" : file.error().message);
-    return file.ok() ? *file : sor::File {};
-}
 
 TEST(SorChecksum, KnowsTheFourChecksumRecipes)
 {

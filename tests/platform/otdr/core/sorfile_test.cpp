@@ -1,4 +1,5 @@
 #include "platform/otdr/core/sorreader.h"
+#include "tests/platform/otdr/core/sorreading.h"
 #include "tests/support/sorsketch.h"
 
 #include <gmock/gmock.h>
@@ -16,13 +17,8 @@ using otdr::readSorFile;
 using testing::HasSubstr;
 using testing_support::Bytes;
 using testing_support::ByteSketch;
+using testing_support::codeOf;
 using testing_support::SorSketch;
-
-ErrorCode codeOf(const otdr::Result<sor::File>& result)
-{
-    EXPECT_FALSE(result.ok());
-    return result.error().code;
-}
 
 class SorFile : public testing::Test
 {

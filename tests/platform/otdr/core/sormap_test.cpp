@@ -1,5 +1,6 @@
 #include "platform/otdr/core/sormap.h"
 #include "platform/otdr/core/sorreader.h"
+#include "tests/platform/otdr/core/sorreading.h"
 #include "tests/support/sorsketch.h"
 
 #include <gmock/gmock.h>
@@ -11,31 +12,15 @@ namespace {
 
 namespace sor = otdr::sor;
 using otdr::ErrorCode;
-using otdr::readSor;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing_support::Bytes;
 using testing_support::ByteSketch;
+using testing_support::codeOf;
+using testing_support::readBytes;
+using testing_support::readSketch;
 using testing_support::SorSketch;
-
-otdr::Result<sor::File> readBytes(Bytes bytes)
-{
-    return readSor(std::make_shared<const Bytes>(std::move(bytes)));
-}
-
-sor::File readSketch(const SorSketch& sketch)
-{
-    auto file = readSor(sketch.share());
-    EXPECT_TRUE(file.ok()) << (file.ok() ? "" : file.error().message);
-    return file.ok() ? *file : sor::File {};
-}
-
-ErrorCode codeOf(const otdr::Result<sor::File>& result)
-{
-    EXPECT_FALSE(result.ok());
-    return result.error().code;
-}
 
 TEST(SorMap, FindsABodyWithAndWithoutItsName)
 {

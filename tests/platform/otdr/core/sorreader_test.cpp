@@ -1,4 +1,5 @@
 #include "platform/otdr/core/sorreader.h"
+#include "tests/platform/otdr/core/sorreading.h"
 #include "tests/support/sorsketch.h"
 
 #include <gmock/gmock.h>
@@ -14,25 +15,10 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing_support::Bytes;
 using testing_support::ByteSketch;
+using testing_support::codeOf;
+using testing_support::readBytes;
+using testing_support::readSketch;
 using testing_support::SorSketch;
-
-otdr::Result<sor::File> readBytes(Bytes bytes)
-{
-    return readSor(std::make_shared<const Bytes>(std::move(bytes)));
-}
-
-sor::File readSketch(const SorSketch& sketch)
-{
-    auto file = readSor(sketch.share());
-    EXPECT_TRUE(file.ok()) << (file.ok() ? "" : file.error().message);
-    return file.ok() ? *file : sor::File {};
-}
-
-ErrorCode codeOf(const otdr::Result<sor::File>& result)
-{
-    EXPECT_FALSE(result.ok());
-    return result.error().code;
-}
 
 class BothVersions : public testing::TestWithParam<int>
 {

@@ -23,7 +23,7 @@ using testing_support::fibreSamples;
 using testing_support::keyEvent;
 using testing_support::SorSketch;
 
-sor::File readSketch(const SorSketch& sketch)
+sor::File readUnchanged(const SorSketch& sketch)
 {
     auto file = otdr::readSor(sketch.share());
     EXPECT_TRUE(file.ok()) << (file.ok() ? "" : file.error().message);
@@ -57,7 +57,7 @@ TEST(SorVendor, ExfoWritesSecondsLaunchFibresAndAPrivateChecksum)
     sketch.makers = {{"ExfoAdditionalInfo", Bytes(30), true, 201},
                      {"ExfoNewProprietaryBlock 01", Bytes(300), true, 210}};
     sketch.checksum = ChecksumRecipe::Private;
-    const sor::File file = readSketch(sketch);
+    const sor::File file = readUnchanged(sketch);
     EXPECT_EQ(file.checksum, sor::Checksum::Unknown);
     EXPECT_EQ(sor::checksumVerdict(file), std::nullopt);
     EXPECT_DOUBLE_EQ(sor::averagingTime_s(file), 30.0);
@@ -76,7 +76,7 @@ TEST(SorVendor, ExfoMarksAFibreLongerThanTheRange)
 {
     SorSketch sketch = SorSketch::plain();
     sketch.keyEvents.events = {keyEvent(1, 0, "1F9999"), keyEvent(2, 199'000, "1O9999")};
-    const sor::File file = readSketch(sketch);
+    const sor::File file = readUnchanged(sketch);
     EXPECT_EQ(sor::eventKinds(file), "se");
     EXPECT_TRUE(std::isnan(sor::fibreEnd_m(file)));
 }
@@ -97,7 +97,7 @@ TEST(SorVendor, ExfoSoftwareKeepsTheOffsetsOfANoyesFileWhoseHeadItCutOff)
         keyEvent(3, 184'950, "1F9999", 1238), keyEvent(4, 187'100, "1E9999", 0, -76'053)};
     sketch.makers = {{"ExfoNewProprietaryBlock 01", Bytes(30)}};
     sketch.checksum = ChecksumRecipe::Private;
-    const sor::File file = readSketch(sketch);
+    const sor::File file = readUnchanged(sketch);
     const sor::Axis axis = sor::axisOf(file);
     EXPECT_EQ(axis.port, -2150);
     EXPECT_THAT(axis.note, HasSubstr("sample -43"));
@@ -121,7 +121,7 @@ TEST(SorVendor, NoyesOfl280WritesWholeNanometresAndNoMarkers)
     sketch.keyEvents.events[1].markers = {};
     sketch.keyEvents.events[2].code = {'2', 'E', '9', '9', '9', '9'};
     sketch.makers = {{"FodParams", Bytes(3)}, {"Fod02Params", Bytes(4)}};
-    const sor::File file = readSketch(sketch);
+    const sor::File file = readUnchanged(sketch);
     EXPECT_DOUBLE_EQ(sor::actualWavelength_nm(file), 1550.0);
     EXPECT_DOUBLE_EQ(sor::averagingTime_s(file), 300.0);
     EXPECT_EQ(file.checksum, sor::Checksum::Matches);
@@ -138,7 +138,7 @@ TEST(SorVendor, NoyesM200RepeatsNamesInVersion1)
     sketch.fxd.noiseFloor = 65'535;
     sketch.makers = {{"Noyes2", ByteSketch().text("own").done, true, 202},
                      {"Noyes3", Bytes(5), true, 222}};
-    const sor::File file = readSketch(sketch);
+    const sor::File file = readUnchanged(sketch);
     EXPECT_DOUBLE_EQ(sor::actualWavelength_nm(file), 1310.0);
     EXPECT_EQ(file.checksum, sor::Checksum::Matches);
     const sor::File again = *otdr::readSor(std::make_shared<const Bytes>(*otdr::encodeSor(file)));
@@ -151,15 +151,15 @@ TEST(SorVendor, NoyesOfl250StoresTenTimesTheSpacing)
     SorSketch sketch = SorSketch::plain();
     sketch.sup.mainframeId = "OFL250 ";
     sketch.fxd.pulses[0].dataSpacing = 5'000'000;
-    const sor::File file = readSketch(sketch);
+    const sor::File file = readUnchanged(sketch);
     EXPECT_DOUBLE_EQ(sor::sampleInterval_ns(file), 10.0);
     EXPECT_THAT(file.notes, ElementsAre(HasSubstr("a tenth of it is taken")));
     // Neither another model nor a spacing that fits the range is corrected.
     sketch.sup.mainframeId = "Other";
-    EXPECT_DOUBLE_EQ(sor::sampleInterval_ns(readSketch(sketch)), 100.0);
+    EXPECT_DOUBLE_EQ(sor::sampleInterval_ns(readUnchanged(sketch)), 100.0);
     sketch.sup.mainframeId = "OFL250 ";
     sketch.fxd.pulses[0].dataSpacing = 500'000;
-    EXPECT_DOUBLE_EQ(sor::sampleInterval_ns(readSketch(sketch)), 10.0);
+    EXPECT_DOUBLE_EQ(sor::sampleInterval_ns(readUnchanged(sketch)), 10.0);
 }
 
 TEST(SorVendor, HewlettPackardLeavesThresholdsAndTotalLossAtZero)
@@ -172,7 +172,7 @@ TEST(SorVendor, HewlettPackardLeavesThresholdsAndTotalLossAtZero)
     sketch.keyEvents.events[0].reflectance = -50'000;
     sketch.keyEvents.summary.totalLoss = 0;
     sketch.makers = {{"HPEvent", Bytes(9), false, 100}, {"Threshold", Bytes(2), false, 100}};
-    const sor::File file = readSketch(sketch);
+    const sor::File file = readUnchanged(sketch);
     EXPECT_EQ(file.version, 1);
     EXPECT_EQ(file.sup.other, "A3717\n28.01.98 ");
     EXPECT_TRUE(std::isnan(sor::totalLoss_dB(file)));
@@ -196,7 +196,7 @@ TEST(SorVendor, AnritsuMt1000aOmitsTheLaunchAndStartsAtTwo)
     sketch.keyEvents.summary.returnLoss = 0;
     sketch.makers = {{"NetTestTSI ", Bytes(40)}, {"ARSpecial", Bytes(4)}};
     sketch.checksum = ChecksumRecipe::FromZero;
-    const sor::File file = readSketch(sketch);
+    const sor::File file = readUnchanged(sketch);
     EXPECT_EQ(file.checksum, sor::Checksum::Matches);
     EXPECT_EQ(file.keyEvents->events[0].number, 2);
     EXPECT_TRUE(std::isnan(sor::reflectance_dB(file.keyEvents->events[0])));
@@ -218,7 +218,7 @@ TEST(SorVendor, AnritsuMt9090aStoresAPositiveReflectanceForASaturatedEnd)
     sketch.keyEvents.events[0].technique = {'2', 'P'};
     sketch.keyEvents.events[0].markers = {49'459, 49'459, 51'811, 51'961, 49'459};
     sketch.checksum = ChecksumRecipe::FromZero;
-    const sor::File file = readSketch(sketch);
+    const sor::File file = readUnchanged(sketch);
     EXPECT_TRUE(std::isnan(sor::reflectance_dB(file.keyEvents->events[1])));
     EXPECT_EQ(file.keyEvents->events[0].technique[0], '2');
     EXPECT_DOUBLE_EQ(sor::backscatter_dB(file), -60.0);
@@ -237,7 +237,7 @@ TEST(SorVendor, Cma4500LeavesItsLanguageToChanceAndHasDarkSamplesFirst)
     std::fill_n(sketch.samples.begin(), 525, std::uint16_t {48'000});
     sketch.keyEvents.events = {keyEvent(1, 0, "1F9999"), keyEvent(2, 150'000, "0O9999", 3000)};
     sketch.checksum = ChecksumRecipe::FromZero;
-    const sor::File file = readSketch(sketch);
+    const sor::File file = readUnchanged(sketch);
     EXPECT_EQ(file.gen.language[1], '\x6B');
     EXPECT_EQ(file.gen.cableId, "Cable 7 "); // nothing derailed
     EXPECT_EQ(file.gen.wavelength_nm, 1550);
@@ -262,7 +262,7 @@ TEST(SorVendor, Fc3200PadsItsBlocksAndStoresReflectancePositive)
     sketch.samples = fibreSamples(4000, {0, 3000}, 10, 3000, 64'030);
     sketch.keyEvents.events = {keyEvent(1, 0, "0M9999"), keyEvent(2, 150'000, "1E9999", 0, 47'285)};
     sketch.checksum = ChecksumRecipe::Zero;
-    const sor::File file = readSketch(sketch);
+    const sor::File file = readUnchanged(sketch);
     EXPECT_EQ(file.checksum, sor::Checksum::NotComputed);
     EXPECT_DOUBLE_EQ(sor::reflectance_dB(file.keyEvents->events[1]), -47.285);
     EXPECT_DOUBLE_EQ(sor::averagingTime_s(file), 15.0);
@@ -276,7 +276,7 @@ TEST(SorVendor, Fc3200MayHaveNoEventBlock)
     SorSketch sketch = SorSketch::plain();
     sketch.leftOut = {"KeyEvents"};
     sketch.checksum = ChecksumRecipe::Zero;
-    const sor::File file = readSketch(sketch);
+    const sor::File file = readUnchanged(sketch);
     EXPECT_FALSE(file.keyEvents);
     EXPECT_TRUE(std::isnan(sor::totalLoss_dB(file)));
     EXPECT_EQ(sor::eventKinds(file), "");
@@ -294,7 +294,7 @@ TEST(SorVendor, OneMakerCodesReflectionsAsNonReflective)
                                keyEvent(2, 100'000, "0F9999", 50),
                                keyEvent(3, 150'000, "0E9999", 0, -14'500)};
     sketch.checksum = ChecksumRecipe::Private;
-    const sor::File file = readSketch(sketch);
+    const sor::File file = readUnchanged(sketch);
     EXPECT_EQ(sor::eventKinds(file), "rne");
     EXPECT_DOUBLE_EQ(sor::axisOf(file).firstSample_ns, -15.0);
     EXPECT_DOUBLE_EQ(sampleOf(file, file.keyEvents->events[0]), 1001.5);

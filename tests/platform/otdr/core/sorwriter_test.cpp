@@ -20,7 +20,7 @@ using testing_support::ChecksumRecipe;
 using testing_support::keyEvent;
 using testing_support::SorSketch;
 
-sor::File readBytes(const Bytes& bytes)
+sor::File readBack(const Bytes& bytes)
 {
     auto file = otdr::readSor(std::make_shared<const Bytes>(bytes));
     EXPECT_TRUE(file.ok()) << (file.ok() ? "" : file.error().message);
@@ -43,7 +43,7 @@ std::vector<std::string> names(const sor::File& file)
     return all;
 }
 
-Bytes bytesOf(const sor::File& file, std::size_t block)
+Bytes bytesOfBlock(const sor::File& file, std::size_t block)
 {
     const auto& raw = file.blocks.at(block);
     const auto begin = file.bytes->begin() + static_cast<std::ptrdiff_t>(raw.offset);
@@ -70,22 +70,22 @@ TEST(SorWriter, GivesAnUnchangedFileBackByteForByte)
         SorSketch sketch = awkward();
         sketch.checksum = recipe;
         const Bytes bytes = sketch.build();
-        EXPECT_EQ(written(readBytes(bytes)), bytes);
+        EXPECT_EQ(written(readBack(bytes)), bytes);
     }
 }
 
 TEST(SorWriter, EncodesOnlyTheBlockThatWasChanged)
 {
-    const sor::File original = readBytes(awkward().build());
+    const sor::File original = readBack(awkward().build());
     sor::File file = original;
     file.gen.comment = "a longer remark than before";
     std::vector<std::string> notes;
-    const sor::File again = readBytes(written(file, &notes));
+    const sor::File again = readBack(written(file, &notes));
     EXPECT_EQ(names(again), names(original));
     EXPECT_EQ(again.gen.comment, file.gen.comment);
     EXPECT_EQ(again.gen.cableId, original.gen.cableId);
     for (const std::size_t block : {1, 2, 3, 4, 5}) {
-        EXPECT_EQ(bytesOf(again, block), bytesOf(original, block)) << block;
+        EXPECT_EQ(bytesOfBlock(again, block), bytesOfBlock(original, block)) << block;
     }
     EXPECT_EQ(again.blocks[5].revision, 210);
     EXPECT_EQ(again.checksum, sor::Checksum::Matches);
@@ -95,12 +95,12 @@ TEST(SorWriter, EncodesOnlyTheBlockThatWasChanged)
 
 TEST(SorWriter, KeepsWhatItDoesNotKnowBehindTheFieldsItKnows)
 {
-    sor::File file = readBytes(awkward().build());
+    sor::File file = readBack(awkward().build());
     file.fxd.averages = 77;
-    const sor::File again = readBytes(written(file));
+    const sor::File again = readBack(written(file));
     EXPECT_EQ(again.fxd.averages, 77U);
     EXPECT_EQ(again.blocks[2].size, file.blocks[2].size);
-    const Bytes block = bytesOf(again, 2);
+    const Bytes block = bytesOfBlock(again, 2);
     EXPECT_EQ(Bytes(block.end() - 5, block.end()), ByteSketch().text("stale").done);
 }
 
@@ -108,15 +108,15 @@ TEST(SorWriter, KeepsWhatStandsBehindTheLastFieldOfTheSupplier)
 {
     auto blocks = awkward().blocks();
     blocks[1].body = ByteSketch().bytes(blocks[1].body).text("more").done;
-    sor::File file = readBytes(SorSketch::assemble(2, blocks));
+    sor::File file = readBack(SorSketch::assemble(2, blocks));
     file.sup.supplier = "Another";
-    const Bytes again = bytesOf(readBytes(written(file)), 1);
+    const Bytes again = bytesOfBlock(readBack(written(file)), 1);
     EXPECT_EQ(Bytes(again.end() - 4, again.end()), ByteSketch().text("more").done);
 }
 
 TEST(SorWriter, WritesTheChecksumOverEveryByteBeforeIt)
 {
-    sor::File file = readBytes(awkward().build());
+    sor::File file = readBack(awkward().build());
     file.gen.comment = "new";
     Bytes bytes = written(file);
     const std::size_t value = bytes.size() - 6 - 2; // the tail, the value
@@ -127,7 +127,7 @@ TEST(SorWriter, WritesTheChecksumOverEveryByteBeforeIt)
 
 TEST(SorWriter, DropsTheMakersBlocksWhenSamplesOrEventsChange)
 {
-    const sor::File original = readBytes(awkward().build());
+    const sor::File original = readBack(awkward().build());
     sor::File otherEvents = original;
     otherEvents.keyEvents->events[1].loss = 500;
     sor::File otherSamples = original;
@@ -136,7 +136,7 @@ TEST(SorWriter, DropsTheMakersBlocksWhenSamplesOrEventsChange)
     otherScale.data.scaleFactor = 500;
     for (const sor::File& file : {otherEvents, otherSamples, otherScale}) {
         std::vector<std::string> notes;
-        const sor::File again = readBytes(written(file, &notes));
+        const sor::File again = readBack(written(file, &notes));
         EXPECT_THAT(
             names(again),
             ElementsAre("GenParams", "SupParams", "FxdParams", "KeyEvents", "DataPts", "Cksum"));
@@ -151,9 +151,9 @@ TEST(SorWriter, AddsABlockThatTheFileDidNotHave)
 {
     SorSketch sketch = SorSketch::plain();
     sketch.leftOut = {"KeyEvents", "GenParams"};
-    sor::File file = readBytes(sketch.build());
+    sor::File file = readBack(sketch.build());
     file.keyEvents = sor::KeyEvents {{keyEvent(1, 0, "1F9999")}, {}};
-    const sor::File again = readBytes(written(file));
+    const sor::File again = readBack(written(file));
     EXPECT_THAT(names(again),
                 ElementsAre("SupParams", "FxdParams", "DataPts", "KeyEvents", "Cksum"));
     EXPECT_EQ(again.keyEvents->events.size(), 1U);
@@ -164,9 +164,9 @@ TEST(SorWriter, LeavesAMissingEventBlockMissing)
 {
     SorSketch sketch = SorSketch::plain();
     sketch.leftOut = {"KeyEvents"};
-    sor::File file = readBytes(sketch.build());
+    sor::File file = readBack(sketch.build());
     file.gen.comment = "new";
-    EXPECT_FALSE(readBytes(written(file)).keyEvents);
+    EXPECT_FALSE(readBack(written(file)).keyEvents);
 }
 
 TEST(SorWriter, KeepsTheSecondOfTwoBlocksWithOneName)
@@ -175,36 +175,36 @@ TEST(SorWriter, KeepsTheSecondOfTwoBlocksWithOneName)
     auto blocks = sketch.blocks();
     sketch.sup.supplier = "Second";
     blocks.push_back(sketch.blocks()[1]);
-    sor::File file = readBytes(SorSketch::assemble(2, blocks));
+    sor::File file = readBack(SorSketch::assemble(2, blocks));
     file.sup.supplier = "Changed";
-    const sor::File again = readBytes(written(file));
+    const sor::File again = readBack(written(file));
     EXPECT_EQ(again.sup.supplier, "Changed");
-    EXPECT_EQ(bytesOf(again, 5), bytesOf(file, 5));
+    EXPECT_EQ(bytesOfBlock(again, 5), bytesOfBlock(file, 5));
 }
 
 TEST(SorWriter, KeepsAMakersBlockWithoutItsNameAsItStands)
 {
     SorSketch sketch = SorSketch::plain();
     sketch.makers = {{"Bare", ByteSketch().text("own").done, false}};
-    sor::File file = readBytes(sketch.build());
+    sor::File file = readBack(sketch.build());
     file.gen.comment = "new";
-    EXPECT_EQ(bytesOf(readBytes(written(file)), 5), ByteSketch().text("own").done);
+    EXPECT_EQ(bytesOfBlock(readBack(written(file)), 5), ByteSketch().text("own").done);
 }
 
 TEST(SorWriter, LeavesACutFileAsItCame)
 {
     Bytes bytes = awkward().build();
     bytes.resize(bytes.size() - 200);
-    EXPECT_EQ(written(readBytes(bytes)), bytes);
+    EXPECT_EQ(written(readBack(bytes)), bytes);
 }
 
 TEST(SorWriter, MakesAWholeFileOfACutOneThatWasChanged)
 {
     Bytes bytes = awkward().build();
     bytes.resize(bytes.size() - 200);
-    sor::File file = readBytes(bytes);
+    sor::File file = readBack(bytes);
     file.gen.comment = "new";
-    const sor::File again = readBytes(written(file));
+    const sor::File again = readBack(written(file));
     EXPECT_THAT(again.notes, testing::Not(testing::Contains(HasSubstr("the file ends"))));
     EXPECT_EQ(again.data.samples, file.data.samples);
 }
@@ -248,15 +248,15 @@ TEST(SorWriter, MakesAVersion2FileOfVersion1)
     sketch.gen.userOffset = 5000;
     sketch.makers = {{"Named", ByteSketch().text("a").done, true, 202},
                      {"Bare", ByteSketch().text("b").done, false, 221}};
-    const sor::File file = readBytes(sketch.build());
-    const sor::File again = readBytes(written(file));
+    const sor::File file = readBack(sketch.build());
+    const sor::File again = readBack(written(file));
     EXPECT_EQ(again.version, 2);
     EXPECT_THAT(names(again),
                 ElementsAre("GenParams", "SupParams", "FxdParams", "KeyEvents", "DataPts", "Named",
                             "Bare", "Cksum"));
     expectSameValues(file, again);
-    EXPECT_EQ(bytesOf(again, 5), ByteSketch().string("Named").text("a").done);
-    EXPECT_EQ(bytesOf(again, 6), ByteSketch().string("Bare").text("b").done);
+    EXPECT_EQ(bytesOfBlock(again, 5), ByteSketch().string("Named").text("a").done);
+    EXPECT_EQ(bytesOfBlock(again, 6), ByteSketch().string("Bare").text("b").done);
     EXPECT_EQ(again.blocks[6].revision, 221);
     EXPECT_EQ(again.checksum, sor::Checksum::Matches);
     // Distances that version 1 does not have: tenths of a metre at n = 1.468.
@@ -279,7 +279,7 @@ sor::File newTrace()
 TEST(SorWriter, WritesANewTraceInTheUsualOrder)
 {
     const sor::File file = newTrace();
-    const sor::File again = readBytes(written(file));
+    const sor::File again = readBack(written(file));
     EXPECT_THAT(
         names(again),
         ElementsAre("GenParams", "SupParams", "FxdParams", "KeyEvents", "DataPts", "Cksum"));
@@ -310,7 +310,7 @@ TEST(SorWriter, WritesAnEmptyStringAsABlank)
     file.gen.cableId = "";
     file.sup.other = "";
     file.keyEvents->events[0].comment = "";
-    const sor::File again = readBytes(written(file));
+    const sor::File again = readBack(written(file));
     EXPECT_EQ(again.gen.cableId, " ");
     EXPECT_EQ(again.sup.other, " ");
     EXPECT_EQ(again.keyEvents->events[0].comment, " ");
@@ -320,7 +320,7 @@ TEST(SorWriter, AlwaysWritesAnEventBlockAndAPulse)
 {
     sor::File file;
     file.data.samples = otdr::RawSamples({1, 2, 3});
-    const sor::File again = readBytes(written(file));
+    const sor::File again = readBack(written(file));
     ASSERT_TRUE(again.keyEvents);
     EXPECT_THAT(again.keyEvents->events, IsEmpty());
     EXPECT_EQ(again.blocks[3].size, 10U + 2 + 22);
@@ -333,7 +333,7 @@ TEST(SorWriter, WritesSeveralPulsesAndLandmarks)
     file.fxd.pulses = {{10, 250'000, 100}, {100, 500'000, 3900}};
     file.landmarks.resize(1);
     file.landmarks[0].comment = "pole";
-    const sor::File again = readBytes(written(file));
+    const sor::File again = readBack(written(file));
     ASSERT_EQ(again.fxd.pulses.size(), 2U);
     EXPECT_EQ(again.fxd.pulses[1].dataSpacing, 500'000U);
     ASSERT_EQ(again.landmarks.size(), 1U);
@@ -347,8 +347,8 @@ TEST(SorWriter, KeepsLandmarksOfVersion1AsTheyStand)
     sketch.version = 1;
     const Bytes body = ByteSketch().u16(9000).text("a layout of its own").done;
     sketch.makers = {{"LnkParams", body, false, 110}};
-    const sor::File again = readBytes(written(readBytes(sketch.build())));
-    EXPECT_EQ(bytesOf(again, 4), ByteSketch().string("LnkParams").bytes(body).done);
+    const sor::File again = readBack(written(readBack(sketch.build())));
+    EXPECT_EQ(bytesOfBlock(again, 4), ByteSketch().string("LnkParams").bytes(body).done);
 }
 
 TEST(SorWriter, RefusesWhatNoFileCanHold)
@@ -381,7 +381,7 @@ TEST(SorWriter, FillsInDistancesInTheUnitOfTheFile)
         file.fxd.distanceUnit = {unit[0], unit[1]};
         file.fxd.groupIndex = 150'000;
         file.fxd.acquisitionRange = 10'000'000; // a millisecond, at c / 1.5
-        const sor::File again = readBytes(written(file));
+        const sor::File again = readBack(written(file));
         EXPECT_EQ(again.fxd.acquisitionRangeDistance, std::lround(10.0 * 199861.639 / length_m))
             << unit;
     }
@@ -391,7 +391,7 @@ TEST(SorWriter, MakesAWholeFileWhereWhatItCameFromIsNoTrace)
 {
     sor::File file = newTrace();
     file.bytes = std::make_shared<const Bytes>(100);
-    const sor::File again = readBytes(written(file));
+    const sor::File again = readBack(written(file));
     expectSameValues(file, again);
     EXPECT_EQ(again.checksum, sor::Checksum::Matches);
 }

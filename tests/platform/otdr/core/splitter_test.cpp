@@ -2,6 +2,7 @@
 // it lies over it for a while.
 
 #include "platform/otdr/core/eventdetection.h"
+#include "tests/platform/otdr/core/kindsof.h"
 #include "tests/support/tracebuilder.h"
 
 #include <gtest/gtest.h>
@@ -9,7 +10,6 @@
 #include <cmath>
 #include <cstdint>
 #include <random>
-#include <string>
 #include <vector>
 
 namespace {
@@ -19,15 +19,15 @@ using otdr::DetectedEvent;
 using otdr::Detection;
 
 constexpr double kSplitter_m = 4000.0;
-constexpr double kNoise_dB = 8.0; ///< level of its RMS
+constexpr double kReceiverNoise_dB = 8.0; ///< level of its RMS
 constexpr double kTailPulses = 1.0; ///< in which a tail falls to a part of 1/e
 
 /// What is told of this link with the splitter's ramp straight in power, as a pulse passes it, with
 /// a tail of the light before it over the light behind it, and with a receiver's noise.
-Detection detect(const TraceBuilder& builder, double tailPart, std::uint64_t seed)
+Detection detectUnderTail(const TraceBuilder& builder, double tailPart, std::uint64_t seed)
 {
     std::mt19937_64 random(seed);
-    std::normal_distribution<double> noise(0.0, std::pow(10.0, kNoise_dB / 5.0));
+    std::normal_distribution<double> noise(0.0, std::pow(10.0, kReceiverNoise_dB / 5.0));
     std::vector<std::uint16_t> counts = builder.counts();
     const double at = builder.indexOf(Length {kSplitter_m});
     const double before = std::pow(10.0, builder.trueLevel_dB(Length {kSplitter_m - 1.0}) / 5.0);
@@ -46,27 +46,18 @@ Detection detect(const TraceBuilder& builder, double tailPart, std::uint64_t see
     return otdr::detectEvents(trace, {100.0, builder.metresPerNs(), -80.0});
 }
 
-TraceBuilder link()
+TraceBuilder linkWithSplitter()
 {
     return TraceBuilder().launch(40_dB).fibre(12_km).behind(6000).splice(Length {kSplitter_m},
                                                                          10.5_dB);
-}
-
-std::string kindsOf(const Detection& detection)
-{
-    std::string kinds;
-    for (const DetectedEvent& event : detection.events) {
-        kinds += "srnpe"[static_cast<int>(event.kind)];
-    }
-    return kinds;
 }
 
 TEST(Splitter, LossIsMeasuredBehindItsTail)
 {
     for (const double tailPart : {0.0, 0.001, 0.003}) {
         for (const std::uint64_t seed : {1, 2, 3, 4, 5}) {
-            const TraceBuilder builder = link();
-            const Detection found = detect(builder, tailPart, seed);
+            const TraceBuilder builder = linkWithSplitter();
+            const Detection found = detectUnderTail(builder, tailPart, seed);
             ASSERT_EQ(kindsOf(found), "sne") << tailPart << ' ' << seed;
             const DetectedEvent& splitter = found.events[1];
             // The edges of this pulse are not rounded, those of a receiver's are over a fifth of
@@ -81,8 +72,9 @@ TEST(Splitter, LossIsMeasuredBehindItsTail)
 TEST(Splitter, IsNotTheEndWithAConnectorCloseBehindIt)
 {
     for (const double away_m : {40.0, 60.0, 80.0, 120.0, 200.0}) {
-        const TraceBuilder builder = link().connector(Length {kSplitter_m + away_m}, 0.4_dB, 5_dB);
-        const Detection found = detect(builder, 0.0, 7);
+        const TraceBuilder builder =
+            linkWithSplitter().connector(Length {kSplitter_m + away_m}, 0.4_dB, 5_dB);
+        const Detection found = detectUnderTail(builder, 0.0, 7);
         ASSERT_EQ(found.events.size(), 4U) << kindsOf(found) << away_m;
         EXPECT_NEAR(found.events[1].loss_dB, 10.5, 0.02) << away_m;
         EXPECT_EQ(found.events[2].kind, DetectedEvent::Kind::Reflective) << away_m;
@@ -101,7 +93,7 @@ TEST(Splitter, IsNotTheEndWhereTheLightBehindItIsNearTheNoise)
                                          .behind(6000)
                                          .splice(Length {kSplitter_m}, 10.5_dB)
                                          .reflectingEnd(8_dB);
-        const Detection found = detect(builder, 0.0, seed);
+        const Detection found = detectUnderTail(builder, 0.0, seed);
         ASSERT_EQ(kindsOf(found), "sne") << seed;
         EXPECT_NEAR(found.events[1].loss_dB, 10.5, 0.2) << seed;
         EXPECT_NEAR(found.end, builder.indexOf(9_km), 1.0) << seed;
@@ -115,7 +107,7 @@ TEST(Splitter, NothingIsFoundInTheNoiseBehindIt)
     for (std::uint64_t seed = 1; seed <= 20; ++seed) {
         const TraceBuilder builder = TraceBuilder().launch(25_dB).fibre(9_km).behind(6000).splice(
             Length {kSplitter_m}, 10.5_dB);
-        const Detection found = detect(builder, 0.003, seed);
+        const Detection found = detectUnderTail(builder, 0.003, seed);
         ASSERT_EQ(kindsOf(found), "sne") << seed;
         EXPECT_NEAR(found.events[1].loss_dB, 10.5, 5.0 * found.events[1].lossError_dB) << seed;
     }
@@ -131,7 +123,7 @@ TEST(Splitter, NothingIsFoundBetweenItAndAReflection)
                                          .behind(6000)
                                          .splice(Length {kSplitter_m}, 10.5_dB)
                                          .connector(Length {kSplitter_m + 400.0}, 0.4_dB, 12_dB);
-        const Detection found = detect(builder, 0.003, seed);
+        const Detection found = detectUnderTail(builder, 0.003, seed);
         ASSERT_EQ(kindsOf(found), "snre") << seed;
         EXPECT_NEAR(found.events[1].loss_dB, 10.5, 0.3) << seed;
         EXPECT_NEAR(found.events[2].loss_dB, 0.4, 0.3) << seed;
@@ -149,7 +141,7 @@ TEST(Splitter, IsFollowedByAShortDrop)
                                              .fibre(Length {kSplitter_m + drop_m})
                                              .behind(6000)
                                              .splice(Length {kSplitter_m}, 10.5_dB);
-            const Detection found = detect(builder, 0.0, seed);
+            const Detection found = detectUnderTail(builder, 0.0, seed);
             ASSERT_EQ(kindsOf(found), "sne") << drop_m << ' ' << seed;
             EXPECT_NEAR(found.events[1].loss_dB, 10.5, 0.1) << drop_m << ' ' << seed;
             EXPECT_NEAR(found.end, builder.indexOf(Length {kSplitter_m + drop_m}), 10.0)

@@ -1,5 +1,6 @@
 #include "platform/otdr/core/constants.h"
 #include "platform/otdr/core/trace.h"
+#include "tests/platform/otdr/core/counts.h"
 #include "tests/support/tracebuilder.h"
 
 #include <gtest/gtest.h>
@@ -15,12 +16,6 @@ using otdr::RawSamples;
 using otdr::Trace;
 using otdr::TraceAxis;
 using namespace testing_support;
-
-Trace traceOf(const std::vector<std::uint16_t>& counts, double dbPerCount = 0.001,
-              TraceAxis axis = {})
-{
-    return Trace(RawSamples(counts), dbPerCount, axis);
-}
 
 TEST(Trace, LevelGrowsWithLightAndIsZeroWithoutSignal)
 {

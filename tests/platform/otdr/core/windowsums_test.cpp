@@ -1,4 +1,5 @@
 #include "platform/otdr/core/windowsums.h"
+#include "tests/platform/otdr/core/counts.h"
 
 #include <gtest/gtest.h>
 
@@ -12,16 +13,8 @@ using otdr::FarSums;
 using otdr::NearSums;
 using otdr::Trace;
 using otdr::WindowSums;
-
-std::vector<std::uint16_t> randomCounts(std::size_t size)
-{
-    std::mt19937 generator(7);
-    std::vector<std::uint16_t> counts(size);
-    for (std::uint16_t& count : counts) {
-        count = static_cast<std::uint16_t>(generator());
-    }
-    return counts;
-}
+using testing_support::randomCounts;
+using testing_support::traceOf;
 
 WindowSums straightSums(const Trace& trace, std::size_t first, std::size_t last)
 {
@@ -35,8 +28,8 @@ WindowSums straightSums(const Trace& trace, std::size_t first, std::size_t last)
     return sums;
 }
 
-void expectSame(const WindowSums& found, const WindowSums& truth, std::size_t first,
-                std::size_t last)
+void expectSameSums(const WindowSums& found, const WindowSums& truth, std::size_t first,
+                    std::size_t last)
 {
     ASSERT_EQ(found.y, truth.y) << first << " .. " << last;
     ASSERT_EQ(found.xy2, truth.xy2) << first << " .. " << last;
@@ -44,13 +37,13 @@ void expectSame(const WindowSums& found, const WindowSums& truth, std::size_t fi
 
 TEST(WindowSums, AreExactForEveryWindowOfATile)
 {
-    const Trace trace(otdr::RawSamples(randomCounts(400)), otdr::kUsualDbPerCount, {});
+    const Trace trace = traceOf(randomCounts(400, 7));
     NearSums sums(150);
     for (const std::size_t begin : {0U, 1U, 133U, 250U}) {
         sums.fill(trace, begin, begin + 150);
         for (std::size_t first = begin; first < begin + 150; ++first) {
             for (std::size_t last = first + 1; last <= begin + 150; ++last) {
-                expectSame(sums.of(first, last), straightSums(trace, first, last), first, last);
+                expectSameSums(sums.of(first, last), straightSums(trace, first, last), first, last);
             }
         }
     }
@@ -58,13 +51,13 @@ TEST(WindowSums, AreExactForEveryWindowOfATile)
 
 TEST(WindowSums, AreExactForAnyWindowOfALongTrace)
 {
-    const Trace trace(otdr::RawSamples(randomCounts(50'000)), otdr::kUsualDbPerCount, {});
+    const Trace trace = traceOf(randomCounts(50'000, 7));
     const FarSums sums(trace);
     std::mt19937 generator(8);
     for (int round = 0; round < 300; ++round) {
         const std::size_t first = generator() % trace.size();
         const std::size_t last = first + 1 + generator() % (trace.size() - first);
-        expectSame(sums.of(first, last), straightSums(trace, first, last), first, last);
+        expectSameSums(sums.of(first, last), straightSums(trace, first, last), first, last);
     }
 }
 
