@@ -46,6 +46,11 @@ constexpr double kPlainBorderGaps = 1.0;
 constexpr double kBorderGaps = 4.0;
 constexpr double kBorderWanders = 20.0;
 
+/// A connector gains no more than this; of the gain of a receiver that recovers, so much is lost
+/// again.
+constexpr double kMostGain_dB = 0.5;
+constexpr double kRecoveredPart = 0.5;
+
 } // namespace
 
 bool Site::reflects() const
@@ -256,8 +261,30 @@ void EventSites::dropUnlikely(double loss_dB, double significance)
             measure(k);
         }
     }
+    dropRecoveries();
     for (Site& site : places) {
         site.isBorder = !site.reflects() && (std::abs(site.loss_dB) < loss_dB || !isFounded(site));
+    }
+}
+
+/// No connector gains so much: behind an overload the receiver recovers, and what seems to be lost
+/// where it has done so is the other half of that gain.
+void EventSites::dropRecoveries()
+{
+    for (std::size_t k = 0; k + 1 < places.size();) {
+        const Site& one = places[k];
+        const Site& next = places[k + 1];
+        const bool isRecovery = one.reflects() && one.loss_dB < -kMostGain_dB && !next.peak
+            && next.loss_dB > kRecoveredPart * -one.loss_dB;
+        if (!isRecovery) {
+            ++k;
+            continue;
+        }
+        places.erase(places.begin() + static_cast<std::ptrdiff_t>(k) + 1);
+        measure(k);
+        if (k + 1 < places.size()) {
+            measure(k + 1);
+        }
     }
 }
 

@@ -101,6 +101,7 @@ private:
     [[nodiscard]] std::optional<SideLine> lineBehind(double from, double to) const;
     [[nodiscard]] double brightness_dB(const Site& site, double to) const;
     void measure(std::size_t k);
+    void dropRecoveries();
     [[nodiscard]] double foundationOf(const Site& site, double loss_dB, double significance) const;
     [[nodiscard]] std::optional<double> footOfBoth(const Site& first, const Site& second) const;
     [[nodiscard]] bool reachesOverPlace(std::size_t k) const;

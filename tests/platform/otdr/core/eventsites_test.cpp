@@ -374,4 +374,20 @@ TEST(EventSites, AGainWithALossBehindItIsOneReflection)
     EXPECT_NEAR(sites.sites().front().at, 3000.0, 0.5);
 }
 
+/// A receiver that was overloaded recovers: light that seems to be gained at the reflection is lost
+/// again where it has done so.
+TEST(EventSites, WhatAReflectionGainsTooMuchOfIsNotLostBehindIt)
+{
+    const auto placesWith = [](double gain_dB) {
+        const DrawnFibre fibre =
+            fibreWith({{2000.0, -gain_dB, 12.0}, {2300.0, gain_dB + 0.2}}, 0.003);
+        otdr::EventSites sites(*fibre, 60.0, 5900.0);
+        sites.add({peakAt(fibre, 2000.0, 12.0), siteAt(fibre, 2300.0)});
+        sites.dropUnlikely(0.015, 5.0);
+        return placesOf(sites);
+    };
+    EXPECT_EQ(placesWith(0.3), (std::vector<double> {2000.0, 2300.0}));
+    EXPECT_EQ(placesWith(1.0), std::vector<double> {2000.0});
+}
+
 } // namespace
