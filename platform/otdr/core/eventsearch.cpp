@@ -358,17 +358,21 @@ double EventSearch::listedHeight_dB() const
 /// The noise of the fibre between the places found so far. False where it is much as was thought.
 bool EventSearch::learnNoise()
 {
+    const NoiseProfile& thought = fibre.noise();
+    const bool mayHide = settings.significance * thought.wander_dB() > settings.loss_dB;
+    const double unlike = thought.correlation() / (kOtherNoise * kOtherNoise);
+    const bool mayBeUnlike = thought.isMoreThanRoundings() && unlike > 1.0; // it is no less
+    if (!mayHide && !mayBeUnlike) {
+        return false;
+    }
     std::vector<Disturbance> events;
     for (const Site& site : sites.sites()) {
         events.push_back({site.at - 1.0, site.behind});
     }
-    const NoiseProfile& thought = fibre.noise();
     NoiseProfile shown = fibre.noiseBetween(std::move(events), ends.end);
-    const bool hidSteps = settings.significance * thought.wander_dB() > settings.loss_dB
-        && kOtherNoise * shown.wander_dB() < thought.wander_dB();
-    const bool wasUnlike = thought.isMoreThanRoundings()
-        && kOtherNoise * kOtherNoise * shown.correlation() < thought.correlation();
-    if (!hidSteps && !wasUnlike) {
+    const bool hid = mayHide && kOtherNoise * shown.wander_dB() < thought.wander_dB();
+    const bool wasUnlike = mayBeUnlike && shown.correlation() < unlike;
+    if (!hid && !wasUnlike) {
         return false;
     }
     fibre.setNoise(std::move(shown));
