@@ -60,7 +60,7 @@ void printFound(const char* what, const DetectedEvent& event, double metres)
 {
     std::printf("    %-7s %c %10.2f m  loss %7.3f +- %.4f  R %7.2f%s  T %.1f  Tp %.1f\n", what,
                 letterOf(event), metres, event.loss_dB, event.lossError_dB, event.reflectance_dB,
-                event.saturated ? "*" : " ", event.stepStatistic, event.peakStatistic);
+                event.saturated() ? "*" : " ", event.stepStatistic, event.peakStatistic);
 }
 
 class Comparison

@@ -55,7 +55,7 @@ Event eventOf(const otdr::DetectedEvent& found, const Places& places)
     places.put(event, found.index);
     event.loss = found.loss_dB;
     event.reflectance = found.reflectance_dB;
-    event.saturated = found.saturated;
+    event.saturated = found.saturated();
     if (found.before.samples > 0) {
         event.reflIn = found.before.at(found.index);
     }

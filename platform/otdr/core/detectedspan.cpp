@@ -85,7 +85,7 @@ public:
         std::vector<SaturatedPeak> saturated;
         const double tail = kEndTailPulses * fibre.scale().pulse;
         for (const DetectedEvent& event : events) {
-            if (event.saturated && event.before.samples > 0 && event.index > start->index) {
+            if (event.saturated() && event.before.samples > 0 && event.index > start->index) {
                 saturated.push_back({event.index, std::max(event.index + tail, event.behindFrom),
                                      event.before, event.reflectance_dB});
             }

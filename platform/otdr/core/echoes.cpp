@@ -57,8 +57,9 @@ public:
         if (!reflects || !(event.index > mirrors.front().index + pulse)) {
             return;
         }
-        const double reflectance_dB =
-            event.saturated ? std::max(event.reflectance_dB, kStrongest_dB) : event.reflectance_dB;
+        const double most_dB =
+            std::min(event.reflectance_dB + 2.0 * event.hidden_dB, kStrongest_dB);
+        const double reflectance_dB = std::max(event.reflectance_dB, most_dB);
         mirrors.push_back({event.index, reflectance_dB, event.before.at(event.index)});
         if (mirrors.size() > kMostMirrors) {
             mirrors.erase(std::min_element(mirrors.begin() + 1, mirrors.end(),

@@ -183,7 +183,7 @@ private:
             }
             if (reflects) {
                 reflect(event, evidenceOf(i), site.peak->heights_dB[i]);
-                event.saturated = site.peak->saturated;
+                event.hidden_dB = site.peak->hiddenAt_dB(i);
             } else if (site.loss_dB < 0.0) {
                 event.kind = DetectedEvent::Kind::Gain;
             }
@@ -267,7 +267,7 @@ private:
                                          std::size_t i) const
     {
         DetectedEvent event = reflectionIn(end, evidenceOf(i), peak.feet[i], peak.heights_dB[i]);
-        event.saturated = peak.saturated;
+        event.hidden_dB = peak.hiddenAt_dB(i);
         return event;
     }
 

@@ -65,7 +65,7 @@ struct DetectedEvent
     double lossError_dB = kUnknown; ///< standard error
     double reflectance_dB = kUnknown;
     double height_dB = kUnknown; ///< of the peak above the fibre before it
-    bool saturated = false; ///< height and reflectance are lower bounds
+    double hidden_dB = 0.0; ///< the peak may be so much higher than an overloaded receiver shows
     bool echo = false; ///< light on a detour between reflections: nothing is there
     int group = 0; ///< events of one group share a dead zone and a loss
 
@@ -74,6 +74,9 @@ struct DetectedEvent
     Line before; ///< the fibre before it; no samples where it could not be fitted
     Line behind;
     double behindFrom = 0.0; ///< index from which the fibre behind is undisturbed
+
+    /// Whether height and reflectance are lower bounds.
+    [[nodiscard]] bool saturated() const { return hidden_dB > 0.0; }
 };
 
 /// The fibre between two neighbouring events or groups of events.

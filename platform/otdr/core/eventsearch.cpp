@@ -285,7 +285,7 @@ bool EventSearch::isLowPeak(Site& site, double from, double to) const
     }
     site.at = fit.foot;
     site.behind = std::max(site.behind, fit.foot + gap);
-    site.peak = PeakGroup {{fit.foot}, {fit.height_dB}, site.behind, false};
+    site.peak = PeakGroup {{fit.foot}, {fit.height_dB}, site.behind};
     return true;
 }
 

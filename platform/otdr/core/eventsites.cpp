@@ -303,7 +303,7 @@ void EventSites::joinCrowded()
         group.heights_dB.insert(group.heights_dB.end(), more.heights_dB.begin(),
                                 more.heights_dB.end());
         group.behind = more.behind;
-        group.saturated = group.saturated || more.saturated;
+        group.hidden_dB = std::max(group.hidden_dB, more.hidden_dB);
         one.behind = next.behind;
         one.peakStatistic = std::max(one.peakStatistic, next.peakStatistic);
         places.erase(places.begin() + static_cast<std::ptrdiff_t>(k));

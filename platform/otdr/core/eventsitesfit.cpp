@@ -157,7 +157,7 @@ void EventSites::findReflections(double leastHeight_dB, double significance)
             site.behind = fit.foot + fibreTrace->gap();
         }
         if (isLight && isHigh) {
-            site.peak = PeakGroup {{fit.foot}, {fit.height_dB}, site.behind, false};
+            site.peak = PeakGroup {{fit.foot}, {fit.height_dB}, site.behind};
             site.peakStatistic = statistic;
         }
     }

@@ -1,6 +1,7 @@
 #include "platform/otdr/core/fibretrace.h"
 
 #include "platform/otdr/core/darkness.h"
+#include "platform/otdr/core/overload.h"
 #include "platform/otdr/core/samplerange.h"
 #include "platform/otdr/core/trace.h"
 
@@ -137,6 +138,7 @@ FibreTrace::FibreTrace(const Trace& trace, const SearchScale& scale)
     : trace(&trace)
     , limits(scale)
     , begin(launchOf(trace, scale.pulse))
+    , mostLight_dB(overloadLevel_dB(trace, scale.pulse))
     , scatter(trace, scale.pulse, static_cast<std::size_t>(begin), trace.size())
     , pulseShape(scale.pulse, scale.timeConstant)
     , deadZone(deadZoneOf(scale))

@@ -53,6 +53,9 @@ public:
 
     [[nodiscard]] double size() const;
 
+    /// Level from which on the receiver is overloaded, dB; +inf where the record does not show it.
+    [[nodiscard]] double overload_dB() const { return mostLight_dB; }
+
     /// Index at which light begins.
     [[nodiscard]] double launch() const { return begin; }
 
@@ -105,6 +108,7 @@ private:
     const Trace* trace;
     SearchScale limits;
     double begin;
+    double mostLight_dB;
     NoiseProfile scatter;
     PulseShape pulseShape;
     double deadZone;

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 
 namespace otdr {
 
@@ -28,6 +29,17 @@ constexpr double kSecondRisePulses = 0.35;
 /// A receiver without overload stays within 0.1 dB of its highest for one pulse at most.
 constexpr double kTop_dB = 0.1;
 constexpr double kLongTopPulses = 1.05;
+
+/// It comes as near as this to its highest when so much of the edge is over. What stands there for
+/// longer than the rest of the pulse, and this part of one, is held there; but were it brighter by
+/// more than this, its flanks would hold it for more than a pulse.
+constexpr double kSame_dB = 0.002;
+constexpr double kSamePart = 0.999;
+constexpr double kSamePulses = 0.2;
+constexpr double kHidden_dB = 4.0;
+
+/// Heights of reflections of a group that are held at one level differ by no more.
+constexpr double kHeld_dB = 0.3;
 
 /// The fibre before a reflection is taken from so many dead zones, and ends so many before it.
 constexpr double kFibreGaps = 6.0;
@@ -112,9 +124,9 @@ public:
                 highest(group.feet[i], std::min(next, group.feet[i] + 2.0 * w));
             group.heights_dB.push_back(plateau(group.feet[i], next, peak));
         }
-        group.saturated = hasLongTop(top);
+        group.hidden_dB = hiddenAbove_dB(top);
         group.feet.front() = edgeOf(
-            rough, top, edge, group.saturated ? level(top) : fibre(top) + group.heights_dB[0]);
+            rough, top, edge, group.saturated() ? level(top) : fibre(top) + group.heights_dB[0]);
         return group;
     }
 
@@ -203,9 +215,21 @@ private:
         return level(top) - fibre(top);
     }
 
-    [[nodiscard]] bool hasLongTop(std::size_t top) const
+    /// By how much the light may be brighter than its highest sample shows, dB.
+    [[nodiscard]] double hiddenAbove_dB(std::size_t top) const
     {
-        const double least = level(top) - kTop_dB;
+        if (lengthOfTop(top, kTop_dB) > kLongTopPulses * w + 1.0) {
+            return std::numeric_limits<double>::infinity();
+        }
+        const double even = std::max(0.0, w - trace.shape().riseTo(kSamePart));
+        const bool isHeld = lengthOfTop(top, kSame_dB) > even + kSamePulses * w + 1.0;
+        return isHeld || level(top) >= trace.overload_dB() ? kHidden_dB : 0.0;
+    }
+
+    /// Samples between the first and the last one beside the top that lie no more below it.
+    [[nodiscard]] double lengthOfTop(std::size_t top, double depth_dB) const
+    {
+        const double least = level(top) - depth_dB;
         std::size_t first = top;
         std::size_t last = top;
         while (first > 0 && level(first - 1) >= least) {
@@ -214,7 +238,7 @@ private:
         while (last + 1 < trace.samples().size() && level(last + 1) >= least) {
             ++last;
         }
-        return static_cast<double>(last - first) > kLongTopPulses * w + 1.0;
+        return static_cast<double>(last - first);
     }
 
     /// Each sample of the rising edge tells by its part of the height how far behind the foot it
@@ -263,7 +287,12 @@ double PeakGroup::height_dB() const
 
 bool PeakGroup::isLow() const
 {
-    return feet.size() == 1 && !saturated && heights_dB.front() <= kLow_dB;
+    return feet.size() == 1 && !saturated() && heights_dB.front() <= kLow_dB;
+}
+
+double PeakGroup::hiddenAt_dB(std::size_t i) const
+{
+    return heights_dB[i] > height_dB() - kHeld_dB ? hidden_dB : 0.0;
 }
 
 double highestFoot(const PeakGroup& peak)

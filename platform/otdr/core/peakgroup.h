@@ -2,6 +2,7 @@
 
 #include "platform/otdr/core/fibretrace.h"
 
+#include <cstddef>
 #include <optional>
 #include <vector>
 
@@ -13,7 +14,14 @@ struct PeakGroup
     std::vector<double> feet; ///< index of each rise, in order; at least one
     std::vector<double> heights_dB; ///< of each above the fibre before the group
     double behind = 0.0; ///< from here on the fibre is undisturbed
-    bool saturated = false;
+
+    /// By how much the highest may stand higher than an overloaded receiver shows, dB.
+    double hidden_dB = 0.0;
+
+    [[nodiscard]] bool saturated() const { return hidden_dB > 0.0; }
+
+    /// The same of one of them: those as high as the highest are held at the same level.
+    [[nodiscard]] double hiddenAt_dB(std::size_t i) const;
 
     /// Of the highest.
     [[nodiscard]] double height_dB() const;

@@ -46,7 +46,7 @@ std::optional<double> timeConstantOf(const FibreTrace& trace, const PeakGroup& p
                                      const Line& before)
 {
     const double height = peak.heights_dB.front();
-    if (peak.saturated || peak.feet.size() > 1 || height < kLeastFlank_dB) {
+    if (peak.saturated() || peak.feet.size() > 1 || height < kLeastFlank_dB) {
         return std::nullopt;
     }
     // Behind the pulse its light falls as exp(-t / tau): 5 log10(e) dB of the trace for each.

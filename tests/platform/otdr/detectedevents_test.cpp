@@ -233,7 +233,7 @@ TEST(DetectedEvents, WhatWasNotMeasuredStaysUnknownAndALowerBoundSaysSo)
     Detection detection;
     detection.events = {found(Kind::End, 2000.0)};
     detection.events[0].reflectance_dB = -30.0;
-    detection.events[0].saturated = true;
+    detection.events[0].hidden_dB = 4.0;
     detection.events[0].before = {1000.0, 40.0, -0.001, 0.0, 500};
     const Event end = eventListOf(detection, handState()).first();
     EXPECT_TRUE(end.saturated);

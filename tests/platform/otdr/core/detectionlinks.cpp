@@ -179,7 +179,7 @@ std::string textOf(const otdr::DetectedEvent& event)
           event.stepStatistic, event.peakStatistic, event.behindFrom}) {
         text += number(value);
     }
-    text += std::string(event.saturated ? " saturated" : "") + (event.echo ? " echo" : "");
+    text += std::string(event.saturated() ? " saturated" : "") + (event.echo ? " echo" : "");
     return text + " group " + std::to_string(event.group) + lineOf(event.before, event.index)
         + lineOf(event.behind, event.index);
 }

@@ -43,7 +43,7 @@ inline otdr::Site siteAt(const DrawnFibre& fibre, double at)
 inline otdr::Site peakAt(const DrawnFibre& fibre, double at, double height_dB)
 {
     otdr::Site site = siteAt(fibre, at);
-    site.peak = otdr::PeakGroup {{at}, {height_dB}, site.behind, false};
+    site.peak = otdr::PeakGroup {{at}, {height_dB}, site.behind};
     site.peakStatistic = 10.0;
     return site;
 }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <limits>
 #include <vector>
 
 namespace {
@@ -84,8 +85,13 @@ TEST(Echoes, OfAnOverloadMayBeAsStrongAsThoseOfGlassInAir)
 {
     DetectedEvent bright = reflector(3000, -30.0);
     EXPECT_FALSE(isLastAnEcho({bright, reflector(6000, -54.1)}));
-    bright.saturated = true;
+    bright.hidden_dB = std::numeric_limits<double>::infinity();
     EXPECT_TRUE(isLastAnEcho({bright, reflector(6000, -54.1)})); // -30 - 14 - 14 + 4
+    EXPECT_FALSE(isLastAnEcho({bright, reflector(6000, -53.9)}));
+    bright.hidden_dB = 4.0; // seen on the way there and back
+    EXPECT_TRUE(isLastAnEcho({bright, reflector(6000, -70.1)})); // -30 - 22 - 22 + 4
+    EXPECT_FALSE(isLastAnEcho({bright, reflector(6000, -69.9)}));
+    bright.hidden_dB = 10.0;
     EXPECT_FALSE(isLastAnEcho({bright, reflector(6000, -53.9)}));
 }
 

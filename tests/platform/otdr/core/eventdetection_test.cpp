@@ -98,7 +98,7 @@ TEST(EventDetection, TellsPlaceLossAndReflectanceOfAConnector)
     EXPECT_NEAR(connector.loss_dB, 0.3, 0.005);
     EXPECT_NEAR(connector.reflectance_dB, otdr::reflectance_dB(9.0, kBackscatter_dB, kPulse_ns),
                 0.3);
-    EXPECT_FALSE(connector.saturated);
+    EXPECT_FALSE(connector.saturated());
 }
 
 /// A receiver that is overloaded stays so for longer than the pulse: what is told of the peak is a
@@ -111,7 +111,7 @@ TEST(EventDetection, ATopLongerThanThePulseIsSaturatedAndCostsReturnLoss)
     const DetectedEvent* peak = nearest(found, link().indexOf(7_km));
     ASSERT_NE(peak, nullptr);
     EXPECT_EQ(peak->kind, Kind::Reflective);
-    EXPECT_TRUE(peak->saturated);
+    EXPECT_TRUE(peak->saturated());
     EXPECT_LT(found.returnLoss_dB, plain.returnLoss_dB - 3.0);
     // It alone, seen through 7 km of fibre, takes the return loss of the span below this.
     EXPECT_LT(found.returnLoss_dB, 2.0 * 7.0 * 0.2 - peak->reflectance_dB + 0.1);

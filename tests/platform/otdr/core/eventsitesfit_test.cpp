@@ -47,7 +47,7 @@ TEST(EventSites, RefiningLeavesHighSaturatedAndGroupedReflectionsWhereTheyStand)
     const DrawnFibre fibre = fibreWith({{3000.4, 0.1, 1.0}}, 0.002);
     Site high = peakAt(fibre, 2995.0, 1.6);
     Site saturated = peakAt(fibre, 2995.0, 0.7);
-    saturated.peak->saturated = true;
+    saturated.peak->hidden_dB = 4.0;
     Site group = peakAt(fibre, 2995.0, 0.7);
     group.peak->feet.push_back(3005.0);
     group.peak->heights_dB.push_back(0.7);
@@ -280,7 +280,7 @@ TEST(EventSites, ReflectionsWithoutFibreBetweenThemAreOneGroup)
     Site second = peakAt(fibre, 3032.0, 4.0);
     second.behind = 3120.0;
     second.peak->behind = 3120.0;
-    second.peak->saturated = true;
+    second.peak->hidden_dB = 4.0;
     const Site alone = peakAt(fibre, 5000.0, 1.0);
     sites.add({first, second, alone});
     sites.joinCrowded();
@@ -288,7 +288,7 @@ TEST(EventSites, ReflectionsWithoutFibreBetweenThemAreOneGroup)
     const Site& group = sites.sites().front();
     EXPECT_EQ(group.peak->feet, (std::vector<double> {3000.0, 3032.0}));
     EXPECT_EQ(group.peak->heights_dB, (std::vector<double> {3.0, 4.0}));
-    EXPECT_TRUE(group.peak->saturated);
+    EXPECT_EQ(group.peak->hidden_dB, 4.0);
     EXPECT_EQ(group.peak->behind, 3120.0);
     EXPECT_EQ(group.behind, 3120.0);
     EXPECT_EQ(group.peakStatistic, 20.0);

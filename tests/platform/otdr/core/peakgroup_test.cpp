@@ -32,7 +32,7 @@ TraceBuilder quiet()
 
 TEST(PeakGroup, WithoutItsLowFeetKeepsTheHighestHoweverLow)
 {
-    PeakGroup group {{100.0, 120.0, 140.0}, {0.2, 0.9, 0.4}, 200.0, false};
+    PeakGroup group {{100.0, 120.0, 140.0}, {0.2, 0.9, 0.4}, 200.0};
     EXPECT_EQ(group.height_dB(), 0.9);
     EXPECT_EQ(highestFoot(group), 120.0);
     dropLowFeet(group, 0.4);
@@ -101,7 +101,6 @@ TEST(PeakGroup, HeightIsThatAboveTheFibreAndBehindItTheFibreIsUndisturbed)
     const PeakGroup found = measuredAt1000(fibre);
     ASSERT_EQ(found.feet.size(), 1U);
     EXPECT_NEAR(found.heights_dB.front(), 6.0, 1e-9);
-    EXPECT_FALSE(found.saturated);
     // By half a pulse, in which the last of a tail could hide, later than its dead zone.
     EXPECT_GE(found.behind, 1000.0 + fibre->gap());
     EXPECT_LE(found.behind, 1000.0 + fibre->gap() + 20.0);
@@ -115,13 +114,64 @@ TEST(PeakGroup, WhatStandsLessThanAPulseBeforeBelongsToIt)
                 999.5, 2.0);
 }
 
-/// A top within a tenth of a decibel for the pulse, a twentieth of it and a sample.
+/// A top of 6 dB that scatters by hundredths of a decibel, as those of reflections do.
+std::vector<Raised> scatteredTop(double from, double to)
+{
+    std::vector<Raised> stretches {{from, to, 6.0}};
+    for (double i = from; i < to; i += 3.0) {
+        stretches.push_back({i, i + 1.0, -0.05});
+    }
+    return stretches;
+}
+
+/// A top within a tenth of a decibel for the pulse, a twentieth of it and a sample. How high it is
+/// nobody knows.
 TEST(PeakGroup, ATopLongerThanThePulseIsSaturated)
 {
-    EXPECT_FALSE(measuredAt1000(withRaised({{1000, 1023, 6.0}})).saturated);
-    EXPECT_TRUE(measuredAt1000(withRaised({{1000, 1024, 6.0}})).saturated);
-    EXPECT_TRUE(measuredAt1000(withRaised({{1000, 1024, 6.0}, {1000, 1012, 0.09}})).saturated);
-    EXPECT_FALSE(measuredAt1000(withRaised({{1000, 1024, 6.0}, {1000, 1012, 0.11}})).saturated);
+    EXPECT_FALSE(measuredAt1000(withRaised(scatteredTop(1000, 1023))).saturated());
+    const PeakGroup found = measuredAt1000(withRaised(scatteredTop(1000, 1024)));
+    EXPECT_TRUE(found.saturated());
+    EXPECT_TRUE(std::isinf(found.hidden_dB));
+    EXPECT_TRUE(measuredAt1000(withRaised({{1000, 1024, 6.0}, {1000, 1012, 0.09}})).saturated());
+    EXPECT_FALSE(measuredAt1000(withRaised({{1000, 1024, 6.0}, {1000, 1012, 0.11}})).saturated());
+}
+
+/// The edge of a receiver with a time constant of 0.08 pulses takes 13.3 of 20 samples to come
+/// within 2 mdB of the highest; what is longer than the other 6.7, by a fifth of a pulse and a
+/// sample, is held.
+TEST(PeakGroup, ATopThatStaysTheSameForMostOfThePulseIsSaturated)
+{
+    const auto heldFor = [](double samples) {
+        return measuredAt1000({4000, scaleOf(20.0), [=](double i) {
+                                   const bool isHeld = i >= 1004.0 && i < 1004.0 + samples;
+                                   const bool isTop = i >= 1000.0 && i < 1020.0;
+                                   return isHeld ? 36.0 : isTop ? 35.95 : 30.0;
+                               }});
+    };
+    EXPECT_FALSE(heldFor(12.0).saturated());
+    EXPECT_TRUE(heldFor(13.0).saturated());
+    EXPECT_NEAR(heldFor(13.0).hidden_dB, 4.0, 1e-9);
+}
+
+/// Where another one stands as high, for as little as a third of a pulse.
+TEST(PeakGroup, AsHighAsAnotherWhereTheRecordIsHighestIsSaturated)
+{
+    const auto saturatedBeside = [](double other_dB) {
+        return measuredAt1000(
+                   withRaised({{1000, 1007, 6.0}, {1007, 1020, 5.5}, {3000, 3007, other_dB}}))
+            .saturated();
+    };
+    EXPECT_TRUE(saturatedBeside(6.0));
+    EXPECT_FALSE(saturatedBeside(5.99));
+    EXPECT_FALSE(saturatedBeside(6.01));
+}
+
+TEST(PeakGroup, OnlyWhatIsAsHighAsTheHighestIsHiddenByAnOverload)
+{
+    const PeakGroup group {{100.0, 120.0, 140.0}, {5.8, 6.0, 5.6}, 200.0, 4.0};
+    EXPECT_EQ(group.hiddenAt_dB(0), 4.0);
+    EXPECT_EQ(group.hiddenAt_dB(1), 4.0);
+    EXPECT_EQ(group.hiddenAt_dB(2), 0.0);
 }
 
 TEST(PeakGroup, FurtherRisesInTheDeadZoneAreReflections)

@@ -25,16 +25,16 @@ TEST(TimeConstant, IsThatOfTheFallingFlank)
         const DrawnFibre fibre(4000, scaleOf(20.0), [&](double i) {
             return eventLevel_dB(shape, i - 1000.0, 30.0, 30.0, 15.0);
         });
-        PeakGroup peak {{1000.0}, {15.0}, 1200.0, false};
+        PeakGroup peak {{1000.0}, {15.0}, 1200.0};
         const auto found = timeConstantOf(*fibre, peak, flatLine(30.0));
         ASSERT_TRUE(found) << tau;
         EXPECT_NEAR(*found, tau, 0.1 * tau);
-        peak.saturated = true;
+        peak.hidden_dB = 4.0;
         EXPECT_FALSE(timeConstantOf(*fibre, peak, flatLine(30.0)));
-        peak.saturated = false;
+        peak.hidden_dB = 0.0;
         peak.feet.push_back(1010.0);
         EXPECT_FALSE(timeConstantOf(*fibre, peak, flatLine(30.0)));
-        EXPECT_FALSE(timeConstantOf(*fibre, {{1000.0}, {4.4}, 1200.0, false}, flatLine(30.0)));
+        EXPECT_FALSE(timeConstantOf(*fibre, {{1000.0}, {4.4}, 1200.0}, flatLine(30.0)));
     }
 }
 
@@ -42,7 +42,7 @@ TEST(TimeConstant, IsThatOfTheFallingFlank)
 TEST(TimeConstant, OfAReceiverFasterThanItsSamplesIsLessThanOne)
 {
     const DrawnFibre fibre = withTop(1000.0, 1020.0);
-    const auto found = timeConstantOf(*fibre, {{999.5}, {15.0}, 1200.0, false}, flatLine(30.0));
+    const auto found = timeConstantOf(*fibre, {{999.5}, {15.0}, 1200.0}, flatLine(30.0));
     ASSERT_TRUE(found);
     EXPECT_LT(*found, 1.0);
 }
@@ -63,7 +63,7 @@ TEST(TimeConstant, IsUnknownOfWhatRisesFasterThanItFalls)
 TEST(TimeConstant, IsUnknownWhereLightDoesNotComeDown)
 {
     const DrawnFibre fibre = withTop(1000.0, 4000.0);
-    EXPECT_FALSE(timeConstantOf(*fibre, {{1000.0}, {15.0}, 1200.0, false}, flatLine(30.0)));
+    EXPECT_FALSE(timeConstantOf(*fibre, {{1000.0}, {15.0}, 1200.0}, flatLine(30.0)));
 }
 
 } // namespace
