@@ -416,6 +416,7 @@ void EventSearch::findAll()
             break;
         }
     }
+    sites.divideAtBends(settings.loss_dB, settings.significance);
     sites.joinCrowded();
     sites.hideLowPeaks(listedHeight_dB());
     sites.dropUnlikely(settings.loss_dB, settings.significance);

@@ -242,8 +242,10 @@ void EventSites::dropUnlikely(double loss_dB, double significance)
     // Light that is no event would be taken for a gain with a loss behind it were its place free.
     const auto hold = [&](const Site& site) {
         const bool isKnown = site.glows && !std::isnan(site.loss_dB);
+        const double bend =
+            site.left && site.right ? bendOf(*site.left, *site.right, significance) : 0.0;
         return isKnown ? std::numeric_limits<double>::infinity()
-                       : foundationOf(site, loss_dB, significance);
+                       : std::max(bend, foundationOf(site, loss_dB, significance));
     };
     while (!places.empty()) {
         const auto weakest =

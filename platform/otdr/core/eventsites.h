@@ -17,7 +17,7 @@ struct Site
     double clear = 0.0; ///< from here on lines are fitted: no tail that only a long line shows
     std::optional<PeakGroup> peak;
     double peakStatistic = 0.0;
-    bool isBorder = false; ///< too small to be listed, yet lines end there
+    bool isBorder = false; ///< no event that is listed, yet lines end there
     bool glows = false; ///< light stands there, too little to be listed
 
     std::optional<SideLine> left; ///< the fibre before it
@@ -52,8 +52,13 @@ public:
 
     /// Drops the places that a line through both sides explains, the weakest first: those whose
     /// loss is below loss_dB or below `significance` standard errors, and that reflect nothing. Of
-    /// those below loss_dB the clear ones stay as borders, and so does light that is too weak.
+    /// those below loss_dB the clear ones stay as borders, and so do plain bends and light that is
+    /// too weak.
     void dropUnlikely(double loss_dB, double significance);
+
+    /// Divides the fibre where it bends: fibres of different attenuation meet there, and no line
+    /// runs over the place. What such lines had told of losses beside it is dropped or moved there.
+    void divideAtBends(double loss_dB, double significance);
 
     /// Takes two neighbouring changes of level for one event where one explains both, a loss or a
     /// reflection, and measures all anew.
@@ -101,6 +106,12 @@ private:
     [[nodiscard]] std::optional<SideLine> lineBehind(double from, double to) const;
     [[nodiscard]] double brightness_dB(const Site& site, double to) const;
     void measure(std::size_t k);
+    [[nodiscard]] double bendOf(const SideLine& left, const SideLine& right,
+                                double significance) const;
+    [[nodiscard]] std::optional<double> bendBetween(double from, double to,
+                                                    double significance) const;
+    bool addBends(double significance);
+    void moveToBend(Site& site, double significance) const;
     void dropRecoveries();
     [[nodiscard]] double foundationOf(const Site& site, double loss_dB, double significance) const;
     [[nodiscard]] std::optional<double> footOfBoth(const Site& first, const Site& second) const;

@@ -13,6 +13,7 @@ waveform_test(otdr_core_numeric_test
         eventscan_test.cpp
         eventsearch_test.cpp
         eventsites_test.cpp
+        eventsitesbends_test.cpp
         eventsitesfit_test.cpp
         fibrebehind_test.cpp
         fibreend_test.cpp

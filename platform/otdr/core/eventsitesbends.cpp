@@ -1,0 +1,180 @@
+// Where fibres of different attenuation meet: lines that ran over such a place would tell losses
+// beside it that are none.
+
+#include "platform/otdr/core/eventsites.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <limits>
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace otdr {
+
+namespace {
+
+/// The slopes differ by so many times what makes a change of level an event, and a line over the
+/// place would stray by this, and by far more than the fibre does. On both sides there are so many
+/// dead zones: tails and weak reflections bend shorter lines.
+constexpr double kBendErrors = 2.0;
+constexpr double kBend_dB = 0.004;
+constexpr double kBendWanders = 10.0;
+constexpr double kBendGaps = 8.0;
+
+/// A line over the place strays by this part of the change of its slope times a side's length.
+constexpr double kStrayPart = 0.25;
+
+/// Places at which a window is tried, and those among which the best of them is sought.
+constexpr double kPlacesPerWindow = 8.0;
+constexpr double kFinePlaces = 64.0;
+
+/// Where a bend alone explains a change of level about as well, by so many standard deviations, it
+/// is a bend; what is left there is less than this, or than so many standard errors.
+constexpr double kAsWell = 3.0;
+constexpr double kNoLoss_dB = 0.004;
+constexpr double kNoLossErrors = 3.0;
+
+constexpr int kRounds = 3;
+
+/// What lines leave of their samples, dB squared.
+double squaresOf(const SideLine& side)
+{
+    const double freedom = std::max(0.0, static_cast<double>(side.line.samples) - 2.0);
+    return freedom * side.line.sigma_dB * side.line.sigma_dB;
+}
+
+using Sides = std::pair<SideLine, SideLine>;
+
+/// The lines from one index to a place and from `gap` behind it to another index.
+std::optional<Sides> sidesOf(const FibreTrace& trace, double from, double at, double gap, double to)
+{
+    const auto left = trace.fit(from, at);
+    const auto right = trace.fit(at + gap, to);
+    return left && right ? std::optional<Sides>({*left, *right}) : std::nullopt;
+}
+
+/// The place about `at`, within `reach`, from which two lines leave least of a stretch.
+double bestBend(const FibreTrace& trace, double at, double reach, double from, double to)
+{
+    double best = at;
+    double least = std::numeric_limits<double>::infinity();
+    for (double place = at - reach; place <= at + reach; place += 2.0 * reach / kFinePlaces) {
+        const auto sides = sidesOf(trace, from, place, 0.0, to);
+        const double squares = sides ? squaresOf(sides->first) + squaresOf(sides->second) : least;
+        best = squares < least ? place : best;
+        least = std::min(least, squares);
+    }
+    return best;
+}
+
+} // namespace
+
+/// How plainly the fibre bends between two lines: by so many times what is asked for.
+double EventSites::bendOf(const SideLine& left, const SideLine& right, double significance) const
+{
+    const NoiseProfile& noise = fibreTrace->noise();
+    const auto fewest = static_cast<double>(std::min(left.line.samples, right.line.samples));
+    if (!noise.knowsWander() || fewest < kBendGaps * fibreTrace->gap()) {
+        return 0.0;
+    }
+    const double change_dB = std::abs(left.line.slope_dB - right.line.slope_dB);
+    const double errors = change_dB / std::hypot(left.slopeError_dB, right.slopeError_dB);
+    const double stray_dB = kStrayPart * change_dB * fewest;
+    return std::min(errors / (kBendErrors * significance),
+                    stray_dB / std::max(kBend_dB, kBendWanders * noise.wander_dB()));
+}
+
+/// Where the fibre between two indices bends most plainly, if it does.
+std::optional<double> EventSites::bendBetween(double from, double to, double significance) const
+{
+    double plainest = 1.0;
+    double at = 0.0;
+    double window = 0.0;
+    double length = std::min(fibreTrace->scale().longestWindow, 0.5 * (to - from));
+    for (; length >= kBendGaps * fibreTrace->gap(); length *= 0.5) {
+        const double step = length / kPlacesPerWindow;
+        for (double place = from + length; place + length <= to; place += step) {
+            const auto sides = sidesOf(*fibreTrace, place - length, place, 0.0, place + length);
+            const double bend = sides ? bendOf(sides->first, sides->second, significance) : 0.0;
+            if (bend > plainest) {
+                plainest = bend;
+                at = place;
+                window = length;
+            }
+        }
+    }
+    if (!(window > 0.0)) {
+        return std::nullopt;
+    }
+    return bestBend(*fibreTrace, at, 0.5 * window, at - window, at + window);
+}
+
+/// Adds the plainest bend of every stretch between two places. False where there is none.
+bool EventSites::addBends(double significance)
+{
+    std::vector<Site> found;
+    for (std::size_t k = 0; k <= places.size(); ++k) {
+        const auto at = bendBetween(lineFrom(k), fibreTo(k), significance);
+        if (at) {
+            Site site;
+            site.at = *at;
+            site.behind = *at + fibreTrace->gap();
+            found.push_back(site);
+        }
+    }
+    add(found);
+    return !found.empty();
+}
+
+/// A change of level beside a bend may be nothing but that, seen from the wrong place: moves it
+/// there.
+void EventSites::moveToBend(Site& site, double significance) const
+{
+    const double gap = fibreTrace->gap();
+    const double from = site.left->line.first();
+    const double to = site.right->line.last() + 1.0;
+    const auto now = sidesOf(*fibreTrace, from, site.at, gap, to);
+    if (!now) {
+        return;
+    }
+    const double reach = 0.5 * std::min(site.at - from, to - site.behind);
+    const double sigma = fibreTrace->noise().sigma_dB(site.at);
+    double least = squaresOf(now->first) + squaresOf(now->second)
+        + kAsWell * kAsWell * fibreTrace->noise().correlation() * sigma * sigma;
+    const double begin = site.at - reach;
+    const double end = site.at + reach;
+    for (double place = begin; place <= end; place += 2.0 * reach / kFinePlaces) {
+        const auto sides = sidesOf(*fibreTrace, from, place, gap, to);
+        if (!sides || bendOf(sides->first, sides->second, significance) < 1.0) {
+            continue;
+        }
+        const double seen = place + fibreTrace->shape().centre();
+        const double loss_dB = sides->first.at(seen) - sides->second.at(seen);
+        const double error_dB =
+            std::hypot(sides->first.errorAt_dB(seen), sides->second.errorAt_dB(seen));
+        const double squares = squaresOf(sides->first) + squaresOf(sides->second);
+        if (std::abs(loss_dB) < std::max(kNoLoss_dB, kNoLossErrors * error_dB) && squares < least) {
+            least = squares;
+            site.at = place;
+            site.behind = place + gap;
+        }
+    }
+}
+
+void EventSites::divideAtBends(double loss_dB, double significance)
+{
+    for (int round = 0; round < kRounds && addBends(significance); ++round) {
+        dropUnlikely(loss_dB, significance);
+    }
+    for (Site& site : places) {
+        const bool isStep = !site.peak && !site.glows && site.left && site.right;
+        if (isStep && bendOf(*site.left, *site.right, significance) >= 1.0) {
+            moveToBend(site, significance);
+        }
+    }
+    dropUnlikely(loss_dB, significance);
+}
+
+} // namespace otdr
