@@ -90,16 +90,33 @@ QString Keeper::flashcardDir() const
     return ZuLauncherConfig("flash", "dir").toString() + "/" + subPath();
 }
 
-bool Keeper::fileExists(const QString& typed) const
+bool Keeper::fileExists(const QString& name) const
 {
-    const QString name = nameConverter->convert(typed);
-    QStringList paths;
-    const auto add = [&](const QString& dir) {
-        paths << dir + "/" + name + ".sor" << dir + "/" + name + ".html";
-    };
-    add(storePath());
+    return isAnyTaken({nameConverter->convert(name)});
+}
+
+bool Keeper::wouldReplace(const QString& name) const
+{
+    QStringList names {name};
+    const QStringList added = suffixes(refls->association(refls->mainRefl()));
+    for (const QString& suffix : added) {
+        names << name + suffix;
+    }
+    names.removeDuplicates();
+    return isAnyTaken(names);
+}
+
+bool Keeper::isAnyTaken(const QStringList& names) const
+{
+    QStringList dirs {storePath()};
     if (copiesToFlash()) {
-        add(flashcardDir());
+        dirs << flashcardDir();
+    }
+    QStringList paths;
+    for (const QString& dir : qAsConst(dirs)) {
+        for (const QString& name : names) {
+            paths << dir + "/" + name + ".sor" << dir + "/" + name + ".html";
+        }
     }
     // Of a drive that does not answer nobody knows: better a question than a file that was lost.
     return isAnyThere(paths, patienceOf(kLeaveAfter_ms)).value_or(true);

@@ -40,6 +40,9 @@ public:
     int doLoad() override;
     int doLoadFile(const QString& file) override;
     [[nodiscard]] bool fileExists(const QString& name) const override;
+
+    /// The same also for the files that a save of the main trace's group writes.
+    [[nodiscard]] bool wouldReplace(const QString& name) const override;
     [[nodiscard]] QString reportAutoName() const override;
 
     /// The directory of saved traces; made where it is missing.
@@ -98,6 +101,7 @@ private slots:
     void offerSave();
 
 private:
+    [[nodiscard]] bool isAnyTaken(const QStringList& names) const;
     [[nodiscard]] bool limitReached();
     [[nodiscard]] QString loadOne(const QString& file);
     void tell(QStringList lines);

@@ -92,6 +92,11 @@ void MarkerMeasuring::followMarkers(const MeasView* bar)
     }
 }
 
+void MarkerMeasuring::measureAgain()
+{
+    model->calculate();
+}
+
 /// The set says no more of its main trace then.
 void MarkerMeasuring::onAllReflsDeleted()
 {

@@ -27,6 +27,9 @@ public:
     void initTwoMarkers(Plot* plot, CanvasControls* canvas, const MeasView* bar,
                         const ReflsTableModel* refls);
 
+    /// The main trace is no longer what it was: measures it anew where the markers are.
+    void measureAgain();
+
     /// Takes wheel and page keys as an event filter.
     [[nodiscard]] TwoMarkersView* view() const { return twoMarkersView; }
 

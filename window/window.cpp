@@ -264,6 +264,11 @@ void Window::measStopped()
         return; // the menu stays disabled
     }
     run->end();
+    const Reflectogram main = reflsTableModel()->mainRefl();
+    if (main.isValid() && !main.isMeasured()) { // the range is still that of a run without a trace
+        setDistance(main.maxdist());
+        canvas->zoomer()->zoomOff();
+    }
     if (model != nullptr) {
         reflsTableModel()->mainRefl().setSupParams(model->supParams());
     }
@@ -296,6 +301,7 @@ void Window::updateMeased(QString reflFileName, WfMeasParams params)
     if (run->current() != nullptr) {
         canvas->fillMiniPlot(run->current()->reflectogram(), params.distance);
     }
+    markerMeasuring->measureAgain();
     replot();
 }
 
@@ -334,6 +340,7 @@ void Window::setEventListToMainRefl(EventList events)
     panels->eventsModel()->setReflectogram(refl);
     // What was computed when the trace was finished knew of no end of the fibre.
     reflsTableModel()->computeFigures(refl);
+    markerMeasuring->measureAgain();
 }
 
 void Window::deleteRefl(Reflectogram refl)
@@ -354,11 +361,13 @@ void Window::setHiddenNonMainCurves(bool hidden)
 void Window::setIor(double ior)
 {
     mainTrace->setIor(ior);
+    markerMeasuring->measureAgain();
 }
 
 void Window::setHelix(double helix)
 {
     mainTrace->setHelix(helix);
+    markerMeasuring->measureAgain();
 }
 
 void Window::onChangeCardRevision(double rev)

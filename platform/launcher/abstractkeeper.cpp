@@ -89,6 +89,11 @@ void AbstractKeeper::loadFile(const QString& file)
     whileBusy(isLoadEnabled(), [this, file] { doLoadFile(file); });
 }
 
+bool AbstractKeeper::wouldReplace(const QString& name) const
+{
+    return fileExists(name);
+}
+
 int AbstractKeeper::doLoadFile(const QString& /*file*/)
 {
     return -1;
@@ -145,7 +150,8 @@ QString AbstractKeeper::acceptedName()
             qCInfo(launcherLog) << "not a usable file name:" << *typed;
             return {};
         }
-        const bool isThere = fileExists(name); // a drive may take its time, and the window goes on
+        const bool isThere =
+            wouldReplace(name); // a drive may take its time, and the window goes on
         if (alive.isNull()) {
             return {};
         }

@@ -38,6 +38,10 @@ public:
     /// Whether saving under this name would replace a file.
     [[nodiscard]] virtual bool fileExists(const QString& name) const = 0;
 
+    /// Whether a save under this name, a safe one, now would replace a file: what the user is asked
+    /// about. That of fileExists(), unless a save adds to the name.
+    [[nodiscard]] virtual bool wouldReplace(const QString& name) const;
+
     /// The name proposed to the user.
     [[nodiscard]] virtual QString reportAutoName() const = 0;
 

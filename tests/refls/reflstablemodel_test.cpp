@@ -29,6 +29,20 @@ TEST_F(TraceSet, TellsOfTheAdditionBeforeTheNewMainTrace)
     EXPECT_EQ(order, QStringList({"resize", "main"}));
 }
 
+TEST_F(TraceSet, TellsOfANewMainTraceBeforeItsRowsAreReset)
+{
+    add("a.sor");
+    add("b.sor");
+    QStringList order;
+    QObject::connect(&model, &ReflsTableModel::mainReflChanged, [&] { order << "main"; });
+    QObject::connect(&model, &ReflsTableModel::modelReset, [&] { order << "reset"; });
+    model.setMainRefl(0);
+    EXPECT_EQ(order, QStringList({"main", "reset"}));
+    order.clear();
+    add("c.sor");
+    EXPECT_EQ(order, QStringList({"reset", "main", "reset"}));
+}
+
 TEST_F(TraceSet, SameFileIsLoadedOnce)
 {
     const QString file = files.write("a.sor", SorSketch::plain());
@@ -164,6 +178,16 @@ TEST_F(TraceSet, DeletingWhatIsNotThereIsSilent)
     EXPECT_EQ(deleted.size(), 0);
     EXPECT_EQ(resets.size(), 0);
     EXPECT_EQ(model.rowCount(), 1);
+}
+
+TEST_F(TraceSet, TraceAfterAllWereDeletedIsTheMainOne)
+{
+    add("a.sor");
+    model.deleteAllRefls();
+    forgetSignals();
+    const Reflectogram next = add("b.sor");
+    EXPECT_EQ(mainChanged.size(), 1);
+    EXPECT_EQ(newMain(), next);
 }
 
 TEST_F(TraceSet, DeletingAllSaysSoOnceAndNamesNoMainTrace)

@@ -11,6 +11,8 @@
 #include <QTest>
 #include <QTimer>
 
+#include <utility>
+
 namespace {
 
 using namespace testing_support; // fixture, builder and units
@@ -30,6 +32,32 @@ public:
 
 private:
     QString name;
+};
+
+/// Types a name, lets no file be replaced, and gives up.
+class CarefulTypist : public NamePrompt
+{
+public:
+    CarefulTypist(QString name, QStringList& asked)
+        : name(std::move(name))
+        , asked(asked)
+    {
+    }
+
+    std::optional<QString> askName(const QString& /*proposed*/) override
+    {
+        return std::exchange(name, std::nullopt);
+    }
+
+    bool askOverwrite(const QString& taken) override
+    {
+        asked << taken;
+        return false;
+    }
+
+private:
+    std::optional<QString> name;
+    QStringList& asked;
 };
 
 class KeepingNames : public Keeping
@@ -163,6 +191,30 @@ TEST_F(KeepingNames, FileThatIsThereIsReplacedOnlyOnAYes)
     });
     keeper.save();
     EXPECT_TRUE(Reflectogram(stored("a.sor")).isValid());
+}
+
+TEST_F(Keeping, FilesOfAGroupAreReplacedOnlyOnAYes)
+{
+    const Reflectogram first = addMeasured();
+    const Reflectogram second = addMeasured();
+    refls.associate(second, first);
+    QStringList asked;
+    const auto save = [&] {
+        keeper.setNamePrompt(std::make_unique<CarefulTypist>("link", asked));
+        keeper.save();
+    };
+    save();
+    EXPECT_EQ(saved.size(), 2);
+    EXPECT_TRUE(asked.isEmpty()) << "nothing was there yet";
+    ASSERT_FALSE(QFile::exists(stored("link.sor")));
+    save();
+    EXPECT_EQ(asked, QStringList("link"));
+    EXPECT_EQ(saved.size(), 2);
+    refls.deleteAllRefls();
+    addMeasured();
+    save(); // a lone one has another name
+    EXPECT_EQ(asked.size(), 1);
+    EXPECT_EQ(saved.size(), 3);
 }
 
 TEST_F(Keeping, NameCannotLeaveTheStorageDirectory)

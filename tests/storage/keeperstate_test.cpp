@@ -74,6 +74,7 @@ TEST_F(Keeping, ConfigurationOfTheMeasurementIsKeptAndReadBack)
 TEST_F(Keeping, ConfigurationThatCannotBeWrittenIsLogged)
 {
     EXPECT_FALSE(keeper.saveConfig(files.path("no/such/directory/wf.cfg")));
+    EXPECT_FALSE(keeper.saveConfig("/dev/full"));
     EXPECT_TRUE(Keeper::unserialize(files.path("missing")).isEmpty());
     EXPECT_FALSE(logged("config was not saved"));
 

@@ -176,7 +176,9 @@ TEST_F(MarkersOnPlot, LineOfAModelThatUsesItIsShownFromTheStart)
     ASSERT_EQ(lines.size(), 2);
     EXPECT_FALSE(lines.at(1)->line().isNull());
     EXPECT_TRUE(lines.at(1)->isVisible());
-    EXPECT_GT(lines.at(1)->width(), 20); // follows the plot
+    EXPECT_NEAR(lines.at(1)->line().dx(), 29.0, 1.0); // follows the plot
+    other->hide();
+    EXPECT_FALSE(lines.at(1)->isVisible());
 }
 
 TEST_F(MarkersOnPlot, FirstTracePullsShownOnesInBeforeThereIsAnythingToCompute)

@@ -3,6 +3,7 @@
 #include "plot/qmmarker.h"
 #include "plot/qmplotmarker.h"
 #include "tests/window/screen.h"
+#include "twomarkers/twomarkersmodel.h"
 #include "twomarkers/twomarkersresultwidget.h"
 #include "twomarkers/twomarkersview.h"
 
@@ -42,10 +43,21 @@ protected:
         return qRound(plot()->canvasMap(QwtPlot::xBottom).transform(distance_m));
     }
 
+    [[nodiscard]] double attenuation() const { return value(4).section(' ', 0, 0).toDouble(); }
+
     [[nodiscard]] QString value(int row) const
     {
         auto* grid = qobject_cast<QGridLayout*>(view->results()->layout());
         return qobject_cast<QLabel*>(grid->itemAtPosition(row, 1)->widget())->text();
+    }
+
+    /// A snapshot of a fibre of 2 km that loses so much in each.
+    void arrive(Decibels perKilometre)
+    {
+        const QString name =
+            files.writeSnapshot(QString("lost%1.bin").arg(++snapshots),
+                                TraceBuilder().fibre(2_km).attenuation(perKilometre));
+        emit model->measured(name, WfMeasParams());
     }
 
     /// Until all computations are done and told.
@@ -65,6 +77,7 @@ protected:
 
     QList<QmPlotMarker*> markers;
     Waveform::TwoMarkersView* view;
+    int snapshots = 0;
 };
 
 TEST_F(MarkersOfTraces, StandSideBySideOnTheFirstOneWhateverItsLength)
@@ -105,6 +118,45 @@ TEST_F(MarkersOfTraces, MeasureNothingWhenAllAreDeleted)
     load("long.sor", longTrace());
     finish();
     expectSideBySide();
+}
+
+TEST_F(MarkersOfTraces, MeasureEachSnapshotOfTheTrace)
+{
+    emit model->measStarted();
+    arrive(0.2_dB);
+    markers.at(0)->setXValue(500.0);
+    markers.at(1)->setXValue(1500.0);
+    EXPECT_NEAR(attenuation(), 0.2, 0.01);
+    arrive(0.4_dB);
+    EXPECT_NEAR(attenuation(), 0.4, 0.01);
+    finish();
+}
+
+TEST_F(MarkersOfTraces, MeasureTheLengthsThatTheHelixFactorLeaves)
+{
+    arrive(0.2_dB);
+    markers.at(0)->setXValue(500.0);
+    markers.at(1)->setXValue(1500.0);
+    EXPECT_NEAR(attenuation(), 0.2, 0.01);
+    configure("helix", 25.0); // a quarter more fibre in each metre of cable
+    EXPECT_NEAR(attenuation(), 0.25, 0.01);
+    QMetaObject::invokeMethod(window.get(), "setIor",
+                              Q_ARG(double, refls()->mainRefl().IOR() / 1.25));
+    EXPECT_NEAR(attenuation(), 0.2, 0.01);
+    finish();
+}
+
+TEST_F(MarkersOfTraces, MeasureAnewOnceTheEventsAreFound)
+{
+    emit model->measStarted();
+    arrive(0.2_dB);
+    finish();
+    const auto* measuring = window->findChild<Waveform::TwoMarkersModel*>();
+    const QSignalSpy results(measuring, SIGNAL(resultsChanged( TwoMarkersResult )));
+    emit model->measFinished();
+    emit model->eventListReady({Event(Event::SpanStart, 0, 10), Event(Event::SpanEnd, 2000, 10)});
+    EXPECT_EQ(results.size(), 1);
+    finish();
 }
 
 } // namespace

@@ -207,8 +207,9 @@ TEST_F(Measuring, TwoWavelengthsOfARunBelongTogether)
         + "printf '4 M };5 A {;6 A };7 G };'";
     runToEnd(script);
     ASSERT_EQ(refls()->rowCount(), 2);
-    EXPECT_EQ(refls()->association(refls()->refls()[0]).size(), 2);
-    EXPECT_EQ(refls()->association(refls()->refls()[1]).size(), 2);
+    const QList<Reflectogram> asMeasured = refls()->refls();
+    EXPECT_EQ(refls()->association(asMeasured[0]), asMeasured);
+    EXPECT_EQ(refls()->association(asMeasured[1]), asMeasured);
     EXPECT_EQ(shownCurves().size(), 2);
 }
 

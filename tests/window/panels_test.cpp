@@ -198,7 +198,9 @@ TEST_F(Panelled, FoundEventsBelongToTheMainTraceAndAreShown)
     const Reflectogram first = load("a.sor");
     const Reflectogram second = load("b.sor");
     eventsView()->selectRow(1);
+    const QSignalSpy shownAnew(refls(), SIGNAL(modelReset()));
     announce(startSectionEnd());
+    EXPECT_EQ(shownAnew.size(), 1) << "the set tells the distance of the end";
     EXPECT_EQ(second.getEventList(), startSectionEnd());
     EXPECT_EQ(second.state()->processing, 3);
     EXPECT_EQ(first.getEventList().size(), 3);
@@ -350,7 +352,9 @@ TEST_F(Panelled, IndexOfRefractionIsThatOfTheMainTrace)
     const double last = refl.maxdist();
     const double ior = refl.IOR();
     const QString place = events()->index(1, EventsTableModel::Location).data().toString();
+    const QSignalSpy resets(events(), SIGNAL(modelReset()));
     QMetaObject::invokeMethod(window.get(), "setIor", Q_ARG(double, 1.6));
+    EXPECT_EQ(resets.size(), 1) << "or the table goes on showing the places of before";
     EXPECT_EQ(refl.IOR(), 1.6);
     EXPECT_EQ(other.IOR(), ior);
     const ReflCurve* curve = shownCurves().last();

@@ -91,6 +91,43 @@ TEST_F(RunSteps, MainTraceOfARunCarriesEveryFieldOfTheInstrument)
     qunsetenv("VENDOR_SUPPLIER_NAME");
 }
 
+TEST_F(RunSteps, RunWithoutATraceGivesALoadedOneItsFullViewBack)
+{
+    SorSketch sketch = SorSketch::plain();
+    sketch.fxd.pulses[0].dataSpacing *= 40;
+    sketch.fxd.acquisitionRange *= 40;
+    const Reflectogram loaded = load("long.sor", sketch);
+    const QRectF whole = view();
+    ASSERT_GT(whole.width(), 2.0 * model->distance());
+    model->started(QString());
+    model->stopped(QString());
+    ASSERT_EQ(refls()->mainRefl(), loaded);
+    EXPECT_EQ(view(), whole);
+    QTest::mouseClick(fullView(), Qt::LeftButton);
+    EXPECT_EQ(view(), whole);
+}
+
+TEST_F(RunSteps, ViewOfTheMeasuredTraceStaysAtTheStop)
+{
+    model->started(QString());
+    emit model->measStarted();
+    arrive(TraceBuilder().fibre(2_km));
+    QTest::mouseClick(window->findChild<QPushButton*>("zoomInButton"), Qt::LeftButton);
+    const QRectF chosen = view();
+    ASSERT_LT(chosen.width(), model->distance());
+    model->stopped(QString());
+    EXPECT_EQ(view(), chosen);
+}
+
+TEST_F(RunSteps, StopShowsTheSetAnew)
+{
+    load("a.sor");
+    model->started(QString());
+    const QSignalSpy resets(refls(), SIGNAL(modelReset()));
+    model->stopped(QString());
+    EXPECT_EQ(resets.size(), 1);
+}
+
 TEST_F(RunSteps, StopWithoutAMainTraceStands)
 {
     load("a.sor");
