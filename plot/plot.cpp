@@ -16,6 +16,18 @@
 
 namespace Waveform {
 
+namespace {
+
+/// Whether a bound is at a stop. The stop is worked out anew from the bounds, so that a view that
+/// was put there may miss it by rounding.
+bool isAt(double bound, double stop)
+{
+    constexpr double kRelative = 1e-12;
+    return std::abs(bound - stop) <= kRelative * std::max(std::abs(bound), std::abs(stop));
+}
+
+} // namespace
+
 Plot::Plot(QWidget* parent)
     : QwtPlot(parent)
 {
@@ -96,7 +108,7 @@ bool Plot::newBounds(int axis, int delta, double& min, double& max)
     const double half = span * 0.5;
     const double lowest = -half;
     const double highest = (axis == xBottom ? maxX : kMaxY) + half;
-    if ((delta < 0 && lowest == min) || (delta > 0 && highest == max)) {
+    if ((delta < 0 && isAt(min, lowest)) || (delta > 0 && isAt(max, highest))) {
         return false;
     }
 

@@ -87,6 +87,34 @@ std::shared_ptr<const SorData> sorDataOf(const otdr::sor::File& file, const Trac
     return sor;
 }
 
+/// The fibre up to an event. A file tells it with the event; of its return loss it tells nothing.
+Event fibreBetween(const Event& from, const Event& to)
+{
+    Event fibre;
+    fibre.type = Event::Fiber;
+    fibre.position = from.position;
+    fibre.coordinate = from.coordinate;
+    fibre.width = from.width;
+    fibre.length = to.coordinate - from.coordinate;
+    fibre.loss = to.attenuationBefore * fibre.length / 1000.0;
+    return fibre;
+}
+
+/// Events with the fibre between them, as a measurement lists them. None between events at one
+/// place.
+EventList withFibre(const EventList& events)
+{
+    EventList all;
+    for (const Event& event : events) {
+        if (!all.isEmpty() && event.coordinate > all.last().coordinate) {
+            const Event before = all.last();
+            all << fibreBetween(before, event);
+        }
+        all << event;
+    }
+    return all;
+}
+
 otdr::Result<TraceState> loadSor(const QString& fileName)
 {
     auto read = otdr::readSorFile(QFile::encodeName(fileName).toStdString());
@@ -117,7 +145,7 @@ otdr::Result<TraceState> loadSor(const QString& fileName)
     state.range_m = orElse(otdr::sor::range_m(*file), 0.0);
     state.duration_s =
         static_cast<int>(std::lround(orElse(otdr::sor::averagingTime_s(*file), 0.0)));
-    state.events = eventsOf(*file, state);
+    state.events = withFibre(eventsOf(*file, state));
     state.processing = Reflectogram::FromFile;
     state.sor = sorDataOf(*file, state);
     state.file = std::move(file);

@@ -30,6 +30,13 @@ std::string text(const QByteArray& bytes)
     return kept.empty() ? std::string(" ") : kept;
 }
 
+/// Metres of fibre for a nanosecond. A file knows no helix factor: its lengths are those of the
+/// fibre, where ours are those of the cable.
+double fibreMetresPerNs(const TraceState& state)
+{
+    return otdr::metresPerNs(state.ior);
+}
+
 std::int32_t countsOf(const TraceState& state, double distance_m)
 {
     return rounded<std::int32_t>(distance_m / state.metresPerNs() / otdr::kCountNs);
@@ -48,13 +55,14 @@ otdr::sor::KeyEvents keyEventsOf(const TraceState& state)
     QList<Event> events;
     std::copy_if(state.events.begin(), state.events.end(), std::back_inserter(events),
                  [](const Event& event) { return event.type != Event::Fiber; });
+    const double cablePerFibre = state.metresPerNs() / fibreMetresPerNs(state);
     const double deadZone_m = otdr::kDeadZonePulses * state.pulse_ns * state.metresPerNs();
     for (int i = 0; i < events.size(); ++i) {
         const Event& event = events.at(i);
         otdr::sor::KeyEvent out;
         out.number = static_cast<std::uint16_t>(i + 1);
         out.position = countsOf(state, event.coordinate);
-        out.attenuation = rounded<std::int16_t>(event.attenuationBefore * 1000.0);
+        out.attenuation = rounded<std::int16_t>(event.attenuationBefore * cablePerFibre * 1000.0);
         out.loss = rounded<std::int16_t>(event.loss * 1000.0);
         out.reflectance = rounded<std::int32_t>(event.reflectance * 1000.0);
         encodeCode(event, out);
@@ -118,7 +126,7 @@ otdr::sor::File newFile(const TraceState& state)
         rounded<std::uint32_t>(step_counts * static_cast<double>(state.trace->size()));
     file.fxd.acquisitionRangeDistance =
         rounded<std::int32_t>(10.0 * static_cast<double>(state.trace->size())
-                              * axis.sampleInterval_ns * state.metresPerNs());
+                              * axis.sampleInterval_ns * fibreMetresPerNs(state));
     file.fxd.noiseFloorScale = 1000;
     otdr::sor::storeThresholds(otdr::DetectionSettings(), file); // its events were found with these
     file.data.scaleFactor =

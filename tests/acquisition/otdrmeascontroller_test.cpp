@@ -251,6 +251,22 @@ TEST_F(Gather, ProgramThatDiesIsAnErrorAndAnEnd)
     EXPECT_FALSE(controller.running());
 }
 
+TEST_F(Gather, IsIdleWhenItTellsHowItEnded)
+{
+    QList<bool> running;
+    const auto note = [&] { running << controller.running(); };
+    QObject::connect(&controller, &OtdrMeasController::error, note);
+    QObject::connect(&controller, &OtdrMeasController::finished, note);
+    run("1 G {;2 G };");
+    programs.make("wfgather", "kill -KILL $$");
+    expectWarning("void OtdrMeasController::onError(QProcess::ProcessError)");
+    ASSERT_EQ(controller.start(), 0);
+    listener.log.clear();
+    waitForEnd();
+    EXPECT_TRUE(listener.log.contains("error"));
+    EXPECT_FALSE(running.contains(true));
+}
+
 TEST_F(Gather, StopAsksTheProgramToEnd)
 {
     programs.make("wfgather",

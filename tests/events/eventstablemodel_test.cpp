@@ -382,9 +382,17 @@ TEST_F(EventsTable, ShowsTheEventsOfRealFiles)
         const Reflectogram trace(file);
         model.setReflectogram(trace);
         ASSERT_EQ(model.rowCount(), trace.getEventList().size());
+        int number = 0;
         for (int row = 0; row < model.rowCount(); ++row) {
             const Event event = trace.getEventList().at(row);
-            EXPECT_EQ(text(row, EventsTableModel::Number), QString::number(row + 1));
+            if (event.type == Event::Fiber) {
+                const double told = trace.getEventList().at(row + 1).attenuationBefore;
+                EXPECT_EQ(text(row, EventsTableModel::Attenuation),
+                          Event::isKnown(told) ? QString::number(told, 'f', 3) : QString("-"))
+                    << qPrintable(file) << " row " << row;
+                continue;
+            }
+            EXPECT_EQ(text(row, EventsTableModel::Number), QString::number(++number));
             EXPECT_NEAR(text(row, EventsTableModel::Location).toDouble(), event.coordinate,
                         0.006 + trace.smpl2dist(0.5))
                 << qPrintable(file) << " row " << row;

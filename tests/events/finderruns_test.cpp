@@ -135,6 +135,20 @@ TEST_F(FinderRun, ReturnCodeIsAWarningAndWhatTheProgramSaidIsCritical)
     EXPECT_TRUE(Ear::heardOnce(QtCriticalMsg, "Error log \"no such trace"));
 }
 
+TEST_F(FinderRun, ErrorLogIsWhatTheProgramOfThisRunSaid)
+{
+    programs.make("wfevfind", "echo 'said first' >&2; exit 3");
+    expectWarning("Event finder: Error! Process return code: 3");
+    expectWarning("Error log");
+    run(snapshot("a.bin", 10.0, 0.5_dB));
+    programs.make("wfevfind", "echo 'said second' >&2; exit 3");
+    expectWarning("Event finder: Error! Process return code: 3");
+    expectWarning("Error log");
+    const Ear ear;
+    run(snapshot("a.bin", 10.0, 0.5_dB));
+    EXPECT_TRUE(Ear::heardOnce(QtCriticalMsg, "Error log \"said second"));
+}
+
 TEST_F(FinderRun, CrashIsCriticalInBothItsMessages)
 {
     programs.make("wfevfind", "kill -SEGV $$");

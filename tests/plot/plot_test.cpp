@@ -201,6 +201,23 @@ TEST_F(Chart, DragAtTheStopIsSilent)
     EXPECT_EQ(scaled.size(), 0);
 }
 
+TEST_F(Chart, DragThatEndedAtAStopIsSilentWhenItIsRepeatedWhateverTheSpan)
+{
+    constexpr QPoint kFar(1000000, -1000000);
+    for (int step = 1; step < 200; ++step) {
+        plot.setMaxX(1000.0 + 123.456789 * step);
+        view(100.0, 100.0 + 7.654321 * step, 10.0, 10.0 + 0.123457 * step);
+        plot.shiftScale(kFar);
+        const QSignalSpy scaled(&plot, SIGNAL(scaledTo(QRectF)));
+        plot.shiftScale(kFar);
+        EXPECT_EQ(scaled.size(), 0) << step;
+        plot.shiftScale(-kFar);
+        EXPECT_EQ(scaled.size(), 1) << step;
+        plot.shiftScale(-kFar);
+        EXPECT_EQ(scaled.size(), 1) << step;
+    }
+}
+
 TEST_F(Chart, DragIsPaintedOnceAndNotAtAllAtTheStop)
 {
     testing_support::PaintCounter painted;

@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cmath>
 #include <thread>
@@ -27,6 +28,15 @@ QByteArray contents(const QString& path)
     QFile file(path);
     EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << qPrintable(path);
     return file.readAll();
+}
+
+/// The events without the fibre between them.
+EventList eventsProper(const Reflectogram& refl)
+{
+    EventList events = refl.getEventList();
+    const auto isFibre = [](const Event& event) { return event.type == Event::Fiber; };
+    events.erase(std::remove_if(events.begin(), events.end(), isFibre), events.end());
+    return events;
 }
 
 TEST(Reflectogram, EmptyHandleHoldsNothingAndStandsEveryQuestion)
@@ -115,7 +125,7 @@ TEST(Reflectogram, LevelIsCountsBelowTheTopAndLinearBetweenSamples)
 TEST(Reflectogram, EventsOfAFileStandAtTheirSamples)
 {
     const TraceFiles files;
-    const EventList events = files.plain().getEventList();
+    const EventList events = eventsProper(files.plain());
     ASSERT_EQ(events.size(), 3);
     EXPECT_EQ(events[0].type, Event::SpanStart);
     EXPECT_EQ(events[0].position, 0);
@@ -130,6 +140,46 @@ TEST(Reflectogram, EventsOfAFileStandAtTheirSamples)
     EXPECT_DOUBLE_EQ(events[2].reflectance, -14.7);
 }
 
+TEST(Reflectogram, FibreOfAFileStandsBetweenItsEventsAsTheSecondOfThemTellsIt)
+{
+    const TraceFiles files;
+    const EventList events = files.plain().getEventList();
+    ASSERT_EQ(events.size(), 5);
+    const Event& fibre = events[1];
+    EXPECT_EQ(fibre.type, Event::Fiber);
+    EXPECT_EQ(fibre.position, 0);
+    EXPECT_NEAR(fibre.length, 1000 * kSpacing_m, 1e-6);
+    EXPECT_NEAR(fibre.attenuation(), 0.19, 1e-9);
+    EXPECT_NEAR(fibre.loss, 0.19 * kSpacing_m, 1e-9);
+    EXPECT_FALSE(Event::isKnown(fibre.orl)) << "a file does not tell it";
+    EXPECT_EQ(events[3].type, Event::Fiber);
+    EXPECT_EQ(events[3].position, 1000);
+    EXPECT_NEAR(events[3].length, 2000 * kSpacing_m, 1e-6);
+}
+
+TEST(Reflectogram, FibreWhoseAttenuationAFileDoesNotTellHasALengthOnly)
+{
+    SorSketch sketch = SorSketch::plain();
+    sketch.keyEvents.events[1].attenuation = 0;
+    const TraceFiles files;
+    const Reflectogram refl(files.write("untold.sor", sketch));
+    const Event fibre = refl.getEventList().value(1);
+    ASSERT_EQ(fibre.type, Event::Fiber);
+    EXPECT_NEAR(fibre.length, 1000 * kSpacing_m, 1e-6);
+    EXPECT_FALSE(Event::isKnown(fibre.loss));
+    EXPECT_FALSE(Event::isKnown(fibre.attenuation()));
+}
+
+TEST(Reflectogram, NoFibreLiesBetweenEventsOfAFileAtOnePlace)
+{
+    SorSketch sketch = SorSketch::plain();
+    sketch.keyEvents.events[1].position = sketch.keyEvents.events[0].position;
+    const TraceFiles files;
+    const EventList events = Reflectogram(files.write("same.sor", sketch)).getEventList();
+    ASSERT_EQ(events.size(), 4);
+    EXPECT_EQ(events[2].type, Event::Fiber);
+}
+
 TEST(Reflectogram, PositionsCountFromTheUsersZeroBehindALaunchFibre)
 {
     SorSketch sketch = SorSketch::plain();
@@ -140,8 +190,8 @@ TEST(Reflectogram, PositionsCountFromTheUsersZeroBehindALaunchFibre)
     const TraceFiles files;
     const Reflectogram refl(files.write("launch.sor", sketch));
     ASSERT_TRUE(refl.isValid());
-    EXPECT_EQ(refl.getEventList()[0].position, -100);
-    EXPECT_EQ(refl.getEventList()[2].position, 2900);
+    EXPECT_EQ(eventsProper(refl)[0].position, -100);
+    EXPECT_EQ(eventsProper(refl)[2].position, 2900);
     EXPECT_NEAR(refl.maxdist(), 3899 * kSpacing_m, 1e-6);
     // The splice's sample is the same one of the record, now nearer to 0 m.
     EXPECT_NEAR(refl.powerAtDist(900 * kSpacing_m), files.plain().powerAtDist(1000 * kSpacing_m),
@@ -173,8 +223,9 @@ TEST(Reflectogram, GroupIndexAndHelixScaleDistancesAndEventsAlike)
     refl.setIOR(1.468 * 2.0);
     EXPECT_NEAR(refl.endOfFiber(), end / 2.0, 1e-6);
     EXPECT_NEAR(refl.maxdist(), last / 2.0, 1e-6);
-    EXPECT_NEAR(refl.getEventList()[1].attenuationBefore, 0.38, 1e-9);
-    EXPECT_EQ(refl.getEventList()[2].position, 3000);
+    EXPECT_NEAR(eventsProper(refl)[1].attenuationBefore, 0.38, 1e-9);
+    EXPECT_NEAR(refl.getEventList()[1].attenuation(), 0.38, 1e-9) << "the fibre before it";
+    EXPECT_EQ(eventsProper(refl)[2].position, 3000);
     refl.setIOR(1.468);
     refl.setHelix(25.0);
     EXPECT_NEAR(refl.maxdist(), last / 1.25, 1e-6);
@@ -326,6 +377,28 @@ TEST(Reflectogram, SavedChangesAreReadBack)
     EXPECT_NEAR(read.getEventList()[0].coordinate, 2500.0, 0.011); // half a count of 2 cm
     EXPECT_NEAR(read.getEventList()[0].reflectance, -30.5, 1e-9);
     EXPECT_EQ(read.trace()->samples(), refl.trace()->samples());
+}
+
+TEST(Reflectogram, SavedTraceTellsLengthsOfTheFibreAndNotOfTheCable)
+{
+    const TraceFiles files;
+    WfMeasParams params;
+    params.ior = 1.468;
+    params.helix = 25.0; // a kilometre of cable holds 1.25 km of fibre
+    Reflectogram refl = files.measured(TraceBuilder().fibre(3_km), params);
+    Event splice(Event::NonReflective, 2000, 10);
+    splice.attenuationBefore = 0.25; // of that kilometre of cable
+    refl.setEventList({splice});
+    ASSERT_EQ(refl.save(files.path("cable.sor")), 0);
+
+    const Reflectogram read(files.path("cable.sor"));
+    ASSERT_EQ(read.getEventList().size(), 1);
+    const Event& stored = read.getEventList()[0];
+    EXPECT_NEAR(stored.coordinate, 2500.0, 0.011);
+    EXPECT_NEAR(stored.attenuationBefore, 0.2, 1e-9);
+    const auto& fxd = read.state()->file->fxd;
+    const double wholeFibre_m = read.smpl2dist(static_cast<double>(read.trace()->size()));
+    EXPECT_NEAR(fxd.acquisitionRangeDistance, 10.0 * wholeFibre_m, 1.0);
 }
 
 TEST(Reflectogram, MeasuredTraceIsSavedWithItsParametersAndReadBackTheSame)
