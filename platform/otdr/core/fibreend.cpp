@@ -42,6 +42,11 @@ constexpr double kFewestShort = 5.0;
 /// Within a pulse fibre falls by what it usually does but for so much.
 constexpr double kLevel_dB = 0.1;
 
+/// No fibre falls by more than both, within a kilometre and within a pulse: those that fall steeply
+/// are measured with short pulses. The tail of an overload may be longer than the fibre before it.
+constexpr double kSlope_dBPerKm = 0.7;
+constexpr double kSlope_dBPerPulse = 0.5;
+
 /// Neighbours that pass the same receiver are alike; samples so many pulses apart, hardly.
 constexpr double kApartPulses = 0.1;
 
@@ -51,6 +56,14 @@ constexpr double kChance = 5.0;
 /// The deviation that shows the foot of the end: in sigma and dB.
 constexpr double kFootSigmas = 6.0;
 constexpr double kFoot_dB = 0.08;
+
+/// The end falls by half of what shows it within so much of a pulse from there. Where the light
+/// left the fibre before by so much of one earlier, that is another event, and the level between
+/// them is that of so much of one, and of so many samples.
+constexpr double kFootPulses = 0.7;
+constexpr double kEarlierPulses = 0.45;
+constexpr double kLevelPulses = 0.25;
+constexpr double kFewestLevel = 3.0;
 
 /// The fibre before the end is taken from so many pulses, or from a straight piece of them of no
 /// less than the other, that scatters no more than this by its samples.
@@ -76,7 +89,7 @@ public:
         extent.first = launchOver();
         extent.lastLit = lastVisible(extent.first);
         extent.end = extent.lastLit;
-        usualSlope_dB = trace.usualSlope_dB(extent.first, extent.lastLit);
+        usualSlope_dB = fibreSlope_dB(extent);
         const FibreBehind behindIt(trace, extent.lastLit, usualSlope_dB);
         const ShortFibre piece(trace, threshold_dB, usualSlope_dB);
         const double step = std::max(1.0, std::floor(w / 2.0));
@@ -123,6 +136,16 @@ public:
     }
 
 private:
+    /// By how much the light falls from one sample to the next, but for what only a tail does.
+    [[nodiscard]] double fibreSlope_dB(const FibreExtent& extent) const
+    {
+        const double usual_dB = trace.usualSlope_dB(extent.first, extent.lastLit);
+        const double kilometre = trace.scale().kilometre;
+        const double most_dB =
+            kilometre > 0.0 ? std::max(kSlope_dBPerKm / kilometre, kSlope_dBPerPulse / w) : 0.0;
+        return most_dB > 0.0 ? std::max(usual_dB, -most_dB) : usual_dB;
+    }
+
     /// Where the reflection of the port and its tail are over.
     [[nodiscard]] double launchOver() const
     {
@@ -194,7 +217,10 @@ private:
         while (from < end && trace.mean_dB(from, from + 1.0) < top) {
             from += 1.0;
         }
-        while (from < end && trace.mean_dB(from, from + 1.0) > top - kLaunchFall_dB) {
+        // What is outshone further on does not hold the receiver at its top.
+        const bool isOutshone = highest_dB(trace, from, end) > top + kLaunchFall_dB;
+        while (!isOutshone && from < end
+               && trace.mean_dB(from, from + 1.0) > top - kLaunchFall_dB) {
             from += 1.0;
         }
         if (piece.isSeenBetween(from, end)) {
@@ -307,25 +333,66 @@ private:
         return {trace.fit(std::max(fibreFrom, index - longest), index), index};
     }
 
-    /// The first sample that leaves the fibre before `from`, upwards or downwards.
+    /// The first of two samples in a row, from one index to another, that are further than this
+    /// from a line; `to` where there are none.
+    [[nodiscard]] double leaves(const Line& line, double from, double to, double least_dB) const
+    {
+        int outside = 0;
+        for (auto i = static_cast<std::size_t>(std::max(0.0, from)); static_cast<double>(i) < to;
+             ++i) {
+            const double index = static_cast<double>(i);
+            const double off_dB = std::abs(trace.samples().level_dB(i) - line.at(index));
+            outside = off_dB > least_dB ? outside + 1 : 0;
+            if (outside == 2) {
+                return index - 1.0;
+            }
+        }
+        return to;
+    }
+
+    /// By how much samples stand above a line at most, dB.
+    [[nodiscard]] double highestAbove_dB(const Line& line, double from, double to) const
+    {
+        double most_dB = 0.0;
+        for (double i = from; i < to; i += 1.0) {
+            most_dB = std::max(most_dB, trace.mean_dB(i, i + 1.0) - line.at(i));
+        }
+        return most_dB;
+    }
+
+    /// A level line through so many samples before an index, that falls as the fibre does.
+    [[nodiscard]] Line levelBefore(double index, double samples) const
+    {
+        Line level;
+        level.level_dB = trace.mean_dB(index - samples, index);
+        level.slope_dB = usualSlope_dB;
+        level.centre = index - 0.5 * (samples + 1.0);
+        return level;
+    }
+
+    /// The first sample that leaves the fibre before `from`, upwards or downwards, for the end:
+    /// what leaves it by little for longer than that takes is another event, close before it.
     [[nodiscard]] double foot(double from, double to, double fibreFrom) const
     {
         const auto [line, until] = straightBefore(from, fibreFrom);
-        const auto last =
-            static_cast<std::size_t>(std::min(trace.size(), to + kFallPulses * w + 2.0));
-        int outside = 0;
-        for (auto i = static_cast<std::size_t>(std::max(0.0, until)); i < last; ++i) {
-            const auto index = static_cast<double>(i);
-            const double fibre =
-                line && line->line.samples > 4 ? line->at(index) : trace.mean_dB(from - w, from);
-            const double sigma = line ? line->line.sigma_dB : trace.noise().sigma_dB(from - w);
-            const double off = std::abs(trace.samples().level_dB(i) - fibre);
-            outside = off > std::max(kFoot_dB, kFootSigmas * sigma) ? outside + 1 : 0;
-            if (outside == 2) {
-                return index - 1.5;
-            }
+        const double last = std::min(trace.size(), to + kFallPulses * w + 2.0);
+        const bool isLine = line && line->line.samples > 4;
+        const Line before = isLine ? line->line : levelBefore(from, w);
+        const double sigma = line ? line->line.sigma_dB : trace.noise().sigma_dB(from - w);
+        const double least_dB = std::max(kFoot_dB, kFootSigmas * sigma);
+        const double first = leaves(before, until, last, least_dB);
+        if (first >= last) {
+            return from + w;
         }
-        return from + w;
+        const double plainly = leaves(before, first, last, 0.5 * threshold_dB);
+        const double nearest = plainly - kFootPulses * w;
+        const bool isLater = plainly < last && nearest > first + kEarlierPulses * w;
+        // A low reflection is told with the end that it stands close before, or it is the end's.
+        if (isLater && highestAbove_dB(before, first, nearest) < least_dB) {
+            const double length = std::max(kFewestLevel, kLevelPulses * w);
+            return leaves(levelBefore(nearest, length), nearest, last, least_dB) - 0.5;
+        }
+        return first - 0.5;
     }
 
     const FibreTrace& trace;

@@ -14,11 +14,13 @@ namespace {
 constexpr double kChangePulses = 10.0;
 
 /// A short piece is known by half a pulse of it, and no fewer samples: it falls or rises by no more
-/// within a pulse than this or, where noise hides that, the larger limit, and a patch cord stands
-/// no higher than the fibre before it but for the last of a tail.
+/// within a pulse than this, or than fibre does in a long one, or, where noise hides that, the
+/// larger limit, and a patch cord stands no higher than the fibre before it but for the last of a
+/// tail.
 constexpr double kShortPulses = 0.5;
 constexpr double kFewestShort = 5.0;
 constexpr double kLevel_dB = 0.1;
+constexpr double kFibre_dBPerKm = 0.5;
 constexpr double kNoisyLevel_dB = 0.5;
 constexpr double kTail_dB = 0.3;
 
@@ -61,6 +63,9 @@ ShortFibre::ShortFibre(const FibreTrace& trace, double threshold_dB, double usua
     , w(trace.scale().pulse)
     , threshold_dB(threshold_dB)
     , usualSlope_dB(usualSlope_dB)
+    , level_dB(std::max(kLevel_dB,
+                        trace.scale().kilometre > 0.0 ? kFibre_dBPerKm * w / trace.scale().kilometre
+                                                      : 0.0))
 {
 }
 
@@ -74,7 +79,7 @@ double ShortFibre::fallenFrom(double top) const
     const double half = std::max(1.0, std::floor(0.5 * w));
     double i = top;
     while (i < top + kShortTailPulses * w
-           && trace.mean_dB(i, i + half) - trace.mean_dB(i + half, i + 2.0 * half) > kLevel_dB) {
+           && trace.mean_dB(i, i + half) - trace.mean_dB(i + half, i + 2.0 * half) > level_dB) {
         i += 1.0;
     }
     return i + half;
@@ -139,7 +144,7 @@ bool ShortFibre::isLevel(double from, double to, double least_dB, double most_dB
     }
     const double level = line->at(from);
     const double chance_dB = std::min(kChance * line->slopeError_dB * w, kNoisyLevel_dB);
-    return std::abs(line->line.slope_dB) * w < std::max(kLevel_dB, chance_dB) && level < most_dB
+    return std::abs(line->line.slope_dB) * w < std::max(level_dB, chance_dB) && level < most_dB
         && level > least_dB && level > trace.noise().rms_dB() + kPlainAboveNoise_dB;
 }
 

@@ -48,6 +48,7 @@ private:
     double w;
     double threshold_dB;
     double usualSlope_dB;
+    double level_dB; ///< what falls by less within a pulse is level
 };
 
 } // namespace otdr

@@ -118,6 +118,42 @@ TEST(FibreEnd, OfADropIsBehindTheSplitter)
     }
 }
 
+/// What is lost some pulses before the end is another event, and not where the end begins.
+TEST(FibreEnd, StandsBehindASmallLossCloseBeforeIt)
+{
+    for (const double pulses : {1.8, 2.2, 3.0}) {
+        const TraceBuilder plain = endingLink();
+        const double pulse_m = 12000.0 * plain.pulseSamples() / plain.indexOf(12_km);
+        const TraceBuilder cut = endingLink().splice(Length {12000.0 - pulses * pulse_m}, 0.3_dB);
+        EXPECT_NEAR(extentOf(cut).end, cut.indexOf(12_km), 0.3 * cut.pulseSamples()) << pulses;
+        const TraceBuilder open = TraceBuilder(cut).reflectingEnd(12_dB);
+        EXPECT_NEAR(extentOf(open).end, open.indexOf(12_km), 0.3 * open.pulseSamples()) << pulses;
+    }
+}
+
+/// A reflection lower than half of what shows the end does not show before the light has fallen.
+TEST(FibreEnd, OfALowReflectionStandsAtItsFoot)
+{
+    const TraceBuilder builder = endingLink().reflectingEnd(1_dB);
+    EXPECT_NEAR(extentOf(builder).end, builder.indexOf(12_km), 2.0);
+}
+
+/// Fibre of four pulses in front of an end that overloads the receiver: that takes longer to
+/// recover than the fibre is long, and falls by several decibels within a kilometre.
+TEST(FibreEnd, IsInFrontOfARecoveryThatIsLongerThanTheFibre)
+{
+    std::vector<std::uint16_t> light;
+    for (int i = 0; i < 12000; ++i) {
+        const double level_dB = i < 1600 ? 44.0 - 0.001 * i
+            : i < 2100                   ? 54.0
+                                         : std::max(0.0, 54.0 - 0.0085 * (i - 2100));
+        light.push_back(static_cast<std::uint16_t>(65535.5 - 1000.0 * level_dB));
+    }
+    const otdr::Trace trace = withNoise(light, 6.0, 3);
+    const otdr::FibreTrace fibre(trace, {400.0, 32.0, 980.0, 196.0}); // of 20 us
+    EXPECT_NEAR(otdr::findFibre(fibre, 3.0).end, 1600.0, 100.0);
+}
+
 /// Nor has the far end's reflection anything to do with the fall of the one in front of it.
 TEST(FibreEnd, StandsBehindALowReflectionCloseBeforeIt)
 {
