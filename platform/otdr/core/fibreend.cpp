@@ -45,7 +45,7 @@ constexpr double kLevel_dB = 0.1;
 /// No fibre falls by more than both, within a kilometre and within a pulse: those that fall steeply
 /// are measured with short pulses. The tail of an overload may be longer than the fibre before it.
 constexpr double kSlope_dBPerKm = 0.7;
-constexpr double kSlope_dBPerPulse = 0.5;
+constexpr double kPulseFall_dB = 0.5;
 
 /// Neighbours that pass the same receiver are alike; samples so many pulses apart, hardly.
 constexpr double kApartPulses = 0.1;
@@ -142,7 +142,7 @@ private:
         const double usual_dB = trace.usualSlope_dB(extent.first, extent.lastLit);
         const double kilometre = trace.scale().kilometre;
         const double most_dB =
-            kilometre > 0.0 ? std::max(kSlope_dBPerKm / kilometre, kSlope_dBPerPulse / w) : 0.0;
+            kilometre > 0.0 ? std::max(kSlope_dBPerKm / kilometre, kPulseFall_dB / w) : 0.0;
         return most_dB > 0.0 ? std::max(usual_dB, -most_dB) : usual_dB;
     }
 
@@ -340,7 +340,7 @@ private:
         int outside = 0;
         for (auto i = static_cast<std::size_t>(std::max(0.0, from)); static_cast<double>(i) < to;
              ++i) {
-            const double index = static_cast<double>(i);
+            const auto index = static_cast<double>(i);
             const double off_dB = std::abs(trace.samples().level_dB(i) - line.at(index));
             outside = off_dB > least_dB ? outside + 1 : 0;
             if (outside == 2) {
