@@ -247,7 +247,7 @@ private:
         const double from = std::max(end.before.centre, apart - 2.0 * fibre.gap());
         if (const auto first = firstPeak(fibre, from, apart, end.before)) {
             const PeakGroup before = measurePeak(fibre, *first, end.before.centre, apart);
-            for (std::size_t i = 0; i < before.feet.size() && before.feet[i] < apart; ++i) {
+            for (std::size_t i = 0; i < before.feet.size(); ++i) {
                 result.events.push_back(lastPeak(end, before, i));
             }
         }

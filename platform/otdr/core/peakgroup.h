@@ -51,7 +51,7 @@ void dropLowFeet(PeakGroup& peak, double least_dB);
 [[nodiscard]] double fibreBeforePeak(const FibreTrace& trace);
 
 /// Looks closely at a reflection near `at`, between the undisturbed fibre that begins at `from` and
-/// what comes next at `to`.
+/// what comes next at `to`: all its feet lie before that.
 [[nodiscard]] PeakGroup measurePeak(const FibreTrace& trace, double at, double from, double to);
 
 /// Feet of further reflections that rise behind one with its foot at `foot`, up to an index: where

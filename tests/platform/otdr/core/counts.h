@@ -24,7 +24,7 @@ inline std::vector<std::uint16_t> randomCounts(std::size_t size, unsigned seed)
 inline otdr::Trace traceOf(const std::vector<std::uint16_t>& counts,
                            double dbPerCount = otdr::kUsualDbPerCount, otdr::TraceAxis axis = {})
 {
-    return otdr::Trace(otdr::RawSamples(counts), dbPerCount, axis);
+    return {otdr::RawSamples(counts), dbPerCount, axis};
 }
 
 } // namespace testing_support

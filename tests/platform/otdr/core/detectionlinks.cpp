@@ -127,6 +127,9 @@ void addCrowds(Links& links)
                   .connector(2_km, 0.3_dB, 30_dB)
                   .splice(2.1_km, 0.2_dB)
                   .reflection(5.99_km, 30_dB));
+    // The search would go on changing its mind about the pair.
+    links.add("unsettled",
+              link(3_km, 24).splice(570_m, 0.35_dB).splice(826_m, 0.15_dB).splice(846_m, 0.35_dB));
     links.add("two ends", link(3_km, 12).reflection(2.96_km, 12_dB).reflection(2.99_km, 9_dB));
 }
 

@@ -140,6 +140,22 @@ TEST(EventSites, AShortStretchTakesTheUsualSlope)
     EXPECT_DOUBLE_EQ(line->slopeError_dB, 0.03 / 2000.0);
 }
 
+/// The median by what they weigh: of two that weigh the same it is the steeper one.
+TEST(EventSites, OfTwoPiecesKnownAsWellTheSteeperHasTheUsualSlope)
+{
+    for (const double behind_dB : {-0.0004, -0.0016}) {
+        const DrawnFibre fibre(6000, scaleOf(kSitesPulse, 2000.0), [&](double i) {
+            return i < 2920.0 ? 40.0 - 0.001 * i : 37.0 + behind_dB * (i - 2920.0);
+        });
+        EventSites sites(*fibre, 100.0, 5770.0);
+        sites.add({siteAt(fibre, 2900.0), siteAt(fibre, 2938.0)}); // five samples between them
+        sites.measure();
+        ASSERT_EQ(sites.fibre(0)->line.samples, sites.fibre(2)->line.samples);
+        ASSERT_EQ(sites.fibre(0)->slopeError_dB, sites.fibre(2)->slopeError_dB);
+        EXPECT_NEAR(sites.fibre(1)->line.slope_dB, std::min(-0.001, behind_dB), 1e-6);
+    }
+}
+
 TEST(EventSites, AStretchTakesItsOwnSlopeWhereItIsSurerOfThat)
 {
     const auto level = [](double i) {

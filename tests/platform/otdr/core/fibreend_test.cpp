@@ -183,6 +183,24 @@ TEST(FibreEnd, WithoutAFibreIsAtThePort)
     EXPECT_NEAR(extent.end, 0.0, 10.0);
 }
 
+/// The tail of the port's reflection outshines a short fibre; what reflects behind it shows that
+/// there is one, for no tail rises.
+TEST(FibreEnd, OfAFibreWithinTheTailOfTheLaunchIsWhereItReflects)
+{
+    const TraceBuilder pulse = TraceBuilder().pulse(200.0); // of twenty samples
+    for (const double height_dB : {5.0, 12.0, 20.0}) {
+        std::vector<std::uint16_t> light(6000, 65535);
+        for (std::size_t i = 0; i < 120; ++i) {
+            const double tail_dB = i < 15 ? 45.0 : 25.0 - 0.1 * (static_cast<double>(i) - 15.0);
+            const double level_dB = tail_dB + (i < 100 ? 0.0 : height_dB);
+            light[i] = static_cast<std::uint16_t>(65535.0 - 1000.0 * level_dB);
+        }
+        const auto extent = extentOf(pulse, withNoise(light, 8.0, 1));
+        EXPECT_EQ(extent.kind, End::Found) << height_dB;
+        EXPECT_NEAR(extent.end, 100.0, 1.0) << height_dB;
+    }
+}
+
 /// Light is looked at in stretches; behind the last whole one there may be fibre still.
 TEST(FibreEnd, OfAPulseOfOneSampleIsFound)
 {

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdint>
+#include <vector>
 
 namespace {
 
@@ -66,6 +68,20 @@ TEST(FibreExtent, LightReachesToTheEndOfARecordWithoutTwoStretchesOfNoise)
     };
     EXPECT_EQ(lastLit(572), dark);
     EXPECT_EQ(lastLit(571), 570.0);
+}
+
+/// A record is cut where it was measured no further: what stands behind that is none of it.
+TEST(FibreExtent, DoesNotReachBehindTheRecord)
+{
+    const auto endBefore = [](std::uint16_t behind) {
+        std::vector<std::uint16_t> counts(1000, 25000);
+        counts.back() = 65535;
+        counts.resize(1010, behind);
+        const otdr::Trace trace(otdr::RawSamples(counts).first(1000), 0.001, {});
+        const otdr::FibreTrace fibre(trace, scaleOf(20.0));
+        return otdr::findFibre(fibre, 3.0).end;
+    };
+    EXPECT_EQ(endBefore(25000), endBefore(65535));
 }
 
 /// With long pulses fibre itself loses a decibel from before a reflection to behind it.

@@ -412,6 +412,25 @@ TEST(NoiseProfile, EventsThatAreKnownTellNothingOfIt)
     EXPECT_LT(known.wander_dB(), 0.003);
 }
 
+/// Shorter means, that tell more between events which stand close to each other, tell less of noise
+/// that is alike for long: one event on much fibre changes nothing.
+TEST(NoiseProfile, IsToldByLongMeansWhereFewEventsAreKnown)
+{
+    const double alike = std::exp(-1.0 / 16.0);
+    std::mt19937_64 random(8);
+    std::normal_distribution<double> normal(0.0, 20.0 * std::sqrt(1.0 - alike * alike));
+    double noise = 0.0;
+    std::vector<std::uint16_t> counts(60000);
+    for (std::uint16_t& count : counts) {
+        noise = alike * noise + normal(random);
+        count = static_cast<std::uint16_t>(20000.5 + noise);
+    }
+    const otdr::Trace trace(otdr::RawSamples(counts), 0.001, {});
+    const NoiseProfile without(trace, 20.0, 0, trace.size());
+    const NoiseProfile with(trace, 20.0, 0, trace.size(), {{30000.0, 30050.0}});
+    EXPECT_NEAR(with.correlation(), without.correlation(), 0.02 * without.correlation());
+}
+
 /// With nothing connected no fibre is left to tell it.
 TEST(NoiseProfile, StandsAStretchWithoutSamples)
 {

@@ -128,6 +128,18 @@ TEST(SorAxis, KeepsTheRuleForAShiftWithinThreePulseWidths)
     EXPECT_EQ(axisOf(sketch).port, 0);
 }
 
+/// A peak may stand a pulse of ten samples and five more behind its event.
+TEST(SorAxis, APeakThatComesLaterBelongsToNoEvent)
+{
+    for (const std::size_t late : {0U, 15U, 16U}) {
+        SorSketch sketch = sketchWithZeroAt(0);
+        sketch.samples =
+            fibreSamples(8000, {late, 1000 + late, 2000 + late, 3000 + late}, 10, 3000 + late);
+        sketch.fxd.frontPanelOffset = 25'000;
+        EXPECT_EQ(axisOf(sketch).port, late <= 15 ? 0 : 25'000) << late;
+    }
+}
+
 TEST(SorAxis, KeepsTheRuleOnASinglePieceOfEvidence)
 {
     SorSketch sketch = sketchWithZeroAt(0);
