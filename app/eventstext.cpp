@@ -43,11 +43,12 @@ QString row(const QString& number, const QString& kind, const QString& location,
         .arg(before, 12);
 }
 
-/// A loss at the ends of the fibre says nothing, nor does a reflection of what does not reflect.
+/// A loss at the ends of the fibre says nothing, nor does a reflection of what does not reflect. A
+/// file tells a loss that was not measured as 0.
 QString lossOf(const Event& event)
 {
     const bool isEnd = event.type == Event::SpanStart || event.type == Event::SpanEnd;
-    return isEnd ? QString("-") : known(event.loss, 2);
+    return isEnd || event.loss == 0.0 ? QString("-") : known(event.loss, 2);
 }
 
 QString reflectionOf(const Event& event)

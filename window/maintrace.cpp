@@ -103,6 +103,7 @@ void MainTrace::setHelix(double helix_percent)
 void MainTrace::sampleAnew()
 {
     ReflCurve* curve = on.curves->main();
+    on.canvas->setDistance(curve->reflectogram().maxdist());
     curve->scale(on.plot->clip());
     on.plot->replot();
     fillOverview(curve->reflectogram());

@@ -300,6 +300,9 @@ void Window::updateMeased(QString reflFileName, WfMeasParams params)
     canvas->zoomOffButton()->show();
     if (run->current() != nullptr) {
         canvas->fillMiniPlot(run->current()->reflectogram(), params.distance);
+        if (panels->reflsView()->isVisible()) { // a hidden table asks when it is shown
+            reflsTableModel()->computeFigures(run->current()->reflectogram());
+        }
     }
     markerMeasuring->measureAgain();
     replot();
@@ -361,12 +364,14 @@ void Window::setHiddenNonMainCurves(bool hidden)
 void Window::setIor(double ior)
 {
     mainTrace->setIor(ior);
+    reflsTableModel()->update();
     markerMeasuring->measureAgain();
 }
 
 void Window::setHelix(double helix)
 {
     mainTrace->setHelix(helix);
+    reflsTableModel()->update();
     markerMeasuring->measureAgain();
 }
 

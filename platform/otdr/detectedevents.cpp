@@ -73,7 +73,10 @@ Event fibreOf(const otdr::DetectedSection& section, const Places& places)
     Event end;
     places.put(end, section.to);
     event.length = end.coordinate - event.coordinate;
-    event.loss = section.loss_dB;
+    // Where events hide one of its ends, what is seen of it tells how it loses.
+    event.loss = std::isfinite(section.loss_dB)
+        ? section.loss_dB
+        : section.attenuation_dBPerKm * event.length / 1000.0;
     event.orl = section.returnLoss_dB;
     return event;
 }
@@ -116,8 +119,10 @@ EventList eventListOf(const otdr::Detection& detection, const TraceState& state)
         double attenuationBefore = Event::kUnknown;
         // The fibre up to an event stands before it, behind all that shares a dead zone.
         for (; section != detection.sections.end() && section->to <= found.index; ++section) {
-            attenuationBefore = section->attenuation_dBPerKm;
             events << fibreOf(*section, places);
+            // That of the list, since a file keeps it with the event: the slope of a short piece
+            // would tell another.
+            attenuationBefore = events.last().attenuation();
         }
         if (isListed(found)) {
             Event event = eventOf(found, places);

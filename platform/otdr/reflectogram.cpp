@@ -282,10 +282,12 @@ QString Reflectogram::paramsToString() const
         return {};
     }
     const WfMeasParams params = parameters();
+    // A file that does not tell one of them has 0 there.
+    const auto told = [](int number) {
+        return number > 0 ? QString::number(number) : QString("-");
+    };
     return QString("%1 nm, %2 ns, %3 s, IOR %4")
-        .arg(params.wavelength)
-        .arg(params.pulse)
-        .arg(params.duration)
+        .arg(told(params.wavelength), told(params.pulse), told(params.duration))
         .arg(params.ior, 0, 'f', 4);
 }
 

@@ -82,7 +82,8 @@ public:
 
     [[nodiscard]] WfMeasParams parameters() const;
 
-    /// One line of the measurement parameters, such as "1550 nm, 100 ns, 15 s, IOR 1.4682".
+    /// One line of the measurement parameters, such as "1550 nm, 100 ns, 15 s, IOR 1.4682". With
+    /// "-" for what is not told; a realtime measurement has no time.
     [[nodiscard]] QString paramsToString() const;
 
     /// Null where the trace is invalid. A later change of the trace does not change what was

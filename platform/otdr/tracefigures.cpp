@@ -48,12 +48,54 @@ std::vector<otdr::SaturatedPeak> saturatedPeaks(const TraceState& state)
     return peaks;
 }
 
-double returnLoss_dB(const TraceState& state, double from, double to)
+double returnLoss_dB(const TraceState& state, double from, double to, double reference_dB)
 {
-    const otdr::ReturnLossSection section {from, to, referenceLevel_dB(state, from, to),
-                                           state.backscatter_dB};
+    const otdr::ReturnLossSection section {from, to, reference_dB, state.backscatter_dB};
     const std::vector<otdr::SaturatedPeak> peaks = saturatedPeaks(state);
     return otdr::returnLoss_dB(*state.trace, section, peaks);
+}
+
+/// The levels that were measured at the ends of the fibre when its events were found: those that
+/// losses of events and of fibre were measured against.
+struct FoundEnds
+{
+    double behindStart_dB = Event::kUnknown;
+    double beforeEnd_dB = Event::kUnknown;
+    bool fibreMeetsEnd = false; ///< it was seen up to the end: no event hides the last of it
+
+    [[nodiscard]] double loss_dB() const { return behindStart_dB - beforeEnd_dB; }
+};
+
+FoundEnds foundEnds(const TraceState& state)
+{
+    FoundEnds ends;
+    for (const Event& event : state.events) {
+        if (event.type == Event::SpanEnd) {
+            ends.beforeEnd_dB = event.reflIn;
+            break;
+        }
+        if (event.type == Event::Fiber) {
+            continue;
+        }
+        if (event.type == Event::SpanStart) {
+            ends.behindStart_dB = event.reflOut;
+        }
+        ends.fibreMeetsEnd = Event::isKnown(event.reflOut);
+    }
+    return ends;
+}
+
+/// Sections and events make up the span, so its loss is told between the levels that theirs were.
+/// Where an event hides the fibre in front of the end, a line through what is left of it shows more
+/// than one that stops at that event.
+double endToEndLoss_dB(const TraceState& state, double start, double end)
+{
+    const FoundEnds found = foundEnds(state);
+    if (found.fibreMeetsEnd && Event::isKnown(found.loss_dB())) {
+        return found.loss_dB();
+    }
+    const double fitted = otdr::spanLoss(*state.trace, siteOf(state, start), siteOf(state, end));
+    return Event::isKnown(fitted) ? fitted : found.loss_dB();
 }
 
 } // namespace
@@ -93,7 +135,7 @@ double stretchReturnLoss_dB(const TraceState& state, double a_m, double b_m)
     }
     const double from = state.indexAt(std::min(a_m, b_m));
     const double to = state.indexAt(std::max(a_m, b_m));
-    return returnLoss_dB(state, from, to);
+    return returnLoss_dB(state, from, to, referenceLevel_dB(state, from, to));
 }
 
 KeyEventsBlock keyFigures(const TraceState& state)
@@ -105,11 +147,17 @@ KeyEventsBlock keyFigures(const TraceState& state)
     const double start = state.indexAt(0.0);
     const double end_m = state.endOfFibre_m();
     auto last = static_cast<double>(state.trace->size());
-    if (end_m > 0.0) {
+    if (end_m >= 0.0) {
         const double end = state.indexAt(end_m);
-        block.totalLoss = otdr::spanLoss(*state.trace, siteOf(state, start), siteOf(state, end));
+        if (end <= start + kSameEventPulses * state.pulseSamples()) {
+            return block; // no fibre shows between the reflections of port and end
+        }
+        block.totalLoss = endToEndLoss_dB(state, start, end);
         last = std::min(last, end + kEndTailPulses * state.pulseSamples());
     }
-    block.orl = returnLoss_dB(state, start, last);
+    const double behindStart_dB = foundEnds(state).behindStart_dB;
+    block.orl = returnLoss_dB(
+        state, start, last,
+        Event::isKnown(behindStart_dB) ? behindStart_dB : referenceLevel_dB(state, start, last));
     return block;
 }

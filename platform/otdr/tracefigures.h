@@ -9,7 +9,11 @@
 [[nodiscard]] double stretchReturnLoss_dB(const TraceState& state, double a_m, double b_m);
 
 /// End-to-end loss and return loss of a trace, from 0 m to the end of its fibre. Without a known
-/// end the loss is unknown and the return loss is that of the whole record.
+/// end the loss is unknown and the return loss is that of the whole record; with one so near that
+/// no fibre shows before it, both are unknown.
+///
+/// Where the events tell the levels beside them these are used, so that the losses of a list add up
+/// to that of the span.
 [[nodiscard]] KeyEventsBlock keyFigures(const TraceState& state);
 
 /// The place of an event between its neighbours on the trace, for line fits. index counts samples

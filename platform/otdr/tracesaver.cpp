@@ -135,6 +135,23 @@ otdr::sor::File newFile(const TraceState& state)
     return file;
 }
 
+/// Gives a file another group index: its times stay, and what it tells by the metre follows.
+void changeIndex(otdr::sor::File& file, double ior)
+{
+    const double shrink = otdr::sor::groupIndex(file) / ior;
+    file.fxd.groupIndex = rounded<std::uint32_t>(ior * 1e5);
+    for (std::int32_t* distance :
+         {&file.gen.userOffsetDistance, &file.fxd.acquisitionOffsetDistance,
+          &file.fxd.acquisitionRangeDistance}) {
+        *distance = rounded<std::int32_t>(*distance * shrink);
+    }
+    if (file.keyEvents) {
+        for (otdr::sor::KeyEvent& event : file.keyEvents->events) {
+            event.attenuation = rounded<std::int16_t>(event.attenuation / shrink);
+        }
+    }
+}
+
 } // namespace
 
 otdr::sor::File toSorFile(const TraceState& state)
@@ -145,7 +162,7 @@ otdr::sor::File toSorFile(const TraceState& state)
         file.sup = supParamsOf(state.sor->supParams());
     }
     if (!isNew && state.ior != otdr::sor::groupIndex(*state.file)) {
-        file.fxd.groupIndex = rounded<std::uint32_t>(state.ior * 1e5);
+        changeIndex(file, state.ior);
     }
     if (isNew || state.processing != Reflectogram::FromFile) {
         file.keyEvents = keyEventsOf(state);

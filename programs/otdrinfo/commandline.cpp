@@ -19,6 +19,7 @@ constexpr const char* kDescription =
     "summary.\n"
     "kind: s span start, r reflective, n non-reflective, p level rises, e end of the fibre or of "
     "the trace.\n"
+    "refl. dB: * marks that of a receiver that was saturated; more was reflected, or as much.\n"
     "checksum_ok: true where the checksum matches; false where it does not; null where it cannot "
     "be judged:\n"
     "missing, stored as 0 (not computed), or of a maker whose recipe is not public.\n"

@@ -96,6 +96,14 @@ QString results(const sor::File& file)
         + line("checksum", checksumText(file.checksum));
 }
 
+/// With a star where it is only a bound.
+QString reflectanceText(const sor::KeyEvent& event)
+{
+    const double reflectance_dB = sor::reflectance_dB(event);
+    const bool isBound = sor::isSaturated(event) && std::isfinite(reflectance_dB);
+    return number(reflectance_dB, 3, isBound ? "*" : "");
+}
+
 QString eventTable(const sor::File& file)
 {
     const std::string kinds = sor::eventKinds(file);
@@ -105,17 +113,15 @@ QString eventTable(const sor::File& file)
     QString table = "   no kind code     distance m   loss dB  refl. dB  before dB/km\n";
     for (std::size_t i = 0; i < kinds.size(); ++i) {
         const sor::KeyEvent& event = file.keyEvents->events[i];
-        table +=
-            QString("%1 %2    %3 %4 %5 %6 %7  %8")
-                .arg(event.number, 5)
-                .arg(QChar::fromLatin1(kinds[i]))
-                .arg(forTerminal(sor::codeText(event)), -6)
-                .arg(file.hasFxd ? number(sor::position_m(file, event), 2) : QString("-"), 12)
-                .arg(number(sor::loss_dB(event), 3), 9)
-                .arg(number(sor::reflectance_dB(event), 3) + (sor::isSaturated(event) ? "*" : ""),
-                     9)
-                .arg(number(sor::attenuation_dBPerKm(event), 3), 13)
-                .arg(forTerminal(event.comment));
+        table += QString("%1 %2    %3 %4 %5 %6 %7  %8")
+                     .arg(event.number, 5)
+                     .arg(QChar::fromLatin1(kinds[i]))
+                     .arg(forTerminal(sor::codeText(event)), -6)
+                     .arg(file.hasFxd ? number(sor::position_m(file, event), 2) : QString("-"), 12)
+                     .arg(number(sor::loss_dB(event), 3), 9)
+                     .arg(reflectanceText(event), 9)
+                     .arg(number(sor::attenuation_dBPerKm(event), 3), 13)
+                     .arg(forTerminal(event.comment));
         while (table.endsWith(' ')) {
             table.chop(1);
         }

@@ -20,12 +20,11 @@ ReportedEvent eventOf(const sor::File& file, const sor::KeyEvent& stored, char k
     event.number = stored.number;
     event.kind = kind;
     event.endsFibre = sor::isFibreEnd(stored);
-    event.saturated = sor::isSaturated(stored);
     event.distance_m = file.hasFxd ? sor::position_m(file, stored) : kUnknown;
-    // There is no fibre on one side to measure against: makers write 0 for "not measured".
-    const bool isEnd = kind == Event::SpanStart || kind == Event::SpanEnd;
-    event.loss_dB = isEnd && stored.loss == 0 ? kUnknown : sor::loss_dB(stored);
+    // A file has no other word for "not measured".
+    event.loss_dB = stored.loss == 0 ? kUnknown : sor::loss_dB(stored);
     event.reflectance_dB = sor::reflectance_dB(stored);
+    event.saturated = sor::isSaturated(stored) && std::isfinite(event.reflectance_dB);
     event.before.attenuation_dBPerKm = sor::attenuation_dBPerKm(stored);
     event.comment = printable(stored.comment);
     return event;

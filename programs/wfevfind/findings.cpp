@@ -2,6 +2,8 @@
 
 #include "platform/otdr/core/sorvalues.h"
 #include "platform/otdr/detectedevents.h"
+#include "platform/otdr/reflectogram.h"
+#include "platform/otdr/tracefigures.h"
 #include "platform/otdr/traceloader.h"
 
 #include <QFile>
@@ -36,10 +38,15 @@ otdr::Result<Findings> findEvents(const std::string& path)
         return otdr::Error {otdr::ErrorCode::Damaged,
                             path + ": events cannot be found: " + obstacle, 0};
     }
-    Findings found {path, std::move(*loaded), {}, {}, {}};
+    Findings found {path, std::move(*loaded), {}, {}, {}, {}};
     found.detection = detectionOf(found.trace);
-    const EventList all = eventListOf(found.detection, found.trace);
-    std::copy_if(all.begin(), all.end(), std::back_inserter(found.events),
+    found.trace.events = eventListOf(found.detection, found.trace);
+    found.trace.processing = Reflectogram::FromAcquisition;
+    if (!found.trace.events.isEmpty()) {
+        found.figures = keyFigures(found.trace);
+    }
+    std::copy_if(found.trace.events.begin(), found.trace.events.end(),
+                 std::back_inserter(found.events),
                  [](const Event& event) { return event.type != Event::Fiber; });
     for (const otdr::DetectedEvent& event : found.detection.events) {
         if (isListed(event)) {

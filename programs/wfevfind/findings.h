@@ -14,8 +14,9 @@ namespace evfind {
 struct Findings
 {
     std::string file; ///< name as it was given
-    TraceState trace;
+    TraceState trace; ///< with all that was found as its events
     otdr::Detection detection;
+    KeyEventsBlock figures; ///< of the span, as a measurement of the trace would tell them
     EventList events; ///< without the fibre sections between them; in order along the fibre
     std::vector<long> samples; ///< of each event: index in the record, from 0
 };

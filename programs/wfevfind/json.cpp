@@ -39,14 +39,15 @@ QByteArray jsonOf(const Findings& found)
 {
     const TraceState& trace = found.trace;
     const double metresPerNs = trace.metresPerNs();
+    const double end_m = trace.endOfFibre_m();
     const QJsonObject object {
         {"file", QString::fromUtf8(found.file.c_str())},
         {"samples", static_cast<qint64>(trace.trace->size())},
         {"spacing_m", number(trace.trace->axis().sampleInterval_ns * metresPerNs)},
         {"noise_floor_db", number(found.detection.noiseFloor_dB)},
-        {"fibre_end_m", number(trace.trace->distanceAt(found.detection.end, metresPerNs))},
-        {"span_loss_db", number(found.detection.spanLoss_dB)},
-        {"orl_db", number(found.detection.returnLoss_dB)},
+        {"fibre_end_m", end_m < 0.0 ? QJsonValue() : number(end_m)},
+        {"span_loss_db", number(found.figures.totalLoss)},
+        {"orl_db", number(found.figures.orl)},
         {"events", eventsOf(found)},
     };
     return QJsonDocument(object).toJson(QJsonDocument::Compact);

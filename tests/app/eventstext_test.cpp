@@ -59,6 +59,12 @@ TEST_F(EventsText, EventsAreNumberedAndSectionsLeftOut)
     EXPECT_EQ(words(lines[5]).mid(3), QStringList({"-", "-14.70", "-"}));
 }
 
+TEST_F(EventsText, LossOfExactlyZeroIsADashAsInTheTable)
+{
+    const QStringList lines = linesOf({eventAt(Event::Reflective, 2000, 0.0, -51.25)});
+    EXPECT_EQ(words(lines.last()).mid(3), QStringList({"-", "-51.25", "-"}));
+}
+
 TEST_F(EventsText, ColumnsStandBelowEachOther)
 {
     const QStringList lines = linesOf({eventAt(Event::Reflective, 10, 0.5, -5.0),

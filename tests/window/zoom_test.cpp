@@ -68,6 +68,18 @@ TEST_F(Zooming, StepHalvesBothSpansAndShowsTheOverview)
     EXPECT_FALSE(miniPlot()->isVisible());
 }
 
+TEST_F(Zooming, FullViewIsThatOfTheLengthWhichIndexAndHelixFactorLeave)
+{
+    configure("helix", 25.0);
+    touch("zoomInButton");
+    touch("zoomOffButton");
+    EXPECT_NEAR(view().right(), refl.maxdist(), 1e-6);
+    configure("helix", 0.0); // a longer trace than the view
+    touch("zoomInButton");
+    touch("zoomOffButton");
+    EXPECT_NEAR(view().right(), refl.maxdist(), 1e-6);
+}
+
 TEST_F(Zooming, CurvesAreSampledForEachView)
 {
     touch("zoomInButton");

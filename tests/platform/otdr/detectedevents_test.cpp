@@ -198,7 +198,36 @@ TEST(DetectedEvents, EchoesAreNotListed)
     detection.sections = {{0.0, 500.0, 0.1, 0.21}, {500.0, 2000.0, 0.3, 0.19}};
     const EventList events = eventListOf(detection, handState());
     EXPECT_EQ(typesOf(events), "sfrfe");
-    EXPECT_EQ(events.last().attenuationBefore, 0.19);
+    EXPECT_EQ(events.last().attenuationBefore, events[events.size() - 2].attenuation());
+}
+
+TEST(DetectedEvents, EventTellsTheAttenuationOfTheFibreThatIsListedBeforeIt)
+{
+    Detection detection;
+    detection.events = {found(Kind::Start, 0.0), found(Kind::Reflective, 500.0),
+                        found(Kind::End, 540.0)};
+    // The slope of a short piece in noise and tails is no loss of fibre.
+    detection.sections = {{0.0, 500.0, 0.1, 0.21}, {500.0, 540.0, 0.02, 3.35}};
+    const EventList events = eventListOf(detection, handState());
+    ASSERT_EQ(typesOf(events), "sfrfe");
+    for (const int fibre : {1, 3}) {
+        EXPECT_DOUBLE_EQ(events[fibre + 1].attenuationBefore,
+                         events[fibre].loss * 1000.0 / events[fibre].length);
+    }
+    EXPECT_EQ(events[3].loss, 0.02);
+}
+
+TEST(DetectedEvents, FibreWhoseEndIsHiddenLosesByItsSlope)
+{
+    Detection detection;
+    detection.events = {found(Kind::Start, 0.0), found(Kind::End, 2000.0)};
+    detection.sections = {{0.0, 2000.0, DetectedEvent::kUnknown, 0.2}};
+    const EventList events = eventListOf(detection, handState());
+    ASSERT_EQ(typesOf(events), "sfe");
+    EXPECT_NEAR(events[1].loss, 0.2 * events[1].length / 1000.0, 1e-12);
+    EXPECT_NEAR(events[2].attenuationBefore, 0.2, 1e-12);
+    detection.sections = {{0.0, 2000.0}};
+    EXPECT_FALSE(Event::isKnown(eventListOf(detection, handState())[2].attenuationBefore));
 }
 
 TEST(DetectedEvents, RangeThatEndsIsNoEndButItsFibreIsListed)
@@ -225,7 +254,7 @@ TEST(DetectedEvents, EventsOfOneDeadZoneHaveNoFibreBetweenThem)
     EXPECT_EQ(std::count(types.begin(), types.end(), 'f'), 2);
     types.erase(std::remove(types.begin(), types.end(), 'f'), types.end());
     EXPECT_EQ(types, "srre");
-    EXPECT_EQ(events.last().attenuationBefore, 0.19);
+    EXPECT_EQ(events.last().attenuationBefore, events[events.size() - 2].attenuation());
 }
 
 TEST(DetectedEvents, WhatWasNotMeasuredStaysUnknownAndALowerBoundSaysSo)

@@ -1,3 +1,5 @@
+#include "platform/otdr/core/sorreader.h"
+#include "platform/otdr/core/sorvalues.h"
 #include "platform/otdr/core/trace.h"
 #include "platform/otdr/reflectogram.h"
 #include "tests/support/tracefiles.h"
@@ -107,6 +109,15 @@ TEST(Reflectogram, TellsWhatTheFileSays)
     EXPECT_DOUBLE_EQ(refl.sorData()->keyEvents()->totalLoss, 3.12);
     EXPECT_DOUBLE_EQ(refl.sorData()->keyEvents()->orl, 32.5);
     EXPECT_EQ(refl.paramsToString(), "1550 nm, 100 ns, 30 s, IOR 1.4680");
+}
+
+TEST(Reflectogram, TimeThatAFileDoesNotTellIsNotZeroSeconds)
+{
+    const TraceFiles files;
+    SorSketch sketch = SorSketch::plain();
+    sketch.fxd.averagingTime = 0;
+    const Reflectogram refl(files.write("untold.sor", sketch));
+    EXPECT_EQ(refl.paramsToString(), "1550 nm, 100 ns, - s, IOR 1.4680");
 }
 
 TEST(Reflectogram, LevelIsCountsBelowTheTopAndLinearBetweenSamples)
@@ -377,6 +388,31 @@ TEST(Reflectogram, SavedChangesAreReadBack)
     EXPECT_NEAR(read.getEventList()[0].coordinate, 2500.0, 0.011); // half a count of 2 cm
     EXPECT_NEAR(read.getEventList()[0].reflectance, -30.5, 1e-9);
     EXPECT_EQ(read.trace()->samples(), refl.trace()->samples());
+}
+
+TEST(Reflectogram, SavedWithAnotherIndexItTellsWhatItTold)
+{
+    const TraceFiles files;
+    SorSketch sketch = SorSketch::plain();
+    sketch.fxd.acquisitionRangeDistance = 40'844; // tenths of metres at an index of 1.468
+    Reflectogram refl(files.write("plain.sor", sketch));
+    refl.setIOR(1.468 * 1.05);
+    ASSERT_EQ(refl.save(files.path("index.sor")), 0);
+    const Reflectogram read(files.path("index.sor"));
+    ASSERT_EQ(read.getEventList().size(), refl.getEventList().size());
+    for (int i = 0; i < read.getEventList().size(); ++i) {
+        const Event now = refl.getEventList()[i];
+        const Event later = read.getEventList()[i];
+        EXPECT_NEAR(later.coordinate, now.coordinate, 0.02) << i;
+        if (now.type == Event::Fiber && Event::isKnown(now.loss)) {
+            EXPECT_NEAR(later.attenuation(), now.attenuation(), 0.0006) << i;
+            EXPECT_NEAR(later.loss, now.loss, 0.001) << i;
+        }
+    }
+    const auto readFile = otdr::readSorFile(files.path("index.sor").toStdString());
+    ASSERT_TRUE(readFile);
+    EXPECT_NEAR(readFile->fxd.acquisitionRangeDistance,
+                10.0 * readFile->fxd.acquisitionRange * otdr::sor::metresPerCount(*readFile), 1.0);
 }
 
 TEST(Reflectogram, SavedTraceTellsLengthsOfTheFibreAndNotOfTheCable)

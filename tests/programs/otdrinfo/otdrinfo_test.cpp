@@ -13,6 +13,7 @@
 namespace {
 
 using testing::HasSubstr;
+using testing::Not;
 using testing::UnorderedElementsAreArray;
 using testing_support::Bytes;
 using testing_support::ByteSketch;
@@ -289,6 +290,18 @@ TEST_F(OtdrInfo, ShowsASummaryWithTheEventTable)
     EXPECT_THAT(text, HasSubstr("3063.27"));
     EXPECT_THAT(text, HasSubstr("note: 3 bytes follow the last block"));
     EXPECT_THAT(text, HasSubstr("A [31m B, South"));
+}
+
+TEST_F(OtdrInfo, MarksAReflectanceThatIsABoundAndExplainsTheMark)
+{
+    SorSketch sketch = SorSketch::plain();
+    sketch.keyEvents.events[2].code = {'2', 'E', '9', '9', '9', '9'};
+    EXPECT_THAT(run({save("trace.sor", sketch)}).out.toStdString(), HasSubstr("-14.700*"));
+    EXPECT_THAT(run({"--help"}).out.toStdString(), HasSubstr("refl. dB: *"));
+    sketch.keyEvents.events[2].reflectance = 0;
+    const std::string untold = run({save("trace.sor", sketch)}).out.toStdString();
+    EXPECT_THAT(untold, HasSubstr("2E9999"));
+    EXPECT_THAT(untold, Not(HasSubstr("-*"))) << "a dash is no bound";
 }
 
 TEST_F(OtdrInfo, TellsAWrongCommandLineByItsExitCode)

@@ -123,16 +123,25 @@ TEST(Report, FirstSectionBeginsAtZeroUnlessTheFirstEventLiesBeforeIt)
     EXPECT_NEAR(said.events[1].before.length_m, 51'000 * 0.0204218, 0.01);
 }
 
-TEST(Report, LossOfZeroAtAnEndWasNotMeasured)
+TEST(Report, LossOfZeroWasNotMeasured)
 {
     SorSketch sketch = SorSketch::plain();
     sketch.keyEvents.events[1].loss = 0;
     const Report said = report(sketch);
     EXPECT_TRUE(std::isnan(said.events[0].loss_dB));
-    EXPECT_EQ(said.events[1].loss_dB, 0.0) << "between two fibres 0 dB is a result";
+    EXPECT_TRUE(std::isnan(said.events[1].loss_dB)) << "the screen shows a dash, too";
     EXPECT_TRUE(std::isnan(said.events[2].loss_dB));
     EXPECT_TRUE(std::isnan(said.events[1].reflectance_dB));
     EXPECT_DOUBLE_EQ(said.events[2].reflectance_dB, -14.7);
+}
+
+TEST(Report, BoundIsThatOfAReflectanceThatIsTold)
+{
+    SorSketch sketch = SorSketch::plain();
+    sketch.keyEvents.events[1] = keyEvent(2, 50'000, "2F9999", 210, -40'000);
+    EXPECT_TRUE(report(sketch).events[1].saturated);
+    sketch.keyEvents.events[1].reflectance = 0;
+    EXPECT_FALSE(report(sketch).events[1].saturated) << "a dash is no bound";
 }
 
 TEST(Report, EndOfTheTraceIsNotTheEndOfTheFibre)

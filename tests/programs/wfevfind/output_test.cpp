@@ -143,6 +143,22 @@ TEST_F(EvFindOutput, JsonAndLinesNameTheSameEvents)
     EXPECT_EQ(fromJson, fromLines);
 }
 
+TEST_F(EvFindOutput, TellsTheSpanAsItsEventsDo)
+{
+    const QJsonObject object = jsonOf(files.writeSnapshot("snapshot.bin", link(), 10.0, -12343.0));
+    const QJsonArray events = object["events"].toArray();
+    EXPECT_EQ(object["fibre_end_m"].toDouble(), events.last()["distance_m"].toDouble());
+}
+
+TEST_F(EvFindOutput, TellsNoSpanWhereItsEndIsNotReached)
+{
+    const TraceBuilder builder = TraceBuilder().fibre(8_km).splice(4_km, 0.3_dB).noise(0.01_dB, 4);
+    const QJsonObject object = jsonOf(files.writeSnapshot("snapshot.bin", builder));
+    EXPECT_TRUE(object["fibre_end_m"].isNull());
+    EXPECT_TRUE(object["span_loss_db"].isNull()) << "what is saved of such a trace has none, too";
+    EXPECT_TRUE(object["orl_db"].isDouble()) << "that of the record";
+}
+
 TEST_F(EvFindOutput, TakesDistancesOfATraceFileByItsOwnIndex)
 {
     SorSketch sketch = sorOf(link());

@@ -1,0 +1,100 @@
+#include "platform/otdr/detectedevents.h"
+#include "platform/otdr/reflectogram.h"
+#include "platform/otdr/tracefigures.h"
+#include "tests/support/tracebuilder.h"
+#include "tests/support/tracefiles.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace {
+
+using testing_support::TraceBuilder;
+using testing_support::TraceFiles;
+using namespace testing_support; // the units of the builder
+
+/// A trace with what is found on it.
+Reflectogram searched(const TraceFiles& files, const TraceBuilder& builder)
+{
+    Reflectogram refl = files.measured(builder);
+    refl.setEventList(eventListOf(detectionOf(*refl.state()), *refl.state()));
+    return refl;
+}
+
+/// Losses of fibre and events as a reader of the table would add them up.
+double sumOf(const EventList& events)
+{
+    double sum = 0.0;
+    for (const Event& event : events) {
+        const bool isEnd = event.type == Event::SpanStart || event.type == Event::SpanEnd;
+        sum += isEnd || !Event::isKnown(event.loss) ? 0.0 : event.loss;
+    }
+    return sum;
+}
+
+TEST(TraceFigures, LossesOfTheListAddUpToThatOfTheSpan)
+{
+    const TraceFiles files;
+    for (const Length first : {Length {120.0}, Length {400.0}, Length {2000.0}}) {
+        const Reflectogram refl = searched(files,
+                                           TraceBuilder()
+                                               .fibre(6_km)
+                                               .connector(first, 0.4_dB, 8_dB)
+                                               .splice(3_km, 0.2_dB)
+                                               .connector(5_km, 0.3_dB, 6_dB)
+                                               .behind(3000)
+                                               .noise(0.02_dB, 3)
+                                               .noiseFloor(8_dB));
+        ASSERT_GE(refl.getEventList().size(), 7);
+        const KeyEventsBlock figures = keyFigures(*refl.state());
+        EXPECT_NEAR(figures.totalLoss, sumOf(refl.getEventList()), 0.001) << first.m;
+        EXPECT_NEAR(figures.totalLoss, 6 * 0.2 + 0.9, 0.05) << first.m;
+    }
+}
+
+TEST(TraceFigures, EventThatHidesTheLastFibreCountsInTheLossOfTheSpan)
+{
+    const TraceFiles files;
+    const TraceBuilder builder =
+        TraceBuilder().fibre(6_km).splice(5_km, 0.8_dB).reflectingEnd(9_dB).behind(3000);
+    Reflectogram refl = files.measured(builder);
+    const auto eventAt = [&](Event::Type type, Length at) {
+        Event event(type, 0, 10);
+        event.position = std::lround(builder.indexOf(at));
+        event.coordinate = refl.smpl2dist(static_cast<double>(event.position));
+        return event;
+    };
+    Event start = eventAt(Event::SpanStart, 0_km);
+    start.reflOut = builder.trueLevel_dB(0_km);
+    Event hidden = eventAt(Event::NonReflective, 5_km);
+    hidden.reflIn = start.reflOut - 5 * 0.2;
+    Event fibre = eventAt(Event::Fiber, 5_km);
+    fibre.length = refl.smpl2dist(builder.indexOf(1_km));
+    fibre.loss = 0.2;
+    Event end = eventAt(Event::SpanEnd, 6_km);
+    end.reflIn = hidden.reflIn - fibre.loss; // on the line before the hidden one
+    refl.setEventList({start, hidden, fibre, end});
+    EXPECT_NEAR(keyFigures(*refl.state()).totalLoss, 6 * 0.2 + 0.8, 0.02);
+    hidden.reflOut = hidden.reflIn - 0.83;
+    end.reflIn = hidden.reflOut - fibre.loss;
+    refl.setEventList({start, hidden, fibre, end});
+    EXPECT_NEAR(keyFigures(*refl.state()).totalLoss, 6 * 0.2 + 0.83, 1e-9)
+        << "what was seen on both sides of it is told as it was measured";
+}
+
+TEST(TraceFigures, NothingIsToldOfASpanThatShowsNoFibre)
+{
+    const TraceFiles files;
+    Reflectogram refl = files.measured(TraceBuilder().fibre(6_km));
+    for (const long position : {0, 2}) { // nothing at the port, and an end within a pulse of it
+        Event end(Event::SpanEnd, position, 10);
+        end.position = position;
+        refl.setEventList({Event(Event::SpanStart, 0, 10), end});
+        const KeyEventsBlock figures = keyFigures(*refl.state());
+        EXPECT_TRUE(std::isnan(figures.totalLoss)) << figures.totalLoss;
+        EXPECT_TRUE(std::isnan(figures.orl)) << figures.orl;
+    }
+}
+
+} // namespace
