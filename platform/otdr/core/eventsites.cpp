@@ -245,27 +245,33 @@ void EventSites::dropUnlikely(double loss_dB, double significance)
         const double bend =
             site.left && site.right ? bendOf(*site.left, *site.right, significance) : 0.0;
         return isKnown ? std::numeric_limits<double>::infinity()
-                       : std::max(bend, foundationOf(site, loss_dB, significance));
+                       : std::max(foundationOf(site, loss_dB, significance), bend);
     };
+    std::vector<double> holds; // of each place: only those of its neighbours change with it
+    for (const Site& site : places) {
+        holds.push_back(hold(site));
+    }
     while (!places.empty()) {
-        const auto weakest =
-            std::min_element(places.begin(), places.end(),
-                             [&](const Site& a, const Site& b) { return hold(a) < hold(b); });
-        if (hold(*weakest) >= 1.0) {
+        const auto weakest = std::min_element(holds.begin(), holds.end());
+        if (*weakest >= 1.0) {
             break;
         }
-        const auto k = static_cast<std::size_t>(weakest - places.begin());
-        places.erase(weakest);
+        const auto k = static_cast<std::size_t>(weakest - holds.begin());
+        holds.erase(weakest);
+        places.erase(places.begin() + static_cast<std::ptrdiff_t>(k));
         if (k > 0) {
             measure(k - 1);
+            holds[k - 1] = hold(places[k - 1]);
         }
         if (k < places.size()) {
             measure(k);
+            holds[k] = hold(places[k]);
         }
     }
     dropRecoveries();
     for (Site& site : places) {
-        site.isBorder = !site.reflects() && (std::abs(site.loss_dB) < loss_dB || !isFounded(site));
+        site.isBorder = !site.reflects()
+            && (site.bends || std::abs(site.loss_dB) < loss_dB || !isFounded(site));
     }
 }
 

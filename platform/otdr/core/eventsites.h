@@ -5,6 +5,8 @@
 
 #include <limits>
 #include <optional>
+#include <set>
+#include <utility>
 #include <vector>
 
 namespace otdr {
@@ -18,6 +20,7 @@ struct Site
     std::optional<PeakGroup> peak;
     double peakStatistic = 0.0;
     bool isBorder = false; ///< no event that is listed, yet lines end there
+    bool bends = false; ///< sought as a bend: had anything been lost there, it would be known
     bool glows = false; ///< light stands there, too little to be listed
 
     std::optional<SideLine> left; ///< the fibre before it
@@ -106,12 +109,15 @@ private:
     [[nodiscard]] std::optional<SideLine> lineBehind(double from, double to) const;
     [[nodiscard]] double brightness_dB(const Site& site, double to) const;
     void measure(std::size_t k);
+    using Stretch = std::pair<double, double>;
+    [[nodiscard]] double strayOf(double change_dB, double samples) const;
     [[nodiscard]] double bendOf(const SideLine& left, const SideLine& right,
                                 double significance) const;
     [[nodiscard]] std::optional<double> bendBetween(double from, double to,
                                                     double significance) const;
-    bool addBends(double significance);
-    void moveToBend(Site& site, double significance) const;
+    bool addBends(double significance, std::set<Stretch>& searched);
+    void moveToBend(Site& site, double significance, bool alone) const;
+    void moveToBends(double loss_dB, double significance, bool alone);
     void dropRecoveries();
     [[nodiscard]] double foundationOf(const Site& site, double loss_dB, double significance) const;
     [[nodiscard]] std::optional<double> footOfBoth(const Site& first, const Site& second) const;

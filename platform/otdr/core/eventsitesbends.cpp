@@ -2,8 +2,10 @@
 // beside it that are none.
 
 #include "platform/otdr/core/eventsites.h"
+#include "platform/otdr/core/trace.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <limits>
@@ -27,7 +29,7 @@ constexpr double kBendGaps = 8.0;
 constexpr double kStrayPart = 0.25;
 
 /// Places at which a window is tried, and those among which the best of them is sought.
-constexpr double kPlacesPerWindow = 8.0;
+constexpr std::size_t kPlacesPerWindow = 8;
 constexpr double kFinePlaces = 64.0;
 
 /// Where a bend alone explains a change of level about as well, by so many standard deviations, it
@@ -35,6 +37,10 @@ constexpr double kFinePlaces = 64.0;
 constexpr double kAsWell = 3.0;
 constexpr double kNoLoss_dB = 0.004;
 constexpr double kNoLossErrors = 3.0;
+
+/// Two lines leave so many times the noise and what the fibre strays by where nothing else stands
+/// on them.
+constexpr double kNoiseLeft = 1.5;
 
 constexpr int kRounds = 3;
 
@@ -53,6 +59,13 @@ std::optional<Sides> sidesOf(const FibreTrace& trace, double from, double at, do
     const auto left = trace.fit(from, at);
     const auto right = trace.fit(at + gap, to);
     return left && right ? std::optional<Sides>({*left, *right}) : std::nullopt;
+}
+
+/// By how much the light falls from one sample between two indices to the next, dB.
+double slopeOf_dB(const FibreTrace& trace, double from, double to)
+{
+    const auto line = fitLineBetween(trace.samples(), from, to);
+    return line ? line->slope_dB : std::numeric_limits<double>::quiet_NaN();
 }
 
 /// The place about `at`, within `reach`, from which two lines leave least of a stretch.
@@ -74,28 +87,51 @@ double bestBend(const FibreTrace& trace, double at, double reach, double from, d
 /// How plainly the fibre bends between two lines: by so many times what is asked for.
 double EventSites::bendOf(const SideLine& left, const SideLine& right, double significance) const
 {
-    const NoiseProfile& noise = fibreTrace->noise();
     const auto fewest = static_cast<double>(std::min(left.line.samples, right.line.samples));
-    if (!noise.knowsWander() || fewest < kBendGaps * fibreTrace->gap()) {
+    if (!fibreTrace->noise().knowsWander() || fewest < kBendGaps * fibreTrace->gap()) {
         return 0.0;
     }
     const double change_dB = std::abs(left.line.slope_dB - right.line.slope_dB);
+    if (!(change_dB > 0.0)) {
+        return 0.0;
+    }
     const double errors = change_dB / std::hypot(left.slopeError_dB, right.slopeError_dB);
-    const double stray_dB = kStrayPart * change_dB * fewest;
-    return std::min(errors / (kBendErrors * significance),
-                    stray_dB / std::max(kBend_dB, kBendWanders * noise.wander_dB()));
+    return std::min(errors / (kBendErrors * significance), strayOf(change_dB, fewest));
+}
+
+/// By how much a line over a place where the slope changes would stray, by what is asked for.
+double EventSites::strayOf(double change_dB, double samples) const
+{
+    return kStrayPart * std::abs(change_dB) * samples
+        / std::max(kBend_dB, kBendWanders * fibreTrace->noise().wander_dB());
 }
 
 /// Where the fibre between two indices bends most plainly, if it does.
 std::optional<double> EventSites::bendBetween(double from, double to, double significance) const
 {
+    if (!fibreTrace->noise().knowsWander()) {
+        return std::nullopt;
+    }
     double plainest = 1.0;
     double at = 0.0;
     double window = 0.0;
     double length = std::min(fibreTrace->scale().longestWindow, 0.5 * (to - from));
     for (; length >= kBendGaps * fibreTrace->gap(); length *= 0.5) {
-        const double step = length / kPlacesPerWindow;
-        for (double place = from + length; place + length <= to; place += step) {
+        const double step = length / static_cast<double>(kPlacesPerWindow);
+        const double last = to - 2.0 * length;
+        // What lies behind a place lies in front of the one a window further on.
+        std::array<double, kPlacesPerWindow> before {};
+        for (std::size_t k = 0; k < kPlacesPerWindow; ++k) {
+            const double begin = from + static_cast<double>(k) * step;
+            before[k] = slopeOf_dB(*fibreTrace, begin, begin + length);
+        }
+        for (std::size_t k = 0; from + static_cast<double>(k) * step <= last; ++k) {
+            const double place = from + static_cast<double>(k) * step + length;
+            const double behind = slopeOf_dB(*fibreTrace, place, place + length);
+            const double change = std::exchange(before[k % kPlacesPerWindow], behind) - behind;
+            if (!(strayOf(change, length + 1.0) > plainest)) {
+                continue;
+            }
             const auto sides = sidesOf(*fibreTrace, place - length, place, 0.0, place + length);
             const double bend = sides ? bendOf(sides->first, sides->second, significance) : 0.0;
             if (bend > plainest) {
@@ -111,16 +147,22 @@ std::optional<double> EventSites::bendBetween(double from, double to, double sig
     return bestBend(*fibreTrace, at, 0.5 * window, at - window, at + window);
 }
 
-/// Adds the plainest bend of every stretch between two places. False where there is none.
-bool EventSites::addBends(double significance)
+/// Adds the plainest bend of every stretch between two places that has not been searched. False
+/// where there is none.
+bool EventSites::addBends(double significance, std::set<Stretch>& searched)
 {
     std::vector<Site> found;
     for (std::size_t k = 0; k <= places.size(); ++k) {
-        const auto at = bendBetween(lineFrom(k), fibreTo(k), significance);
+        const Stretch stretch {lineFrom(k), fibreTo(k)};
+        if (!searched.insert(stretch).second) {
+            continue;
+        }
+        const auto at = bendBetween(stretch.first, stretch.second, significance);
         if (at) {
             Site site;
             site.at = *at;
             site.behind = *at + fibreTrace->gap();
+            site.bends = true;
             found.push_back(site);
         }
     }
@@ -129,8 +171,8 @@ bool EventSites::addBends(double significance)
 }
 
 /// A change of level beside a bend may be nothing but that, seen from the wrong place: moves it
-/// there.
-void EventSites::moveToBend(Site& site, double significance) const
+/// there. `alone`: only where two lines explain all.
+void EventSites::moveToBend(Site& site, double significance, bool alone) const
 {
     const double gap = fibreTrace->gap();
     const double from = site.left->line.first();
@@ -143,9 +185,11 @@ void EventSites::moveToBend(Site& site, double significance) const
     const double sigma = fibreTrace->noise().sigma_dB(site.at);
     double least = squaresOf(now->first) + squaresOf(now->second)
         + kAsWell * kAsWell * fibreTrace->noise().correlation() * sigma * sigma;
+    const double most_dB = kNoiseLeft * std::hypot(sigma, fibreTrace->noise().wander_dB());
+    const double step = 2.0 * reach / kFinePlaces;
     const double begin = site.at - reach;
     const double end = site.at + reach;
-    for (double place = begin; place <= end; place += 2.0 * reach / kFinePlaces) {
+    for (double place = begin; place <= end; place += step) {
         const auto sides = sidesOf(*fibreTrace, from, place, gap, to);
         if (!sides || bendOf(sides->first, sides->second, significance) < 1.0) {
             continue;
@@ -154,27 +198,44 @@ void EventSites::moveToBend(Site& site, double significance) const
         const double loss_dB = sides->first.at(seen) - sides->second.at(seen);
         const double error_dB =
             std::hypot(sides->first.errorAt_dB(seen), sides->second.errorAt_dB(seen));
+        // Where the lines cross nothing is lost; that may lie between two of the places.
+        const double crossing =
+            loss_dB / (sides->second.line.slope_dB - sides->first.line.slope_dB);
+        const bool isNear = std::abs(crossing) <= 0.5 * step;
         const double squares = squaresOf(sides->first) + squaresOf(sides->second);
-        if (std::abs(loss_dB) < std::max(kNoLoss_dB, kNoLossErrors * error_dB) && squares < least) {
+        const bool explains =
+            !alone || std::max(sides->first.line.sigma_dB, sides->second.line.sigma_dB) < most_dB;
+        if (explains
+            && (isNear || std::abs(loss_dB) < std::max(kNoLoss_dB, kNoLossErrors * error_dB))
+            && squares < least) {
             least = squares;
-            site.at = place;
-            site.behind = place + gap;
+            site.at = std::clamp(isNear ? place + crossing : place, begin, end);
+            site.behind = site.at + gap;
         }
     }
 }
 
-void EventSites::divideAtBends(double loss_dB, double significance)
+/// The same of all of them.
+void EventSites::moveToBends(double loss_dB, double significance, bool alone)
 {
-    for (int round = 0; round < kRounds && addBends(significance); ++round) {
-        dropUnlikely(loss_dB, significance);
-    }
     for (Site& site : places) {
         const bool isStep = !site.peak && !site.glows && site.left && site.right;
         if (isStep && bendOf(*site.left, *site.right, significance) >= 1.0) {
-            moveToBend(site, significance);
+            moveToBend(site, significance, alone);
         }
     }
     dropUnlikely(loss_dB, significance);
+}
+
+void EventSites::divideAtBends(double loss_dB, double significance)
+{
+    // Those first that stand beside a bend: another one would be put at their far side.
+    moveToBends(loss_dB, significance, true);
+    std::set<Stretch> searched;
+    for (int round = 0; round < kRounds && addBends(significance, searched); ++round) {
+        dropUnlikely(loss_dB, significance);
+    }
+    moveToBends(loss_dB, significance, false);
 }
 
 } // namespace otdr

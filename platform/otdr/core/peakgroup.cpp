@@ -1,12 +1,14 @@
 #include "platform/otdr/core/peakgroup.h"
 
 #include "platform/otdr/core/decibels.h"
+#include "platform/otdr/core/timeconstant.h"
 #include "platform/otdr/core/trace.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <numeric>
 
 namespace otdr {
 
@@ -30,13 +32,14 @@ constexpr double kSecondRisePulses = 0.35;
 constexpr double kTop_dB = 0.1;
 constexpr double kLongTopPulses = 1.05;
 
-/// It comes as near as this to its highest when so much of the edge is over. What stands there for
-/// longer than the rest of the pulse, and this part of one, is held there; but were it brighter by
-/// more than this, its flanks would hold it for more than a pulse.
+/// It comes as near as this, or as rounding makes the same, to its highest when the rest of the
+/// edge is over. What stands there for longer than the rest of the pulse, and this part of one, is
+/// held there; but were it brighter by more than this, its flanks would hold it for more than a
+/// pulse.
 constexpr double kSame_dB = 0.002;
-constexpr double kSamePart = 0.999;
 constexpr double kSamePulses = 0.2;
 constexpr double kHidden_dB = 4.0;
+constexpr double kStepPulses = 2.0;
 
 /// Heights of reflections of a group that are held at one level differ by no more.
 constexpr double kHeld_dB = 0.3;
@@ -124,7 +127,7 @@ public:
                 highest(group.feet[i], std::min(next, group.feet[i] + 2.0 * w));
             group.heights_dB.push_back(plateau(group.feet[i], next, peak));
         }
-        group.hidden_dB = hiddenAbove_dB(top);
+        group.hidden_dB = hiddenAbove_dB(top, group);
         group.feet.front() = edgeOf(
             rough, top, edge, group.saturated() ? level(top) : fibre(top) + group.heights_dB[0]);
         return group;
@@ -216,14 +219,42 @@ private:
     }
 
     /// By how much the light may be brighter than its highest sample shows, dB.
-    [[nodiscard]] double hiddenAbove_dB(std::size_t top) const
+    [[nodiscard]] double hiddenAbove_dB(std::size_t top, const PeakGroup& group) const
     {
         if (lengthOfTop(top, kTop_dB) > kLongTopPulses * w + 1.0) {
             return std::numeric_limits<double>::infinity();
         }
-        const double even = std::max(0.0, w - trace.shape().riseTo(kSamePart));
-        const bool isHeld = lengthOfTop(top, kSame_dB) > even + kSamePulses * w + 1.0;
-        return isHeld || level(top) >= trace.overload_dB() ? kHidden_dB : 0.0;
+        if (level(top) >= trace.overload_dB()) {
+            return kHidden_dB;
+        }
+        const double length = lengthOfTop(top, kSame_dB) - kSamePulses * w - 1.0;
+        const double same = powerRatio(-std::max(kSame_dB, roundingAround_dB(top)));
+        const auto isLong = [&](double rise) { return length > std::max(0.0, w - rise); };
+        const bool isHeld = isLong(trace.shape().riseTo(same)) && isLong(ownRiseTo(same, group));
+        return isHeld ? kHidden_dB : 0.0;
+    }
+
+    /// The same of a receiver as fast as the falling flank of the peak: overload makes it slower,
+    /// and never faster, than it is.
+    [[nodiscard]] double ownRiseTo(double part, const PeakGroup& group) const
+    {
+        const auto constant = timeConstantOf(trace, group, line);
+        return constant ? PulseShape(w, *constant).riseTo(part)
+                        : std::numeric_limits<double>::infinity();
+    }
+
+    /// By how much the levels within two pulses of the top are rounded, dB: half of their step,
+    /// which may be many counts.
+    [[nodiscard]] double roundingAround_dB(std::size_t top) const
+    {
+        const RawSamples& counts = trace.samples().samples();
+        const auto reach = static_cast<std::size_t>(kStepPulses * w) + 1;
+        const std::size_t end = std::min(counts.size(), top + reach);
+        int step = 0;
+        for (std::size_t i = top - std::min(top, reach); i < end; ++i) {
+            step = std::gcd(step, int {counts[i]} - int {counts[top]});
+        }
+        return 0.5 * step * trace.samples().dbPerCount();
     }
 
     /// Samples between the first and the last one beside the top that lie no more below it.

@@ -120,6 +120,41 @@ TEST(EventSitesBends, WhatABendAloneExplainsIsNoLoss)
     EXPECT_LT(std::abs(sites.sites().front().loss_dB), kLeastLoss_dB);
 }
 
+/// Lines beside a bend cross there, wherever the places lie at which it is looked for.
+TEST(EventSitesBends, ASharpBendIsPlacedWhereItsLinesCross)
+{
+    for (const double beside : {2850.0, 2857.0, 3111.0, 3140.0}) {
+        const DrawnFibre fibre = withBend(3000.0, 0.0006, 0.0003);
+        const EventSites sites = divided(fibre, {siteAt(fibre, beside)});
+        ASSERT_EQ(sites.sites().size(), 1U) << beside;
+        EXPECT_TRUE(sites.sites().front().isBorder) << beside;
+        EXPECT_NEAR(sites.sites().front().loss_dB, 0.0, 0.004) << beside;
+        EXPECT_NEAR(sites.sites().front().at, 3000.0, 20.0) << beside;
+    }
+}
+
+/// A change of level that no scan has offered is none: it may be the end of the fibre, and lines on
+/// both sides of a bend beside it run into that.
+TEST(EventSitesBends, WhatSeemsLostWhereABendIsSoughtIsNotListed)
+{
+    const DrawnFibre fibre = withBend(3000.0, 0.0, 0.005, {{5600.0, 8.0}});
+    const EventSites sites = divided(fibre, {});
+    ASSERT_FALSE(sites.sites().empty());
+    for (const Site& site : sites.sites()) {
+        EXPECT_TRUE(site.isBorder) << site.at;
+    }
+}
+
+/// By lines that are told from the same slope nothing is known of a bend.
+TEST(EventSitesBends, LossesOfLevelFibreOfUnknownLengthStay)
+{
+    const otdr::PulseShape shape(kSitesPulse, 0.08 * kSitesPulse);
+    const DrawnFibre fibre {6000, scaleOf(kSitesPulse), [&](double i) {
+                                return 40.0 + eventLevel_dB(shape, i - 3000.0, 0.0, -0.1);
+                            }};
+    EXPECT_EQ(placesOf(divided(fibre, {siteAt(fibre, 3000.0)})), std::vector<double> {3000.0});
+}
+
 TEST(EventSitesBends, ALossWhereFibresOfDifferentAttenuationMeetStaysWhereItIs)
 {
     for (const double loss_dB : {0.08, -0.08}) {

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <random>
 #include <vector>
@@ -136,21 +137,51 @@ TEST(PeakGroup, ATopLongerThanThePulseIsSaturated)
     EXPECT_FALSE(measuredAt1000(withRaised({{1000, 1024, 6.0}, {1000, 1012, 0.11}})).saturated());
 }
 
+/// Level of a peak that stands at 36 dB for so many samples, and behind its pulse falls with a time
+/// constant.
+double heldLevel_dB(double i, double samples, double timeConstant)
+{
+    const bool isHeld = i >= 1004.0 && i < 1004.0 + samples;
+    const double passed = std::max(0.0, i - 1019.0);
+    const double light = i < 1000.0 ? 0.0 : std::expm1(5.95 / 5.0 * std::log(10.0));
+    return isHeld ? 36.0 : 30.0 + 5.0 * std::log10(1.0 + light * std::exp(-passed / timeConstant));
+}
+
 /// The edge of a receiver with a time constant of 0.08 pulses takes 13.3 of 20 samples to come
 /// within 2 mdB of the highest; what is longer than the other 6.7, by a fifth of a pulse and a
 /// sample, is held.
 TEST(PeakGroup, ATopThatStaysTheSameForMostOfThePulseIsSaturated)
 {
     const auto heldFor = [](double samples) {
-        return measuredAt1000({4000, scaleOf(20.0), [=](double i) {
-                                   const bool isHeld = i >= 1004.0 && i < 1004.0 + samples;
-                                   const bool isTop = i >= 1000.0 && i < 1020.0;
-                                   return isHeld ? 36.0 : isTop ? 35.95 : 30.0;
-                               }});
+        return measuredAt1000(
+            {4000, scaleOf(20.0), [=](double i) { return heldLevel_dB(i, samples, 2.4); }});
     };
     EXPECT_FALSE(heldFor(12.0).saturated());
     EXPECT_TRUE(heldFor(13.0).saturated());
     EXPECT_NEAR(heldFor(13.0).hidden_dB, 4.0, 1e-9);
+}
+
+/// A peak that falls faster than is thought of the receiver has also risen faster.
+TEST(PeakGroup, TheTopOfAFastReceiverStaysTheSameAndIsNotSaturated)
+{
+    const auto heldFor = [](double samples) {
+        return measuredAt1000(
+            {4000, scaleOf(20.0), [=](double i) { return heldLevel_dB(i, samples, 0.2); }});
+    };
+    EXPECT_FALSE(heldFor(16.0).saturated());
+}
+
+/// Rounded to 0.05 dB, a top is the same from 1 to 2 % below its highest on.
+TEST(PeakGroup, ATopThatIsTheSameByRoundingIsNotSaturated)
+{
+    const otdr::PulseShape shape(100.0, 8.0);
+    for (const double height_dB : {6.0, 6.01, 6.02, 6.03, 6.04, 6.05}) {
+        const DrawnFibre fibre(4000, scaleOf(100.0), [&](double i) {
+            const double level = eventLevel_dB(shape, i - 1000.0, 30.0, 30.0, height_dB);
+            return 0.05 * std::round(level / 0.05);
+        });
+        EXPECT_FALSE(measuredAt1000(fibre).saturated()) << height_dB;
+    }
 }
 
 /// Where another one stands as high, for as little as a third of a pulse.
