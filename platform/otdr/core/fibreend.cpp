@@ -388,7 +388,8 @@ private:
         const double nearest = plainly - kFootPulses * w;
         const bool isLater = plainly < last && nearest > first + kEarlierPulses * w;
         // A low reflection is told with the end that it stands close before, or it is the end's.
-        if (isLater && highestAbove_dB(before, first, nearest) < least_dB) {
+        const bool isOver = nearest > first + trace.gap();
+        if (isLater && (isOver || highestAbove_dB(before, first, nearest) < least_dB)) {
             const double length = std::max(kFewestLevel, kLevelPulses * w);
             return leaves(levelBefore(nearest, length), nearest, last, least_dB) - 0.5;
         }

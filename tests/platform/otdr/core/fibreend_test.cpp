@@ -131,6 +131,18 @@ TEST(FibreEnd, StandsBehindASmallLossCloseBeforeIt)
     }
 }
 
+TEST(FibreEnd, StandsBehindALowReflectionThatIsOver)
+{
+    for (const double pulses : {3.0, 3.5, 4.0}) {
+        const TraceBuilder plain = endingLink();
+        const double pulse_m = 12000.0 * plain.pulseSamples() / plain.indexOf(12_km);
+        const TraceBuilder link = endingLink()
+                                      .connector(Length {12000.0 - pulses * pulse_m}, 0.3_dB, 1_dB)
+                                      .reflectingEnd(12_dB);
+        EXPECT_NEAR(extentOf(link).end, link.indexOf(12_km), 0.3 * link.pulseSamples()) << pulses;
+    }
+}
+
 /// A reflection lower than half of what shows the end does not show before the light has fallen.
 TEST(FibreEnd, OfALowReflectionStandsAtItsFoot)
 {
