@@ -150,8 +150,7 @@ QString AbstractKeeper::acceptedName()
             qCInfo(launcherLog) << "not a usable file name:" << *typed;
             return {};
         }
-        const bool isThere =
-            wouldReplace(name); // a drive may take its time, and the window goes on
+        const bool isThere = wouldReplace(name); // a drive may take its time; the window goes on
         if (alive.isNull()) {
             return {};
         }

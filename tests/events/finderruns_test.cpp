@@ -88,6 +88,15 @@ protected:
         QCoreApplication::processEvents();
     }
 
+    /// A run of a program that fails, and says why.
+    void runOneThatSays(const QByteArray& words)
+    {
+        programs.make("wfevfind", "echo '" + words + "' >&2; exit 3");
+        expectWarning("Event finder: Error! Process return code: 3");
+        expectWarning("Error log");
+        run(snapshot("a.bin", 10.0, 0.5_dB));
+    }
+
     [[nodiscard]] EventList found() const { return lists.last().first().value<EventList>(); }
 
     FakePrograms programs;
@@ -126,26 +135,17 @@ TEST_F(FinderRun, ReadsHeaderAndTraceOfItsFileAnew)
 
 TEST_F(FinderRun, ReturnCodeIsAWarningAndWhatTheProgramSaidIsCritical)
 {
-    programs.make("wfevfind", "echo 'no such trace' >&2; exit 3");
-    expectWarning("Event finder: Error! Process return code: 3");
-    expectWarning("Error log");
     const Ear ear;
-    run(snapshot("a.bin", 10.0, 0.5_dB));
+    runOneThatSays("no such trace");
     EXPECT_TRUE(Ear::heardOnce(QtWarningMsg, "Event finder: Error! Process return code: 3"));
     EXPECT_TRUE(Ear::heardOnce(QtCriticalMsg, "Error log \"no such trace"));
 }
 
 TEST_F(FinderRun, ErrorLogIsWhatTheProgramOfThisRunSaid)
 {
-    programs.make("wfevfind", "echo 'said first' >&2; exit 3");
-    expectWarning("Event finder: Error! Process return code: 3");
-    expectWarning("Error log");
-    run(snapshot("a.bin", 10.0, 0.5_dB));
-    programs.make("wfevfind", "echo 'said second' >&2; exit 3");
-    expectWarning("Event finder: Error! Process return code: 3");
-    expectWarning("Error log");
+    runOneThatSays("said first");
     const Ear ear;
-    run(snapshot("a.bin", 10.0, 0.5_dB));
+    runOneThatSays("said second");
     EXPECT_TRUE(Ear::heardOnce(QtCriticalMsg, "Error log \"said second"));
 }
 

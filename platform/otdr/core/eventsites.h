@@ -116,8 +116,8 @@ private:
     [[nodiscard]] std::optional<double> bendBetween(double from, double to,
                                                     double significance) const;
     bool addBends(double significance, std::set<Stretch>& searched);
-    void moveToBend(Site& site, double significance, bool alone) const;
-    void moveToBends(double loss_dB, double significance, bool alone);
+    void moveToBend(Site& site, double significance, double mostLeft) const;
+    void moveToBends(double loss_dB, double significance, double mostLeft);
     void dropRecoveries();
     [[nodiscard]] double foundationOf(const Site& site, double loss_dB, double significance) const;
     [[nodiscard]] std::optional<double> footOfBoth(const Site& first, const Site& second) const;

@@ -171,8 +171,8 @@ bool EventSites::addBends(double significance, std::set<Stretch>& searched)
 }
 
 /// A change of level beside a bend may be nothing but that, seen from the wrong place: moves it
-/// there. `alone`: only where two lines explain all.
-void EventSites::moveToBend(Site& site, double significance, bool alone) const
+/// there, if two lines leave no more than so many times what noise and the fibre itself do.
+void EventSites::moveToBend(Site& site, double significance, double mostLeft) const
 {
     const double gap = fibreTrace->gap();
     const double from = site.left->line.first();
@@ -185,7 +185,7 @@ void EventSites::moveToBend(Site& site, double significance, bool alone) const
     const double sigma = fibreTrace->noise().sigma_dB(site.at);
     double least = squaresOf(now->first) + squaresOf(now->second)
         + kAsWell * kAsWell * fibreTrace->noise().correlation() * sigma * sigma;
-    const double most_dB = kNoiseLeft * std::hypot(sigma, fibreTrace->noise().wander_dB());
+    const double most_dB = mostLeft * std::hypot(sigma, fibreTrace->noise().wander_dB());
     const double step = 2.0 * reach / kFinePlaces;
     const double begin = site.at - reach;
     const double end = site.at + reach;
@@ -203,11 +203,10 @@ void EventSites::moveToBend(Site& site, double significance, bool alone) const
             loss_dB / (sides->second.line.slope_dB - sides->first.line.slope_dB);
         const bool isNear = std::abs(crossing) <= 0.5 * step;
         const double squares = squaresOf(sides->first) + squaresOf(sides->second);
-        const bool explains =
-            !alone || std::max(sides->first.line.sigma_dB, sides->second.line.sigma_dB) < most_dB;
-        if (explains
-            && (isNear || std::abs(loss_dB) < std::max(kNoLoss_dB, kNoLossErrors * error_dB))
-            && squares < least) {
+        const double left_dB = std::max(sides->first.line.sigma_dB, sides->second.line.sigma_dB);
+        const bool losesNothing =
+            isNear || std::abs(loss_dB) < std::max(kNoLoss_dB, kNoLossErrors * error_dB);
+        if (losesNothing && left_dB < most_dB && squares < least) {
             least = squares;
             site.at = std::clamp(isNear ? place + crossing : place, begin, end);
             site.behind = site.at + gap;
@@ -216,12 +215,12 @@ void EventSites::moveToBend(Site& site, double significance, bool alone) const
 }
 
 /// The same of all of them.
-void EventSites::moveToBends(double loss_dB, double significance, bool alone)
+void EventSites::moveToBends(double loss_dB, double significance, double mostLeft)
 {
     for (Site& site : places) {
         const bool isStep = !site.peak && !site.glows && site.left && site.right;
         if (isStep && bendOf(*site.left, *site.right, significance) >= 1.0) {
-            moveToBend(site, significance, alone);
+            moveToBend(site, significance, mostLeft);
         }
     }
     dropUnlikely(loss_dB, significance);
@@ -230,12 +229,12 @@ void EventSites::moveToBends(double loss_dB, double significance, bool alone)
 void EventSites::divideAtBends(double loss_dB, double significance)
 {
     // Those first that stand beside a bend: another one would be put at their far side.
-    moveToBends(loss_dB, significance, true);
+    moveToBends(loss_dB, significance, kNoiseLeft);
     std::set<Stretch> searched;
     for (int round = 0; round < kRounds && addBends(significance, searched); ++round) {
         dropUnlikely(loss_dB, significance);
     }
-    moveToBends(loss_dB, significance, false);
+    moveToBends(loss_dB, significance, std::numeric_limits<double>::infinity());
 }
 
 } // namespace otdr
