@@ -102,7 +102,7 @@ bool FibreBehind::follows(double fibreFrom, double from, double to, double thres
     const double lost =
         levelBefore_dB(fibreFrom, from) - level + usualSlope_dB * (start - from + 0.5 * w);
     if (lost < threshold_dB) { // the fall was that of a peak
-        return !trace.isSteep(behind->line)
+        return !isSteeper(behind->line, trace.fit(fibreFrom, from))
             || -behind->line.line.slope_dB * length < std::max(kSteepFall_dB, kChance * error_dB);
     }
     return !isSteeper(behind->line, trace.fit(fibreFrom, from))
