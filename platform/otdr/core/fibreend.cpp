@@ -33,6 +33,11 @@ constexpr double kLaunchTail_dB = 0.01;
 /// A receiver that was overloaded comes down within so many pulses.
 constexpr double kLongestPeakPulses = 12.0;
 
+/// A tail falls all the way, but for this much of noise, for longer than a pulse and so many
+/// samples: what is shorter is the flank of a peak.
+constexpr double kTailRise_dB = 0.5;
+constexpr double kFewestTail = 8.0;
+
 /// The end of a record is dark where its last tenth is.
 constexpr std::size_t kDarkPart = 10;
 
@@ -112,6 +117,7 @@ public:
             }
             at = top;
             for (; at < last && falls(at); at += step) { }
+            at = behindTail(from, at, last);
             const double fibreFrom = std::max(fibreBegins, from - 20.0 * w);
             if (trace.mean_dB(at, at + w) > trace.mean_dB(from - w, from) + threshold_dB
                 || isLaunch(at, extent) || behindIt.follows(fibreFrom, from, at, threshold_dB)) {
@@ -191,6 +197,24 @@ private:
             }
         }
         return last;
+    }
+
+    /// Where the tail of a peak has come down to what stood before the peak; `at` where something
+    /// else stands in between, or no tail.
+    [[nodiscard]] double behindTail(double from, double at, double last) const
+    {
+        const double step = std::max(1.0, std::floor(w / 2.0));
+        const double most = trace.mean_dB(from - w, from) + threshold_dB;
+        double lowest = trace.mean_dB(at, at + w);
+        double i = at;
+        for (; i < last && lowest > most; i += step) {
+            const double level = trace.mean_dB(i, i + w);
+            if (level > lowest + kTailRise_dB) {
+                return at;
+            }
+            lowest = std::min(lowest, level);
+        }
+        return i < last && i - at > std::max(w, kFewestTail) ? i : at;
     }
 
     /// Takes an end behind nothing but the tail of the launch back to the port.

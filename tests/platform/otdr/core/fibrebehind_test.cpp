@@ -232,6 +232,23 @@ TEST(FibreBehind, FollowsAPeakIfItsFallIsWithinChance)
     EXPECT_FALSE(follows(0.9, 0.3));
 }
 
+/// Behind a reflection as behind a loss: 1.4 dB/km where the fibre before it falls by 0.2, of a
+/// pulse that is 50 m long.
+TEST(FibreBehind, DoesNotFollowAPeakInATailSteeperThanTheFibreBefore)
+{
+    const auto follows = [](double dbPerKm) {
+        constexpr double kilometre = 20.0 * kPulse;
+        const DrawnFibre fibre(40000, {kPulse, 0.08 * kPulse, 5000.0, kilometre}, [&](double i) {
+            const double behind = std::max(0.0, i - kFall);
+            return 36.0 - (0.2 * std::min(i, kFall) + dbPerKm * behind) / kilometre;
+        });
+        return followsIn(fibre);
+    };
+    EXPECT_TRUE(follows(0.2));
+    EXPECT_TRUE(follows(0.5));
+    EXPECT_FALSE(follows(1.4));
+}
+
 TEST(FibreBehind, IsNotSeenInNoiseOrInLightThatDoesNotFall)
 {
     const auto dark = [](double /*behind*/, double /*level_dB*/) { return -50.0; };

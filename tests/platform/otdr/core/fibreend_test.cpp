@@ -291,6 +291,34 @@ TEST(FibreEnd, IsInFrontOfASlowTail)
     }
 }
 
+/// The end of a fibre that reflects, 16 dB for a pulse, and the charge that it leaves in the
+/// receiver: light so far above the fibre, that falls by the same with every pulse.
+double foundBeforeTail(const TraceBuilder& builder, double end, double above_dB, double fall_dB)
+{
+    std::vector<std::uint16_t> counts = builder.counts();
+    const double pulse = builder.pulseSamples();
+    const double before_dB = (65535.0 - counts[static_cast<std::size_t>(end - pulse)]) / 1000.0;
+    for (double i = std::ceil(end); i < static_cast<double>(counts.size()); i += 1.0) {
+        const double since = (i - end) / pulse;
+        const double level_dB =
+            before_dB + (since < 1.0 ? 16.0 : above_dB - fall_dB * (since - 1.0));
+        counts[static_cast<std::size_t>(i)] =
+            static_cast<std::uint16_t>(65535.0 - 1000.0 * std::max(0.0, level_dB));
+    }
+    return extentOf(builder, withNoise(counts, 7.0, 1)).end;
+}
+
+/// Straight as fibre is, but many times as steep as the fibre before, from whichever level.
+TEST(FibreEnd, IsInFrontOfAStraightTailThatStartsAtAnyLevel)
+{
+    const TraceBuilder builder = TraceBuilder().fibre(8_km).behind(15000);
+    const double end = builder.indexOf(8_km);
+    for (const double above_dB : {-2.0, 0.0, 2.0, 4.0, 8.0}) {
+        EXPECT_NEAR(foundBeforeTail(builder, end, above_dB, 0.1), end, builder.pulseSamples())
+            << above_dB;
+    }
+}
+
 TEST(FibreEnd, OfARecordThatEndsOnFibreIsOutOfRange)
 {
     const TraceBuilder builder = TraceBuilder().fibre(12_km).noise(0.01_dB, 12);
