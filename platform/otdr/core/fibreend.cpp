@@ -2,6 +2,7 @@
 
 #include "platform/otdr/core/darkness.h"
 #include "platform/otdr/core/fibrebehind.h"
+#include "platform/otdr/core/lightbehind.h"
 #include "platform/otdr/core/peakgroup.h"
 #include "platform/otdr/core/scatter.h"
 #include "platform/otdr/core/shortfibre.h"
@@ -29,14 +30,6 @@ constexpr double kLongestOverloadPulses = 6.0;
 
 /// Lines beside the first event bear this much of the launch, dB: fibre close to it is worth more.
 constexpr double kLaunchTail_dB = 0.01;
-
-/// A receiver that was overloaded comes down within so many pulses.
-constexpr double kLongestPeakPulses = 12.0;
-
-/// A tail falls all the way, but for this much of noise, for longer than a pulse and so many
-/// samples: what is shorter is the flank of a peak.
-constexpr double kTailRise_dB = 0.5;
-constexpr double kFewestTail = 8.0;
 
 /// The end of a record is dark where its last tenth is.
 constexpr std::size_t kDarkPart = 10;
@@ -96,6 +89,7 @@ public:
         extent.end = extent.lastLit;
         usualSlope_dB = fibreSlope_dB(extent);
         const FibreBehind behindIt(trace, extent.lastLit, usualSlope_dB);
+        const LightBehind light(trace, threshold_dB);
         const ShortFibre piece(trace, threshold_dB, usualSlope_dB);
         const double step = std::max(1.0, std::floor(w / 2.0));
         const double last = extent.lastLit + visibleLength();
@@ -107,7 +101,7 @@ public:
             }
             // What falls or rises here does so not before the windows that it was seen with.
             const double from = at + 0.5 * w;
-            const double top = behindPeak(at);
+            const double top = light.peakOver(at);
             const double behind = piece.fallenFrom(top);
             const double before = trace.mean_dB(from - w, from);
             if (top > at && piece.isPatchCord(behind, before)) {
@@ -117,7 +111,7 @@ public:
             }
             at = top;
             for (; at < last && falls(at); at += step) { }
-            at = behindTail(from, at, last);
+            at = light.tailOver(from, at, last);
             const double fibreFrom = std::max(fibreBegins, from - 20.0 * w);
             if (trace.mean_dB(at, at + w) > trace.mean_dB(from - w, from) + threshold_dB
                 || isLaunch(at, extent) || behindIt.follows(fibreFrom, from, at, threshold_dB)) {
@@ -130,6 +124,11 @@ public:
             if (const auto drop = piece.dropBehind(from, top, before)) {
                 fibreBegins = *drop;
                 at = std::max(*drop, from);
+                continue;
+            }
+            if (const auto later = light.endsSuddenly(at, last)) {
+                fibreBegins = at;
+                at = std::max(at, *later - 2.0 * w);
                 continue;
             }
             extent.end = foot(from, at, fibreFrom);
@@ -181,40 +180,6 @@ private:
     {
         return at < extent.launch + kLongestLaunchPulses * w
             && extent.lastLit > at + kLitPulses * w;
-    }
-
-    /// Behind the top of a peak that rises near an index, where light has come down again; the
-    /// index itself where nothing rises.
-    [[nodiscard]] double behindPeak(double at) const
-    {
-        const double base = trace.mean_dB(at - w, at);
-        double last = at;
-        for (double i = at; i < at + kLongestPeakPulses * w; i += 1.0) {
-            last = trace.mean_dB(i, i + 1.0) > base + threshold_dB ? i : last;
-            // What rises further behind, or again, is another reflection.
-            if (i - last > (last > at ? 1.0 : kFallPulses + 1.0) * w) {
-                break;
-            }
-        }
-        return last;
-    }
-
-    /// Where the tail of a peak has come down to what stood before the peak; `at` where something
-    /// else stands in between, or no tail.
-    [[nodiscard]] double behindTail(double from, double at, double last) const
-    {
-        const double step = std::max(1.0, std::floor(w / 2.0));
-        const double most = trace.mean_dB(from - w, from) + threshold_dB;
-        double lowest = trace.mean_dB(at, at + w);
-        double i = at;
-        for (; i < last && lowest > most; i += step) {
-            const double level = trace.mean_dB(i, i + w);
-            if (level > lowest + kTailRise_dB) {
-                return at;
-            }
-            lowest = std::min(lowest, level);
-        }
-        return i < last && i - at > std::max(w, kFewestTail) ? i : at;
     }
 
     /// Takes an end behind nothing but the tail of the launch back to the port.

@@ -291,6 +291,27 @@ TEST(FibreEnd, IsInFrontOfASlowTail)
     }
 }
 
+/// Light that a slow receiver bends all the way behind a splitter, as no fibre is bent; but it ends
+/// with a reflection, and only fibre does.
+TEST(FibreEnd, OfFibreInTheTailOfASplitterIsWhereItsLightEndsSuddenly)
+{
+    const TraceBuilder builder = TraceBuilder().fibre(4_km).behind(8000);
+    std::vector<std::uint16_t> counts = builder.counts();
+    const double splitter = builder.indexOf(1_km);
+    const double end = builder.indexOf(4_km);
+    const double before_dB = (65535.0 - counts[static_cast<std::size_t>(splitter)]) / 1000.0;
+    for (double i = std::ceil(splitter); i < static_cast<double>(counts.size()); i += 1.0) {
+        const double bent_dB = before_dB - 5.0 - 3.0 * std::log10(1.0 + (i - splitter) / 100.0);
+        const bool reflects = i >= end && i < end + builder.pulseSamples();
+        const double level_dB = reflects ? bent_dB + 5.0 : (i < end ? bent_dB : 0.0);
+        counts[static_cast<std::size_t>(i)] =
+            static_cast<std::uint16_t>(65535.0 - 1000.0 * std::max(0.0, level_dB));
+    }
+    const auto extent = extentOf(builder, withNoise(counts, before_dB - 14.0, 1));
+    EXPECT_EQ(extent.kind, End::Found);
+    EXPECT_NEAR(extent.end, end, builder.pulseSamples());
+}
+
 /// The end of a fibre that reflects, 16 dB for a pulse, and the charge that it leaves in the
 /// receiver: light so far above the fibre, that falls by the same with every pulse.
 double foundBeforeTail(const TraceBuilder& builder, double end, double above_dB, double fall_dB)

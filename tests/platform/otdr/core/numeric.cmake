@@ -19,6 +19,7 @@ waveform_test(otdr_core_numeric_test
         fibreend_test.cpp
         fibreextent_test.cpp
         fibretrace_test.cpp
+        lightbehind_test.cpp
         lightfalls_test.cpp
         linefit_test.cpp
         loss_test.cpp
