@@ -126,7 +126,7 @@ public:
                 at = std::max(*drop, from);
                 continue;
             }
-            if (const auto later = light.endsSuddenly(at, last)) {
+            if (const auto later = light.endsSuddenly(from, at, last)) {
                 fibreBegins = at;
                 at = std::max(at, *later - 2.0 * w);
                 continue;

@@ -18,10 +18,14 @@ constexpr double kTailRise_dB = 0.5;
 constexpr double kFewestTail = 8.0;
 
 /// Light is even that changes by no more than this within so many pulses. It stands so far above
-/// the RMS noise, and there is less of it for as long behind its end.
+/// the RMS noise, and less of it for so many pulses behind its end.
 constexpr double kEven_dB = 0.5;
-constexpr int kEvenPulses = 8;
+constexpr int kEvenPulses = 5;
 constexpr double kAboveNoise_dB = 2.0;
+constexpr double kGonePulses = 3.0;
+
+/// An echo of a fall stands within so many pulses of where light comes from that goes there twice.
+constexpr double kEchoPulses = 4.0;
 
 } // namespace
 
@@ -65,7 +69,7 @@ double LightBehind::tailOver(double from, double at, double last) const
     return i < last && i - at > std::max(w, kFewestTail) ? i : at;
 }
 
-std::optional<double> LightBehind::endsSuddenly(double from, double last) const
+std::optional<double> LightBehind::endsSuddenly(double fall, double from, double last) const
 {
     const double step = std::max(1.0, std::floor(w / 2.0));
     const double least = trace.noise().rms_dB() + kAboveNoise_dB;
@@ -77,16 +81,26 @@ std::optional<double> LightBehind::endsSuddenly(double from, double last) const
         if (!isEvenBefore(at)) {
             continue;
         }
-        const double behind = peakOver(at) + kFallPulses * w;
+        const double top = peakOver(at);
+        if (top > at && isEcho(fall, at)) {
+            continue;
+        }
+        const double behind = top + kFallPulses * w;
         const auto line = trace.fit(at - length, at);
         // What goes on falling as before has not ended, nor does light that rises by chance.
         const double expected =
-            line ? std::min(line->at(at), line->at(behind + 0.5 * length)) : least;
-        if (expected - trace.mean_dB(behind, behind + length) > threshold_dB) {
+            line ? std::min(line->at(at), line->at(behind + 0.5 * kGonePulses * w)) : least;
+        if (expected - trace.mean_dB(behind, behind + kGonePulses * w) > threshold_dB) {
             return at;
         }
     }
     return std::nullopt;
+}
+
+/// Light that goes from the port to the fall and back twice comes from twice as far.
+bool LightBehind::isEcho(double fall, double at) const
+{
+    return std::abs((at - trace.launch()) - 2.0 * (fall - trace.launch())) < kEchoPulses * w;
 }
 
 bool LightBehind::isEvenBefore(double at) const

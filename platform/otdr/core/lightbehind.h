@@ -22,12 +22,14 @@ public:
     /// front of `from`; `at` where something else stands in between, or no tail.
     [[nodiscard]] double tailOver(double from, double at, double last) const;
 
-    /// The first index behind `from` at which light that was even for some pulses ends, with a
-    /// reflection or without: only fibre ends, tails fade. Empty where light fades, or `last` comes
-    /// first.
-    [[nodiscard]] std::optional<double> endsSuddenly(double from, double last) const;
+    /// Where light that is even ends behind `from`, with a reflection or without, and stays away
+    /// for some pulses; the end lies there or up to five behind. Only fibre ends, tails
+    /// fade: empty where light fades, or `last` comes first. What stands where the fall that was
+    /// seen in front, at `fall`, has its echo is no end.
+    [[nodiscard]] std::optional<double> endsSuddenly(double fall, double from, double last) const;
 
 private:
+    [[nodiscard]] bool isEcho(double fall, double at) const;
     [[nodiscard]] bool isEvenBefore(double at) const;
 
     const FibreTrace& trace;

@@ -13,6 +13,7 @@ using namespace testing_support;
 
 constexpr double kFall = 1000.0; ///< fibre at 40 dB before it
 constexpr double kSudden_dB = 3.0;
+constexpr double kSeenAhead = 5.0 * kPulse; ///< an end is seen from so far
 
 /// RMS noise of 1.4 dB.
 double dark_dB(double index)
@@ -84,7 +85,7 @@ TEST(LightBehind, ATailDoesNotEndSuddenly)
 double endsBehind(const std::function<double(double behind)>& behind_dB)
 {
     const DrawnFibre fibre = recordOf(behind_dB);
-    const auto end = otdr::LightBehind(*fibre, kSudden_dB).endsSuddenly(kFall, 5000.0);
+    const auto end = otdr::LightBehind(*fibre, kSudden_dB).endsSuddenly(kFall, kFall, 5000.0);
     return end ? *end - kFall : -1.0;
 }
 
@@ -100,10 +101,9 @@ std::function<double(double)> endingAt600(double level_dB, double slope_dB, doub
 
 TEST(LightBehind, EndsWhereEvenLightFallsIntoDarkness)
 {
-    constexpr double kLength = 8.0 * kPulse; // of what is looked at behind
-    EXPECT_NEAR(endsBehind(endingAt600(30.0, 0.0002, 0.0)), 600.0, kLength);
-    EXPECT_NEAR(endsBehind(endingAt600(30.0, 0.0002, 15.0)), 600.0, kLength);
-    EXPECT_NEAR(endsBehind(endingAt600(7.0, 0.0, 5.0)), 600.0, kLength);
+    EXPECT_NEAR(endsBehind(endingAt600(30.0, 0.0002, 0.0)), 600.0, kSeenAhead);
+    EXPECT_NEAR(endsBehind(endingAt600(30.0, 0.0002, 15.0)), 600.0, kSeenAhead);
+    EXPECT_NEAR(endsBehind(endingAt600(7.0, 0.0, 5.0)), 600.0, kSeenAhead);
 }
 
 TEST(LightBehind, DoesNotEndWhereItFades)
@@ -124,8 +124,22 @@ TEST(LightBehind, DoesNotEndWhereItFades)
 
 TEST(LightBehind, DoesNotEndWhereItFallsTooSteeplyToBeEven)
 {
-    EXPECT_GT(endsBehind(endingAt600(30.0, 0.4 / (8.0 * kPulse), 0.0)), 0.0);
-    EXPECT_EQ(endsBehind(endingAt600(30.0, 0.6 / (7.0 * kPulse), 0.0)), -1.0);
+    EXPECT_GT(endsBehind(endingAt600(30.0, 0.4 / (5.0 * kPulse), 0.0)), 0.0);
+    EXPECT_EQ(endsBehind(endingAt600(30.0, 0.6 / (4.0 * kPulse), 0.0)), -1.0);
+}
+
+/// The receiver has less than before to recover from behind an echo, and shows less.
+TEST(LightBehind, DoesNotEndAtTheEchoOfTheFall)
+{
+    const auto endingAt = [](double index) {
+        return [=](double b) {
+            const double level_dB = b < index ? 30.0 : 45.0;
+            return b < index + kPulse ? level_dB : 26.0;
+        };
+    };
+    EXPECT_EQ(endsBehind(endingAt(kFall)), -1.0) << "as far behind as the port is in front";
+    EXPECT_NEAR(endsBehind(endingAt(kFall - 10.0 * kPulse)), kFall - 10.0 * kPulse, kSeenAhead);
+    EXPECT_NEAR(endsBehind(endingAt(kFall + 10.0 * kPulse)), kFall + 10.0 * kPulse, kSeenAhead);
 }
 
 TEST(LightBehind, DoesNotEndWhereItIsHardlyBrighterThanNoise)
