@@ -99,6 +99,9 @@ bool FibreBehind::follows(double fibreFrom, double from, double to, double thres
     if (above_dB < kFibreAboveNoise_dB || !isKnown) {
         return false;
     }
+    if (above_dB < kPlainAboveNoise_dB && !falls(start, length)) {
+        return false;
+    }
     const double lost =
         levelBefore_dB(fibreFrom, from) - level + usualSlope_dB * (start - from + 0.5 * w);
     if (lost < threshold_dB) { // the fall was that of a peak
@@ -107,6 +110,21 @@ bool FibreBehind::follows(double fibreFrom, double from, double to, double thres
     }
     return !isSteeper(behind->line, trace.fit(fibreFrom, from))
         && std::abs(behind->bend_dB) < kChance * behind->bendError_dB;
+}
+
+/// Whether weak light falls at all, in a stretch or in some times as much of it: darkness that a
+/// receiver lifts is as straight as fibre, but level.
+bool FibreBehind::falls(double from, double length) const
+{
+    const double kilometre = trace.scale().kilometre;
+    for (; kilometre > 0.0 && from + length <= lastLit; length *= 2.0) {
+        const auto line = trace.fit(from, from + length);
+        const double error = line ? line->slopeError_dB * kilometre : 0.0;
+        if (line && -line->line.slope_dB * kilometre > kLeastFall_dBPerKm + 2.0 * error) {
+            return true;
+        }
+    }
+    return kilometre <= 0.0;
 }
 
 std::optional<double> FibreBehind::seenFrom(double fibreFrom, double from, double to,

@@ -41,6 +41,7 @@ private:
     [[nodiscard]] double tellingLength(double start, double threshold_dB) const;
     [[nodiscard]] double untilChange(double from, double to, double threshold_dB) const;
     [[nodiscard]] bool isPlain(double from, double to, const std::optional<SideLine>& before) const;
+    [[nodiscard]] bool falls(double from, double length) const;
     [[nodiscard]] bool tells(const std::optional<SideLine>& line) const;
     [[nodiscard]] bool isSteeper(const SideLine& line, const std::optional<SideLine>& before) const;
 

@@ -272,6 +272,23 @@ TEST(FibreEnd, IsNotASplitterThatLeavesLittleLight)
     }
 }
 
+/// A receiver that adds to everything it measures: darkness stands three times as high as it
+/// scatters, straight as fibre, but level.
+TEST(FibreEnd, IsInFrontOfDarknessThatIsLifted)
+{
+    for (const std::uint64_t seed : {1, 2, 3, 4, 5}) {
+        const TraceBuilder builder = TraceBuilder().fibre(4_km).behind(12000);
+        std::vector<std::uint16_t> counts = builder.counts();
+        for (std::uint16_t& count : counts) {
+            const double power = std::pow(10.0, (65535.0 - count) / 5000.0) + 3.0 * 25.0;
+            count = static_cast<std::uint16_t>(65535.5 - 5000.0 * std::log10(power));
+        }
+        const auto extent = extentOf(builder, withNoise(counts, 5.0 * std::log10(25.0), seed));
+        EXPECT_EQ(extent.kind, End::Found) << seed;
+        EXPECT_NEAR(extent.end, builder.indexOf(4_km), builder.pulseSamples()) << seed;
+    }
+}
+
 /// The tail of a receiver that was overloaded, down from 12 dB above the noise: power that falls
 /// with the time since then, which within some pulses is as straight as fibre.
 TEST(FibreEnd, IsInFrontOfASlowTail)
