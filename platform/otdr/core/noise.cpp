@@ -89,6 +89,15 @@ double roundingOf_dB(const Trace& trace, std::size_t first, std::size_t last, st
     return isStep ? step * trace.dbPerCount() / std::sqrt(12.0) : 0.0;
 }
 
+/// What the last so many samples of a record scatter by, dB: darkness, or fibre that reaches them.
+double endScatter_dB(const Trace& trace, std::size_t samples, double pulse)
+{
+    const auto lag = static_cast<std::size_t>(std::max(1.0, std::round(pulse)));
+    const std::size_t first = trace.size() - std::min(trace.size(), samples);
+    const double scatter = scatterOf_dB(trace, first, trace.size(), lag);
+    return std::clamp(scatter, NoiseProfile::kLeastSigma_dB, kMostSigma_dB);
+}
+
 } // namespace
 
 NoiseProfile::NoiseProfile(const Trace& trace, double pulse, std::size_t first, std::size_t last,
@@ -294,8 +303,8 @@ void NoiseProfile::measureFloor(const Trace& trace, double pulse)
             dark = last;
         }
     }
-    // Of no fibre, nothing scatters but darkness.
-    const double scatter = sigmas.empty() ? kMostSigma_dB : sigmas.back();
+    const bool isWhole = last == n && !sigmas.empty();
+    const double scatter = isWhole ? sigmas.back() : endScatter_dB(trace, blockSize, pulse);
     rms = dark.isNoise ? dark.rms_dB : dark.median_dB + levelOfRatio_dB(scatter / kDbPerRelative);
     if (dark.isEmpty) {
         rms = std::max(rms, dark.median_dB);

@@ -129,6 +129,23 @@ TEST(NoiseProfile, FloorIsNotTheFibreInFrontOfAShortDarkRecord)
     }
 }
 
+/// Darkness that is lifted to three times its noise scatters too little to be known as such; still
+/// it tells the noise, and not the fibre up to which the scatter is looked at.
+TEST(NoiseProfile, FloorOfLiftedDarknessIsToldByItsOwnScatter)
+{
+    std::mt19937_64 random(9);
+    std::normal_distribution<double> power(3.0, 1.0);
+    const auto fibre = TraceBuilder().fibre(8_km).launch(25_dB).noise(0.006_dB, 8).build();
+    std::vector<std::uint16_t> counts(fibre->samples().begin(), fibre->samples().end());
+    for (int i = 0; i < 8000; ++i) {
+        const double level_dB = 12.0 + 5.0 * std::log10(std::max(0.01, power(random)));
+        counts.push_back(static_cast<std::uint16_t>(65535.0 - 1000.0 * level_dB));
+    }
+    const otdr::Trace trace(otdr::RawSamples(counts), 0.001, fibre->axis());
+    EXPECT_NEAR(profileOf(trace).rms_dB(), 12.0, 0.7);
+    EXPECT_NEAR(NoiseProfile(trace, 10.0, 0, 7000).rms_dB(), 12.0, 0.7) << "of the fibre alone";
+}
+
 /// s = 2.17 x 10^((floor - level) / 5): the scatter of the last of the fibre tells the floor.
 TEST(NoiseProfile, FloorBelowTheRecordFollowsFromTheScatter)
 {
