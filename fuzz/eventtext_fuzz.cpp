@@ -37,8 +37,9 @@ Event anyEvent(FuzzedDataProvider& input)
         const double value = anyValue(input);
         *field = Event::isKnown(value) ? value : 0.0;
     }
-    for (double* field : {&event.loss, &event.reflIn, &event.reflOut, &event.reflectance,
-                          &event.orl, &event.length, &event.attenuationBefore}) {
+    for (double* field :
+         {&event.loss, &event.reflIn, &event.reflOut, &event.reflectance, &event.orl, &event.length,
+          &event.attenuationBefore, &event.beforeFrom, &event.behindFrom, &event.behindTo}) {
         *field = anyValue(input);
     }
     return event;

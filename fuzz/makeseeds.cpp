@@ -107,8 +107,9 @@ void saveMessages()
     // The last byte of an event text chooses: even for a text, odd for fields.
     save("eventtext", "text",
          "r position 2467 coordinate 1234.5 width 10 loss -0.12 reflIn 33.2 reflOut 33.3 "
-         "reflectance -52.1 orl 31.7 length 512 attenuationBefore 0.195 saturated 1@");
-    save("eventtext", "fields", std::string(100, '?'));
+         "reflectance -52.1 orl 31.7 length 512 attenuationBefore 0.195 beforeFrom 1000 "
+         "behindFrom 1250 behindTo 2000 saturated 1@");
+    save("eventtext", "fields", std::string(130, '?'));
 }
 
 void saveSettings()

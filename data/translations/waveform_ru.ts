@@ -103,8 +103,8 @@
         <translation>Измерить</translation>
     </message>
     <message>
-        <source>Choose the settings, press Start; Stop ends it early.</source>
-        <translation>Выберите параметры и нажмите «Старт»; «Стоп» прерывает измерение.</translation>
+        <source>Choose the settings, press Start; the same button ends it early.</source>
+        <translation>Выберите параметры и нажмите «Старт»; та же кнопка прерывает измерение.</translation>
     </message>
     <message>
         <source>Open traces</source>
@@ -705,6 +705,10 @@ ORL: %6
         <translation>блок «%1» записан несколько раз; взят первый</translation>
     </message>
     <message>
+        <source>the block &quot;%1&quot; does not stand where the map puts it; it was found close by</source>
+        <translation>блок «%1» стоит не там, где указано в оглавлении; он найден рядом</translation>
+    </message>
+    <message>
         <source>%1 bytes follow the last block; they are kept</source>
         <translation>байтов после последнего блока: %1; они сохраняются</translation>
     </message>
@@ -765,7 +769,7 @@ ORL: %6
         <translation>число длительностей импульса: %1; принята одна</translation>
     </message>
     <message>
-        <source>the offsets of the file put its events beside what the samples show; the port is taken to stand at sample %1 of the record, where they fit</source>
+        <source>the offsets of the file put its events beside what the samples show; 0 m is taken to stand at sample %1 of the record, where they fit</source>
         <translation>по смещениям из файла события не совпадают с отсчётами; начало линии принято на отсчёте %1, где они совпадают</translation>
     </message>
     <message>
@@ -915,6 +919,10 @@ or drop their files here.</source>
     <message>
         <source>Events</source>
         <translation>События</translation>
+    </message>
+    <message>
+        <source>The receiver was saturated: as much was reflected, or more</source>
+        <translation>Приёмник был в насыщении: отражено столько или больше</translation>
     </message>
 </context>
 <context>

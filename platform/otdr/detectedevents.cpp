@@ -43,6 +43,11 @@ public:
         event.width = state.pulse_ns * state.metresPerNs();
     }
 
+    [[nodiscard]] double coordinateOf(double index) const
+    {
+        return (index - zero) * state.trace->axis().sampleInterval_ns * state.metresPerNs();
+    }
+
 private:
     const TraceState& state;
     double zero;
@@ -58,9 +63,12 @@ Event eventOf(const otdr::DetectedEvent& found, const Places& places)
     event.saturated = found.saturated();
     if (found.before.samples > 0) {
         event.reflIn = found.before.at(found.index);
+        event.beforeFrom = places.coordinateOf(found.before.first());
     }
     if (found.behind.samples > 0) {
         event.reflOut = found.behind.at(found.index);
+        event.behindFrom = places.coordinateOf(found.behind.first());
+        event.behindTo = places.coordinateOf(found.behind.last());
     }
     return event;
 }

@@ -49,6 +49,9 @@ QString Event::toString() const
         {"orl", orl},
         {"length", length},
         {"attenuationBefore", attenuationBefore},
+        {"beforeFrom", beforeFrom},
+        {"behindFrom", behindFrom},
+        {"behindTo", behindTo},
     };
     for (const auto& [key, value] : values) {
         if (isKnown(value)) {
@@ -68,7 +71,8 @@ bool operator==(const Event& a, const Event& b)
         && same(a.coordinate, b.coordinate) && same(a.width, b.width) && same(a.loss, b.loss)
         && same(a.reflIn, b.reflIn) && same(a.reflOut, b.reflOut)
         && same(a.reflectance, b.reflectance) && same(a.orl, b.orl) && same(a.length, b.length)
-        && same(a.attenuationBefore, b.attenuationBefore);
+        && same(a.attenuationBefore, b.attenuationBefore) && same(a.beforeFrom, b.beforeFrom)
+        && same(a.behindFrom, b.behindFrom) && same(a.behindTo, b.behindTo);
 }
 
 bool operator<(const Event& a, const Event& b)

@@ -39,6 +39,9 @@ struct Event
     double orl = kUnknown; ///< return loss of a fibre section, dB
     double length = kUnknown; ///< of a fibre section, m
     double attenuationBefore = kUnknown; ///< of the fibre before the event, dB/km
+    double beforeFrom = kUnknown; ///< the loss was measured by the fibre from here to the event, m
+    double behindFrom = kUnknown; ///< and by that from here, m
+    double behindTo = kUnknown; ///< to here, m
     bool saturated = false; ///< the receiver was: the reflectance is only a lower bound
 
     /// Attenuation of a fibre section, dB/km: its loss over its length. NaN where either is unknown

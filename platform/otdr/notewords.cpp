@@ -26,6 +26,9 @@ constexpr const char* kDamages[] = {
 constexpr const char* kOddities[] = {
     QT_TRANSLATE_NOOP("TraceNote", "the block \"%1\" ends early; its last fields are missing"),
     QT_TRANSLATE_NOOP("TraceNote", "the block \"%1\" is there more than once; the first is used"),
+    QT_TRANSLATE_NOOP(
+        "TraceNote",
+        "the block \"%1\" does not stand where the map puts it; it was found close by"),
     QT_TRANSLATE_NOOP("TraceNote", "%1 bytes follow the last block; they are kept"),
     QT_TRANSLATE_NOOP("TraceNote", "the samples come in %1 sections; they are joined"),
     QT_TRANSLATE_NOOP("TraceNote", "the scale factor of the samples is 0; 1.000 is assumed"),
@@ -52,8 +55,8 @@ constexpr const char* kOddities[] = {
                       "the data spacing is 0; the range over the number of samples is taken"),
     QT_TRANSLATE_NOOP("TraceNote", "the number of pulse widths is %1; one is assumed"),
     QT_TRANSLATE_NOOP("TraceNote",
-                      "the offsets of the file put its events beside what the samples show; the "
-                      "port is taken to stand at sample %1 of the record, where they fit"),
+                      "the offsets of the file put its events beside what the samples show; 0 m is "
+                      "taken to stand at sample %1 of the record, where they fit"),
     QT_TRANSLATE_NOOP("TraceNote", "a snapshot tells no group index: %1 assumed"),
 };
 

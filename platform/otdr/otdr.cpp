@@ -64,6 +64,9 @@ Event createEventFromString(QString text, Reflectogram refl)
         {"orl", &event.orl},
         {"length", &event.length},
         {"attenuationBefore", &event.attenuationBefore},
+        {"beforeFrom", &event.beforeFrom},
+        {"behindFrom", &event.behindFrom},
+        {"behindTo", &event.behindTo},
     };
     bool hasCoordinate = false;
     for (int i = 1; i + 1 < words.size(); i += 2) {

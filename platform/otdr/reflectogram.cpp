@@ -219,6 +219,9 @@ bool rescale(TraceState& state, Change change)
         event.coordinate *= ratio;
         event.width *= ratio;
         event.length *= ratio;
+        event.beforeFrom *= ratio;
+        event.behindFrom *= ratio;
+        event.behindTo *= ratio;
         event.attenuationBefore /= ratio;
     }
     return ratio != 1.0;

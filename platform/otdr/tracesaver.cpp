@@ -7,6 +7,7 @@
 #include "platform/otdr/reflectogram.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 
@@ -49,6 +50,26 @@ void encodeCode(const Event& event, otdr::sor::KeyEvent& out)
     out.code[1] = event.type == Event::SpanEnd ? 'E' : 'F';
 }
 
+/// The fibre that the loss of an event was measured by, so that other software finds the same loss.
+/// Where an event does not tell, that between its neighbours, a dead zone behind each.
+std::array<std::int32_t, 5> markersOf(const TraceState& state, const Event& event,
+                                      const otdr::sor::KeyEvent* before, const Event* next)
+{
+    const auto toldOr = [&state](double distance_m, std::int32_t otherwise) {
+        return Event::isKnown(distance_m) ? countsOf(state, distance_m) : otherwise;
+    };
+    const double deadZone_m = otdr::kDeadZonePulses * state.pulse_ns * state.metresPerNs();
+    const std::int32_t at = countsOf(state, event.coordinate);
+    const std::int32_t from =
+        std::min(at, toldOr(event.beforeFrom, before != nullptr ? before->markers[2] : at));
+    const std::int32_t behind =
+        std::max(at, toldOr(event.behindFrom, countsOf(state, event.coordinate + deadZone_m)));
+    const std::int32_t to = std::max(
+        behind,
+        toldOr(event.behindTo, next != nullptr ? countsOf(state, next->coordinate) : behind));
+    return {from, at, behind, to, at};
+}
+
 otdr::sor::KeyEvents keyEventsOf(const TraceState& state)
 {
     otdr::sor::KeyEvents block;
@@ -56,7 +77,6 @@ otdr::sor::KeyEvents keyEventsOf(const TraceState& state)
     std::copy_if(state.events.begin(), state.events.end(), std::back_inserter(events),
                  [](const Event& event) { return event.type != Event::Fiber; });
     const double cablePerFibre = state.metresPerNs() / fibreMetresPerNs(state);
-    const double deadZone_m = otdr::kDeadZonePulses * state.pulse_ns * state.metresPerNs();
     for (int i = 0; i < events.size(); ++i) {
         const Event& event = events.at(i);
         otdr::sor::KeyEvent out;
@@ -66,12 +86,8 @@ otdr::sor::KeyEvents keyEventsOf(const TraceState& state)
         out.loss = rounded<std::int16_t>(event.loss * 1000.0);
         out.reflectance = rounded<std::int32_t>(event.reflectance * 1000.0);
         encodeCode(event, out);
-        const std::int32_t behind = countsOf(state, event.coordinate + deadZone_m);
-        const bool last = i + 1 == events.size();
-        const std::int32_t next = last ? behind : countsOf(state, events.at(i + 1).coordinate);
-        out.markers = {i == 0 ? out.position
-                              : std::min(block.events.back().markers[2], out.position),
-                       out.position, behind, std::max(behind, next), out.position};
+        out.markers = markersOf(state, event, i == 0 ? nullptr : &block.events.back(),
+                                i + 1 == events.size() ? nullptr : &events.at(i + 1));
         out.comment = " ";
         block.events.push_back(out);
     }
@@ -147,7 +163,9 @@ void changeIndex(otdr::sor::File& file, double ior)
     }
     if (file.keyEvents) {
         for (otdr::sor::KeyEvent& event : file.keyEvents->events) {
-            event.attenuation = rounded<std::int16_t>(event.attenuation / shrink);
+            if (Event::isKnown(otdr::sor::attenuation_dBPerKm(event))) {
+                event.attenuation = rounded<std::int16_t>(event.attenuation / shrink);
+            }
         }
     }
 }

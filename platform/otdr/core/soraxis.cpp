@@ -147,13 +147,17 @@ std::int64_t statedPort(const File& file)
 }
 
 /// The other readings that put events elsewhere: further than three pulse widths from the stated
-/// one.
+/// one. The last two: an acquisition offset of the other sign, and events that count from the port
+/// whatever the user's zero is.
 std::vector<std::int64_t> otherPorts(const File& file, double pulseCounts)
 {
+    const std::int64_t stated = statedPort(file);
     const std::int64_t panel = file.fxd.frontPanelOffset;
+    const std::int64_t offset = file.fxd.acquisitionOffset;
     std::vector<std::int64_t> ports;
-    for (const std::int64_t port : {std::int64_t {0}, panel, -panel}) {
-        if (std::abs(static_cast<double>(port - statedPort(file))) > 3.0 * pulseCounts) {
+    for (const std::int64_t port :
+         {std::int64_t {0}, panel, -panel, offset, stated - file.gen.userOffset}) {
+        if (std::abs(static_cast<double>(port - stated)) > 3.0 * pulseCounts) {
             ports.push_back(port);
         }
     }
@@ -193,11 +197,9 @@ Axis axisOf(const File& file)
                              std::isnan(pulse) ? 0.0 : pulse * kCountsPerPulseNs);
     axis.firstSample_ns = -static_cast<double>(axis.port + file.gen.userOffset) * kCountNs;
     if (axis.port != statedPort(file)) {
-        axis.note = "the offsets of the file put its events beside what the samples show; the port "
-                    "is taken to "
-                    "stand at sample "
-            + std::to_string(std::llround(static_cast<double>(axis.port) * kCountNs
-                                          / axis.sampleInterval_ns))
+        axis.note = "the offsets of the file put its events beside what the samples show; 0 m is "
+                    "taken to stand at sample "
+            + std::to_string(std::llround(-axis.firstSample_ns / axis.sampleInterval_ns))
             + " of the record, where they fit";
     }
     return axis;

@@ -13,7 +13,8 @@ struct Axis
     double sampleInterval_ns = 0; ///< round trip; NaN where the file does not tell
     double firstSample_ns =
         0; ///< time of sample 0, round trip; negative where the record begins before 0 m
-    std::int64_t port = 0; ///< position of the instrument's port in the record, counts
+    std::int64_t port =
+        0; ///< of the instrument in the record, counts; 0 m is the user offset behind it
     std::string note; ///< what was assumed against the usual rule; empty where that holds
 };
 
@@ -23,8 +24,8 @@ struct Axis
 /// the user's zero lies the user offset behind it. Some software keeps these fields though it has
 /// cut the samples: where the rising edges of the reflective events and the drop at the end of the
 /// fibre contradict the rule, and another reading of the same fields (0, the front panel offset
-/// with either sign) puts them right by more than three pulse widths, that one is taken. A few
-/// microseconds.
+/// with either sign, the acquisition offset with the other one, events that count from the port)
+/// puts them right by more than three pulse widths, that one is taken. A few microseconds.
 [[nodiscard]] Axis axisOf(const File& file);
 
 } // namespace otdr::sor

@@ -60,6 +60,20 @@ double knownOrNaN(double value)
     return value != 0.0 ? value : kUnknown;
 }
 
+/// Whether a figure is one of the two lowest integers of its field, by which a maker says none.
+template <typename Integer>
+bool isNone(Integer stored)
+{
+    return stored <= std::numeric_limits<Integer>::min() + 1;
+}
+
+/// Thousandths of what the field tells.
+template <typename Integer>
+double thousandths(Integer stored)
+{
+    return isNone(stored) ? kUnknown : stored / 1000.0;
+}
+
 /// The first that tells its width and its spacing; where none does, the first.
 PulseEntry firstPulse(const File& file)
 {
@@ -198,7 +212,7 @@ double level_dB(const File& file, std::uint16_t raw)
 
 double totalLoss_dB(const File& file)
 {
-    return file.keyEvents ? knownOrNaN(file.keyEvents->summary.totalLoss / 1000.0) : kUnknown;
+    return file.keyEvents ? knownOrNaN(thousandths(file.keyEvents->summary.totalLoss)) : kUnknown;
 }
 
 double returnLoss_dB(const File& file)
@@ -208,14 +222,13 @@ double returnLoss_dB(const File& file)
 
 double loss_dB(const KeyEvent& event)
 {
-    return event.loss / 1000.0;
+    return thousandths(event.loss);
 }
 
 double reflectance_dB(const KeyEvent& event)
 {
-    constexpr std::int32_t kNone = std::numeric_limits<std::int32_t>::min() + 1;
     constexpr double kLowestMagnitude = 5.0;
-    if (event.reflectance == 0 || event.reflectance <= kNone) {
+    if (event.reflectance == 0 || isNone(event.reflectance)) {
         return kUnknown;
     }
     const double stored_dB = event.reflectance / 1000.0;
@@ -229,7 +242,7 @@ double reflectance_dB(const KeyEvent& event)
 
 double attenuation_dBPerKm(const KeyEvent& event)
 {
-    return knownOrNaN(event.attenuation / 1000.0);
+    return knownOrNaN(thousandths(event.attenuation));
 }
 
 bool isSaturated(const KeyEvent& event)
@@ -283,7 +296,7 @@ std::string eventKinds(const File& file)
         } else if (isReflective) {
             kinds += 'r';
         } else {
-            kinds += event.loss < 0 ? 'p' : 'n';
+            kinds += loss_dB(event) < 0.0 ? 'p' : 'n';
         }
     }
     return kinds;

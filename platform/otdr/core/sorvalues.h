@@ -9,7 +9,7 @@ namespace otdr::sor {
 
 // What the fields of a trace file mean, in the units of the field. Makers differ in how they fill
 // the same field; the rules for that are here and nowhere else. A value that the file does not give
-// is NaN.
+// is NaN; so are losses, attenuations and reflectances stored as the two lowest integers.
 
 /// Metres for one count of 100 ps of one-way time, with the file's group index and no helix factor.
 [[nodiscard]] double metresPerCount(const File& file);

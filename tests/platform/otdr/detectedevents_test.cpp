@@ -115,6 +115,23 @@ TEST(DetectedEvents, EventStandsAtItsSampleAndAtItsDistance)
     EXPECT_FALSE(Event::isKnown(events[2].reflectance)) << "a splice reflects nothing";
 }
 
+TEST(DetectedEvents, EventTellsTheFibreThatItsLossWasMeasuredBy)
+{
+    const TraceState state = stateOf(link());
+    const Detection detection = detectionOf(state);
+    const EventList events = eventListOf(detection, state);
+    ASSERT_EQ(typesOf(events), "sfnfrfe");
+    const auto coordinateOf = [&](double index) {
+        return state.trace->distanceAt(index, state.metresPerNs());
+    };
+    const DetectedEvent& splice = detection.events[1];
+    EXPECT_NEAR(events[2].beforeFrom, coordinateOf(splice.before.first()), 1e-6);
+    EXPECT_NEAR(events[2].behindFrom, coordinateOf(splice.behind.first()), 1e-6);
+    EXPECT_NEAR(events[2].behindTo, coordinateOf(splice.behind.last()), 1e-6);
+    EXPECT_FALSE(Event::isKnown(events.first().beforeFrom));
+    EXPECT_FALSE(Event::isKnown(events.last().behindFrom));
+}
+
 TEST(DetectedEvents, SectionReachesFromEventToEvent)
 {
     const TraceState state = stateOf(link());

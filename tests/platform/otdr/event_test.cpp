@@ -21,6 +21,9 @@ Event everything()
     event.orl = 31.7;
     event.length = 512.0;
     event.attenuationBefore = 0.195;
+    event.beforeFrom = 1000.5;
+    event.behindFrom = 1250.25;
+    event.behindTo = 2000.125;
     event.saturated = true;
     return event;
 }

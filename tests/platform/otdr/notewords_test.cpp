@@ -84,6 +84,9 @@ std::vector<Bytes> oddFiles()
     auto blocks = SorSketch::plain().blocks();
     blocks[4].body = ByteSketch().u32(3).u16(1).u32(2).u16(1000).u16(7).u16(8).u16(9).done;
     files.push_back(SorSketch::assemble(2, blocks));
+    blocks = SorSketch::plain().blocks();
+    blocks[0].statedSize = static_cast<std::int64_t>(blocks[0].body.size());
+    files.push_back(SorSketch::assemble(2, blocks));
     return files;
 }
 

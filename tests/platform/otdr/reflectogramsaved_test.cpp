@@ -11,6 +11,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <limits>
+
 namespace {
 
 using testing_support::SorSketch;
@@ -83,6 +86,21 @@ TEST(Reflectogram, SavedWithAnotherIndexItTellsWhatItTold)
                 10.0 * readFile->fxd.acquisitionRange * otdr::sor::metresPerCount(*readFile), 1.0);
 }
 
+TEST(Reflectogram, SavedWithAnotherIndexItMakesNoFigureOfOneThatIsNotKnown)
+{
+    const TraceFiles files;
+    SorSketch sketch = SorSketch::plain();
+    sketch.keyEvents.events[1].attenuation = std::numeric_limits<std::int16_t>::min();
+    Reflectogram refl(files.write("plain.sor", sketch));
+    refl.setIOR(1.44);
+    ASSERT_EQ(refl.save(files.path("index.sor")), 0);
+    const Reflectogram read(files.path("index.sor"));
+    ASSERT_TRUE(read.isValid());
+    for (const Event& event : read.getEventList()) {
+        EXPECT_FALSE(Event::isKnown(event.attenuationBefore));
+    }
+}
+
 TEST(Reflectogram, SavedTraceTellsLengthsOfTheFibreAndNotOfTheCable)
 {
     const TraceFiles files;
@@ -133,6 +151,59 @@ TEST(Reflectogram, MeasuredTraceIsSavedWithItsParametersAndReadBackTheSame)
     EXPECT_DOUBLE_EQ(read.sorData()->fxdParams().averagingTime, 15.0);
     EXPECT_NEAR(static_cast<double>(read.sorData()->fxdParams().dateTime),
                 static_cast<double>(refl.sorData()->fxdParams().dateTime), 0.5);
+}
+
+/// Other software measures the loss again by the markers beside it.
+TEST(Reflectogram, SavedLossIsThatOfTheFibreBetweenItsMarkers)
+{
+    const TraceFiles files;
+    const auto link = TraceBuilder().fibre(3_km).splice(1_km, 0.3_dB).splice(2_km, 0.1_dB);
+    Reflectogram refl = files.measured(link, WfMeasParams());
+    refl.setHelix(10.0);
+    Event splice(Event::NonReflective, 1000, 10);
+    splice.beforeFrom = 120.0;
+    splice.behindFrom = 1090.0;
+    splice.behindTo = 1950.0;
+    Event unmeasured(Event::NonReflective, 2000, 10);
+    Event odd(Event::NonReflective, 2500, 10);
+    odd.beforeFrom = 2510.0; // no list of ours has it so, a message may
+    odd.behindFrom = 2490.0;
+    odd.behindTo = 2480.0;
+    refl.setEventList({splice, unmeasured, odd});
+    ASSERT_EQ(refl.save(files.path("markers.sor")), 0);
+
+    const Reflectogram read(files.path("markers.sor"));
+    const auto file = read.state()->file;
+    const double metres = otdr::sor::metresPerCount(*file) / 1.1; // of cable
+    const auto markers = [&](std::size_t event, std::size_t marker) {
+        return file->keyEvents->events[event].markers[marker] * metres;
+    };
+    const double expected[] = {120.0, 1000.0, 1090.0, 1950.0};
+    for (std::size_t i = 0; i < 4; ++i) {
+        EXPECT_NEAR(markers(0, i), expected[i], 0.011) << i;
+    }
+    EXPECT_NEAR(markers(1, 0), 1090.0, 0.011) << "from where the fibre before it is undisturbed";
+    EXPECT_NEAR(markers(1, 3), 2500.0, 0.011) << "up to the next event";
+    for (const auto& event : file->keyEvents->events) {
+        EXPECT_TRUE(std::is_sorted(event.markers.begin(), event.markers.begin() + 4));
+        EXPECT_EQ(event.markers[1], event.position);
+    }
+}
+
+TEST(Reflectogram, LinesOfALossKeepTheirPlaceInTheFibreWithAnotherIndex)
+{
+    const TraceFiles files;
+    Reflectogram refl = files.plain();
+    Event splice(Event::NonReflective, 1000, 10);
+    splice.beforeFrom = 100.0;
+    splice.behindFrom = 1100.0;
+    splice.behindTo = 2000.0;
+    refl.setEventList({splice});
+    refl.setIOR(refl.IOR() * 1.25);
+    const Event now = refl.getEventList()[0];
+    EXPECT_NEAR(now.beforeFrom, 80.0, 1e-9);
+    EXPECT_NEAR(now.behindFrom, 880.0, 1e-9);
+    EXPECT_NEAR(now.behindTo, 1600.0, 1e-9);
 }
 
 TEST(Reflectogram, SaveThatFailsLeavesTheOldFileAndSaysWhy)

@@ -118,6 +118,25 @@ TEST(SorAxis, FollowsThePanelOffsetWhereTheAcquisitionOffsetIsContradicted)
     EXPECT_NE(axisOf(sketch).note, "");
 }
 
+TEST(SorAxis, FollowsAnAcquisitionOffsetOfTheWrongSign)
+{
+    SorSketch sketch = sketchWithZeroAt(400);
+    sketch.fxd.acquisitionOffset = 20'000;
+    EXPECT_EQ(axisOf(sketch).port, 20'000);
+    EXPECT_NE(axisOf(sketch).note, "");
+}
+
+/// Their zero is the port then, and 0 m is there.
+TEST(SorAxis, FollowsEventsThatDoNotCountFromTheUsersZero)
+{
+    SorSketch sketch = sketchWithZeroAt(300);
+    sketch.fxd.frontPanelOffset = 15'000;
+    sketch.gen.userOffset = 10'000;
+    const sor::Axis axis = axisOf(sketch);
+    EXPECT_DOUBLE_EQ(axis.firstSample_ns, -3000.0);
+    EXPECT_NE(axis.note, "");
+}
+
 TEST(SorAxis, KeepsTheRuleForAShiftWithinThreePulseWidths)
 {
     // 100 ns are 500 counts: 1500 counts are three pulse widths, 30 samples.

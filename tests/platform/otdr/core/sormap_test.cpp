@@ -1,11 +1,13 @@
 #include "platform/otdr/core/sormap.h"
 #include "platform/otdr/core/sorreader.h"
+#include "platform/otdr/core/sorwriter.h"
 #include "tests/platform/otdr/core/sorreading.h"
 #include "tests/support/sorsketch.h"
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <limits>
 
 namespace {
@@ -15,6 +17,7 @@ using otdr::ErrorCode;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::IsEmpty;
 using testing_support::Bytes;
 using testing_support::ByteSketch;
 using testing_support::codeOf;
@@ -115,7 +118,7 @@ TEST(SorMap, TakesABlockOfNoBytesAtTheEndOfTheFile)
     blocks.back().hasName = false;
     const auto file = readBytes(SorSketch::assemble(2, blocks));
     ASSERT_TRUE(file.ok());
-    EXPECT_THAT(file->notes, testing::IsEmpty());
+    EXPECT_THAT(file->notes, IsEmpty());
     EXPECT_EQ(file->blocks.back().name, "Empty");
     EXPECT_EQ(file->blocks.back().size, 0U);
 }
@@ -138,6 +141,115 @@ TEST(SorMap, FindsTheBlocksWhereTheMapMisstatesItsSize)
     EXPECT_EQ(file->gen.wavelength_nm, 1550);
     EXPECT_EQ(file->data.samples.size(), 4000U);
     EXPECT_THAT(file->notes, Contains(HasSubstr("the map does not end where it says")));
+}
+
+/// The plain trace of version 2 with its checksum, sizes in the map wrong by this much: that of one
+/// block, or of all.
+Bytes withSizesOff(int bytes, const std::string& name = {})
+{
+    auto blocks = SorSketch::plain().blocks();
+    blocks.push_back({"Cksum", Bytes(2)});
+    for (SorSketch::Block& block : blocks) {
+        if (name.empty() || block.name == name) {
+            block.statedSize =
+                static_cast<std::int64_t>(block.name.size() + 1 + block.body.size()) + bytes;
+        }
+    }
+    return SorSketch::assemble(2, blocks);
+}
+
+TEST(SorMap, FindsABlockBesideWhereTheSizesBeforeItPutIt)
+{
+    for (const char* name : {"GenParams", "SupParams", "FxdParams", "KeyEvents", "DataPts"}) {
+        for (const int off : {-40, -10, -1, 1, 9, 64}) {
+            const Bytes bytes = withSizesOff(off, name);
+            const auto file = readBytes(bytes);
+            ASSERT_TRUE(file.ok());
+            EXPECT_EQ(file->gen.comment, "first light\r\n") << name << off;
+            EXPECT_EQ(file->sup.supplier, "Sketch") << name << off;
+            EXPECT_EQ(file->fxd.groupIndex, 146'800U) << name << off;
+            EXPECT_EQ(file->keyEvents->events.size(), 3U) << name << off;
+            EXPECT_EQ(file->keyEvents->summary.returnLoss, 32'500) << name << off;
+            EXPECT_EQ(file->data.samples.size(), 4000U) << name << off;
+            EXPECT_EQ(file->checksum, sor::Checksum::NotComputed) << name << off;
+            EXPECT_THAT(file->notes, ElementsAre(HasSubstr("does not stand where the map puts it")))
+                << name << off;
+            EXPECT_EQ(*otdr::encodeSor(*file), bytes) << name << off;
+        }
+    }
+}
+
+/// Sizes without the names, or with the names counted twice: each block is looked for from where
+/// the one before it was found.
+TEST(SorMap, FindsEveryBlockWhereAllSizesAreOff)
+{
+    for (const int off : {-10, 10}) {
+        auto file = readBytes(withSizesOff(off));
+        ASSERT_TRUE(file.ok());
+        EXPECT_EQ(file->keyEvents->summary.returnLoss, 32'500) << off;
+        EXPECT_EQ(file->data.samples.size(), 4000U) << off;
+        EXPECT_EQ(file->blocks.size(), 6U) << off;
+        file->sup.supplier = "Another";
+        const auto again = readBytes(*otdr::encodeSor(*file));
+        ASSERT_TRUE(again.ok());
+        EXPECT_EQ(again->sup.supplier, "Another") << off;
+        EXPECT_EQ(again->data.samples, file->data.samples) << off;
+        EXPECT_EQ(again->checksum, sor::Checksum::Matches) << off;
+        EXPECT_THAT(again->notes, IsEmpty()) << off;
+    }
+}
+
+/// "Cksum" and its zero byte, then the value: what a maker states who leaves the name out.
+TEST(SorMap, KnowsHowLongAChecksumIs)
+{
+    const auto file = readBytes(withSizesOff(-6, "Cksum"));
+    ASSERT_TRUE(file.ok());
+    EXPECT_EQ(file->checksum, sor::Checksum::NotComputed);
+    EXPECT_EQ(file->blocks.back().size, 8U);
+    EXPECT_THAT(file->notes, IsEmpty());
+}
+
+TEST(SorMap, LooksForABlockOnlyCloseToWhereTheSizesPutIt)
+{
+    for (const int off : {-65, -64, 64, 65}) {
+        const auto file = readBytes(withSizesOff(off, "FxdParams"));
+        ASSERT_TRUE(file.ok());
+        const auto found = Contains(HasSubstr("\"KeyEvents\" does not stand"));
+        EXPECT_EQ(testing::Matches(found)(file->notes), std::abs(off) == 64) << off;
+    }
+}
+
+TEST(SorMap, LooksForNoNamesWhereTheFileHasNone)
+{
+    for (const int version : {1, 2}) {
+        SorSketch sketch = SorSketch::plain();
+        sketch.version = version;
+        auto blocks = sketch.blocks();
+        for (SorSketch::Block& block : blocks) {
+            block.hasName = false;
+        }
+        blocks.insert(blocks.begin() + 3, {"Own", ByteSketch().string("KeyEvents").done, false});
+        const auto file = readBytes(SorSketch::assemble(version, blocks));
+        ASSERT_TRUE(file.ok());
+        EXPECT_EQ(file->blocks[3].size, 10U) << version;
+        EXPECT_EQ(file->keyEvents->events.size(), 3U) << version;
+        EXPECT_THAT(file->notes, IsEmpty()) << version;
+    }
+}
+
+TEST(SorMap, FindsTheLastBlockWhereTheMapDoesNotCountItself)
+{
+    for (const int version : {1, 2}) {
+        SorSketch sketch = SorSketch::plain();
+        sketch.version = version;
+        Bytes bytes = SorSketch::assemble(version, sketch.blocks());
+        bytes[version == 2 ? 10 : 6] = std::byte {5}; // the blocks alone; the samples come last
+        const auto file = readBytes(bytes);
+        ASSERT_TRUE(file.ok()) << version;
+        EXPECT_EQ(file->blocks.size(), 5U) << version;
+        EXPECT_EQ(file->data.samples.size(), 4000U) << version;
+        EXPECT_THAT(file->notes, IsEmpty()) << version;
+    }
 }
 
 TEST(SorMap, RefusesAVersion1MapThatDoesNotEndWhereItSays)

@@ -181,6 +181,22 @@ TEST(SorValues, TakeAnUnmeasuredFigureAsUnknownNotAsZero)
     EXPECT_DOUBLE_EQ(sor::attenuation_dBPerKm(event), -1.5);
 }
 
+/// One maker stores no reflectance as the lowest integer but one; no fibre has such figures.
+TEST(SorValues, TakeTheLowestIntegersAsUnknown)
+{
+    sor::File file = withEvents({});
+    for (const int above : {0, 1, 2}) {
+        file.keyEvents->summary.totalLoss = std::numeric_limits<std::int32_t>::min() + above;
+        sor::KeyEvent event = keyEvent(1, 90'000, "0F9999");
+        event.loss = static_cast<std::int16_t>(std::numeric_limits<std::int16_t>::min() + above);
+        event.attenuation = event.loss;
+        EXPECT_EQ(std::isnan(sor::totalLoss_dB(file)), above < 2) << above;
+        EXPECT_EQ(std::isnan(sor::loss_dB(event)), above < 2) << above;
+        EXPECT_EQ(std::isnan(sor::attenuation_dBPerKm(event)), above < 2) << above;
+        EXPECT_EQ(sor::eventKinds(withEvents({event})), above < 2 ? "n" : "p") << above;
+    }
+}
+
 TEST(SorReflectance, IsNormalisedToNegative)
 {
     const auto reflectance = [](std::int32_t stored) {
