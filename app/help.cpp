@@ -46,7 +46,8 @@ QString table(const QVector<Row>& rows)
 QVector<Row> steps()
 {
     return {
-        {Words::tr("Measure"), Words::tr("Choose the settings, press Start; Stop ends it early.")},
+        {Words::tr("Measure"),
+         Words::tr("Choose the settings, press Start; the same button ends it early.")},
         {Words::tr("Open traces"),
          Words::tr("Press Load, or drop .sor files on the window: up to four at a time.")},
         {Words::tr("Save"),

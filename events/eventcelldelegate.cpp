@@ -1,5 +1,6 @@
 #include "events/eventcelldelegate.h"
 
+#include "events/eventstablemodel.h"
 #include "platform/launcher/fittedfont.h"
 
 #include <QApplication>
@@ -13,6 +14,8 @@ namespace {
 
 /// What a style keeps free beside a text, both sides together.
 constexpr int kTextMargins_px = 8;
+
+constexpr QChar kNoLess(0x2265);
 
 } // namespace
 
@@ -44,6 +47,10 @@ void EventCellDelegate::initStyleOption(QStyleOptionViewItem* option,
                                         const QModelIndex& index) const
 {
     QStyledItemDelegate::initStyleOption(option, index);
+    const auto* events = qobject_cast<const EventsTableModel*>(index.model());
+    if (events != nullptr && events->isBound(index)) {
+        option->text.prepend(QString("%1 ").arg(kNoLess)); // as in reports
+    }
     if (option->rect.isValid() && !option->text.isEmpty()) {
         option->font = fitting(option->font, option->text, option->rect.width() - kTextMargins_px);
         option->fontMetrics = QFontMetrics(option->font);

@@ -6,7 +6,8 @@
 namespace Waveform {
 
 /// Shows the cells of the events table: an icon in the middle and in its own colours, chosen or
-/// not, where a style would put it at the left and paint over it; a text always whole.
+/// not, where a style would put it at the left and paint over it; a text always whole, with a sign
+/// before a number that is only a bound.
 class EventCellDelegate : public QStyledItemDelegate
 {
     Q_OBJECT

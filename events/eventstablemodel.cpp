@@ -221,4 +221,10 @@ QString EventsTableModel::typeName(const QModelIndex& index) const
     return {};
 }
 
+bool EventsTableModel::isBound(const QModelIndex& index) const
+{
+    return isCell(index) && index.column() == Reflection
+        && refl.getEventList().at(index.row()).saturated && eventValue(index).toString() != "-";
+}
+
 } // namespace Waveform

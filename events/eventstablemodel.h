@@ -49,6 +49,10 @@ public:
     /// What the icon of a row says, in words. Empty for an invalid index.
     [[nodiscard]] QString typeName(const QModelIndex& index) const;
 
+    /// Whether a cell holds a reflection that saturated the receiver: as much was reflected, or
+    /// more.
+    [[nodiscard]] bool isBound(const QModelIndex& index) const;
+
     /// The selection that goes with the table, for its view and for who follows the current event.
     /// Other events have other rows: it is emptied, and says so, before each reset.
     [[nodiscard]] QItemSelectionModel* selectionModel() const { return selection; }

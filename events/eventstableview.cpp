@@ -18,6 +18,7 @@ namespace {
 
 // For a fingertip, and yet five rows in the strip below the plot.
 constexpr int kRowHeight_px = 34;
+constexpr int kRows = 5;
 
 } // namespace
 
@@ -54,21 +55,32 @@ void EventsTableView::setModel(QAbstractItemModel* model)
     }
 }
 
+QSize EventsTableView::sizeHint() const
+{
+    const int header_px = horizontalHeader()->sizeHint().height();
+    return {QTableView::sizeHint().width(), header_px + kRows * kRowHeight_px + 2 * frameWidth()};
+}
+
 bool EventsTableView::viewportEvent(QEvent* event)
 {
-    const auto* events = qobject_cast<EventsTableModel*>(model());
+    const auto* events = qobject_cast<const EventsTableModel*>(model());
     if (event->type() != QEvent::ToolTip || events == nullptr) {
         return QTableView::viewportEvent(event);
     }
     const auto* help = static_cast<QHelpEvent*>(event);
     const QModelIndex index = indexAt(help->pos());
-    if (index.column() == EventsTableModel::Type) {
-        QToolTip::showText(help->globalPos(), events->typeName(index), viewport(),
-                           visualRect(index));
-    } else {
-        QToolTip::hideText();
-    }
+    // A text of nothing hides the one before.
+    QToolTip::showText(help->globalPos(), helpFor(*events, index), viewport(), visualRect(index));
     return true;
+}
+
+QString EventsTableView::helpFor(const EventsTableModel& events, const QModelIndex& index)
+{
+    if (index.column() == EventsTableModel::Type) {
+        return events.typeName(index);
+    }
+    return events.isBound(index) ? tr("The receiver was saturated: as much was reflected, or more")
+                                 : QString();
 }
 
 } // namespace Waveform

@@ -1,9 +1,13 @@
 #include "plot/levelscaledraw.h"
 
 #include "platform/otdr/screennumber.h"
+#include "plot/labelspacing.h"
 
 #include <qwt_scale_div.h>
 #include <qwt_text.h>
+
+#include <QFontMetricsF>
+#include <QPainter>
 
 #include <algorithm>
 #include <cmath>
@@ -12,17 +16,7 @@ namespace {
 
 constexpr int kMostDecimals = 6; ///< far beyond the least span that can be shown
 constexpr double kNoDifference = 1e-3; ///< of a step
-
-/// From one major tick to the next, the least of them; the whole span where there are not two.
-double leastStep(const QwtScaleDiv& division)
-{
-    const QList<double> ticks = division.ticks(QwtScaleDiv::MajorTick);
-    double least = std::abs(division.range());
-    for (int i = 1; i < ticks.size(); ++i) {
-        least = std::min(least, std::abs(ticks.at(i) - ticks.at(i - 1)));
-    }
-    return least;
-}
+constexpr double kGap_px = 2.0; ///< between a label and the one above it
 
 double rounded(double value, int decimals)
 {
@@ -42,7 +36,7 @@ QwtText LevelScaleDraw::label(double value) const
 int LevelScaleDraw::decimals() const
 {
     const QList<double> ticks = scaleDiv().ticks(QwtScaleDiv::MajorTick);
-    const double step = leastStep(scaleDiv());
+    const double step = labelspacing::leastStep(scaleDiv());
     for (int count = 0; count < kMostDecimals; ++count) {
         const bool areTold = std::all_of(ticks.begin(), ticks.end(), [&](double tick) {
             return std::abs(tick - rounded(tick, count)) <= kNoDifference * step;
@@ -52,4 +46,13 @@ int LevelScaleDraw::decimals() const
         }
     }
     return kMostDecimals;
+}
+
+void LevelScaleDraw::drawLabel(QPainter* painter, double value) const
+{
+    // Digits have nothing below their line.
+    const double label_px = QFontMetricsF(painter->font()).capHeight() + kGap_px;
+    if (labelspacing::isLabelled(*this, value, label_px)) {
+        QwtScaleDraw::drawLabel(painter, value);
+    }
 }

@@ -11,4 +11,8 @@ public:
 
     /// Of each label of the current scale division.
     [[nodiscard]] int decimals() const;
+
+protected:
+    /// Leaves out what would touch the label beside it.
+    void drawLabel(QPainter* painter, double value) const override;
 };

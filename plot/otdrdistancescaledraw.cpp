@@ -1,8 +1,13 @@
 #include "plot/otdrdistancescaledraw.h"
 
+#include "plot/labelspacing.h"
+
 #include <qwt_scale_div.h>
 #include <qwt_scale_widget.h>
 #include <qwt_text.h>
+
+#include <QFontMetricsF>
+#include <QPainter>
 
 #include <algorithm>
 #include <cmath>
@@ -53,6 +58,15 @@ void OtdrDistanceScaleDraw::calcPrecision(unsigned int* precision, unsigned int*
     } else {
         *divisor = 1000;
         *precision = range < 100 ? 3 : range < 500 ? 2 : 1;
+    }
+}
+
+void OtdrDistanceScaleDraw::drawLabel(QPainter* painter, double value) const
+{
+    const double blank_px = QFontMetricsF(painter->font()).horizontalAdvance(' ');
+    const double label_px = maxLabelWidth(painter->font()) + blank_px;
+    if (labelspacing::isLabelled(*this, value, label_px)) {
+        QwtScaleDraw::drawLabel(painter, value);
     }
 }
 

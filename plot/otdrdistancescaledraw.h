@@ -31,6 +31,10 @@ public slots:
     /// Brings the unit in the title up to date.
     void scaleDivChanged();
 
+protected:
+    /// Leaves out what would touch the label beside it.
+    void drawLabel(QPainter* painter, double value) const override;
+
 private:
     QwtScaleWidget* widget;
 };

@@ -146,6 +146,15 @@ void CanvasControls::offer()
     plotZoomer->emitControlSignals();
 }
 
+void CanvasControls::offerNothing()
+{
+    plotZoomer->zoomOff();
+    for (QWidget* button : buttons()) {
+        button->hide();
+    }
+    ui->miniPlot->hide();
+}
+
 QPushButton* CanvasControls::zoomOffButton() const
 {
     return ui->zoomOffButton;

@@ -49,6 +49,9 @@ public:
     /// Offers the controls that make sense for the view of now; for another full view than before.
     void offer();
 
+    /// Shows the full view and offers nothing to change it: there is no trace.
+    void offerNothing();
+
     /// Above whatever came onto the canvas later.
     void raise();
 

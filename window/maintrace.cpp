@@ -71,6 +71,9 @@ void MainTrace::remove(const Reflectogram& refl)
         change(nullptr);
     }
     delete curve;
+    if (on.curves->isEmpty()) {
+        on.canvas->offerNothing();
+    }
     on.plot->replot();
 }
 
@@ -79,7 +82,7 @@ void MainTrace::removeAll()
     change(nullptr);
     on.curves->clear();
     on.canvas->miniPlot()->setSamples(QPolygonF());
-    on.canvas->miniPlot()->hide();
+    on.canvas->offerNothing();
     on.plot->replot();
 }
 

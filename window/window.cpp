@@ -252,6 +252,9 @@ void Window::measStarted()
         setDistance(model->distance());
     }
     canvas->zoomer()->zoomOff();
+    if (curves->isEmpty()) {
+        canvas->offerNothing();
+    }
     replot();
 }
 
@@ -261,6 +264,7 @@ void Window::measStopped()
     settings->setEnabled(true);
     panels->setHeld(bottomPanel(), false);
     if (curves->isEmpty()) {
+        canvas->offerNothing();
         return; // the menu stays disabled
     }
     run->end();

@@ -91,6 +91,13 @@ TEST_F(Help, TellsHowAMarkerIsChosenBeforeWhatMovesIt)
     EXPECT_LT(choosing, help::page().indexOf("move the chosen marker"));
 }
 
+TEST_F(Help, NamesTheButtonThatEndsARunByWhereItIs)
+{
+    load();
+    EXPECT_TRUE(help::page().contains("the same button ends it early"));
+    EXPECT_FALSE(help::page().contains("Stop")) << "in a run the time stands on the button";
+}
+
 TEST_F(Help, TellsWhereFilesGo)
 {
     load();

@@ -336,6 +336,29 @@ TEST_F(EventsTable, CellThatIsGoneHasNothing)
     EXPECT_FALSE(model.eventValue(last).isValid());
 }
 
+TEST_F(EventsTable, KnowsReflectionsThatAreOnlyABound)
+{
+    EventList events;
+    for (const Event::Type type : {Event::Reflective, Event::NonReflective, Event::SpanEnd}) {
+        events << eventAt(type, 100 * (1 + events.size()));
+        events.last().reflectance = -14.7;
+        events.last().saturated = true;
+    }
+    events << eventAt(Event::Reflective, 900);
+    events.last().reflectance = -40.0;
+    show(events);
+    const auto isBound = [this](int row, int column) {
+        return model.isBound(model.index(row, column));
+    };
+    EXPECT_TRUE(isBound(0, EventsTableModel::Reflection));
+    EXPECT_FALSE(isBound(0, EventsTableModel::Loss));
+    EXPECT_FALSE(isBound(1, EventsTableModel::Reflection)) << "a dash";
+    EXPECT_TRUE(isBound(2, EventsTableModel::Reflection));
+    EXPECT_FALSE(isBound(3, EventsTableModel::Reflection));
+    EXPECT_FALSE(model.isBound(QModelIndex()));
+    EXPECT_EQ(value(0, EventsTableModel::Reflection).toString(), "-14.70") << "a number as ever";
+}
+
 TEST_F(EventsTable, SaysItsPicturesInWords)
 {
     show({eventAt(Event::SpanStart, 0), section(1, 1, 1), eventAt(Event::Reflective, 1),

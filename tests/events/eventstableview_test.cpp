@@ -282,6 +282,57 @@ TEST_F(EventsView, TellsWhatAnIconMeans)
     EXPECT_TRUE(QTest::qWaitFor([] { return !QToolTip::isVisible(); }, 10000));
 }
 
+class SaturatedEnd : public EventsView
+{
+protected:
+    SaturatedEnd()
+    {
+        EventList events = threeEventsAndTwoSections();
+        for (Event* event : {&events.first(), &events.last()}) {
+            event->reflectance = -14.7;
+        }
+        events.last().saturated = true;
+        refl.setEventList(events);
+        model.setReflectogram(refl);
+    }
+
+    /// As many columns of a cell as hold ink of its text.
+    int inkIn(int row, int column)
+    {
+        const QRect cell = view.visualRect(model.index(row, column));
+        const QImage image = view.viewport()->grab(cell.adjusted(2, 2, -2, -2)).toImage();
+        int count = 0;
+        for (int x = 0; x < image.width(); ++x) {
+            bool isInked = false;
+            for (int y = 0; y < image.height(); ++y) {
+                isInked = isInked || image.pixelColor(x, y).lightness() < 128;
+            }
+            count += isInked ? 1 : 0;
+        }
+        return count;
+    }
+
+    static constexpr int kEnd = 4; ///< its row
+};
+
+TEST_F(SaturatedEnd, ShowsASignBeforeAReflectionThatIsOnlyABound)
+{
+    const int sign_px = QFontMetrics(view.font()).horizontalAdvance(QChar(0x2265));
+    EXPECT_GE(inkIn(kEnd, EventsTableModel::Reflection),
+              inkIn(0, EventsTableModel::Reflection) + sign_px / 2);
+    for (const int column : {EventsTableModel::Loss, EventsTableModel::Orl}) {
+        EXPECT_EQ(inkIn(kEnd, column), inkIn(0, column)) << column;
+    }
+}
+
+TEST_F(SaturatedEnd, TellsWhatTheSignMeans)
+{
+    askForHelp(kEnd, EventsTableModel::Reflection);
+    EXPECT_EQ(QToolTip::text(), "The receiver was saturated: as much was reflected, or more");
+    askForHelp(0, EventsTableModel::Reflection);
+    EXPECT_TRUE(QTest::qWaitFor([] { return !QToolTip::isVisible(); }, 10000));
+}
+
 class EventsOnPlotAndTable : public EventsView
 {
 protected:

@@ -1,8 +1,10 @@
 #include "plot/levelscaledraw.h"
 #include "plot/plot.h"
+#include "tests/plot/labelink.h"
 #include "tests/support/inlocale.h"
 
 #include <qwt_scale_div.h>
+#include <qwt_scale_widget.h>
 #include <qwt_text.h>
 
 #include <gmock/gmock.h>
@@ -75,6 +77,29 @@ TEST_F(LevelAxis, TicksOffRoundLevelsAreToldApart)
     plot.setAxisScaleDiv(QwtPlot::yLeft, QwtScaleDiv(0.0, 1.0, {}, {}, {third}));
     plot.updateAxes();
     EXPECT_EQ(plot.axisScaleDraw(QwtPlot::yLeft)->label(third).text(), "0.333") << "of the span";
+}
+
+TEST_F(LevelAxis, NoLabelTouchesAnotherOnALowChart)
+{
+    const QwtScaleWidget& axis = *plot.axisWidget(QwtPlot::yLeft);
+    const int digit = QFontMetrics(axis.font()).tightBoundingRect("0123456789.").height();
+    for (const int height : {160, 190, 300, 600}) {
+        plot.resize(800, height);
+        for (const double span_dB : {50.0, 25.0, 12.5, 6.25, 3.125, 1.5625, 0.8, 0.4, 0.05}) {
+            labels(25.0 - 0.5 * span_dB, 25.0 + 0.5 * span_dB);
+            const std::vector<int> lines = testing_support::labelHeights(plot);
+            EXPECT_GE(lines.size(), 2U) << span_dB << " dB on " << height;
+            EXPECT_THAT(lines, testing::Each(testing::Le(digit + 1)))
+                << span_dB << " dB on " << height;
+        }
+    }
+}
+
+TEST_F(LevelAxis, EveryTickHasItsLabelWhereThereIsRoom)
+{
+    plot.resize(800, 480);
+    const Labels all = labels(0.0, 50.0);
+    EXPECT_EQ(testing_support::labelHeights(plot).size(), all.size());
 }
 
 TEST_F(LevelAxis, LabelsHaveTheUsersDecimalMark)

@@ -1,5 +1,6 @@
 #include "plot/otdrdistancescaledraw.h"
 #include "plot/plot.h"
+#include "tests/plot/labelink.h"
 #include "tests/support/echo.h"
 
 #include <qwt_scale_div.h>
@@ -110,6 +111,33 @@ TEST_F(DistanceAxis, LabelFollowsTheLocale)
     QLocale::setDefault(QLocale(QLocale::German));
     EXPECT_EQ(label(0.0, 4000.0, 1500.0), "1,5");
     EXPECT_EQ(label(12340.0, 12345.0, 12342.5), "12.342,5") << "digits are grouped as well";
+}
+
+TEST_F(DistanceAxis, NoLabelTouchesAnotherWhateverIsShown)
+{
+    for (const int width : {480, 800, 1280}) {
+        plot.resize(width, 400);
+        for (const double from_m : {0.0, 950.0, 9'990.0, 67'449.3, 124'493.7, 260'000.1}) {
+            for (double span_m = 0.5; span_m < 300'000.0; span_m *= 2.3) {
+                plot.setAxisScale(QwtPlot::xBottom, from_m, from_m + span_m);
+                plot.updateAxes();
+                const std::vector<int> words = testing_support::labelWidths(plot);
+                const QFont font = plot.axisWidget(QwtPlot::xBottom)->font();
+                EXPECT_GE(words.size(), 1U) << from_m << " m + " << span_m << " m on " << width;
+                EXPECT_THAT(words, testing::Each(testing::Le(draw()->maxLabelWidth(font))))
+                    << from_m << " m + " << span_m << " m on " << width;
+            }
+        }
+    }
+}
+
+TEST_F(DistanceAxis, EveryTickHasItsLabelWhereThereIsRoom)
+{
+    plot.resize(800, 400);
+    plot.setAxisScale(QwtPlot::xBottom, 0.0, 80'000.0);
+    plot.updateAxes();
+    EXPECT_EQ(testing_support::labelWidths(plot).size(),
+              static_cast<std::size_t>(draw()->scaleDiv().ticks(QwtScaleDiv::MajorTick).size()));
 }
 
 TEST_F(DistanceAxis, TitleSpeaksTheUsersLanguage)

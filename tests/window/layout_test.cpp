@@ -274,6 +274,28 @@ TEST_F(FullTable, RowsInSightAreWhole)
     }
 }
 
+TEST_F(FullTable, RowsOfEventsInSightAreWholeWhateverTheFont)
+{
+    auto* events = part<Waveform::EventsTableView>();
+    for (const int letters_px : {11, 13, 16, 20}) {
+        QFont font = events->font();
+        font.setPixelSize(letters_px);
+        events->horizontalHeader()->setFont(font);
+        window->resize(900, 600); // which counts the rows anew
+        settle();
+        for (const QSize& size : {QSize(800, 428), QSize(1280, 748), QSize(1920, 1028)}) {
+            for (const bool alone : {false, true}) {
+                table()->setVisible(!alone);
+                window->resize(size);
+                settle();
+                const double rows = rowsInSight(*events, 0);
+                EXPECT_EQ(rows, std::floor(rows)) << letters_px << " px in " << size.height();
+                EXPECT_GE(rows, alone ? 2.0 : 1.0) << letters_px << " px in " << size.height();
+            }
+        }
+    }
+}
+
 TEST_F(FullTable, IsNoHigherThanItsRows)
 {
     part<Waveform::EventsTableView>()->hide();

@@ -82,6 +82,21 @@ TEST_F(RunPanels, RunWithoutACurveLeavesTheMenuOff)
     EXPECT_TRUE(opensMenu());
 }
 
+TEST_F(RunPanels, RunWithoutACurveOffersNothingToZoom)
+{
+    const auto offered = [this](const char* name) {
+        return window->findChild<QPushButton*>(name)->isVisible();
+    };
+    startEndlessRun();
+    EXPECT_FALSE(offered("zoomInButton"));
+    QTest::keyClick(window.get(), Qt::Key_Right);
+    stopRun();
+    EXPECT_FALSE(offered("zoomInButton"));
+    EXPECT_FALSE(offered("zoomOutButton"));
+    load("a.sor");
+    EXPECT_TRUE(offered("zoomInButton"));
+}
+
 TEST_F(RunPanels, ActionButtonStaysInReachDuringARun)
 {
     auto* bar = window->findChild<MeasView*>();

@@ -204,6 +204,38 @@ TEST_F(Zooming, DeletingTheMainTraceHidesItsButtonAndTheOverview)
     EXPECT_FALSE(miniPlot()->isVisible());
 }
 
+TEST_F(Zooming, NothingIsOfferedWhenTheLastTraceIsGone)
+{
+    const QRectF full = view();
+    for (const bool one : {true, false}) {
+        touch("zoomInButton");
+        drag(QPoint(300, 100), QPoint(-100, 0));
+        if (one) {
+            refls()->deleteRefl(0);
+        } else {
+            refls()->deleteAllRefls();
+        }
+        for (const char* name : {"zoomOffButton", "zoomInButton", "zoomOutButton"}) {
+            EXPECT_FALSE(button(name)->isVisible()) << name;
+        }
+        EXPECT_FALSE(miniPlot()->isVisible());
+        EXPECT_EQ(view(), full);
+        load("next.sor");
+        EXPECT_TRUE(button("zoomOffButton")->isVisible());
+        EXPECT_TRUE(button("zoomInButton")->isVisible());
+    }
+}
+
+TEST_F(Zooming, OthersThanTheDeletedTraceKeepTheirView)
+{
+    load("next.sor");
+    touch("zoomInButton");
+    const QRectF half = view();
+    refls()->deleteRefl(1);
+    EXPECT_EQ(view(), half);
+    EXPECT_TRUE(button("zoomOutButton")->isVisible());
+}
+
 TEST_F(Zooming, DeletingTheLastTraceEmptiesTheOverview)
 {
     const auto inkInOverview = [this] {
