@@ -51,6 +51,12 @@ constexpr double kBorderWanders = 20.0;
 constexpr double kMostGain_dB = 0.5;
 constexpr double kRecoveredPart = 0.5;
 
+/// What swings a receiver below the fibre is over within so many pulses; until then the light falls
+/// less than fibre does, by so many standard errors. The port is bright enough for that.
+constexpr double kSwingPulses = 12.0;
+constexpr double kFlatErrors = 3.0;
+constexpr double kPort_dB = 10.0;
+
 } // namespace
 
 bool Site::reflects() const
@@ -275,16 +281,37 @@ void EventSites::dropUnlikely(double loss_dB, double significance)
     }
 }
 
+/// Whether a gain is what a receiver swings back by that a reflection, in front of an index, swung
+/// below the fibre: in between light falls less than fibre does, or rises.
+bool EventSites::isSwing(double behind, const Site& next) const
+{
+    const double w = fibreTrace->scale().pulse;
+    if (next.peak || !(next.loss_dB < 0.0) || next.at > behind + kSwingPulses * w) {
+        return false;
+    }
+    const auto between = fibreTrace->fit(behind, next.at);
+    return between && between->line.samples >= kFewestSlopeSamples
+        && between->line.slope_dB - usualSlope_dB
+        > kFlatErrors * std::hypot(between->slopeError_dB, slopeSpread_dB);
+}
+
 /// No connector gains so much: behind an overload the receiver recovers, and what seems to be lost
 /// where it has done so is the other half of that gain.
 void EventSites::dropRecoveries()
 {
+    if (!places.empty() && isSwing(first, places.front())) {
+        first = clearOfTail(*fibreTrace, first, places.size() > 1 ? places[1].at : end, kPort_dB);
+        places.erase(places.begin());
+        if (!places.empty()) {
+            measure(0);
+        }
+    }
     for (std::size_t k = 0; k + 1 < places.size();) {
         const Site& one = places[k];
         const Site& next = places[k + 1];
         const bool isRecovery = one.reflects() && one.loss_dB < -kMostGain_dB && !next.peak
             && next.loss_dB > kRecoveredPart * -one.loss_dB;
-        if (!isRecovery) {
+        if (!isRecovery && !(one.reflects() && isSwing(one.behind, next))) {
             ++k;
             continue;
         }

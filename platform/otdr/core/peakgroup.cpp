@@ -64,9 +64,12 @@ constexpr double kTailPulsesPerDb = 0.8;
 
 /// Light from this height above the fibre on has a tail that counts. It is seen where it exceeds so
 /// many standard errors, goes on for so many pulses more, and is given so many and this part of the
-/// fibre behind it at most.
+/// fibre behind it at most. A receiver may also swing below the fibre: with so many samples in a
+/// pulse that is seen from so many standard errors on.
 constexpr double kTail_dB = 1.0;
 constexpr double kTailErrors = 2.5;
+constexpr double kSwingErrors = 5.0;
+constexpr double kFewestSwing = 4.0;
 constexpr double kHiddenTailPulses = 2.5;
 constexpr double kLongestTailPulses = 10.0;
 constexpr double kTailPart = 0.5;
@@ -363,17 +366,20 @@ double clearOfTail(const FibreTrace& trace, double from, double to, double brigh
     const double w = trace.scale().pulse;
     const double longest = trace.scale().longestWindow;
     const double last = from + std::min(kLongestTailPulses * w, kTailPart * (to - from));
-    const auto isTail = [&](double at) {
+    const auto isDisturbed = [&](double at) {
         const auto line = trace.fit(at + w, std::min(to, at + w + longest));
         const double middle = at + 0.5 * (w - 1.0);
         const double error =
             trace.noise().sigma_dB(middle) * std::sqrt(trace.noise().correlation() / w);
-        return line
-            && trace.mean_dB(at, at + w) - line->at(middle)
-            > kTailErrors * std::hypot(error, line->errorAt_dB(middle));
+        if (!line) {
+            return false;
+        }
+        const double off = (trace.mean_dB(at, at + w) - line->at(middle))
+            / std::hypot(error, line->errorAt_dB(middle));
+        return off > kTailErrors || (off < -kSwingErrors && w >= kFewestSwing);
     };
     double at = from;
-    while (at < last && isTail(at)) {
+    while (at < last && isDisturbed(at)) {
         at += std::max(1.0, 0.5 * w);
     }
     return std::min(at + kHiddenTailPulses * w, std::max(from, last));
