@@ -12,7 +12,7 @@ using Bytes = std::vector<std::byte>;
 inline Bytes bytesOf(const std::uint8_t* data, std::size_t size)
 {
     const auto* first = reinterpret_cast<const std::byte*>(data);
-    return Bytes(first, first + size);
+    return {first, first + size};
 }
 
 } // namespace fuzz

@@ -125,13 +125,14 @@ void saveSettings()
 /// One mistake each that chance hardly makes.
 void saveRefusedFibres()
 {
-    const std::string section = "{\"length_m\":1,\"attenuation_db_per_km\":0}";
-    const std::string sections = "\"sections\":[" + section + "]";
+    const std::string section = R"({"length_m":1,"attenuation_db_per_km":0})";
+    const std::string sections = R"("sections":[)" + section + "]";
     save("fibrefile", "list", "[]");
-    save("fibrefile", "section-of-text", "{\"sections\":[\"a\"]}");
-    save("fibrefile", "sections-of-text", "{\"sections\":\"a\"}");
-    save("fibrefile", "name-of-numbers", "{\"name\":1," + sections + "}");
-    save("fibrefile", "long-name", "{\"name\":\"" + std::string(300, 'a') + "\"," + sections + "}");
+    save("fibrefile", "section-of-text", R"({"sections":["a"]})");
+    save("fibrefile", "sections-of-text", R"({"sections":"a"})");
+    save("fibrefile", "name-of-numbers", R"({"name":1,)" + sections + "}");
+    save("fibrefile", "long-name",
+         R"({"name":")" + std::string(300, 'a') + R"(",)" + sections + "}");
 }
 
 void saveFibres(const fs::path& fibres)
@@ -143,7 +144,7 @@ void saveFibres(const fs::path& fibres)
                           fs::copy_options::overwrite_existing);
         }
     }
-    save("fibrefile", "smallest", "{\"sections\":[{\"length_m\":1,\"attenuation_db_per_km\":0}]}");
+    save("fibrefile", "smallest", R"({"sections":[{"length_m":1,"attenuation_db_per_km":0}]})");
     saveRefusedFibres();
 }
 

@@ -93,7 +93,7 @@ QString noteWords(const QString& note)
     for (const auto& all :
          {gsl::span<const char* const>(kDamages), gsl::span<const char* const>(kOddities)}) {
         for (const char* known : all) {
-            const QString words = wordsOf(note, known);
+            QString words = wordsOf(note, known);
             if (!words.isEmpty()) {
                 return words;
             }

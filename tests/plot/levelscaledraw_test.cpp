@@ -104,7 +104,7 @@ TEST_F(LevelAxis, EveryTickHasItsLabelWhereThereIsRoom)
 
 TEST_F(LevelAxis, LabelsHaveTheUsersDecimalMark)
 {
-    const InLocale inGermany(QLocale(QLocale::German));
+    const InLocale inGermany {QLocale(QLocale::German)};
     EXPECT_THAT(labels(26.0, 27.0, 0.5), ElementsAre("26,0", "26,5", "27,0"));
 }
 

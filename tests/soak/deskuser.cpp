@@ -172,7 +172,7 @@ void DeskUser::answerName(QWidget& dialog, const QString& name)
     }
     edit->selectAll();
     QTest::keyClicks(edit, name);
-    whenAsked([this](QWidget& question) { // or the wait window, which wants none
+    whenAsked([](QWidget& question) { // or the wait window, which wants none
         if (auto* box = qobject_cast<QMessageBox*>(&question)) {
             QTest::mouseClick(box->button(QMessageBox::Yes), Qt::LeftButton);
         }

@@ -37,7 +37,7 @@ namespace {
 
 using testing_support::DeskUser;
 
-constexpr long kMostGrowth_KB = 5 * 1024;
+constexpr long kMostGrowth_KB = 5L * 1024;
 constexpr int kNames = 8; ///< under which traces are saved in turn
 
 struct Wish

@@ -15,7 +15,7 @@ int main(int argc, char** argv)
         return 2;
     }
     const Reflectogram traces[] = {Reflectogram(arguments.at(1)), Reflectogram(arguments.at(2))};
-    const QString base = arguments.at(3);
+    const QString& base = arguments.at(3);
     for (unsigned turn = 0;; ++turn) {
         Waveform::SaveThread thread;
         thread.refl = traces[turn & 1U];

@@ -2,6 +2,8 @@
 
 #include "tests/window/screen.h"
 
+#include <QLabel>
+
 namespace {
 
 using namespace testing_support; // the fixture

@@ -116,7 +116,7 @@ TEST(SettingChoices, RevisionAsTextIsComparedAsText)
 
 TEST(SettingChoices, ValuesThatAreNotOfferedHaveTheUnitsOfThoseThatAre)
 {
-    const testing_support::InLocale inGermany(QLocale(QLocale::German));
+    const testing_support::InLocale inGermany {QLocale(QLocale::German)};
     EXPECT_EQ(foreignLabel("duration", 20), "20 s");
     EXPECT_EQ(foreignLabel("pulse", 7), "7 ns");
     EXPECT_EQ(foreignLabel("pulse", "2500"), QString("2,5 ") + QChar(0xB5) + "s");

@@ -115,7 +115,7 @@ TEST(Reflectogram, SavedTraceTellsLengthsOfTheFibreAndNotOfTheCable)
 
     const Reflectogram read(files.path("cable.sor"));
     ASSERT_EQ(read.getEventList().size(), 1);
-    const Event& stored = read.getEventList()[0];
+    const Event stored = read.getEventList().at(0);
     EXPECT_NEAR(stored.coordinate, 2500.0, 0.011);
     EXPECT_NEAR(stored.attenuationBefore, 0.2, 1e-9);
     const auto& fxd = read.state()->file->fxd;

@@ -94,9 +94,10 @@ TEST_F(EvFindInput, FindsEventsOnRealTraces)
         const QJsonObject object = jsonOf(path);
         const int samples = object["samples"].toInt();
         EXPECT_GT(samples, 0) << path.toStdString();
-        EXPECT_FALSE(object["events"].toArray().isEmpty()) << path.toStdString();
+        const QJsonArray events = object["events"].toArray();
+        EXPECT_FALSE(events.isEmpty()) << path.toStdString();
         int last = 0;
-        for (const QJsonValue& event : object["events"].toArray()) {
+        for (const QJsonValue& event : events) {
             EXPECT_GE(event["sample"].toInt(), last) << path.toStdString();
             last = event["sample"].toInt();
         }

@@ -129,8 +129,9 @@ TEST_F(EvFindOutput, JsonAndLinesNameTheSameEvents)
 {
     const QString path = files.writeSnapshot("snapshot.bin", link(), 10.0, -12345.0);
     const QList<Found> lines = linesOf(path);
+    const QJsonArray events = jsonOf(path)["events"].toArray();
     QStringList fromJson;
-    for (const QJsonValue& event : jsonOf(path)["events"].toArray()) {
+    for (const QJsonValue& event : events) {
         if (event["kind"].toString() != "s") {
             fromJson << event["kind"].toString() + QString::number(event["sample"].toInt());
         }

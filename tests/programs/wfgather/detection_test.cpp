@@ -12,7 +12,6 @@ namespace {
 
 using gather::detect;
 using gather::LinkResponse;
-using gather::Reflection;
 using gather::Sampling;
 using gather::timeConstant_ns;
 

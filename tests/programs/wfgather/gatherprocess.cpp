@@ -194,6 +194,7 @@ std::vector<std::string> eventsIn(const std::vector<std::string>& messages)
 std::vector<std::string> shortened(const std::vector<std::string>& messages)
 {
     std::vector<std::string> result;
+    result.reserve(messages.size());
     for (const std::string& message : messages) {
         result.push_back(message.substr(0, message.find(" wavelength")));
     }

@@ -156,6 +156,7 @@ TEST(LinkResponse, TwoFarReflectorsEchoBothWaysAtTheSameTime)
 TEST(LinkResponse, OfManyReflectorsTheStrongestMakeTheEchoes)
 {
     std::vector<gather::FibreEvent> events;
+    events.reserve(1000);
     for (int i = 0; i < 1000; ++i) {
         events.push_back(connector(5.0 * i, 0.0, i == 500 || i == 700 ? -20.0 : -60.0));
     }

@@ -36,6 +36,7 @@ otdr::sor::File goodFile()
     file.fxd.averagingTime = 300;
     file.fxd.acquisitionRange = 12500;
     std::vector<std::uint16_t> counts;
+    counts.reserve(100);
     for (int i = 0; i < 100; ++i) {
         counts.push_back(static_cast<std::uint16_t>(i < 10 ? 65535 : 20000 + 50 * i));
     }

@@ -237,8 +237,9 @@ TEST(Pyramid, TakesAtMostATwelfthOfTheMemoryOfTheSamples)
 /// groups are looked through at once; one more, and a level of two stands above them.
 TEST(Pyramid, HasAFurtherLevelAboveMoreThanSixteenGroups)
 {
-    EXPECT_EQ(Pyramid {RawSamples(Counts(16U * 64U, 1))}.bytes(), 16U * 6U);
-    EXPECT_EQ(Pyramid {RawSamples(Counts(17U * 64U, 1))}.bytes(), 17U * 6U + 2U * 2U * 2U);
+    constexpr std::size_t kGroup = 64;
+    EXPECT_EQ(Pyramid {RawSamples(Counts(16 * kGroup, 1))}.bytes(), 16U * 6U);
+    EXPECT_EQ(Pyramid {RawSamples(Counts(17 * kGroup, 1))}.bytes(), 17U * 6U + 2U * 2U * 2U);
 }
 
 TEST(ExtremeScan, FindsTheFirstOfTheSmallestAndOfTheLargest)

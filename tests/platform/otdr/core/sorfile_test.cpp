@@ -11,7 +11,6 @@
 namespace {
 
 namespace fs = std::filesystem;
-namespace sor = otdr::sor;
 using otdr::ErrorCode;
 using otdr::readSorFile;
 using testing::HasSubstr;
