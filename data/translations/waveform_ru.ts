@@ -769,7 +769,7 @@ ORL: %6
         <translation>число длительностей импульса: %1; принята одна</translation>
     </message>
     <message>
-        <source>the offsets of the file put its events beside what the samples show; 0 m is taken to stand at sample %1 of the record, where they fit</source>
+        <source>the events fit the samples with 0 m at sample %1, not where the offsets put it</source>
         <translation>по смещениям из файла события не совпадают с отсчётами; начало линии принято на отсчёте %1, где они совпадают</translation>
     </message>
     <message>

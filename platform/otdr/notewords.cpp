@@ -35,9 +35,9 @@ constexpr const char* kOddities[] = {
     QT_TRANSLATE_NOOP("TraceNote", "the group index %1 is impossible; %2 is assumed"),
     QT_TRANSLATE_NOOP("TraceNote",
                       "the backscatter coefficient is stored as %1; it is read as %2 dB"),
-    QT_TRANSLATE_NOOP("TraceNote",
-                      "the backscatter coefficient is stored as %1, which none is; the usual one "
-                      "is taken"),
+    QT_TRANSLATE_NOOP(
+        "TraceNote",
+        "the backscatter coefficient is stored as %1, which none is; the usual one is taken"),
     QT_TRANSLATE_NOOP(
         "TraceNote", "the samples are told to have several spacings; one is taken for all of them"),
     QT_TRANSLATE_NOOP("TraceNote",
@@ -54,9 +54,9 @@ constexpr const char* kOddities[] = {
     QT_TRANSLATE_NOOP("TraceNote",
                       "the data spacing is 0; the range over the number of samples is taken"),
     QT_TRANSLATE_NOOP("TraceNote", "the number of pulse widths is %1; one is assumed"),
-    QT_TRANSLATE_NOOP("TraceNote",
-                      "the offsets of the file put its events beside what the samples show; 0 m is "
-                      "taken to stand at sample %1 of the record, where they fit"),
+    QT_TRANSLATE_NOOP(
+        "TraceNote",
+        "the events fit the samples with 0 m at sample %1, not where the offsets put it"),
     QT_TRANSLATE_NOOP("TraceNote", "a snapshot tells no group index: %1 assumed"),
 };
 

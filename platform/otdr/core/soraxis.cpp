@@ -197,10 +197,9 @@ Axis axisOf(const File& file)
                              std::isnan(pulse) ? 0.0 : pulse * kCountsPerPulseNs);
     axis.firstSample_ns = -static_cast<double>(axis.port + file.gen.userOffset) * kCountNs;
     if (axis.port != statedPort(file)) {
-        axis.note = "the offsets of the file put its events beside what the samples show; 0 m is "
-                    "taken to stand at sample "
+        axis.note = "the events fit the samples with 0 m at sample "
             + std::to_string(std::llround(-axis.firstSample_ns / axis.sampleInterval_ns))
-            + " of the record, where they fit";
+            + ", not where the offsets put it";
     }
     return axis;
 }

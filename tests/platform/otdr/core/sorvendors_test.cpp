@@ -100,7 +100,7 @@ TEST(SorVendor, ExfoSoftwareKeepsTheOffsetsOfANoyesFileWhoseHeadItCutOff)
     const sor::File file = readUnchanged(sketch);
     const sor::Axis axis = sor::axisOf(file);
     EXPECT_EQ(axis.port, -2150);
-    EXPECT_THAT(axis.note, HasSubstr("0 m is taken to stand at sample 450 of the record"));
+    EXPECT_THAT(axis.note, HasSubstr("with 0 m at sample 450,"));
     EXPECT_NEAR(sampleOf(file, file.keyEvents->events[0]), 493, 1);
     EXPECT_NEAR(sampleOf(file, file.keyEvents->events[2]), 4149, 1);
     EXPECT_DOUBLE_EQ(sor::averagingTime_s(file), 300.0);
