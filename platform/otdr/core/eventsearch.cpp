@@ -22,10 +22,6 @@ constexpr double kScanPart = 0.8;
 /// Rounds of scanning what lies between the events found so far.
 constexpr int kRounds = 3;
 
-/// Noise that was thought to be larger by this factor hid events: where these stand close to each
-/// other they bend the trace wherever the noise is measured.
-constexpr double kOtherNoise = 2.0;
-
 /// A receiver slower or faster than was thought by this factor is believed.
 constexpr double kOtherReceiver = 2.0;
 
@@ -95,6 +91,7 @@ EventSearch::EventSearch(const Trace& trace, const Measurement& measurement,
     for (int round = 0; round < kRounds && learnNoise(); ++round) {
         findAll();
     }
+    lookCloser();
     if (learnFromSteps()) {
         findAll();
     }
@@ -353,31 +350,6 @@ double EventSearch::listedHeight_dB() const
         : std::max(kLeastPeak_dB,
                    peakHeight_dB(settings.reflectance_dB, measurement.backscatter_dB,
                                  measurement.pulse_ns));
-}
-
-/// The noise of the fibre between the places found so far. False where it is much as was thought.
-bool EventSearch::learnNoise()
-{
-    const NoiseProfile& thought = fibre.noise();
-    const bool mayHide = settings.significance * thought.wander_dB() > settings.loss_dB;
-    const double unlike = thought.correlation() / (kOtherNoise * kOtherNoise);
-    const bool mayBeUnlike = thought.isMoreThanRoundings() && unlike > 1.0; // it is no less
-    if (!mayHide && !mayBeUnlike) {
-        return false;
-    }
-    std::vector<Disturbance> events;
-    for (const Site& site : sites.sites()) {
-        events.push_back({site.at - 1.0, site.behind});
-    }
-    NoiseProfile shown = fibre.noiseBetween(std::move(events), ends.end);
-    const bool hid = mayHide && kOtherNoise * shown.wander_dB() < thought.wander_dB();
-    const bool wasUnlike = mayBeUnlike && shown.correlation() < unlike;
-    if (!hid && !wasUnlike) {
-        return false;
-    }
-    fibre.setNoise(std::move(shown));
-    scannedForSteps.clear();
-    return true;
 }
 
 /// What the scans offer between the places found so far.

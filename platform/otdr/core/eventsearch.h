@@ -58,6 +58,10 @@ private:
     [[nodiscard]] double soughtHeight_dB() const;
     [[nodiscard]] double listedHeight_dB() const;
     bool learnNoise();
+    void lookCloser();
+    [[nodiscard]] bool loses() const;
+    [[nodiscard]] bool strayingHides(const NoiseProfile& noise) const;
+    [[nodiscard]] std::vector<Disturbance> disturbances() const;
     void addPeaks();
     void addSteps();
     void findAll();

@@ -150,10 +150,15 @@ void FibreTrace::endNoiseAt(double index)
     scatter = noiseBetween({}, index);
 }
 
-NoiseProfile FibreTrace::noiseBetween(std::vector<Disturbance> events, double end) const
+NoiseProfile FibreTrace::noiseBetween(std::vector<Disturbance> events, double end,
+                                      double reach) const
 {
-    return {*trace, limits.pulse, static_cast<std::size_t>(begin),
-            static_cast<std::size_t>(std::clamp(end, begin, size())), std::move(events)};
+    return {*trace,
+            limits.pulse,
+            static_cast<std::size_t>(begin),
+            static_cast<std::size_t>(std::clamp(end, begin, size())),
+            std::move(events),
+            reach};
 }
 
 void FibreTrace::setTimeConstant(double samples)

@@ -62,8 +62,10 @@ public:
     /// Takes the noise from what lies before this index.
     void endNoiseAt(double index);
 
-    /// The noise of what lies between events, in order, before an index.
-    [[nodiscard]] NoiseProfile noiseBetween(std::vector<Disturbance> events, double end) const;
+    /// The noise of what lies between events, in order, before an index, see NoiseProfile for the
+    /// reach.
+    [[nodiscard]] NoiseProfile noiseBetween(std::vector<Disturbance> events, double end,
+                                            double reach = 1.0) const;
 
     /// Takes another noise.
     void setNoise(NoiseProfile noise) { scatter = std::move(noise); }

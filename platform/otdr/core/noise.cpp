@@ -64,6 +64,19 @@ bool isEven(const Trace& trace, std::size_t first, std::size_t last)
         < kLight_dB;
 }
 
+/// Whether most neighbours are equal.
+bool isEvenWithin(const Trace& trace, std::size_t first, std::size_t last, std::size_t stride)
+{
+    const RawSamples& counts = trace.samples();
+    std::size_t equal = 0;
+    std::size_t pairs = 0;
+    for (std::size_t i = first; i + 1 < last; i += stride) {
+        equal += counts[i + 1] == counts[i] ? 1 : 0;
+        ++pairs;
+    }
+    return 2 * equal > pairs;
+}
+
 /// What rounding scatters by, dB: where most neighbours are equal, and most of the others differ by
 /// much the same, that is the step which they were measured with. Else 0.
 double roundingOf_dB(const Trace& trace, std::size_t first, std::size_t last, std::size_t stride)
@@ -101,10 +114,11 @@ double endScatter_dB(const Trace& trace, std::size_t samples, double pulse)
 } // namespace
 
 NoiseProfile::NoiseProfile(const Trace& trace, double pulse, std::size_t first, std::size_t last,
-                           std::vector<Disturbance> events)
+                           std::vector<Disturbance> events, double reach)
     : first(std::min(first, trace.size()))
     , last(std::clamp(last, this->first, trace.size()))
     , events(std::move(events))
+    , reach(reach)
 {
     measureScatter(trace, pulse);
     breakAtFalls(trace, pulse);
@@ -129,8 +143,8 @@ void NoiseProfile::measureScatter(const Trace& trace, double pulse)
     const std::size_t n = last - first;
     blockSize =
         std::max({kShortestBlock, n / kMostBlocks, static_cast<std::size_t>(kBlockPulses * pulse)});
-    const std::size_t lag = std::clamp<std::size_t>(static_cast<std::size_t>(std::lround(pulse)), 1,
-                                                    std::max<std::size_t>(1, n / 8));
+    const std::size_t lag = std::clamp<std::size_t>(
+        static_cast<std::size_t>(std::lround(pulse * reach)), 1, std::max<std::size_t>(1, n / 8));
     const std::size_t stride = std::max<std::size_t>(1, blockSize / kDifferencesPerBlock);
     std::vector<int> differences;
     for (std::size_t begin = first; begin < last; begin += blockSize) {
@@ -149,6 +163,7 @@ void NoiseProfile::measureScatter(const Trace& trace, double pulse)
         if (differences.size() >= kFewestDifferences || sigmas.empty()) {
             sigma = differences.empty() ? kLeastSigma_dB : scatterBy_dB(trace, differences);
         }
+        evenBlocks += isEvenWithin(trace, from, end, stride) ? 1 : 0;
         const double least = std::max(kLeastSigma_dB, roundingOf_dB(trace, from, end, stride));
         sigmas.push_back(std::clamp(sigma, least, kMostSigma_dB));
     }

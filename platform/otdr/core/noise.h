@@ -28,9 +28,11 @@ public:
 
     /// Of the samples first .. last - 1; noise before the light comes or after it has ended is no
     /// scatter of the fibre. pulse: width in samples, > 0. Events, in order, tell nothing of it:
-    /// many close to each other would, where they are not known.
+    /// many close to each other would, where they are not known. reach: how far apart samples are
+    /// compared, as a part of the usual; closer, fewer events lie in between, but noise that is
+    /// alike over a pulse is told less well.
     NoiseProfile(const Trace& trace, double pulse, std::size_t first, std::size_t last,
-                 std::vector<Disturbance> events = {});
+                 std::vector<Disturbance> events = {}, double reach = 1.0);
 
     /// Standard deviation of a single sample about the fibre at an index, dB.
     [[nodiscard]] double sigma_dB(double index) const;
@@ -51,6 +53,9 @@ public:
 
     /// Whether correlation() is told by noise, and not by what rounding makes of the fibre.
     [[nodiscard]] bool isMoreThanRoundings() const { return isNoise; }
+
+    /// Whether most of the fibre was measured in steps that are greater than its noise.
+    [[nodiscard]] bool isRounded() const { return 2 * evenBlocks > sigmas.size(); }
 
     /// Level of light as strong as the RMS noise (SNR = 1), dB. Where the record does not reach the
     /// noise it follows from the scatter of its last part.
@@ -96,8 +101,10 @@ private:
     std::size_t first;
     std::size_t last;
     std::vector<Disturbance> events;
+    double reach;
     std::size_t blockSize = 1;
     std::vector<double> sigmas; ///< of each block
+    std::size_t evenBlocks = 0;
     std::vector<double> falls; ///< indices at which the scatter changes at once
     std::vector<double> beforeFalls; ///< what it is in front of each
     double alike = 1.0;

@@ -178,7 +178,8 @@ std::optional<NoiseProfile::Likeness> NoiseProfile::likenessByLags(const Trace& 
 
 void NoiseProfile::measureCorrelation(const Trace& trace, double pulse)
 {
-    auto length = static_cast<std::size_t>(std::max(kShortestMean, std::ceil(kMeanPulses * pulse)));
+    auto length = static_cast<std::size_t>(
+        std::max(kShortestMean * reach * reach, std::ceil(kMeanPulses * pulse * reach)));
     std::vector<Bend> bends = bendsOf(trace, length);
     const std::size_t all = (last - first) / strideOfBends(length);
     if (!events.empty()

@@ -4,7 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
 #include <random>
 #include <vector>
 
@@ -266,6 +269,61 @@ TEST(EventSearch, ReflectionCloseBehindTheLaunchIsNoStep)
         EXPECT_NEAR(sites[0].at, at, 0.5);
         EXPECT_NEAR(sites[0].loss_dB, 0.26, 0.02) << at;
     }
+}
+
+constexpr double kFewSamples = 8.0; ///< in a pulse
+
+/// Fibre of pulses of few samples, as a formula of the index tells it.
+EventSearch fewSampled(const DrawnFibre& link)
+{
+    return {link->samples(), {kFewSamples, 0.1, -80.0}, {}};
+}
+
+/// Splices three to ten pulses apart: hardly three pulses of the record are fibre alone, and what
+/// seem to be waves of it hide them.
+TEST(EventSearch, FindsEventsThatHideEachOther)
+{
+    for (const std::uint64_t seed : {1, 2, 3, 4, 5, 6}) {
+        std::mt19937_64 random(seed);
+        std::uniform_real_distribution<double> apart(3.0 * kFewSamples, 10.0 * kFewSamples);
+        std::uniform_real_distribution<double> loss_dB(0.05, 0.4);
+        std::vector<DrawnPlace> places;
+        for (double at = 100.0; at < 1500.0; at += apart(random)) {
+            places.push_back({at, loss_dB(random), 0.0});
+        }
+        const otdr::PulseShape shape(kFewSamples, 0.08 * kFewSamples);
+        const DrawnFibre link(
+            1600, scaleOf(kFewSamples),
+            [&](double i) {
+                double level_dB = 40.0 - 0.001 * i;
+                for (const DrawnPlace& place : places) {
+                    level_dB += eventLevel_dB(shape, i - place.at, 0.0, -place.loss_dB);
+                }
+                return level_dB;
+            },
+            0.002);
+        const EventSearch search = fewSampled(link);
+        const std::vector<otdr::Site>& sites = search.places().sites();
+        const auto found = std::count_if(places.begin(), places.end(), [&](const DrawnPlace& one) {
+            return std::any_of(sites.begin(), sites.end(), [&](const otdr::Site& site) {
+                return std::abs(site.foot() - one.at) < kFewSamples;
+            });
+        });
+        EXPECT_GE(10 * found, 8 * static_cast<std::ptrdiff_t>(places.size())) << seed;
+        EXPECT_LE(sites.size(), places.size()) << seed;
+    }
+}
+
+/// Coherent light makes fibre wave; it rises as much as it falls.
+TEST(EventSearch, TakesNoWavesForEventsThatHideEachOther)
+{
+    std::mt19937_64 random(4);
+    std::normal_distribution<double> noise(0.0, 0.001);
+    const DrawnFibre link(1600, scaleOf(kFewSamples), [&](double i) {
+        const double wave_dB = 0.02 * std::sin(i / 9.0) + 0.02 * std::sin(i / 15.0);
+        return 40.0 - 0.001 * i + wave_dB + noise(random);
+    });
+    EXPECT_TRUE(fewSampled(link).places().sites().empty());
 }
 
 } // namespace

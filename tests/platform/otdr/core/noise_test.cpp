@@ -129,6 +129,35 @@ TEST(NoiseProfile, FloorIsNotTheFibreInFrontOfAShortDarkRecord)
     }
 }
 
+/// Steps of 50 counts, and of one count for noise of three.
+TEST(NoiseProfile, KnowsFibreThatIsMeasuredInStepsGreaterThanItsNoise)
+{
+    const auto fibre = TraceBuilder().fibre(8_km).noise(0.003_dB, 8).build();
+    EXPECT_FALSE(profileOf(*fibre).isRounded());
+    std::vector<std::uint16_t> counts(fibre->samples().begin(), fibre->samples().end());
+    for (std::uint16_t& count : counts) {
+        count = static_cast<std::uint16_t>((count + 25) / 50 * 50);
+    }
+    const otdr::Trace trace(otdr::RawSamples(counts), 0.001, fibre->axis());
+    EXPECT_TRUE(profileOf(trace).isRounded());
+}
+
+/// Splices four to ten pulses apart: samples closer than they are tell the noise better.
+TEST(NoiseProfile, OfALesserReachIsThatBetweenCloseEvents)
+{
+    std::mt19937_64 random(8);
+    std::uniform_real_distribution<double> apart_m(40.0, 100.0);
+    TraceBuilder builder = TraceBuilder().fibre(8_km).launch(60_dB).noise(0.002_dB, 8);
+    for (double at_m = 50.0; at_m < 7900.0; at_m += apart_m(random)) {
+        builder.splice({at_m}, 0.2_dB);
+    }
+    const auto trace = builder.build();
+    const NoiseProfile usual = profileOf(*trace);
+    const NoiseProfile closer(*trace, 10.0, 0, trace->size(), {}, 0.5);
+    EXPECT_GT(usual.wander_dB(), 0.02);
+    EXPECT_LT(closer.wander_dB(), 0.5 * usual.wander_dB());
+}
+
 /// Darkness that is lifted to three times its noise scatters too little to be known as such; still
 /// it tells the noise, and not the fibre up to which the scatter is looked at.
 TEST(NoiseProfile, FloorOfLiftedDarknessIsToldByItsOwnScatter)
