@@ -103,8 +103,9 @@ public slots:
     void onGatherFinished();
 
 signals:
+    /// There is a new snapshot. The duration in params is what has been measured so far.
     void measured(QString reflFileName, WfMeasParams params);
-    void measTick(int rTime, int wavelength);
+    void measTick(int rTime, int wavelength); ///< time left of the trace, s; nm
     void analisisStarted();
     void analisisFinished();
     void eventListReady(EventList _evList); // NOLINT(bugprone-reserved-identifier): a given name

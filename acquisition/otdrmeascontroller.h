@@ -34,6 +34,7 @@ public:
     /// From a successful start until the run ends or fails.
     [[nodiscard]] bool running() const { return isRunning; }
 
+    // Paths that the program is given.
     [[nodiscard]] QString snapshotFile() const { return snapshotFileName; }
 
     [[nodiscard]] QString configFile() const { return configFileName; }
@@ -75,17 +76,18 @@ public slots:
     int stop();
 
 signals:
+    // One for each message, in the order of the messages.
     void started();
-    void trailsPrepared(int count);
-    void measStarted(int num, int from, WfMeasParams params);
-    void measTick(int rTime, int wavelength);
-    void measTick(QVariantMap& data);
+    void trailsPrepared(int count); ///< so many traces are to be measured
+    void measStarted(int num, int from, WfMeasParams params); ///< trace num of from, counted from 1
+    void measTick(int rTime, int wavelength); ///< time left of the trace, s; nm
+    void measTick(QVariantMap& data); ///< all that the message says: words and their values
     void measFinished(int num);
     void analisisStarted();
-    void wfEventFound(QString event);
+    void wfEventFound(QString event); ///< as OTDR::createEventFromString() reads it
     void analisisFinished();
-    void finished();
-    void error();
+    void finished(); ///< the end was announced, or the program is gone
+    void error(); ///< the program did not start, or crashed
 
 private slots:
     void readGatherOutput();

@@ -13,8 +13,8 @@ class QMimeData;
 /// holds by themselves.
 namespace filename {
 
-[[nodiscard]] QString fromRaw(const QByteArray& raw);
-[[nodiscard]] QByteArray toRaw(const QString& name);
+[[nodiscard]] QString fromRaw(const QByteArray& raw); ///< of the bytes that the system has
+[[nodiscard]] QByteArray toRaw(const QString& name); ///< those bytes again
 
 /// Whether Qt finds the file under this name.
 [[nodiscard]] bool isText(const QString& name);

@@ -7,6 +7,7 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <optional>
@@ -29,6 +30,12 @@ struct NumberOption
 };
 
 constexpr double kMost = std::numeric_limits<int>::max();
+
+constexpr int kLeastWavelength_nm = 600; // what wfgather takes
+constexpr int kMostWavelength_nm = 2000;
+
+constexpr int kLeastSide_px = 100;
+constexpr int kMostSide_px = 16384; // a picture of it is 1 GB
 
 const NumberOption kNumbers[] = {
     {"seed", "N", "Seed of the simulated noise.", "Simulation", "seed", 0, kMost, true},
@@ -79,8 +86,8 @@ std::optional<QSize> sizeOf(const QString& text)
 {
     const QStringList sides = text.split('x');
     const QSize size(sides.value(0).toInt(), sides.value(1).toInt());
-    const bool good = sides.size() == 2 && size.width() >= 100 && size.height() >= 100
-        && size.width() <= 16384 && size.height() <= 16384;
+    const bool good = sides.size() == 2 && std::min(size.width(), size.height()) >= kLeastSide_px
+        && std::max(size.width(), size.height()) <= kMostSide_px;
     return good ? std::optional(size) : std::nullopt;
 }
 
@@ -166,7 +173,8 @@ std::optional<OptionsText> readTexts(const QCommandLineParser& parser, Options& 
     if (parser.isSet("wavelength")) {
         const QString text = parser.value("wavelength");
         const int wavelength_nm = text.toInt();
-        if (text != "all" && (wavelength_nm < 600 || wavelength_nm > 2000)) {
+        if (text != "all"
+            && (wavelength_nm < kLeastWavelength_nm || wavelength_nm > kMostWavelength_nm)) {
             return wrong(QString("--wavelength cannot be \"%1\"").arg(text));
         }
         options.overrides.push_back(

@@ -6,11 +6,9 @@
 #include <QTemporaryDir>
 
 #include <algorithm>
-#include <cstdint>
 #include <map>
 #include <random>
 #include <utility>
-#include <vector>
 
 namespace {
 
@@ -32,24 +30,29 @@ std::vector<std::uint16_t> countsOf(std::size_t samples, unsigned int seed)
 
 } // namespace
 
+Reflectogram benchTraceOf(const std::vector<std::uint16_t>& counts)
+{
+    const QTemporaryDir dir;
+    const QString name = dir.filePath("trace.bin");
+    otdr::Snapshot snapshot;
+    snapshot.sampleInterval_ns = kBenchRange_m / 0.1 / static_cast<double>(counts.size());
+    snapshot.wavelength_nm = 1550;
+    snapshot.pulse_ns = 100;
+    snapshot.samples = otdr::RawSamples(counts);
+    const std::vector<std::byte> bytes = otdr::encodeSnapshot(snapshot);
+    QFile file(name);
+    file.open(QIODevice::WriteOnly);
+    file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<qint64>(bytes.size()));
+    file.close();
+    return Reflectogram(name, WfMeasParams());
+}
+
 const Reflectogram& benchTrace(std::size_t samples, unsigned int seed)
 {
     static std::map<std::pair<std::size_t, unsigned int>, Reflectogram> made;
     Reflectogram& refl = made[{samples, seed}];
     if (!refl.isValid()) {
-        const QTemporaryDir dir;
-        const QString name = dir.filePath("trace.bin");
-        otdr::Snapshot snapshot;
-        snapshot.sampleInterval_ns = kBenchRange_m / 0.1 / static_cast<double>(samples);
-        snapshot.wavelength_nm = 1550;
-        snapshot.pulse_ns = 100;
-        snapshot.samples = otdr::RawSamples(countsOf(samples, seed));
-        const std::vector<std::byte> bytes = otdr::encodeSnapshot(snapshot);
-        QFile file(name);
-        file.open(QIODevice::WriteOnly);
-        file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<qint64>(bytes.size()));
-        file.close();
-        refl = Reflectogram(name, WfMeasParams());
+        refl = benchTraceOf(countsOf(samples, seed));
     }
     return refl;
 }

@@ -126,6 +126,16 @@ public:
     }
 
 private:
+    /// What a true event must look like on the trace.
+    struct Expected
+    {
+        double level_dB = 0.0; ///< of the fibre before it
+        double sigma_dB = 0.0; ///< of a sample there
+        double bound_dB = 0.0; ///< standard error of its loss by the lines beside it
+        double height_dB = 0.0; ///< of its peak
+        bool isPeak = false; ///< told by its peak; otherwise by its step
+    };
+
     static gather::SimulationRequest requestFor(const Row& row, std::uint64_t seed)
     {
         gather::SimulationRequest request;
@@ -178,46 +188,55 @@ private:
         if (known->indexOf(event) < 3.0 * gap || sides.left < fewest || sides.right < fewest) {
             return;
         }
-        const double level = known->levelBefore(known->indexOf(event));
-        const double sigma = known->sigmaAt(level);
-        const double bound = known->boundOf(k, sides);
-        const double height = known->heightOf(event);
-        const bool isStep = std::abs(event.apparentLoss_dB) >= 8.0 * bound
+        Expected expected;
+        expected.level_dB = known->levelBefore(known->indexOf(event));
+        expected.sigma_dB = known->sigmaAt(expected.level_dB);
+        expected.bound_dB = known->boundOf(k, sides);
+        expected.height_dB = known->heightOf(event);
+        const bool isStep = std::abs(event.apparentLoss_dB) >= 8.0 * expected.bound_dB
             && std::abs(event.apparentLoss_dB) >= 0.02;
-        const bool isPeak = height >= 6.0 * sigma && level > kNoiseLevel_dB + 3.0;
-        if (!isStep && !isPeak) {
+        expected.isPeak = expected.height_dB >= 6.0 * expected.sigma_dB
+            && expected.level_dB > kNoiseLevel_dB + 3.0;
+        if (!isStep && !expected.isPeak) {
             return;
         }
-        (isPeak ? figures.peaks : figures.steps) += 1;
-        if (nearest == nullptr) {
-            if (prints) {
-                std::printf("  missed at %.1f: loss %.4f (%.1f bounds) height %.3f (%.1f sigma), "
-                            "level %.1f\n",
-                            known->indexOf(event), event.apparentLoss_dB,
-                            event.apparentLoss_dB / bound, height, height / sigma, level);
-            }
-            return;
+        (expected.isPeak ? figures.peaks : figures.steps) += 1;
+        if (nearest != nullptr) {
+            countFound(event, expected, *nearest, figures, prints);
+        } else if (prints) {
+            std::printf("  missed at %.1f: loss %.4f (%.1f bounds) height %.3f (%.1f sigma), "
+                        "level %.1f\n",
+                        known->indexOf(event), event.apparentLoss_dB,
+                        event.apparentLoss_dB / expected.bound_dB, expected.height_dB,
+                        expected.height_dB / expected.sigma_dB, expected.level_dB);
         }
-        (isPeak ? figures.peaksFound : figures.stepsFound) += 1;
-        const double off = nearest->index - known->indexOf(event);
-        if (isPeak) {
+    }
+
+    void countFound(const TruthEvent& event, const Expected& expected, const DetectedEvent& nearest,
+                    Figures& figures, bool prints) const
+    {
+        (expected.isPeak ? figures.peaksFound : figures.stepsFound) += 1;
+        const double off = nearest.index - known->indexOf(event);
+        if (expected.isPeak) {
             figures.peakOff.push_back(off);
-            const bool isWhole = height + level < source.launchLevel_dB() + gather::kSaturation_dB;
-            if (isWhole && height > 20.0 * sigma) {
-                figures.reflectanceOff_dB.push_back(nearest->reflectance_dB - event.reflectance_dB);
+            const bool isWhole = expected.height_dB + expected.level_dB
+                < source.launchLevel_dB() + gather::kSaturation_dB;
+            if (isWhole && expected.height_dB > 20.0 * expected.sigma_dB) {
+                figures.reflectanceOff_dB.push_back(nearest.reflectance_dB - event.reflectance_dB);
             }
         } else {
-            const double least =
-                sigma * std::sqrt(pulse * correlation) / std::abs(event.apparentLoss_dB);
+            const double least = expected.sigma_dB * std::sqrt(pulse * correlation)
+                / std::abs(event.apparentLoss_dB);
             figures.stepOff.push_back(off / least);
         }
-        if (!std::isnan(nearest->loss_dB)) {
-            figures.lossOff_dB.push_back(nearest->loss_dB - event.apparentLoss_dB);
-            figures.lossOff.push_back((nearest->loss_dB - event.apparentLoss_dB) / bound);
+        if (!std::isnan(nearest.loss_dB)) {
+            figures.lossOff_dB.push_back(nearest.loss_dB - event.apparentLoss_dB);
+            figures.lossOff.push_back((nearest.loss_dB - event.apparentLoss_dB)
+                                      / expected.bound_dB);
             if (prints && std::abs(figures.lossOff.back()) > 5.0) {
                 std::printf("  loss at %.1f: %.4f for %.4f, bound %.5f, off %.2f samples, h %.2f\n",
-                            known->indexOf(event), nearest->loss_dB, event.apparentLoss_dB, bound,
-                            off, height);
+                            known->indexOf(event), nearest.loss_dB, event.apparentLoss_dB,
+                            expected.bound_dB, off, expected.height_dB);
             }
         }
     }

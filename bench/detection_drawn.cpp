@@ -25,7 +25,6 @@
 #include <cmath>
 #include <cstdio>
 #include <random>
-#include <string>
 #include <vector>
 
 namespace {

@@ -3,7 +3,6 @@
 #include "tests/soak/deskuser.h"
 
 #include <QString>
-#include <QStringList>
 
 class Host;
 

@@ -1,1 +1,1 @@
-waveform_bench(twomarkers_bench SOURCES twomarkers_bench.cpp DEPENDS twomarkers)
+waveform_bench(twomarkers_bench SOURCES twomarkers_bench.cpp benchtrace.cpp benchtrace.h DEPENDS twomarkers)

@@ -2,15 +2,13 @@
 // background: everything but painting the screen. The cost is that of the widgets, whatever the
 // length of the trace.
 
-#include "platform/otdr/core/snapshot.h"
+#include "bench/benchtrace.h"
 #include "plot/plot.h"
 #include "plot/qmplotmarker.h"
 #include "twomarkers/twomarkersmodel.h"
 #include "twomarkers/twomarkersview.h"
 
 #include <QApplication>
-#include <QFile>
-#include <QTemporaryDir>
 #include <QThreadPool>
 
 #include <benchmark/benchmark.h>
@@ -22,8 +20,6 @@
 #include <vector>
 
 namespace {
-
-constexpr double kRange_m = 50000.0;
 
 /// A sloping line with noise.
 std::vector<std::uint16_t> samples(std::size_t count)
@@ -44,19 +40,7 @@ const Reflectogram& trace(std::size_t count)
     static std::map<std::size_t, Reflectogram> made;
     Reflectogram& refl = made[count];
     if (!refl.isValid()) {
-        const QTemporaryDir dir;
-        const QString name = dir.filePath("trace.bin");
-        otdr::Snapshot snapshot;
-        snapshot.sampleInterval_ns = kRange_m / 0.1 / static_cast<double>(count);
-        snapshot.wavelength_nm = 1550;
-        snapshot.pulse_ns = 100;
-        snapshot.samples = otdr::RawSamples(samples(count));
-        const std::vector<std::byte> bytes = otdr::encodeSnapshot(snapshot);
-        QFile file(name);
-        file.open(QIODevice::WriteOnly);
-        file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<qint64>(bytes.size()));
-        file.close();
-        refl = Reflectogram(name, WfMeasParams());
+        refl = benchTraceOf(samples(count));
     }
     return refl;
 }
@@ -70,7 +54,7 @@ struct Chart
     {
         plot.enableAxis(QwtPlot::xBottom, true);
         plot.enableAxis(QwtPlot::yLeft, true);
-        plot.setAxisScale(QwtPlot::xBottom, 0.0, kRange_m);
+        plot.setAxisScale(QwtPlot::xBottom, 0.0, kBenchRange_m);
         plot.setAxisScale(QwtPlot::yLeft, 0.0, 50.0);
         view.attachToPlot(&plot);
         view.setModel(&model);

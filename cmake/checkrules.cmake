@@ -1,5 +1,6 @@
-# Checks that the tests named in the lists of rules exist: cmake -D ROOT=<source directory> -P checkrules.cmake
-# A test is named as `Suite.Name` in docs/rules/*.md and stands as TEST(Suite, Name), TEST_F or TEST_P in tests/**.cpp.
+# Checks that the tests named in the lists of rules and of faults exist: cmake -D ROOT=<source directory> -P checkrules.cmake
+# A test is named as `Suite.Name` in docs/rules/*.md or docs/reliability.md and stands as TEST(Suite, Name), TEST_F or TEST_P
+# in tests/**.cpp.
 # Fails with one line for each name that no test has.
 
 cmake_minimum_required(VERSION 3.25)
@@ -20,7 +21,7 @@ endforeach()
 
 set(missing 0)
 set(named 0)
-file(GLOB lists RELATIVE ${ROOT} ${ROOT}/docs/rules/*.md)
+file(GLOB lists RELATIVE ${ROOT} ${ROOT}/docs/rules/*.md ${ROOT}/docs/reliability.md)
 foreach(list IN LISTS lists)
     file(READ ${ROOT}/${list} text)
     string(REGEX REPLACE "[][;]" " " text "${text}")
@@ -39,6 +40,6 @@ endforeach()
 if(NOT tests OR named EQUAL 0)
     message(FATAL_ERROR "No tests or no lists of rules below ${ROOT}.")
 elseif(missing)
-    message(FATAL_ERROR "${missing} of ${named} names in docs/rules are those of no test.")
+    message(FATAL_ERROR "${missing} of ${named} names in docs are those of no test.")
 endif()
-message(STATUS "${named} names of tests in docs/rules are those of tests.")
+message(STATUS "${named} names of tests in docs are those of tests.")

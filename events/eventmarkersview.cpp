@@ -1,6 +1,7 @@
 #include "events/eventmarkersview.h"
 
 #include "platform/otdr/otdr.h"
+#include "plot/stackorder.h"
 
 #include <qwt_plot_curve.h>
 #include <qwt_plot_marker.h>
@@ -10,12 +11,15 @@
 #include <QItemSelectionModel>
 #include <QPolygonF>
 
-#include <algorithm>
 #include <cmath>
 
 namespace {
 
 constexpr double kSamePlace_m = 0.01;
+
+// The band over a fibre section: the main curve's colour, wide and translucent.
+constexpr int kBandWidth_px = 9;
+constexpr double kBandOpacity = 0.2;
 
 /// Index of the first sample of a curve that is not before x; the number of samples where all are.
 int firstNotBefore(const QwtPlotCurve& curve, double x)
@@ -54,7 +58,7 @@ EventMarkersView::EventMarkersView(QObject* parent)
     : QObject(parent)
     , fiberCurve(new QwtPlotCurve(QwtText()))
 {
-    fiberCurve->setZ(60.0);
+    fiberCurve->setZ(stackorder::kFibreBand);
     fiberCurve->setStyle(QwtPlotCurve::Sticks);
     fiberCurve->setRenderHint(QwtPlotItem::RenderAntialiased, true);
     fiberCurve->setCurveFitter(nullptr);
@@ -156,9 +160,9 @@ void EventMarkersView::setActiveFiber(int from, int to)
     }
     QPen pen = curve->pen();
     QColor colour = pen.color();
-    colour.setAlphaF(0.2);
+    colour.setAlphaF(kBandOpacity);
     pen.setColor(colour);
-    pen.setWidth(9);
+    pen.setWidth(kBandWidth_px);
     fiberCurve->setSamples(band);
     fiberCurve->setPen(pen);
     fiberCurve->attach(plot);
@@ -206,7 +210,7 @@ QwtPlotMarker* EventMarkersView::newMarker(double distance_m) const
     auto* marker = new QwtPlotMarker; // clearMarkers() deletes it
     marker->setSymbol(symbol(false));
     marker->setValue(snapped(*curve, distance_m));
-    marker->setZ(1000.0);
+    marker->setZ(stackorder::kEventMark);
     marker->attach(plot);
     marker->setVisible(visible);
     return marker;

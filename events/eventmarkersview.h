@@ -27,6 +27,7 @@ public:
     explicit EventMarkersView(QObject* parent);
     ~EventMarkersView() override;
 
+    /// The plot that the ticks stand on. Not owned; may die first.
     void attach(Waveform::Plot* plot);
 
     /// The curve whose trace's events are shown; null for none. Not owned; must be taken away
@@ -41,15 +42,23 @@ public:
 
 public slots:
     void changeCurrentEvent(const QModelIndex& index);
+
+    /// Makes the row of the event list the current one; a row that is none leaves no event current.
     void setActiveMarker(int row);
+
+    /// Highlights the fibre between the events of two rows; none where one has no tick.
     void setActiveFiber(int from, int to);
+
+    /// Makes the ticks of the curve's trace anew; the current row stays.
     void placeMarkers();
     void placeMarkers(bool replot);
 
     /// Ticks at these events, which the trace is about to get, until those of the trace are placed
     /// anew.
     void setMarkers(EventList events);
-    void setVisible(bool visible);
+    void setVisible(bool visible); ///< of the ticks; the band stays
+
+    /// No ticks, and no event is current.
     void clear();
     void clearMarkers();
 

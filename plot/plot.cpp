@@ -2,6 +2,7 @@
 
 #include "plot/levelscaledraw.h"
 #include "plot/otdrdistancescaledraw.h"
+#include "plot/stackorder.h"
 
 #include <qwt_plot_grid.h>
 #include <qwt_plot_layout.h>
@@ -74,7 +75,7 @@ QwtPlotGrid* Plot::createGrid()
     auto* grid = new QwtPlotGrid; // the plot owns it from attach() on
     grid->enableXMin(true);
     grid->enableYMin(true);
-    grid->setZ(20.0);
+    grid->setZ(stackorder::kGrid);
     const QPen pen(palette().brush(QPalette::Mid), 0.0, Qt::DotLine, Qt::SquareCap, Qt::BevelJoin);
     grid->setMajorPen(pen);
     grid->setMinorPen(pen);

@@ -2,6 +2,7 @@
 
 #include "platform/otdr/tracestate.h"
 #include "plot/lazypoints.h"
+#include "plot/stackorder.h"
 #include "plot/stickcolumns.h"
 
 #include <qwt_scale_map.h>
@@ -24,7 +25,7 @@ ReflCurve::ReflCurve(wf_clip_t clip, const Reflectogram& refl, QColor color)
     setColor(color);
     setTitle(refl.paramsToString());
     scale(clip, false); // nobody listens yet
-    setZ(20.0);
+    setZ(stackorder::kCurve);
 }
 
 void ReflCurve::setReflectogram(wf_clip_t clip, const Reflectogram& refl)

@@ -48,6 +48,9 @@ public:
 
     /// Appends a trace; it becomes the main one.
     void addRefl(Reflectogram refl);
+
+    /// Takes a trace out of the set; does nothing for one that is not in it. The main trace is then
+    /// the one in the row of the old, or the last.
     void deleteRefl(const Reflectogram& refl);
 
     /// Computes end-to-end loss and return loss of a trace in the background; the table shows them
@@ -65,6 +68,8 @@ public slots:
     void deleteRefl(int row);
     void setMainRefl(int row);
     void setMainRefl(Reflectogram refl);
+
+    /// What is known of the traces has changed.
     void update();
 
     /// Opens a file and adds its trace; does nothing for a file that is loaded already or is no
@@ -76,9 +81,9 @@ public slots:
     void associate(Reflectogram refl, Reflectogram target);
 
 signals:
-    void resize();
-    void reflDeleted(Reflectogram refl);
-    void mainReflChanged(Reflectogram refl);
+    void resize(); ///< the columns may want other widths
+    void reflDeleted(Reflectogram refl); ///< it is no longer in the set
+    void mainReflChanged(Reflectogram refl); ///< an empty one where there is none
     void allReflsDeleted();
 
 private slots:

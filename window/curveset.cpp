@@ -1,17 +1,11 @@
 #include "window/curveset.h"
 
 #include "plot/plot.h"
+#include "plot/stackorder.h"
 
 #include <cmath>
 
 namespace Waveform {
-
-namespace {
-
-constexpr double kCurveZ = 20.0;
-constexpr double kMainCurveZ = 100.0;
-
-} // namespace
 
 CurveSet::CurveSet(Plot* plot)
     : plot(plot)
@@ -48,9 +42,9 @@ void CurveSet::setMain(ReflCurve* curve)
         return;
     }
     for (ReflCurve* other : qAsConst(curves)) {
-        other->setZ(kCurveZ);
+        other->setZ(stackorder::kCurve);
     }
-    mainCurve->setZ(kMainCurveZ);
+    mainCurve->setZ(stackorder::kMainCurve);
 }
 
 void CurveSet::take(ReflCurve* curve)

@@ -15,13 +15,8 @@ LossCalc::LossCalc(long position, const Reflectogram& refl)
         return;
     }
     const double index = state->indexAt(0.0) + static_cast<double>(position);
-    const otdr::EventSite site = siteOf(*state, index);
-    // Each level needs its own line only: an end of the fibre has one before it and none behind.
-    if (const auto before = otdr::fibreBefore(*state->trace, site)) {
-        in_dB = before->at(index);
-    }
-    if (const auto behind = otdr::fibreBehind(*state->trace, site)) {
-        out_dB = behind->at(index);
-    }
-    loss_dB = in_dB - out_dB;
+    const otdr::EventLoss found = otdr::eventLoss(*state->trace, siteOf(*state, index));
+    loss_dB = found.loss_dB;
+    in_dB = found.in_dB;
+    out_dB = found.out_dB;
 }

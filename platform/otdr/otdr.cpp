@@ -21,6 +21,49 @@ bool isEventType(QChar c)
     return QString("srnpfe").contains(c);
 }
 
+/// The number of an event that a word of its text stands for; null for a word that is not known.
+double Event::*numberNamed(const QString& key)
+{
+    static const std::map<QString, double Event::*> numbers = {
+        {"coordinate", &Event::coordinate},
+        {"width", &Event::width},
+        {"loss", &Event::loss},
+        {"reflIn", &Event::reflIn},
+        {"reflOut", &Event::reflOut},
+        {"reflectance", &Event::reflectance},
+        {"orl", &Event::orl},
+        {"length", &Event::length},
+        {"attenuationBefore", &Event::attenuationBefore},
+        {"beforeFrom", &Event::beforeFrom},
+        {"behindFrom", &Event::behindFrom},
+        {"behindTo", &Event::behindTo},
+    };
+    const auto number = numbers.find(key);
+    return number != numbers.end() ? number->second : nullptr;
+}
+
+/// Puts one value of a text into its event; false where it is none.
+bool take(const QString& key, const QString& value, Event& event)
+{
+    bool isNumber = false;
+    if (key == "position") {
+        const long position = value.toLong(&isNumber);
+        event.position = isNumber ? position : event.position;
+        return isNumber;
+    }
+    if (key == "saturated") {
+        event.saturated = value == "1";
+        return true;
+    }
+    double Event::*const named = numberNamed(key);
+    const double number = value.toDouble(&isNumber);
+    if (named == nullptr || !isNumber || !std::isfinite(number)) {
+        return false;
+    }
+    event.*named = number;
+    return true;
+}
+
 } // namespace
 
 namespace OTDR {
@@ -54,40 +97,10 @@ Event createEventFromString(QString text, Reflectogram refl)
     }
     event.type = static_cast<Event::Type>(words.at(0).at(0).toLatin1());
 
-    const std::map<QString, double*> fields = {
-        {"coordinate", &event.coordinate},
-        {"width", &event.width},
-        {"loss", &event.loss},
-        {"reflIn", &event.reflIn},
-        {"reflOut", &event.reflOut},
-        {"reflectance", &event.reflectance},
-        {"orl", &event.orl},
-        {"length", &event.length},
-        {"attenuationBefore", &event.attenuationBefore},
-        {"beforeFrom", &event.beforeFrom},
-        {"behindFrom", &event.behindFrom},
-        {"behindTo", &event.behindTo},
-    };
     bool hasCoordinate = false;
     for (int i = 1; i + 1 < words.size(); i += 2) {
-        const QString& key = words.at(i);
-        const QString& value = words.at(i + 1);
-        bool isNumber = false;
-        if (key == "position") {
-            const long position = value.toLong(&isNumber);
-            event.position = isNumber ? position : event.position;
-            continue;
-        }
-        if (key == "saturated") {
-            event.saturated = value == "1";
-            continue;
-        }
-        const auto field = fields.find(key);
-        const double number = value.toDouble(&isNumber);
-        if (field != fields.end() && isNumber && std::isfinite(number)) {
-            *field->second = number;
-            hasCoordinate = hasCoordinate || key == "coordinate";
-        }
+        const bool taken = take(words.at(i), words.at(i + 1), event);
+        hasCoordinate = hasCoordinate || (taken && words.at(i) == "coordinate");
     }
     if (!hasCoordinate) {
         event.coordinate =

@@ -3,8 +3,6 @@
 #include "platform/otdr/core/returnloss.h"
 
 #include <algorithm>
-#include <cmath>
-#include <optional>
 #include <vector>
 
 namespace {

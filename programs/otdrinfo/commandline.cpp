@@ -37,6 +37,23 @@ Request wrong(const std::string& message)
     return {Form::Wrong, {}, {}, message};
 }
 
+Request requestFor(Form form, const QStringList& names, const QString& output)
+{
+    if (names.isEmpty()) {
+        return wrong("no file named");
+    }
+    if ((form == Form::Csv || form == Form::Write) && names.size() != 1) {
+        return wrong("--csv and --write take one file");
+    }
+    Request request;
+    request.form = form;
+    request.output = bytesOf(output);
+    for (const QString& name : names) {
+        request.files.push_back(bytesOf(name));
+    }
+    return request;
+}
+
 } // namespace
 
 Request parseCommandLine(int argc, const char* const* argv)
@@ -65,28 +82,18 @@ Request parseCommandLine(int argc, const char* const* argv)
     }
     const int forms =
         int(parser.isSet(json)) + int(parser.isSet(csv)) + parser.values(write).size();
-    const QStringList names = parser.positionalArguments();
     if (forms > 1) {
         return wrong("only one of --json, --csv and --write at a time");
     }
-    if (names.isEmpty()) {
-        return wrong("no file named");
-    }
-    Request request;
-    request.form = Form::Summary;
+    Form form = Form::Summary;
     if (parser.isSet(json)) {
-        request.form = Form::Json;
-    } else if (parser.isSet(csv) || parser.isSet(write)) {
-        request.form = parser.isSet(csv) ? Form::Csv : Form::Write;
-        if (names.size() != 1) {
-            return wrong("--csv and --write take one file");
-        }
+        form = Form::Json;
+    } else if (parser.isSet(csv)) {
+        form = Form::Csv;
+    } else if (parser.isSet(write)) {
+        form = Form::Write;
     }
-    request.output = bytesOf(parser.value(write));
-    for (const QString& name : names) {
-        request.files.push_back(bytesOf(name));
-    }
-    return request;
+    return requestFor(form, parser.positionalArguments(), parser.value(write));
 }
 
 } // namespace otdrinfo

@@ -3,6 +3,7 @@
 #include "plot/otdrdistancescaledraw.h"
 #include "plot/plot.h"
 #include "plot/reflcurve.h"
+#include "plot/stackorder.h"
 
 #include <qwt_plot_grid.h>
 #include <qwt_plot_marker.h>
@@ -49,7 +50,7 @@ void addMark(Waveform::Plot& plot, const ReportedEvent& event, const ChartWindow
     mark->setLabel(number);
     const bool atBorder = left_percent > 100.0 - kMarkMargin_percent;
     mark->setLabelAlignment(Qt::AlignTop | (atBorder ? Qt::AlignLeft : Qt::AlignRight));
-    mark->setZ(1000.0);
+    mark->setZ(stackorder::kEventMark);
     mark->attach(&plot);
 }
 

@@ -7,7 +7,6 @@
 #include <QJsonObject>
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 
 // Has to stand outside of any namespace.

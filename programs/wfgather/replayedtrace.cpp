@@ -1,6 +1,5 @@
 #include "programs/wfgather/replayedtrace.h"
 
-#include "platform/otdr/core/constants.h"
 #include "platform/otdr/core/soraxis.h"
 #include "platform/otdr/core/sorreader.h"
 #include "platform/otdr/core/sorvalues.h"

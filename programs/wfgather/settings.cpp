@@ -5,7 +5,6 @@
 #include <QSettings>
 
 #include <cmath>
-#include <limits>
 
 namespace gather {
 

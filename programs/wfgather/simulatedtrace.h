@@ -47,8 +47,6 @@ public:
     /// Level of the backscatter at the port, dB.
     [[nodiscard]] double launchLevel_dB() const { return launch_dB; }
 
-    [[nodiscard]] double shotsPerSecond() const { return rate; }
-
 private:
     void addNoise(double amount);
 

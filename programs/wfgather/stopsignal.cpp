@@ -1,6 +1,5 @@
 #include "programs/wfgather/stopsignal.h"
 
-#include <algorithm>
 #include <ctime>
 
 namespace gather {

@@ -2,8 +2,6 @@
 
 #include "platform/otdr/core/snapshot.h"
 
-#include <cstdint>
-
 namespace gather {
 
 /// What a trace is announced with. The reader takes distances and reflectances from these.

@@ -13,7 +13,6 @@
 #include "tests/support/tracefiles.h"
 #include "tests/support/warnings.h"
 
-#include <QFileSystemWatcher>
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTimerEvent>

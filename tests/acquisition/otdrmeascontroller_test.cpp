@@ -4,8 +4,6 @@
 
 #include <QElapsedTimer>
 #include <QFile>
-#include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QtTest>
 
 #include <gmock/gmock.h>

@@ -5,7 +5,6 @@
 #include "platform/launcher/zuconfig.h"
 #include "tests/platform/launcher/confighome.h"
 #include "tests/support/acquisitiondir.h"
-#include "tests/support/warnings.h"
 
 #include <QFile>
 #include <QJsonArray>

@@ -5,7 +5,6 @@
 #include "platform/launcher/abstractkeeper.h"
 #include "platform/launcher/appearance.h"
 #include "platform/launcher/nightswitch.h"
-#include "platform/launcher/palettefactory.h"
 #include "platform/launcher/wrappanel.h"
 #include "tests/platform/launcher/confighome.h"
 #include "tests/platform/launcher/look.h"
@@ -15,7 +14,6 @@
 #include "tests/support/warnings.h"
 
 #include <QPushButton>
-#include <QTableView>
 #include <QtTest>
 
 #include <gtest/gtest.h>

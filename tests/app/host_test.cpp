@@ -7,8 +7,6 @@
 #include "tests/app/hosting.h"
 #include "tests/support/fakeprogram.h"
 
-#include <QCloseEvent>
-#include <QLabel>
 #include <QPointer>
 #include <QThreadPool>
 

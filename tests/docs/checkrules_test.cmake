@@ -2,9 +2,9 @@
 # cmake -D SCRIPT=<checkrules.cmake> -D DIR=<scratch directory> -P checkrules_test.cmake
 cmake_minimum_required(VERSION 3.25)
 
-function(check rule test verdict)
+function(check_page page rule test verdict)
     file(REMOVE_RECURSE ${DIR})
-    file(WRITE ${DIR}/docs/rules/a.md "| Rule | Tests |\n|---|---|\n| It holds [so]; always. | ${rule} |\n")
+    file(WRITE ${DIR}/docs/${page} "| Rule | Tests |\n|---|---|\n| It holds [so]; always. | ${rule} |\n")
     file(WRITE ${DIR}/tests/a/a_test.cpp "#include <a>\n\n${test}\n{\n    int a[3] = {};\n}\n")
     execute_process(COMMAND ${CMAKE_COMMAND} -D ROOT=${DIR} -P ${SCRIPT}
                     RESULT_VARIABLE result OUTPUT_VARIABLE said ERROR_VARIABLE said)
@@ -13,8 +13,12 @@ function(check rule test verdict)
         set(complained TRUE)
     endif()
     if(verdict STREQUAL "good" AND result OR verdict STREQUAL "bad" AND NOT complained)
-        message(SEND_ERROR "${rule} with ${test} should be ${verdict}, but:\n${said}")
+        message(SEND_ERROR "${rule} in ${page} with ${test} should be ${verdict}, but:\n${said}")
     endif()
+endfunction()
+
+function(check)
+    check_page(rules/a.md ${ARGV})
 endfunction()
 
 check("`Suite1.IsTrue`" "TEST(Suite1, IsTrue)" good)
@@ -29,3 +33,7 @@ check("`Suite1.IsTrue`, `Suite1.IsFalse`" "TEST(Suite1, IsTrue)" bad)
 check("`Suite1.IsTrue`" "// TEST(Suite1, IsTrue)" bad)
 check("by looking" "TEST(Suite1, IsTrue)" bad)
 check("`Suite1.IsTrue`" "int a()" bad)
+
+check_page(reliability.md "`Suite1.IsTrue`" "TEST(Suite1, IsTrue)" good)
+check_page(reliability.md "`Suite1.IsTru`" "TEST(Suite1, IsTrue)" bad)
+check_page(other.md "`Suite1.IsTrue`" "TEST(Suite1, IsTrue)" bad)

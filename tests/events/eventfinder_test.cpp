@@ -1,5 +1,4 @@
 #include "events/eventfinder.h"
-#include "platform/launcher/programs.h"
 #include "tests/support/fakeprogram.h"
 #include "tests/support/tracefiles.h"
 #include "tests/support/warnings.h"

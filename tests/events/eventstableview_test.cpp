@@ -165,6 +165,7 @@ TEST_F(EventsView, OutlivesItsModel)
     view.setModel(shortLived.get());
     shortLived.reset();
     view.grab();
+    EXPECT_EQ(qobject_cast<EventsTableModel*>(view.model()), nullptr);
 }
 
 TEST_F(EventsView, FiveRowsFitTheStripBelowThePlot)

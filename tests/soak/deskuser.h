@@ -3,7 +3,6 @@
 #include <QList>
 #include <QPoint>
 #include <QString>
-#include <QStringList>
 
 #include <functional>
 

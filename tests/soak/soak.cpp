@@ -24,7 +24,6 @@
 #include <QWidget>
 
 #include <algorithm>
-#include <memory>
 
 // What the system's libraries keep for ever is in cmake/lsan.supp; whoever starts this by hand has
 // no options set.

@@ -3,11 +3,11 @@
 #include "platform/launcher/nameprompt.h"
 #include "tests/storage/keeping.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QDir>
 #include <QDirIterator>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QTest>
 #include <QTimer>
 

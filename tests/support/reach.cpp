@@ -11,8 +11,6 @@
 #include <QStyleOptionButton>
 #include <QtTest>
 
-#include <cmath>
-
 namespace testing_support {
 
 namespace {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QSize>
 #include <QStringList>
 #include <QTranslator>
 #include <QWidget>

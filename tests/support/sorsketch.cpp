@@ -245,6 +245,20 @@ std::shared_ptr<const Bytes> SorSketch::share() const
     return std::make_shared<const Bytes>(build());
 }
 
+SorSketch SorSketch::withTexts(const std::string& text)
+{
+    SorSketch sketch = plain();
+    sketch.gen.cableId = text;
+    sketch.gen.fibreId = text;
+    sketch.gen.locationA = text;
+    sketch.gen.locationB = text;
+    sketch.gen.operatorName = text;
+    sketch.gen.comment = text;
+    sketch.sup = {text, text, text, text, text, text, text};
+    sketch.keyEvents.events[1].comment = text;
+    return sketch;
+}
+
 SorSketch SorSketch::plain()
 {
     SorSketch sketch;

@@ -68,6 +68,9 @@ struct SorSketch
     /// at 3 km.
     static SorSketch plain();
 
+    /// The plain one with this for each text that somebody may have typed.
+    static SorSketch withTexts(const std::string& text);
+
     /// All blocks but the checksum, in the order of the file.
     [[nodiscard]] std::vector<Block> blocks() const;
 

@@ -11,7 +11,6 @@
 
 #include <QGridLayout>
 #include <QLabel>
-#include <QSignalSpy>
 #include <QThreadPool>
 #include <QtTest>
 

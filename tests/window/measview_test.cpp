@@ -1,7 +1,6 @@
 #include "window/measview.h"
 
 #include <QPushButton>
-#include <QSignalSpy>
 #include <QtTest>
 
 #include <gmock/gmock.h>

@@ -2,7 +2,6 @@
 
 #include "events/eventstablemodel.h"
 #include "events/eventstableview.h"
-#include "platform/launcher/controlbottompanel.h"
 #include "platform/launcher/historycombo.h"
 #include "platform/launcher/palettefactory.h"
 #include "platform/launcher/wrappanel.h"
@@ -19,7 +18,6 @@
 #include <qwt_symbol.h>
 
 #include <QGridLayout>
-#include <QItemSelectionModel>
 #include <QLabel>
 #include <QThreadPool>
 

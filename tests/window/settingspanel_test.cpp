@@ -8,7 +8,6 @@
 #include "window/settingspanel.h"
 
 #include <QPushButton>
-#include <QSignalSpy>
 #include <QtTest>
 
 #include <gmock/gmock.h>

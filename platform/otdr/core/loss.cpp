@@ -4,7 +4,6 @@
 #include "platform/otdr/core/trace.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace otdr {
 
@@ -73,25 +72,15 @@ std::optional<Line> fibreBehind(const Trace& trace, const EventSite& site)
 
 EventLoss eventLoss(const Trace& trace, const EventSite& site)
 {
-    const std::optional<Line> before = fibreBefore(trace, site);
-    const std::optional<Line> behind = fibreBehind(trace, site);
     EventLoss result;
-    if (before && behind) {
+    if (const std::optional<Line> before = fibreBefore(trace, site)) {
         result.in_dB = before->at(site.index);
-        result.out_dB = behind->at(site.index);
-        result.loss_dB = result.in_dB - result.out_dB;
     }
+    if (const std::optional<Line> behind = fibreBehind(trace, site)) {
+        result.out_dB = behind->at(site.index);
+    }
+    result.loss_dB = result.in_dB - result.out_dB;
     return result;
-}
-
-double lossBetween(const Trace& trace, const std::array<double, 4>& markers, double at)
-{
-    const SampleRange left = samplesWithin(markers[0], markers[1], trace.size());
-    const SampleRange right = samplesWithin(markers[2], markers[3], trace.size());
-    const std::optional<Line> before = fitLine(trace, left.first, left.last);
-    const std::optional<Line> behind = fitLine(trace, right.first, right.last);
-    return before && behind ? before->at(at) - behind->at(at)
-                            : std::numeric_limits<double>::quiet_NaN();
 }
 
 double spanLoss(const Trace& trace, const EventSite& start, const EventSite& end)

@@ -2,7 +2,6 @@
 
 #include "platform/otdr/core/linefit.h"
 
-#include <array>
 #include <limits>
 #include <optional>
 
@@ -25,11 +24,14 @@ struct EventSite
     double longestWindow = std::numeric_limits<double>::infinity(); ///< kLongestWindow_m in samples
 };
 
-/// Loss of an event with the levels of the fibre on both of its sides; all NaN where one of the
-/// lines does not fit.
+/// Loss of an event with the levels of the fibre on both of its sides.
+///
+/// A level is NaN where its line does not fit: an end of the fibre has one before it and none
+/// behind.
 struct EventLoss
 {
-    double loss_dB = std::numeric_limits<double>::quiet_NaN(); ///< positive when power falls
+    double loss_dB = std::numeric_limits<double>::quiet_NaN(); ///< positive when power falls; NaN
+                                                               ///< where one of the levels is
     double in_dB = std::numeric_limits<double>::quiet_NaN(); ///< line before, at the event
     double out_dB = std::numeric_limits<double>::quiet_NaN(); ///< line behind, at the event
 };
@@ -52,12 +54,6 @@ constexpr double kDeadZonePulses = 1.4;
 
 /// Loss of an event, one way: the lines before and behind it, both taken to its index.
 [[nodiscard]] EventLoss eventLoss(const Trace& trace, const EventSite& site);
-
-/// Loss by four stored markers and the position of their event, all as sample indices: the line
-/// through markers[2] .. markers[3] less that through markers[0] .. markers[1], borders included,
-/// at `at`. NaN where a line has fewer than two samples.
-[[nodiscard]] double lossBetween(const Trace& trace, const std::array<double, 4>& markers,
-                                 double at);
 
 /// Loss from the start of a span to its end: the line behind the start, taken back to it, less the
 /// line before the end, taken forward to it, dB. NaN where one does not fit.

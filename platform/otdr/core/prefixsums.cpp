@@ -3,7 +3,6 @@
 #include "platform/otdr/core/decibels.h"
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 #include <utility>
 

@@ -107,7 +107,8 @@ std::optional<Sample> Pyramid::highest(std::size_t first, std::size_t last) cons
     return best(high, {first, last});
 }
 
-void Pyramid::appendHighest(gsl::span<const std::size_t> borders, std::vector<Sample>& out) const
+template <typename Take>
+void Pyramid::forEachStretch(gsl::span<const std::size_t> borders, Take take) const
 {
     const bool announces = areOftenCut(borders);
     std::size_t first = borders.empty() ? 0 : borders.front();
@@ -117,31 +118,27 @@ void Pyramid::appendHighest(gsl::span<const std::size_t> borders, std::vector<Sa
         }
         const std::size_t last = borders[k];
         if (first < last) {
-            out.push_back(best(high, {first, last}));
+            take(SampleRange {first, last});
         }
         first = last;
     }
 }
 
+void Pyramid::appendHighest(gsl::span<const std::size_t> borders, std::vector<Sample>& out) const
+{
+    forEachStretch(borders, [&](SampleRange stretch) { out.push_back(best(high, stretch)); });
+}
+
 void Pyramid::appendExtremes(gsl::span<const std::size_t> borders, std::vector<Sample>& out) const
 {
-    const bool announces = areOftenCut(borders);
-    std::size_t first = borders.empty() ? 0 : borders.front();
-    for (std::size_t k = 0; k < borders.size(); ++k) {
-        if (announces) {
-            announceCut(borders, k + kStretchesAhead);
+    forEachStretch(borders, [&](SampleRange stretch) {
+        const Sample top = best(high, stretch);
+        const Sample bottom = best(low, stretch);
+        out.push_back(top.index <= bottom.index ? top : bottom);
+        if (top.index != bottom.index) {
+            out.push_back(top.index < bottom.index ? bottom : top);
         }
-        const std::size_t last = borders[k];
-        if (first < last) {
-            const Sample top = best(high, {first, last});
-            const Sample bottom = best(low, {first, last});
-            out.push_back(top.index <= bottom.index ? top : bottom);
-            if (top.index != bottom.index) {
-                out.push_back(top.index < bottom.index ? bottom : top);
-            }
-        }
-        first = last;
-    }
+    });
 }
 
 /// The groups that borders cut lie apart: waiting for one after the other, where the caches have

@@ -75,6 +75,10 @@ private:
     void readSamples();
     static void addLevels(Tree& tree);
 
+    /// Hands over each stretch between borders that is not empty, in order.
+    template <typename Take>
+    void forEachStretch(gsl::span<const std::size_t> borders, Take take) const;
+
     void announceCut(gsl::span<const std::size_t> borders, std::size_t k) const;
     [[nodiscard]] Sample best(const Tree& tree, SampleRange range) const;
     [[nodiscard]] Sample bestFrom(const Tree& tree, std::size_t level, SampleRange range) const;

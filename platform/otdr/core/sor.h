@@ -3,6 +3,7 @@
 #include "platform/otdr/core/rawsamples.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -51,6 +52,9 @@ struct PulseEntry
     std::uint32_t dataSpacing = 0; ///< counts for 10 000 samples
     std::uint32_t samples = 0;
 };
+
+/// Pulse widths that a block may have; a greater number is taken for damage.
+constexpr std::size_t kMostPulses = 64;
 
 struct FxdParams
 {

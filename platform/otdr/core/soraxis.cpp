@@ -5,7 +5,6 @@
 #include "platform/otdr/core/trace.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <vector>
 

@@ -9,7 +9,6 @@ namespace otdr::sor {
 
 namespace {
 
-constexpr unsigned kMostPulses = 64;
 constexpr std::uint16_t kDefaultScale = 1000;
 constexpr std::size_t kSmallestEvent = 22;
 constexpr std::size_t kSmallestLandmark = 30;

@@ -3,7 +3,6 @@
 #include "platform/otdr/core/constants.h"
 
 #include <algorithm>
-#include <array>
 #include <cctype>
 #include <cmath>
 #include <cstdint>

@@ -24,6 +24,9 @@ using Span = gsl::span<const std::byte>;
 
 constexpr std::uint16_t kRevision = 200;
 constexpr std::string_view kChecksum = "Cksum";
+constexpr std::size_t kMapHead = 12; // "Map" and its end, revision, size, number of blocks
+constexpr std::size_t kMapEntry = 7; // end of the name, revision, size
+constexpr std::size_t kMostEntries = 0xFFFF; // counted in 16 bits
 constexpr std::array<std::string_view, 6> kOrder {"GenParams", "SupParams", "FxdParams",
                                                   "KeyEvents", "LnkParams", "DataPts"};
 
@@ -242,9 +245,9 @@ private:
 
     void writeMap(ByteWriter& writer) const
     {
-        std::size_t size = 12;
+        std::size_t size = kMapHead;
         for (const Piece& piece : pieces) {
-            size += piece.name.size() + 7;
+            size += piece.name.size() + kMapEntry;
         }
         writer.writeString("Map");
         writer.write(kRevision);
@@ -271,9 +274,9 @@ private:
 std::optional<Error> refuse(const sor::File& file)
 {
     const bool fits = file.data.samples.size() <= kLargestSorFile / 2
-        && file.fxd.pulses.size() <= 64
-        && (!file.keyEvents || file.keyEvents->events.size() <= 0xFFFF)
-        && file.landmarks.size() <= 0xFFFF;
+        && file.fxd.pulses.size() <= sor::kMostPulses
+        && (!file.keyEvents || file.keyEvents->events.size() <= kMostEntries)
+        && file.landmarks.size() <= kMostEntries;
     if (fits) {
         return std::nullopt;
     }

@@ -1,7 +1,6 @@
 #include "platform/launcher/abstractkeeper.h"
 #include "platform/launcher/nameprompt.h"
 
-#include <QPointer>
 #include <QSignalSpy>
 
 #include <gtest/gtest.h>

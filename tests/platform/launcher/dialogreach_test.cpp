@@ -8,10 +8,8 @@
 #include "tests/platform/launcher/look.h"
 #include "tests/support/reach.h"
 
-#include <QAbstractButton>
 #include <QFile>
 #include <QFileDialog>
-#include <QFontInfo>
 #include <QMessageBox>
 #include <QTemporaryDir>
 #include <QTreeView>

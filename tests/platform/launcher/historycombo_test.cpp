@@ -4,7 +4,6 @@
 #include <QAbstractItemView>
 #include <QGuiApplication>
 #include <QPushButton>
-#include <QScreen>
 #include <QSignalSpy>
 #include <QtTest>
 

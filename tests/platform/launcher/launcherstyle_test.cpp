@@ -8,7 +8,6 @@
 #include <QCheckBox>
 #include <QDialog>
 #include <QLineEdit>
-#include <QPainter>
 #include <QStandardItemModel>
 #include <QTableView>
 #include <QToolButton>

@@ -7,8 +7,6 @@
 
 #include <gmock/gmock.h>
 
-#include <memory>
-
 namespace {
 
 using testing_support::ConfigHome;

@@ -4,7 +4,6 @@
 #include "tests/platform/launcher/confighome.h"
 
 #include <QDateTime>
-#include <QRegularExpression>
 #include <QSignalSpy>
 
 #include <gtest/gtest.h>

@@ -185,16 +185,7 @@ TEST_F(InBrowser, HostileStringsAreTextAndNothingElse)
     const std::string evil = "</script></style></title><script>document.title='taken'</script><img "
                              "src=http://127.0.0.1:9/x "
                              "onerror=alert(1)>\"'&<svg onload=alert(2)>{{ script }}";
-    SorSketch sketch = SorSketch::plain();
-    sketch.gen.cableId = evil;
-    sketch.gen.fibreId = evil;
-    sketch.gen.locationA = evil;
-    sketch.gen.locationB = evil;
-    sketch.gen.operatorName = evil;
-    sketch.gen.comment = evil;
-    sketch.sup = {evil, evil, evil, evil, evil, evil, evil};
-    sketch.keyEvents.events[1].comment = evil;
-    openReport(files.write("<svg onload=alert(3)>'\".sor", sketch));
+    openReport(files.write("<svg onload=alert(3)>'\".sor", SorSketch::withTexts(evil)));
     EXPECT_EQ(textOf(".comment").toStdString(), evil);
     EXPECT_EQ(count("script"), 2);
     EXPECT_EQ(count("svg"), 1);

@@ -110,17 +110,8 @@ TEST_F(OtdrReport, PageFetchesNothing)
 
 TEST_F(OtdrReport, HostileStringsAreHarmless)
 {
-    SorSketch sketch = SorSketch::plain();
     const std::string evil = "</script><script>alert(1)</script>\"'& onload=x\x01\x1b[2J\x7f";
-    sketch.gen.cableId = evil;
-    sketch.gen.fibreId = evil;
-    sketch.gen.locationA = evil;
-    sketch.gen.locationB = evil;
-    sketch.gen.operatorName = evil;
-    sketch.gen.comment = evil;
-    sketch.sup = {evil, evil, evil, evil, evil, evil, evil};
-    sketch.keyEvents.events[1].comment = evil;
-    const QByteArray html = page(sketch);
+    const QByteArray html = page(SorSketch::withTexts(evil));
     EXPECT_FALSE(html.contains("<script>alert"));
     EXPECT_FALSE(html.contains("</script><script>alert"));
     EXPECT_EQ(html.count("<script"), 2) << "the samples and the page's own";

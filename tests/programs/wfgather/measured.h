@@ -6,7 +6,6 @@
 #include "programs/wfgather/simulatedtrace.h"
 
 #include <memory>
-#include <utility>
 #include <vector>
 
 namespace wfgather_test {

@@ -15,7 +15,6 @@ using otdr::EventSite;
 using otdr::fibreBefore;
 using otdr::fibreBehind;
 using otdr::Line;
-using otdr::lossBetween;
 using otdr::spanLoss;
 using otdr::Trace;
 using namespace testing_support;
@@ -229,16 +228,41 @@ TEST(EventLoss, IsUnknownWhereNoLineFits)
     const TraceBuilder builder = TraceBuilder().fibre(10_km);
     const auto trace = builder.build();
     expectUnknown(eventLoss(Trace({}, 0.001, {}), siteOf(builder, 1_km)));
-    expectUnknown(eventLoss(*trace, siteOf(builder, 0_km)));
-    expectUnknown(eventLoss(*trace, siteOf(builder, 10_km)));
     expectUnknown(eventLoss(*trace, siteOf(builder, 99_km)));
-    expectUnknown(eventLoss(*trace, siteOf(builder, {-1000.0})));
+}
+
+TEST(EventLoss, HasNoLevelBeforeTheStartAndNoneBehindTheEnd)
+{
+    const TraceBuilder builder = TraceBuilder().fibre(10_km);
+    const auto trace = builder.build();
+    for (const Length start : {0_km, Length {-1000.0}}) {
+        const EventLoss found = eventLoss(*trace, siteOf(builder, start));
+        EXPECT_TRUE(std::isnan(found.in_dB));
+        EXPECT_NEAR(found.out_dB, 45.0 - 0.2e-3 * start.m, kRounding_dB);
+        EXPECT_TRUE(std::isnan(found.loss_dB));
+    }
+    const EventLoss end = eventLoss(*trace, siteOf(builder, 10_km));
+    EXPECT_NEAR(end.in_dB, 45.0 - 10.0 * 0.2, kRounding_dB);
+    EXPECT_TRUE(std::isnan(end.out_dB));
+    EXPECT_TRUE(std::isnan(end.loss_dB));
+}
+
+TEST(EventLoss, HasNoLevelWhereNeighboursLeaveNoRoomForALine)
+{
+    const TraceBuilder builder = TraceBuilder().fibre(10_km);
+    const auto trace = builder.build();
     EventSite narrow = siteOf(builder, 5_km);
     narrow.rightLimit = narrow.index + 1.5 * narrow.pulse;
-    expectUnknown(eventLoss(*trace, narrow));
+    const EventLoss before = eventLoss(*trace, narrow);
+    EXPECT_NEAR(before.in_dB, 45.0 - 5.0 * 0.2, kRounding_dB);
+    EXPECT_TRUE(std::isnan(before.out_dB));
+    EXPECT_TRUE(std::isnan(before.loss_dB));
     EventSite crowded = siteOf(builder, 5_km);
     crowded.leftLimit = crowded.index - 1.0;
-    expectUnknown(eventLoss(*trace, crowded));
+    const EventLoss behind = eventLoss(*trace, crowded);
+    EXPECT_TRUE(std::isnan(behind.in_dB));
+    EXPECT_NEAR(behind.out_dB, 45.0 - 5.0 * 0.2, kRounding_dB);
+    EXPECT_TRUE(std::isnan(behind.loss_dB));
 }
 
 TEST(EventLoss, IsUnknownForASiteThatIsNoNumber)
@@ -250,14 +274,19 @@ TEST(EventLoss, IsUnknownForASiteThatIsNoNumber)
     expectUnknown(eventLoss(*trace, site));
     site = siteOf(builder, 5_km);
     site.pulse = std::nan("");
-    expectUnknown(eventLoss(*trace, site));
+    const EventLoss found = eventLoss(*trace, site);
+    EXPECT_TRUE(std::isnan(found.out_dB));
+    EXPECT_TRUE(std::isnan(found.loss_dB));
 }
 
-TEST(EventLoss, IsUnknownWhereNoiseStandsOnOneSide)
+TEST(EventLoss, HasNoLevelWhereNoiseStandsOnOneSide)
 {
     const TraceBuilder builder =
         TraceBuilder().fibre(10_km).behind(8000).noise(0.05_dB, 4).noiseFloor(15_dB);
-    expectUnknown(eventLoss(*builder.build(), siteOf(builder, 10_km)));
+    const EventLoss end = eventLoss(*builder.build(), siteOf(builder, 10_km));
+    EXPECT_NEAR(end.in_dB, 45.0 - 10.0 * 0.2, 0.01);
+    EXPECT_TRUE(std::isnan(end.out_dB));
+    EXPECT_TRUE(std::isnan(end.loss_dB));
 }
 
 TEST(EventLoss, StandsAPulseOfNoWidthOrLess)
@@ -268,30 +297,6 @@ TEST(EventLoss, StandsAPulseOfNoWidthOrLess)
         site.pulse = pulse;
         EXPECT_NEAR(eventLoss(*builder.build(), site).loss_dB, 0.3, 0.01);
     }
-}
-
-TEST(LossBetween, TakesTheLinesBetweenTheMarkersToTheEvent)
-{
-    const TraceBuilder builder = TraceBuilder().fibre(12_km).connector(6_km, 0.35_dB, 10_dB);
-    const std::array<double, 4> markers {builder.indexOf(3_km), builder.indexOf(5.99_km),
-                                         builder.indexOf(6.1_km), builder.indexOf(9_km)};
-    EXPECT_NEAR(lossBetween(*builder.build(), markers, builder.indexOf(6_km)), 0.35, kRounding_dB);
-}
-
-TEST(LossBetween, IncludesTheBordersOfItsWindows)
-{
-    const Trace trace(otdr::RawSamples(std::vector<std::uint16_t> {55535, 55535, 60535, 60535}),
-                      0.001, {});
-    EXPECT_NEAR(lossBetween(trace, {0, 1, 2, 3}, 1.5), 5.0, 1e-9);
-    EXPECT_TRUE(std::isnan(lossBetween(trace, {0, 0.9, 2, 3}, 1.5)));
-}
-
-TEST(LossBetween, IsUnknownForMarkersThatNobodySet)
-{
-    const auto trace = TraceBuilder().build();
-    EXPECT_TRUE(std::isnan(lossBetween(*trace, {0, 0, 0, 0}, 0)));
-    EXPECT_TRUE(std::isnan(lossBetween(*trace, {-500, -100, 100, 200}, 0)));
-    EXPECT_TRUE(std::isnan(lossBetween(*trace, {200, 100, 300, 400}, 250)));
 }
 
 TEST(SpanLoss, IsTheFibrePlusItsEvents)

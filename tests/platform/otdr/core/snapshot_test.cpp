@@ -1,4 +1,3 @@
-#include "platform/otdr/core/crc32.h"
 #include "platform/otdr/core/snapshot.h"
 
 #include <gtest/gtest.h>

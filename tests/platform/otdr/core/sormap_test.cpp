@@ -1,5 +1,4 @@
 #include "platform/otdr/core/sormap.h"
-#include "platform/otdr/core/sorreader.h"
 #include "platform/otdr/core/sorwriter.h"
 #include "tests/platform/otdr/core/sorreading.h"
 #include "tests/support/sorsketch.h"

@@ -5,7 +5,6 @@
 
 #include <cstdint>
 #include <random>
-#include <vector>
 
 namespace {
 
