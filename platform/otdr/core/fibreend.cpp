@@ -31,6 +31,9 @@ constexpr double kLongestOverloadPulses = 6.0;
 /// Lines beside the first event bear this much of the launch, dB: fibre close to it is worth more.
 constexpr double kLaunchTail_dB = 0.01;
 
+/// The fibre before a change is taken from so many pulses at most.
+constexpr double kBeforePulses = 20.0;
+
 /// The end of a record is dark where its last tenth is.
 constexpr std::size_t kDarkPart = 10;
 
@@ -88,59 +91,87 @@ public:
         extent.lastLit = lastVisible(extent.first);
         extent.end = extent.lastLit;
         usualSlope_dB = fibreSlope_dB(extent);
-        const FibreBehind behindIt(trace, extent.lastLit, usualSlope_dB);
-        const LightBehind light(trace, threshold_dB);
-        const ShortFibre piece(trace, threshold_dB, usualSlope_dB);
+        const Judges judges {FibreBehind(trace, extent.lastLit, usualSlope_dB),
+                             LightBehind(trace, threshold_dB),
+                             ShortFibre(trace, threshold_dB, usualSlope_dB)};
         const double step = std::max(1.0, std::floor(w / 2.0));
-        const double last = extent.lastLit + visibleLength();
-        double fibreBegins = extent.first;
-        for (double at = extent.first + w; at < last; at += step) {
-            const double change = changeAt_dB(trace, at, usualSlope_dB);
-            if (!(std::abs(change) > threshold_dB) || !isLit(at)) {
+        Place place {extent.first + w, extent.first};
+        for (; place.at < extent.lastLit + visibleLength(); place.at += step) {
+            const double change = changeAt_dB(trace, place.at, usualSlope_dB);
+            if (!(std::abs(change) > threshold_dB) || !isLit(place.at)) {
                 continue;
             }
-            // What falls or rises here does so not before the windows that it was seen with.
-            const double from = at + 0.5 * w;
-            const double top = light.peakOver(at);
-            const double behind = piece.fallenFrom(top);
-            const double before = trace.mean_dB(from - w, from);
-            if (top > at && piece.isPatchCord(behind, before)) {
-                fibreBegins = behind;
-                at = std::max(behind, from);
-                continue;
+            const auto next = behindChange(place, judges, extent);
+            if (!next) {
+                break;
             }
-            at = top;
-            for (; at < last && falls(at); at += step) { }
-            at = light.tailOver(from, at, last);
-            const double fibreFrom = std::max(fibreBegins, from - 20.0 * w);
-            if (trace.mean_dB(at, at + w) > trace.mean_dB(from - w, from) + threshold_dB
-                || isLaunch(at, extent) || behindIt.follows(fibreFrom, from, at, threshold_dB)) {
-                continue;
-            }
-            if (const auto seen = behindIt.seenFrom(fibreBegins, from, at, threshold_dB)) {
-                at = std::max(at, *seen);
-                continue;
-            }
-            if (const auto drop = piece.dropBehind(from, top, before)) {
-                fibreBegins = *drop;
-                at = std::max(*drop, from);
-                continue;
-            }
-            if (const auto later = light.endsSuddenly(from, at, last)) {
-                fibreBegins = at;
-                at = std::max(at, *later - 2.0 * w);
-                continue;
-            }
-            extent.end = foot(from, at, fibreFrom);
-            extent.kind = FibreExtent::End::Found;
-            break;
+            place = *next;
         }
-        refuseTail(extent, piece);
+        refuseTail(extent, judges.piece);
         extent.first = std::min(extent.first, extent.end);
         return extent;
     }
 
 private:
+    /// What tells fibre behind a change of the light from what is none.
+    struct Judges
+    {
+        FibreBehind fibre;
+        LightBehind light;
+        ShortFibre piece;
+    };
+
+    /// An index that the search has come to, and where the fibre begins that it looks back to.
+    struct Place
+    {
+        double at;
+        double fibreBegins;
+    };
+
+    /// Where the search goes on behind a change of the light; empty where the fibre ends there,
+    /// which the extent tells then.
+    [[nodiscard]] std::optional<Place> behindChange(const Place& seen, const Judges& judges,
+                                                    FibreExtent& extent) const
+    {
+        // What falls or rises here does so not before the windows that it was seen with.
+        const double from = seen.at + 0.5 * w;
+        const double last = extent.lastLit + visibleLength();
+        const double top = judges.light.peakOver(seen.at);
+        const double cord = judges.piece.fallenFrom(top);
+        const double before = trace.mean_dB(from - w, from);
+        if (top > seen.at && judges.piece.isPatchCord(cord, before)) {
+            return Place {std::max(cord, from), cord};
+        }
+        const double at = judges.light.tailOver(from, fallOver(top, last), last);
+        const double fibreFrom = std::max(seen.fibreBegins, from - kBeforePulses * w);
+        if (trace.mean_dB(at, at + w) > before + threshold_dB || isLaunch(at, extent)
+            || judges.fibre.follows(fibreFrom, from, at, threshold_dB)) {
+            return Place {at, seen.fibreBegins};
+        }
+        if (const auto plain = judges.fibre.seenFrom(seen.fibreBegins, from, at, threshold_dB)) {
+            return Place {std::max(at, *plain), seen.fibreBegins};
+        }
+        if (const auto drop = judges.piece.dropBehind(from, top, before)) {
+            return Place {std::max(*drop, from), *drop};
+        }
+        if (const auto later = judges.light.endsSuddenly(from, at, last)) {
+            return Place {std::max(at, *later - kFallPulses * w), at};
+        }
+        extent.end = foot(from, at, fibreFrom);
+        extent.kind = FibreExtent::End::Found;
+        return std::nullopt;
+    }
+
+    /// The first index behind another at which the light falls no longer.
+    [[nodiscard]] double fallOver(double at, double last) const
+    {
+        const double step = std::max(1.0, std::floor(w / 2.0));
+        while (at < last && falls(at)) {
+            at += step;
+        }
+        return at;
+    }
+
     /// By how much the light falls from one sample to the next, but for what only a tail does.
     [[nodiscard]] double fibreSlope_dB(const FibreExtent& extent) const
     {
