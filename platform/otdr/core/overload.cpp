@@ -3,8 +3,6 @@
 #include "platform/otdr/core/trace.h"
 
 #include <algorithm>
-#include <cmath>
-#include <cstddef>
 #include <cstdint>
 #include <limits>
 
