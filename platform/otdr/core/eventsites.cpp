@@ -52,9 +52,11 @@ constexpr double kMostGain_dB = 0.5;
 constexpr double kRecoveredPart = 0.5;
 
 /// What swings a receiver below the fibre is over within so many pulses; until then the light falls
-/// less than fibre does, by so many standard errors. The port is bright enough for that.
+/// less than fibre does, by so many standard errors. What then rises faster than before, by so
+/// many, is a gain. The port is bright enough for a swing.
 constexpr double kSwingPulses = 12.0;
 constexpr double kFlatErrors = 3.0;
+constexpr double kRiseErrors = 4.0;
 constexpr double kPort_dB = 10.0;
 
 } // namespace
@@ -292,7 +294,33 @@ bool EventSites::isSwing(double behind, const Site& next) const
     const auto between = fibreTrace->fit(behind, next.at);
     return between && between->line.samples >= kFewestSlopeSamples
         && between->line.slope_dB - usualSlope_dB
-        > kFlatErrors * std::hypot(between->slopeError_dB, slopeSpread_dB);
+        > kFlatErrors * std::hypot(between->slopeError_dB, slopeSpread_dB)
+        && !risesAtOnce(behind, next.at);
+}
+
+/// Whether light rises faster over the ramp of a gain than before it: a receiver swings back ever
+/// more slowly. A place that was not fitted yet may lie behind the ramp; where too little of the
+/// light since the reflection is left to compare with, nothing is known.
+bool EventSites::risesAtOnce(double behind, double index) const
+{
+    const double w = fibreTrace->scale().pulse;
+    const double gap = fibreTrace->gap();
+    const double half = std::max(1.0, 0.5 * w);
+    const double deviation =
+        fibreTrace->noise().sigma_dB(index) * std::sqrt(fibreTrace->noise().correlation() / half);
+    const double earliest = std::max(index - gap, behind + w + 2.0 * half);
+    for (double at = index; at >= earliest; at -= half) {
+        const double begin = std::max(behind, at - gap - half);
+        const double level = fibreTrace->mean_dB(at - half, at);
+        const double before = level - fibreTrace->mean_dB(begin, begin + half);
+        const double ramp = fibreTrace->mean_dB(at + gap, at + gap + half) - level;
+        const double longer = (gap + half) / (at - half - begin);
+        const double error = deviation * std::hypot(1.0, longer, 1.0 + longer);
+        if (ramp - longer * before > kRiseErrors * error) {
+            return true;
+        }
+    }
+    return false;
 }
 
 /// No connector gains so much: behind an overload the receiver recovers, and what seems to be lost

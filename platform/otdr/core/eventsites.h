@@ -119,6 +119,7 @@ private:
     void moveToBend(Site& site, double significance, double mostLeft) const;
     void moveToBends(double loss_dB, double significance, double mostLeft);
     [[nodiscard]] bool isSwing(double behind, const Site& next) const;
+    [[nodiscard]] bool risesAtOnce(double behind, double index) const;
     void dropRecoveries();
     [[nodiscard]] double foundationOf(const Site& site, double loss_dB, double significance) const;
     [[nodiscard]] std::optional<double> footOfBoth(const Site& first, const Site& second) const;

@@ -85,7 +85,7 @@ std::optional<double> LightBehind::endsSuddenly(double fall, double from, double
         if (top > at && isEcho(fall, at)) {
             continue;
         }
-        const double behind = top + kFallPulses * w;
+        const double behind = (top > at ? flankOver(top) : top) + kFallPulses * w;
         const auto line = trace.fit(at - length, at);
         // What goes on falling as before has not ended, nor does light that rises by chance.
         const double expected =
@@ -95,6 +95,19 @@ std::optional<double> LightBehind::endsSuddenly(double fall, double from, double
         }
     }
     return std::nullopt;
+}
+
+/// Where light that falls behind the top of a peak does so no longer, the higher the later, or
+/// hardly more of the record follows.
+double LightBehind::flankOver(double top) const
+{
+    const double step = std::max(1.0, std::floor(w / 2.0));
+    const double last = trace.size() - (kFallPulses + kGonePulses) * w - step;
+    double i = top;
+    while (i < last && trace.mean_dB(i, i + w) - trace.mean_dB(i + w, i + 2.0 * w) > kEven_dB) {
+        i += step;
+    }
+    return i;
 }
 
 /// Light that goes from the port to the fall and back twice comes from twice as far.

@@ -29,6 +29,7 @@ public:
     [[nodiscard]] std::optional<double> endsSuddenly(double fall, double from, double last) const;
 
 private:
+    [[nodiscard]] double flankOver(double top) const;
     [[nodiscard]] bool isEcho(double fall, double at) const;
     [[nodiscard]] bool isEvenBefore(double at) const;
 

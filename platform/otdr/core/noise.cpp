@@ -317,8 +317,9 @@ void NoiseProfile::measureFloor(const Trace& trace, double pulse)
             dark = last;
         }
     }
-    const bool isWhole = last == n && !sigmas.empty();
-    const double scatter = isWhole ? sigmas.back() : endScatter_dB(trace, blockSize, pulse);
+    // Of a record that ends soon behind the stretch, most of what is looked at last is fibre.
+    const bool endsSoon = 2 * (n - last) < blockSize && !sigmas.empty();
+    const double scatter = endsSoon ? sigmas.back() : endScatter_dB(trace, blockSize, pulse);
     rms = dark.isNoise ? dark.rms_dB : dark.median_dB + levelOfRatio_dB(scatter / kDbPerRelative);
     if (dark.isEmpty) {
         rms = std::max(rms, dark.median_dB);

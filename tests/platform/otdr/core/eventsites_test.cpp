@@ -413,11 +413,11 @@ double swung_dB(double index, double depth_dB)
 }
 
 /// Places at the reflection and where the receiver has swung back, and the loss of the first.
-EventSites swungSites(const DrawnFibre& fibre)
+EventSites swungSites(const DrawnFibre& fibre, double backAt = 2000.0 + 5.0 * kPulse)
 {
     EventSites sites(*fibre, 60.0, 5900.0);
     Site back;
-    back.at = 2000.0 + 5.0 * kPulse;
+    back.at = backAt;
     back.behind = back.at + 2.0 * kPulse;
     Site bright = peakAt(fibre, 2000.0, 12.0);
     bright.behind = 2000.0 + 2.5 * kPulse; // its flank is over
@@ -462,6 +462,25 @@ TEST(EventSites, AGainBehindAReflectionIsOneWhereTheFibreBetweenThemIsStraight)
     const double back = 2000.0 + 5.0 * kPulse;
     const DrawnFibre fibre = fibreWith({{2000.0, 0.2, 12.0}, {back, -0.2}}, 0.003);
     EXPECT_EQ(placesOf(swungSites(fibre)), (std::vector<double> {2000.0, back}));
+}
+
+/// Fibres of one link need not fall alike, and a receiver may swing on the way to a gain. Wherever
+/// in the ramp the gain was seen first, it comes at once.
+TEST(EventSites, AGainBehindAReflectionIsOneWhereTheFibreBetweenThemIsFlatter)
+{
+    const double foot = 2000.0 + 7.0 * kPulse;
+    for (const double depth_dB : {0.0, 0.05}) {
+        for (const double late : {0.0, 0.5 * kPulse, kPulse}) {
+            const DrawnFibre plain = fibreWith({{2000.0, 0.2, 12.0}, {foot, -0.2}}, 0.003);
+            const DrawnFibre fibre(6000, scaleOf(kPulse, 2000.0), [&](double i) {
+                const double flatter_dB = 0.0004 * std::clamp(i - 2000.0, 0.0, foot - 2000.0);
+                return plain->samples().level_dB(static_cast<std::size_t>(i)) + flatter_dB
+                    + swung_dB(i, depth_dB);
+            });
+            EXPECT_EQ(placesOf(swungSites(fibre, foot + late)).size(), 2U)
+                << depth_dB << ' ' << late;
+        }
+    }
 }
 
 } // namespace

@@ -106,6 +106,23 @@ TEST(LightBehind, EndsWhereEvenLightFallsIntoDarkness)
     EXPECT_NEAR(endsBehind(endingAt600(7.0, 0.0, 5.0)), 600.0, kSeenAhead);
 }
 
+/// The higher a reflection overloads the receiver, the later is it down.
+TEST(LightBehind, EndsBehindAPeakHoweverLongItComesDown)
+{
+    const auto peakThen = [](double fall_dB, double light_dB) {
+        return [=](double b) {
+            const double flank_dB = 50.0 - fall_dB * (b - 600.0) / kPulse;
+            return b < 600.0 ? 30.0 : std::max(light_dB, flank_dB);
+        };
+    };
+    for (const double fall_dB : {1.2, 1.5, 2.0, 4.0}) {
+        EXPECT_NEAR(endsBehind(peakThen(fall_dB, 1.0)), 600.0, kSeenAhead) << fall_dB;
+        EXPECT_EQ(endsBehind(peakThen(fall_dB, 30.0)), -1.0) << fall_dB << ", the light goes on";
+    }
+    const auto toTheEnd = [](double b) { return b < 4850.0 ? 30.0 : 50.0 - 0.1 * (b - 4850.0); };
+    EXPECT_EQ(endsBehind(toTheEnd), -1.0) << "hardly any of the record follows";
+}
+
 TEST(LightBehind, DoesNotEndWhereItFades)
 {
     for (const double fall_dB : {0.05, 0.1, 0.5, 2.0, 8.0}) {

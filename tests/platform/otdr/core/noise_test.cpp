@@ -175,6 +175,27 @@ TEST(NoiseProfile, FloorOfLiftedDarknessIsToldByItsOwnScatter)
     EXPECT_NEAR(NoiseProfile(trace, 10.0, 0, 7000).rms_dB(), 12.0, 0.7) << "of the fibre alone";
 }
 
+/// What is looked at last is fibre but for the little darkness behind it: its level tells the floor
+/// with its own scatter, not with that of the darkness.
+TEST(NoiseProfile, FloorOfARecordThatEndsSoonIsToldByTheFibre)
+{
+    for (const std::uint64_t seed : {3, 4, 5, 6}) {
+        const auto fibre = TraceBuilder().fibre(8_km).launch(25_dB).noise(0.1_dB, seed).build();
+        std::vector<std::uint16_t> counts(fibre->samples().begin(), fibre->samples().end());
+        const double floor_dB = profileOf(*fibre, 20.0).rms_dB();
+        const std::size_t lit = counts.size();
+        std::mt19937_64 random(seed);
+        std::normal_distribution<double> power(0.0, 1.0);
+        for (int i = 0; i < 95; ++i) {
+            const double level_dB = floor_dB + 5.0 * std::log10(std::max(0.01, power(random)));
+            counts.push_back(
+                static_cast<std::uint16_t>(65535.0 - 1000.0 * std::max(0.0, level_dB)));
+        }
+        const otdr::Trace trace(otdr::RawSamples(counts), 0.001, fibre->axis());
+        EXPECT_NEAR(NoiseProfile(trace, 20.0, 0, lit).rms_dB(), floor_dB, 0.7) << seed;
+    }
+}
+
 /// s = 2.17 x 10^((floor - level) / 5): the scatter of the last of the fibre tells the floor.
 TEST(NoiseProfile, FloorBelowTheRecordFollowsFromTheScatter)
 {
