@@ -24,6 +24,7 @@ waveform_test(otdr_core_numeric_test
         linefit_test.cpp
         loss_test.cpp
         noise_test.cpp
+        noisefloor_test.cpp
         overload_test.cpp
         peakgroup_test.cpp
         prefixsums_test.cpp
