@@ -1,8 +1,12 @@
 #include "platform/otdr/event.h"
 
+#include "platform/otdr/eventnumbers.h"
+
 #include <QStringList>
 
+#include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <tuple>
 
 namespace {
@@ -39,21 +43,8 @@ bool Event::isKnown(double value)
 QString Event::toString() const
 {
     QStringList words {QString(QLatin1Char(type)), "position", QString::number(position)};
-    const std::pair<const char*, double> values[] = {
-        {"coordinate", coordinate},
-        {"width", width},
-        {"loss", loss},
-        {"reflIn", reflIn},
-        {"reflOut", reflOut},
-        {"reflectance", reflectance},
-        {"orl", orl},
-        {"length", length},
-        {"attenuationBefore", attenuationBefore},
-        {"beforeFrom", beforeFrom},
-        {"behindFrom", behindFrom},
-        {"behindTo", behindTo},
-    };
-    for (const auto& [key, value] : values) {
+    for (const auto& [key, number] : kEventNumbers) {
+        const double value = this->*number;
         if (isKnown(value)) {
             words << key << QString::number(value, 'g', 17); // enough digits to come back the same
         }
@@ -68,11 +59,8 @@ QString Event::toString() const
 bool operator==(const Event& a, const Event& b)
 {
     return a.type == b.type && a.position == b.position && a.saturated == b.saturated
-        && same(a.coordinate, b.coordinate) && same(a.width, b.width) && same(a.loss, b.loss)
-        && same(a.reflIn, b.reflIn) && same(a.reflOut, b.reflOut)
-        && same(a.reflectance, b.reflectance) && same(a.orl, b.orl) && same(a.length, b.length)
-        && same(a.attenuationBefore, b.attenuationBefore) && same(a.beforeFrom, b.beforeFrom)
-        && same(a.behindFrom, b.behindFrom) && same(a.behindTo, b.behindTo);
+        && std::all_of(std::begin(kEventNumbers), std::end(kEventNumbers),
+                       [&](const auto& one) { return same(a.*one.second, b.*one.second); });
 }
 
 bool operator<(const Event& a, const Event& b)

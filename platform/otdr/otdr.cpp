@@ -1,13 +1,15 @@
 #include "platform/otdr/otdr.h"
 
 #include "platform/otdr/core/constants.h"
+#include "platform/otdr/eventnumbers.h"
 #include "platform/otdr/reflectogram.h"
 
 #include <QStringList>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <map>
+#include <iterator>
 
 namespace {
 
@@ -24,22 +26,9 @@ bool isEventType(QChar c)
 /// The number of an event that a word of its text stands for; null for a word that is not known.
 double Event::*numberNamed(const QString& key)
 {
-    static const std::map<QString, double Event::*> numbers = {
-        {"coordinate", &Event::coordinate},
-        {"width", &Event::width},
-        {"loss", &Event::loss},
-        {"reflIn", &Event::reflIn},
-        {"reflOut", &Event::reflOut},
-        {"reflectance", &Event::reflectance},
-        {"orl", &Event::orl},
-        {"length", &Event::length},
-        {"attenuationBefore", &Event::attenuationBefore},
-        {"beforeFrom", &Event::beforeFrom},
-        {"behindFrom", &Event::behindFrom},
-        {"behindTo", &Event::behindTo},
-    };
-    const auto number = numbers.find(key);
-    return number != numbers.end() ? number->second : nullptr;
+    const auto* const known = std::find_if(std::begin(kEventNumbers), std::end(kEventNumbers),
+                                           [&](const auto& one) { return key == one.first; });
+    return known != std::end(kEventNumbers) ? known->second : nullptr;
 }
 
 /// Puts one value of a text into its event; false where it is none.

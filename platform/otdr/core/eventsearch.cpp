@@ -125,6 +125,11 @@ void EventSearch::beginWith(double timeConstant)
 {
     fibre.setTimeConstant(timeConstant);
     ends = findFibre(fibre, settings.end_dB);
+    forgetPlaces();
+}
+
+void EventSearch::forgetPlaces()
+{
     sites = EventSites(fibre, ends.first, ends.end);
     scannedForPeaks.clear();
     scannedForSteps.clear();

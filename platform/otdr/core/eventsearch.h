@@ -58,6 +58,7 @@ private:
     [[nodiscard]] double soughtHeight_dB() const;
     [[nodiscard]] double listedHeight_dB() const;
     bool learnNoise();
+    void forgetPlaces();
     void lookCloser();
     [[nodiscard]] bool loses() const;
     [[nodiscard]] bool strayingHides(const NoiseProfile& noise) const;

@@ -53,9 +53,7 @@ void EventSearch::lookCloser()
     const NoiseProfile thought = fibre.noise();
     const EventSites known = sites;
     fibre.setNoise(fibre.noiseBetween({}, ends.end, kCloserReach));
-    scannedForPeaks.clear();
-    scannedForSteps.clear();
-    sites = EventSites(fibre, ends.first, ends.end);
+    forgetPlaces();
     findAll();
     NoiseProfile shown = fibre.noiseBetween(disturbances(), ends.end, kCloserReach);
     const bool explains = kOtherNoise * shown.wander_dB() < thought.wander_dB();

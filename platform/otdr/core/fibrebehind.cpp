@@ -22,9 +22,8 @@ constexpr double kFewestBehind = 64.0;
 constexpr double kFewestPulses = 3.0;
 constexpr double kLongestTailPulses = 30.0;
 
-/// Fibres of one link fall alike: steeper than so many dB/km, and by this factor, is a tail. A line
+/// Fibres of one link fall alike: steeper than steep fibre, and by this factor, is a tail. A line
 /// tells the slope of the fibre before if that is its error.
-constexpr double kSlope_dBPerKm = 0.7;
 constexpr double kTellingError_dBPerKm = 0.2;
 constexpr double kSteeper = 3.0;
 
@@ -230,7 +229,7 @@ bool FibreBehind::isPlain(double from, double to, const std::optional<SideLine>&
     const double fall = -piece->line.line.slope_dB * kilometre;
     const double most = tells(before)
         ? kHardlySteeper * -before->line.slope_dB * kilometre + kLeastFall_dBPerKm
-        : kSlope_dBPerKm;
+        : kSteepFibre_dBPerKm;
     const double bend =
         std::max(kChance * piece->bendError_dB, kBendPart * -piece->line.line.slope_dB);
     return error < kPlainError_dBPerKm && fall > std::max(kLeastFall_dBPerKm, 2.0 * error)
@@ -251,7 +250,7 @@ bool FibreBehind::isSteeper(const SideLine& line, const std::optional<SideLine>&
     }
     const double usual =
         tells(before) ? std::max(0.0, -before->line.slope_dB) + 3.0 * before->slopeError_dB : 0.0;
-    const double most = std::max(kSlope_dBPerKm / kilometre, kSteeper * usual);
+    const double most = std::max(kSteepFibre_dBPerKm / kilometre, kSteeper * usual);
     return -line.line.slope_dB > most + 3.0 * line.slopeError_dB;
 }
 

@@ -10,6 +10,9 @@ namespace otdr {
 /// fibre, dB.
 constexpr double kPlainAboveNoise_dB = 4.0;
 
+/// What single-mode fibre loses in a kilometre at most.
+constexpr double kSteepFibre_dBPerKm = 0.7;
+
 /// Across so many pulses a fall is looked for: the light before and behind it is undisturbed by the
 /// pulse itself.
 constexpr double kFallPulses = 2.0;

@@ -43,9 +43,9 @@ constexpr double kFewestShort = 5.0;
 /// Within a pulse fibre falls by what it usually does but for so much.
 constexpr double kLevel_dB = 0.1;
 
-/// No fibre falls by more than both, within a kilometre and within a pulse: those that fall steeply
-/// are measured with short pulses. The tail of an overload may be longer than the fibre before it.
-constexpr double kSlope_dBPerKm = 0.7;
+/// No fibre falls both by more than a steep one and by more than this within a pulse: those that
+/// fall steeply are measured with short pulses. The tail of an overload may be longer than the
+/// fibre before it.
 constexpr double kPulseFall_dB = 0.5;
 
 /// Neighbours that pass the same receiver are alike; samples so many pulses apart, hardly.
@@ -79,6 +79,7 @@ public:
     EndSearch(const FibreTrace& trace, double threshold_dB)
         : trace(trace)
         , w(trace.scale().pulse)
+        , step(std::max(1.0, std::floor(0.5 * w)))
         , threshold_dB(threshold_dB)
     {
     }
@@ -94,7 +95,6 @@ public:
         const Judges judges {FibreBehind(trace, extent.lastLit, usualSlope_dB),
                              LightBehind(trace, threshold_dB),
                              ShortFibre(trace, threshold_dB, usualSlope_dB)};
-        const double step = std::max(1.0, std::floor(w / 2.0));
         Place place {extent.first + w, extent.first};
         for (; place.at < extent.lastLit + visibleLength(); place.at += step) {
             const double change = changeAt_dB(trace, place.at, usualSlope_dB);
@@ -165,7 +165,6 @@ private:
     /// The first index behind another at which the light falls no longer.
     [[nodiscard]] double fallOver(double at, double last) const
     {
-        const double step = std::max(1.0, std::floor(w / 2.0));
         while (at < last && falls(at)) {
             at += step;
         }
@@ -178,7 +177,7 @@ private:
         const double usual_dB = trace.usualSlope_dB(extent.first, extent.lastLit);
         const double kilometre = trace.scale().kilometre;
         const double most_dB =
-            kilometre > 0.0 ? std::max(kSlope_dBPerKm / kilometre, kPulseFall_dB / w) : 0.0;
+            kilometre > 0.0 ? std::max(kSteepFibre_dBPerKm / kilometre, kPulseFall_dB / w) : 0.0;
         return most_dB > 0.0 ? std::max(usual_dB, -most_dB) : usual_dB;
     }
 
@@ -338,7 +337,6 @@ private:
     [[nodiscard]] Straight straightBefore(double index, double fibreFrom) const
     {
         const double longest = kFootFitPulses * w;
-        const double step = std::max(1.0, std::floor(0.5 * w));
         for (double until = index; until > index - longest; until -= step) {
             for (double length = longest; length > kLeastFitPulses * w && length >= kFewestShort;
                  length *= 0.5) {
@@ -418,6 +416,7 @@ private:
 
     const FibreTrace& trace;
     double w;
+    double step; ///< from one index that is looked at to the next
     double threshold_dB;
     double usualSlope_dB = 0.0; ///< of the fibre, by the sample
 };

@@ -32,6 +32,7 @@ constexpr double kEchoPulses = 4.0;
 LightBehind::LightBehind(const FibreTrace& trace, double threshold_dB)
     : trace(trace)
     , w(trace.scale().pulse)
+    , step(std::max(1.0, std::floor(w / 2.0)))
     , threshold_dB(threshold_dB)
 {
 }
@@ -52,7 +53,6 @@ double LightBehind::peakOver(double at) const
 
 double LightBehind::tailOver(double from, double at, double last) const
 {
-    const double step = std::max(1.0, std::floor(w / 2.0));
     const double most = trace.mean_dB(from - w, from) + threshold_dB;
     double lowest = trace.mean_dB(at, at + w);
     const auto fallsBy = [&](double i) {
@@ -71,7 +71,6 @@ double LightBehind::tailOver(double from, double at, double last) const
 
 std::optional<double> LightBehind::endsSuddenly(double fall, double from, double last) const
 {
-    const double step = std::max(1.0, std::floor(w / 2.0));
     const double least = trace.noise().rms_dB() + kAboveNoise_dB;
     const double length = kEvenPulses * w;
     for (double at = from + length + kFallPulses * w; at < last; at += step) {
@@ -101,7 +100,6 @@ std::optional<double> LightBehind::endsSuddenly(double fall, double from, double
 /// hardly more of the record follows.
 double LightBehind::flankOver(double top) const
 {
-    const double step = std::max(1.0, std::floor(w / 2.0));
     const double last = trace.size() - (kFallPulses + kGonePulses) * w - step;
     double i = top;
     while (i < last && trace.mean_dB(i, i + w) - trace.mean_dB(i + w, i + 2.0 * w) > kEven_dB) {

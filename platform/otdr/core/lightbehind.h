@@ -35,6 +35,7 @@ private:
 
     const FibreTrace& trace;
     double w;
+    double step; ///< from one index that is looked at to the next
     double threshold_dB;
 };
 

@@ -63,22 +63,15 @@ bool isEven(const Trace& trace, std::size_t first, std::size_t last)
         < kLight_dB;
 }
 
-/// Whether most neighbours are equal.
-bool isEvenWithin(const Trace& trace, std::size_t first, std::size_t last, std::size_t stride)
+/// What neighbours tell of the steps that a trace was measured in.
+struct Rounding
 {
-    const RawSamples& counts = trace.samples();
-    std::size_t equal = 0;
-    std::size_t pairs = 0;
-    for (std::size_t i = first; i + 1 < last; i += stride) {
-        equal += counts[i + 1] == counts[i] ? 1 : 0;
-        ++pairs;
-    }
-    return 2 * equal > pairs;
-}
+    bool isCoarse = false; ///< most neighbours are equal
+    double scatter_dB = 0.0; ///< what it scatters by, where most of the others differ by much the
+                             ///< same, which is the step then; else 0
+};
 
-/// What rounding scatters by, dB: where most neighbours are equal, and most of the others differ by
-/// much the same, that is the step which they were measured with. Else 0.
-double roundingOf_dB(const Trace& trace, std::size_t first, std::size_t last, std::size_t stride)
+Rounding roundingOf(const Trace& trace, std::size_t first, std::size_t last, std::size_t stride)
 {
     const RawSamples& counts = trace.samples();
     std::vector<int> steps;
@@ -90,24 +83,25 @@ double roundingOf_dB(const Trace& trace, std::size_t first, std::size_t last, st
         }
         ++pairs;
     }
-    if (2 * steps.size() > pairs || steps.size() < kFewestSteps) {
-        return 0.0;
+    Rounding rounding;
+    rounding.isCoarse = pairs > 0 && 2 * steps.size() <= pairs;
+    if (rounding.isCoarse && steps.size() >= kFewestSteps) {
+        const double step = medianOf(steps);
+        const auto alike = std::count_if(steps.begin(), steps.end(), [&](int other) {
+            return std::abs(other - step) < kSameStep * step;
+        });
+        const bool isStep = 2 * static_cast<std::size_t>(alike) > steps.size();
+        rounding.scatter_dB = isStep ? step * trace.dbPerCount() / std::sqrt(12.0) : 0.0;
     }
-    const double step = medianOf(steps);
-    const auto alike = std::count_if(steps.begin(), steps.end(), [&](int other) {
-        return std::abs(other - step) < kSameStep * step;
-    });
-    const bool isStep = 2 * static_cast<std::size_t>(alike) > steps.size();
-    return isStep ? step * trace.dbPerCount() / std::sqrt(12.0) : 0.0;
+    return rounding;
 }
 
-/// What the last so many samples of a record scatter by, dB: darkness, or fibre that reaches them.
-double endScatter_dB(const Trace& trace, std::size_t samples, double pulse)
+/// What the samples first .. last - 1 scatter by, dB, by differences over a pulse.
+double scatterWithin_dB(const Trace& trace, double pulse, std::size_t first, std::size_t last)
 {
     const auto lag = static_cast<std::size_t>(std::max(1.0, std::round(pulse)));
-    const std::size_t first = trace.size() - std::min(trace.size(), samples);
-    const double scatter = scatterOf_dB(trace, first, trace.size(), lag);
-    return std::clamp(scatter, NoiseProfile::kLeastSigma_dB, kMostSigma_dB);
+    const double sigma = scatterOf_dB(trace, first, last, lag);
+    return std::clamp(sigma, NoiseProfile::kLeastSigma_dB, kMostSigma_dB);
 }
 
 } // namespace
@@ -162,8 +156,9 @@ void NoiseProfile::measureScatter(const Trace& trace, double pulse)
         if (differences.size() >= kFewestDifferences || sigmas.empty()) {
             sigma = differences.empty() ? kLeastSigma_dB : scatterBy_dB(trace, differences);
         }
-        evenBlocks += isEvenWithin(trace, from, end, stride) ? 1 : 0;
-        const double least = std::max(kLeastSigma_dB, roundingOf_dB(trace, from, end, stride));
+        const Rounding rounding = roundingOf(trace, from, end, stride);
+        coarseBlocks += rounding.isCoarse ? 1 : 0;
+        const double least = std::max(kLeastSigma_dB, rounding.scatter_dB);
         sigmas.push_back(std::clamp(sigma, least, kMostSigma_dB));
     }
 }
@@ -218,9 +213,8 @@ std::optional<double> NoiseProfile::scatterBetween(const Trace& trace, double pu
     if (end - begin < static_cast<double>(2 * lag + kFewestBetween)) {
         return std::nullopt;
     }
-    const double sigma =
-        scatterOf_dB(trace, static_cast<std::size_t>(begin), static_cast<std::size_t>(end), lag);
-    return std::clamp(sigma, kLeastSigma_dB, kMostSigma_dB);
+    return scatterWithin_dB(trace, pulse, static_cast<std::size_t>(begin),
+                            static_cast<std::size_t>(end));
 }
 
 /// By how much weaker the light is behind a fall; NaN where nothing is left of the stretch there.
@@ -319,7 +313,8 @@ void NoiseProfile::measureFloor(const Trace& trace, double pulse)
     }
     // Of a record that ends soon behind the stretch, most of what is looked at last is fibre.
     const bool endsSoon = 2 * (n - last) < blockSize && !sigmas.empty();
-    const double scatter = endsSoon ? sigmas.back() : endScatter_dB(trace, blockSize, pulse);
+    const double scatter =
+        endsSoon ? sigmas.back() : scatterWithin_dB(trace, pulse, n - std::min(n, blockSize), n);
     rms = dark.isNoise ? dark.rms_dB : dark.median_dB + levelOfRatio_dB(scatter / kDbPerRelative);
     if (dark.isEmpty) {
         rms = std::max(rms, dark.median_dB);

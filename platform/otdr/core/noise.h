@@ -55,7 +55,7 @@ public:
     [[nodiscard]] bool isMoreThanRoundings() const { return isNoise; }
 
     /// Whether most of the fibre was measured in steps that are greater than its noise.
-    [[nodiscard]] bool isRounded() const { return 2 * evenBlocks > sigmas.size(); }
+    [[nodiscard]] bool isRounded() const { return 2 * coarseBlocks > sigmas.size(); }
 
     /// Level of light as strong as the RMS noise (SNR = 1), dB. Where the record does not reach the
     /// noise it follows from the scatter of its last part.
@@ -104,7 +104,7 @@ private:
     double reach;
     std::size_t blockSize = 1;
     std::vector<double> sigmas; ///< of each block
-    std::size_t evenBlocks = 0;
+    std::size_t coarseBlocks = 0; ///< those in which most neighbours are equal
     std::vector<double> falls; ///< indices at which the scatter changes at once
     std::vector<double> beforeFalls; ///< what it is in front of each
     double alike = 1.0;
