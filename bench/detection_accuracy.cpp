@@ -43,6 +43,7 @@ using gather::TruthEvent;
 using otdr::DetectedEvent;
 
 constexpr int kWavelength_nm = 1550;
+constexpr double kFewestOfLine = 8.0; // samples
 constexpr double kNoiseLevel_dB = 6.0; // of the simulated instrument
 
 /// One link, its trace, what is on it and what was found.
@@ -131,7 +132,7 @@ private:
     {
         double level_dB = 0.0; ///< of the fibre before it
         double sigma_dB = 0.0; ///< of a sample there
-        double bound_dB = 0.0; ///< standard error of its loss by the lines beside it
+        double bound_dB = 0.0; ///< standard error of its loss by the lines beside it, if any
         double height_dB = 0.0; ///< of its peak
         bool isPeak = false; ///< told by its peak; otherwise by its step
     };
@@ -157,6 +158,11 @@ private:
         seen.launch_dB = source.launchLevel_dB();
         seen.noise_dB = kNoiseLevel_dB;
         seen.correlation = correlation;
+        seen.overload_dB = gather::kSaturation_dB;
+        seen.recovery = KnownLink::kRecovered * gather::kRecoveryPulses * pulse;
+        seen.tailPart = gather::kTailPart;
+        seen.tailSamples =
+            gather::kTailTimeConstants * gather::timeConstant_ns(row.pulse_ns) / interval_ns;
         return seen;
     }
 
@@ -185,13 +191,15 @@ private:
         const TruthEvent& event = known->truth()[k];
         const KnownLink::Sides sides = known->sidesOf(k);
         const double fewest = std::min(2.0 * gap, 4500.0 / known->metresOf(1.0));
-        if (known->indexOf(event) < 3.0 * gap || sides.left < fewest || sides.right < fewest) {
+        if (known->indexOf(event) < 3.0 * gap || sides.left < fewest
+            || sides.right + sides.late < fewest) {
             return;
         }
         Expected expected;
         expected.level_dB = known->levelBefore(known->indexOf(event));
         expected.sigma_dB = known->sigmaAt(expected.level_dB);
-        expected.bound_dB = known->boundOf(k, sides);
+        const bool hasLines = std::min(sides.left, sides.right) >= kFewestOfLine;
+        expected.bound_dB = hasLines ? known->boundOf(k, sides) : NAN;
         expected.height_dB = known->heightOf(event);
         const bool isStep = std::abs(event.apparentLoss_dB) >= 8.0 * expected.bound_dB
             && std::abs(event.apparentLoss_dB) >= 0.02;
@@ -231,9 +239,11 @@ private:
         }
         if (!std::isnan(nearest.loss_dB)) {
             figures.lossOff_dB.push_back(nearest.loss_dB - event.apparentLoss_dB);
-            figures.lossOff.push_back((nearest.loss_dB - event.apparentLoss_dB)
-                                      / expected.bound_dB);
-            if (prints && std::abs(figures.lossOff.back()) > 5.0) {
+            const double inBounds = (nearest.loss_dB - event.apparentLoss_dB) / expected.bound_dB;
+            if (!std::isnan(inBounds)) {
+                figures.lossOff.push_back(inBounds);
+            }
+            if (prints && std::abs(inBounds) > 5.0) {
                 std::printf("  loss at %.1f: %.4f for %.4f, bound %.5f, off %.2f samples, h %.2f\n",
                             known->indexOf(event), nearest.loss_dB, event.apparentLoss_dB,
                             expected.bound_dB, off, expected.height_dB);

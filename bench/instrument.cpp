@@ -279,7 +279,7 @@ Sight sightOf(const gather::Fibre& fibre, int wavelength_nm, const Instrument& i
     sight.fading_dB = instrument.fading_dB;
     sight.offset = instrument.offset;
     sight.overload_dB = instrument.overload_dB;
-    sight.recovery = 10.0 * instrument.recovery * sight.pulse; // what is left then: 0.0001
+    sight.recovery = KnownLink::kRecovered * instrument.recovery * sight.pulse;
     sight.leastEcho_dB = kNoiseLevel_dB - kHiddenEcho_dB;
     return sight;
 }

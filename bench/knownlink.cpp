@@ -17,6 +17,9 @@ constexpr double kDbPerRelative = 2.1715; // 5 / ln 10
 constexpr double kLongestLine_m = 5000.0;
 constexpr double kSamePlace = 1e-6; // samples
 
+/// Light that comes late is gone when it lifts the fibre by no more than this.
+constexpr double kHiddenTail_dB = 0.001;
+
 /// Noise of less than this part of a count does not spread the samples over two counts.
 constexpr double kNoiseThatSpreads = 0.3;
 
@@ -118,6 +121,19 @@ double KnownLink::sigmaAt(double level_dB) const
                       sight.rounding_dB);
 }
 
+/// Samples behind an event until the receiver is back from its overload, and its late light gone.
+double KnownLink::lateBehind(const TruthEvent& event) const
+{
+    if (event.ghost) {
+        return 0.0;
+    }
+    const double most_dB = sight.launch_dB + sight.overload_dB - levelBefore(indexOf(event));
+    const double light = std::pow(10.0, std::min(heightOf(event), most_dB) / 5.0) - 1.0;
+    const double lifted_dB = kDbPerRelative * sight.tailPart * light;
+    return std::max(overloads(event) ? sight.recovery : 0.0,
+                    sight.tailSamples * std::log(std::max(1.0, lifted_dB / kHiddenTail_dB)));
+}
+
 KnownLink::Sides KnownLink::sidesOf(std::size_t k) const
 {
     const double at = indexOf(events[k]);
@@ -130,17 +146,17 @@ KnownLink::Sides KnownLink::sidesOf(std::size_t k) const
     double late = 0.0;
     for (std::size_t i = 0; i < events.size(); ++i) {
         const double other = indexOf(events[i]);
-        const double tail = sight.recovery > 0.0 && overloads(events[i]) ? sight.recovery : 0.0;
         if (i != k && std::abs(other - at) < kSamePlace) {
             continue; // at one place
         }
+        const double tail = lateBehind(events[i]);
         from = i != k && other < at ? std::max(from, other + tail) : from;
         to = i != k && other > at ? std::min(to, other) : to;
         late = i == k ? tail : late;
     }
     const double longest = kLongestLine_m / (metresOf(1.0) - metresOf(0.0));
-    return {std::min(longest, at - from - sight.gap),
-            std::min(longest, to - at - late - sight.gap)};
+    return {std::min(longest, at - from - sight.gap), std::min(longest, to - at - late - sight.gap),
+            late};
 }
 
 /// Of a mean over many samples, times their number.
@@ -161,8 +177,9 @@ double KnownLink::boundOf(std::size_t k, const Sides& sides) const
         const double d = n / 2.0 + away;
         return varianceAt(at_dB) * (1.0 / n + 12.0 * d * d / (n * n * n));
     };
-    return std::sqrt(variance(sides.left, 0.0, level)
-                     + variance(sides.right, sight.gap, level - events[k].apparentLoss_dB));
+    return std::sqrt(
+        variance(sides.left, 0.0, level)
+        + variance(sides.right, sight.gap + sides.late, level - events[k].apparentLoss_dB));
 }
 
 } // namespace accuracy

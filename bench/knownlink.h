@@ -22,7 +22,9 @@ struct Sight
     double fading_dB = 0.0; ///< RMS of coherent noise, alike for a pulse
     double offset = 0.0; ///< of darkness from no light, by the noise
     double overload_dB = 1e9; ///< above the port, from here on light is clipped
-    double recovery = 0.0; ///< from an overload
+    double recovery = 0.0; ///< until the fibre is seen again behind what overloads
+    double tailPart = 0.0; ///< of all light, that comes late
+    double tailSamples = 1.0; ///< time constant of its coming
     double leastEcho_dB = -1e9; ///< echoes of a lower level are none
 };
 
@@ -30,6 +32,10 @@ struct Sight
 class KnownLink
 {
 public:
+    /// Time constants of its recovery after which a receiver is back from an overload: less than
+    /// 0.0001 of it is left.
+    static constexpr double kRecovered = 10.0;
+
     KnownLink(const gather::Fibre& fibre, int wavelength_nm, const Sight& sight);
 
     /// All that there is to see, in order: what neither takes light nor reflects it is none.
@@ -57,11 +63,13 @@ public:
     /// Standard deviation of a sample at a level, dB.
     [[nodiscard]] double sigmaAt(double level_dB) const;
 
-    /// Samples of undisturbed fibre on both sides of a true event.
+    /// Samples of undisturbed fibre on both sides of a true event, and those behind it that hold
+    /// the receiver's recovery and light that comes late.
     struct Sides
     {
         double left = 0.0;
         double right = 0.0;
+        double late = 0.0;
     };
 
     [[nodiscard]] Sides sidesOf(std::size_t k) const;
@@ -72,6 +80,7 @@ public:
 private:
     [[nodiscard]] double varianceAt(double level_dB) const;
     [[nodiscard]] bool isNothing(const gather::TruthEvent& event) const;
+    [[nodiscard]] double lateBehind(const gather::TruthEvent& event) const;
 
     gather::Fibre fibre;
     int wavelength_nm;

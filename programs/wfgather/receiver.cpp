@@ -15,13 +15,6 @@ constexpr double kTimeConstantPulses = 0.08;
 /// rise time (10 to 90 %) of 0.11 pulses.
 constexpr double kEdgePulses = 0.1;
 
-// Carriers that diffuse in the photodiode come late: a small part of the signal, slowly.
-constexpr double kTailPart = 0.003;
-constexpr double kTailTimeConstants = 8.0;
-
-/// Recovery from saturation, pulse widths.
-constexpr double kRecoveryPulses = 1.0;
-
 // The grid on which the signal is formed is finer than the samples.
 constexpr double kCellsPerPulse = 40.0;
 constexpr double kFewestCells = 4.0; // for each sample

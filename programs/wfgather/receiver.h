@@ -10,6 +10,14 @@ namespace gather {
 /// The receiver saturates this far above the backscatter at the port, dB of the trace.
 constexpr double kSaturation_dB = 15.0;
 
+/// Time constant of the receiver's recovery from saturation, pulse widths.
+constexpr double kRecoveryPulses = 1.0;
+
+/// Carriers that diffuse in the photodiode come late: this part of the signal, so many time
+/// constants of the low-pass more slowly.
+constexpr double kTailPart = 0.003;
+constexpr double kTailTimeConstants = 8.0;
+
 /// Time constant of the receiver's low-pass for a pulse: 8 % of its width, at least 1 ns.
 ///
 /// So short that the top of a reflection is reached within the pulse: what is measured of its

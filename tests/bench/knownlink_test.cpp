@@ -79,6 +79,47 @@ TEST(KnownLink, BoundsALossByTheErrorOfTwoLines)
     EXPECT_NEAR(link.boundOf(0, {900.0, 900.0}), std::hypot(error(29.0), error(28.5)), 1e-6);
 }
 
+/// A reflection of 25 dB above the fibre is one of 20 dB to a receiver that shows no more.
+TEST(KnownLink, FibreBehindABrightEventIsSeenWhenItsLateLightIsGone)
+{
+    gather::Fibre fibre = fibreWithLoss();
+    const double pulse_dB = 10.0 * std::log10(sight().pulse * sight().interval_ns);
+    const auto sidesWith = [&](double height_dB, const Sight& seen) {
+        fibre.events.front().reflectance_dB =
+            Spectrum(2.0 * height_dB + kBackscatter_dB + pulse_dB);
+        return KnownLink(fibre, kLinkWavelength_nm, seen).sidesOf(0);
+    };
+    Sight seen = sight();
+    EXPECT_EQ(sidesWith(15.0, seen).late, 0.0);
+    seen.tailPart = 0.001; // of 1000 times the light of the fibre: 2.2 dB
+    seen.tailSamples = 100.0;
+    const double late = 100.0 * std::log(2.1715 / 0.001);
+    EXPECT_NEAR(sidesWith(15.0, seen).late, late, 0.1);
+    EXPECT_NEAR(sidesWith(15.0, seen).right, 4900.0 - late, 0.1);
+    seen.overload_dB = 19.0; // at the port, which is a decibel brighter
+    EXPECT_NEAR(sidesWith(25.0, seen).late, sidesWith(20.0, seen).late, 1e-6);
+    seen.recovery = 2000.0;
+    EXPECT_EQ(sidesWith(25.0, seen).late, 2000.0);
+    EXPECT_NEAR(sidesWith(15.0, seen).late, late, 0.1);
+}
+
+/// Its line is told that far beyond itself.
+TEST(KnownLink, LateLightMakesALossLessCertain)
+{
+    Sight seen = sight();
+    seen.rounding_dB = 0.0;
+    const KnownLink link(fibreWithLoss(), kLinkWavelength_nm, seen);
+    const double near = link.boundOf(0, {900.0, 900.0});
+    const double far = link.boundOf(0, {900.0, 900.0, 900.0});
+    // The error of a line of n samples, d beside its middle: s sqrt(1 / n + 12 d^2 / n^3).
+    const auto error = [&](double level_dB, double away) {
+        const double d = 450.0 + away;
+        return link.sigmaAt(level_dB) * std::sqrt(1.0 / 900.0 + 12.0 * d * d / std::pow(900.0, 3));
+    };
+    EXPECT_NEAR(near, std::hypot(error(29.0, 0.0), error(28.5, 100.0)), 1e-9);
+    EXPECT_NEAR(far, std::hypot(error(29.0, 0.0), error(28.5, 1000.0)), 1e-9);
+}
+
 TEST(KnownLink, BoundsALossByCoherentNoiseToo)
 {
     Sight seen = sight();

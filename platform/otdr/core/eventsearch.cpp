@@ -95,6 +95,7 @@ EventSearch::EventSearch(const Trace& trace, const Measurement& measurement,
     if (learnFromSteps()) {
         findAll();
     }
+    sites.lengthenLines();
 }
 
 /// The receiver as the reflections of the trace show it, where they do.

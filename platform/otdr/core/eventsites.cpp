@@ -51,6 +51,10 @@ constexpr double kBorderWanders = 20.0;
 constexpr double kMostGain_dB = 0.5;
 constexpr double kRecoveredPart = 0.5;
 
+/// A line that begins far behind its event is so many times as long as it is told beyond itself.
+constexpr double kReaches = 4.0;
+constexpr double kSameErrors = 2.5;
+
 /// What swings a receiver below the fibre is over within so many pulses; until then the light falls
 /// less than fibre does, by so many standard errors. What then rises faster than before, by so
 /// many, is a gain. The port is bright enough for a swing.
@@ -174,6 +178,12 @@ void EventSites::measure(std::size_t k)
         site.clear = site.behind;
         site.right = lineBehind(site.behind, next);
     }
+    tellLoss(site);
+}
+
+/// The loss of a place from the lines beside it.
+void EventSites::tellLoss(Site& site) const
+{
     site.loss_dB = std::numeric_limits<double>::quiet_NaN();
     site.error_dB = site.loss_dB;
     if (site.left && site.right) {
@@ -182,6 +192,38 @@ void EventSites::measure(std::size_t k)
         const double seen = site.foot() + fibreTrace->shape().centre();
         site.loss_dB = site.left->at(seen) - site.right->at(seen);
         site.error_dB = std::hypot(site.left->errorAt_dB(seen), site.right->errorAt_dB(seen));
+    }
+}
+
+/// Whether one line explains both sides of a place where none was found, but for chance.
+bool EventSites::goesOn(double from, double at, double to) const
+{
+    const auto near = fibreTrace->fit(from, at);
+    const auto far = fibreTrace->fit(at, to);
+    if (!near || !far) {
+        return false;
+    }
+    const double step_dB = near->at(at) - far->at(at);
+    const double bend_dB = near->line.slope_dB - far->line.slope_dB;
+    return std::abs(step_dB) < kSameErrors * std::hypot(near->errorAt_dB(at), far->errorAt_dB(at))
+        && std::abs(bend_dB) < kSameErrors * std::hypot(near->slopeError_dB, far->slopeError_dB);
+}
+
+void EventSites::lengthenLines()
+{
+    for (std::size_t k = 0; k < places.size(); ++k) {
+        Site& site = places[k];
+        if (!site.right) {
+            continue;
+        }
+        const double last =
+            std::min(fibreTo(k + 1), site.clear + kReaches * (site.clear - site.foot()));
+        double to = site.clear + fibreTrace->scale().longestWindow;
+        while (to < last && goesOn(site.clear, to, std::min(last, 2.0 * to - site.clear))) {
+            to = std::min(last, 2.0 * to - site.clear);
+            site.right = side(site.clear, to);
+        }
+        tellLoss(site);
     }
 }
 

@@ -91,6 +91,10 @@ public:
     /// is not taken for a reflection, but it tells where the foot is.
     void findReflections(double leastHeight_dB, double significance);
 
+    /// Once all places are known: lines that begin far behind a bright event are made longer, for
+    /// they are told that far beyond themselves.
+    void lengthenLines();
+
     /// The undisturbed fibre between two places: from behind place k - 1 (the launch for 0) to the
     /// foot of place k (the end for one more than there are).
     [[nodiscard]] double fibreFrom(std::size_t k) const;
@@ -109,6 +113,8 @@ private:
     [[nodiscard]] std::optional<SideLine> lineBehind(double from, double to) const;
     [[nodiscard]] double brightness_dB(const Site& site, double to) const;
     void measure(std::size_t k);
+    void tellLoss(Site& site) const;
+    [[nodiscard]] bool goesOn(double from, double at, double to) const;
     using Stretch = std::pair<double, double>;
     [[nodiscard]] double strayOf(double change_dB, double samples) const;
     [[nodiscard]] double bendOf(const SideLine& left, const SideLine& right,
