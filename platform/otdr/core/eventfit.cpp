@@ -26,6 +26,28 @@ constexpr double kLeastPart = 1e-6;
 constexpr double kGapsBefore = 2.0;
 constexpr double kGapsBehind = 3.0;
 
+/// A reflection, so many pulses before its place and, with so many dead zones, a pulse behind it.
+constexpr double kPeakPulses = 2.0;
+constexpr double kPeakGaps = 2.0;
+
+/// Places are sought on a grid of so many to the pulse, and of so many samples at least, and then
+/// between its points by so many golden sections.
+constexpr double kPlacesPerPulse = 6.0;
+constexpr double kFinestGrid = 0.25;
+constexpr int kSections = 10;
+
+/// Long pulses are fitted by so many means each.
+constexpr double kMeansPerPulse = 16.0;
+
+/// The end's fall tells its foot down to this part of the light, for so many pulses, where it has
+/// left the fibre by so many standard deviations; the part is looked up in the ramp by so many
+/// halvings.
+constexpr double kFallenPart = 0.3;
+constexpr double kFallPulses = 2.0;
+constexpr double kFallSigmas = 4.0;
+constexpr double kLeastSlope = 1e-9;
+constexpr int kHalvings = 30;
+
 /// A fit as good as this is beyond what samples tell.
 constexpr double kLeastSquares = 1e-12;
 
@@ -49,7 +71,7 @@ double leastOf(Function&& cost, double from, double to, double step)
     double d = a + kGolden * (b - a);
     double atC = cost(c);
     double atD = cost(d);
-    for (int i = 0; i < 10; ++i) {
+    for (int i = 0; i < kSections; ++i) {
         if (atC < atD) {
             b = d;
             d = c;
@@ -65,6 +87,12 @@ double leastOf(Function&& cost, double from, double to, double step)
         }
     }
     return 0.5 * (a + b);
+}
+
+/// Step of the grid on which a place is sought, samples.
+double gridFor(double pulse)
+{
+    return std::max(kFinestGrid, pulse / kPlacesPerPulse);
 }
 
 /// Samples around a place, or means of a few each where the pulse is long.
@@ -84,8 +112,7 @@ struct Stretch
 
     Stretch(const FibreTrace& trace, double from, double to)
     {
-        constexpr double kPerPulse = 16.0;
-        const double step = std::max(1.0, std::floor(trace.scale().pulse / kPerPulse));
+        const double step = std::max(1.0, std::floor(trace.scale().pulse / kMeansPerPulse));
         width = step;
         const double end = std::min(to, trace.size());
         for (double i = std::max(0.0, std::ceil(from)); i + step <= end; i += step) {
@@ -266,10 +293,10 @@ private:
 PeakFit fitPeak(const FibreTrace& trace, double at, const Line& before, const Line& behind)
 {
     const double w = trace.scale().pulse;
-    const Stretch stretch(trace, std::max(at - 2.0 * w, before.first()),
-                          std::min(at + w + 2.0 * trace.gap(), behind.last() + 1.0));
+    const Stretch stretch(trace, std::max(at - kPeakPulses * w, before.first()),
+                          std::min(at + w + kPeakGaps * trace.gap(), behind.last() + 1.0));
     const LightOnRamp fits(trace, stretch, before, behind);
-    const double grid = std::max(0.25, w / 6.0);
+    const double grid = gridFor(w);
     const auto leastAt = [&](auto LightOnRamp::Fit::*squares) {
         return leastOf([&](double foot) { return fits.at(foot).*squares; }, at - w, at + w, grid);
     };
@@ -298,7 +325,7 @@ StepFit fitStep(const FibreTrace& trace, const PulseShape& shape, double at, dou
                           std::min(at + kGapsBehind * gap, behind.last() + 1.0));
     const RampMisfit misfit(shape, stretch, before, behind);
     const double foot = leastOf([&](double place) { return misfit.at(place); }, at - reach,
-                                at + reach, std::max(0.25, trace.scale().pulse / 6.0));
+                                at + reach, gridFor(trace.scale().pulse));
     const double squares = misfit.at(foot);
     const auto values = static_cast<double>(std::max<std::size_t>(1, stretch.at.size()));
     return {foot, squares, std::sqrt(squares / values)};
@@ -314,18 +341,18 @@ double footOfFall(const FibreTrace& trace, double at, const Line& before)
     for (std::size_t i = first; i < trace.samples().size(); ++i) {
         const auto behind = static_cast<double>(i);
         const double left = powerRatio(trace.samples().level_dB(i) - before.at(behind));
-        if (left < 0.3 || behind > at + 2.0 * w) {
+        if (left < kFallenPart || behind > at + kFallPulses * w) {
             break;
         }
         // The inverse of the ramp: where the shape leaves this part.
         double low = 0.0;
         double high = trace.shape().extent();
-        for (int k = 0; k < 30; ++k) {
+        for (int k = 0; k < kHalvings; ++k) {
             const double middle = 0.5 * (low + high);
             (1.0 - trace.shape().step(middle) > left ? low : high) = middle;
         }
-        const double slope = std::max(1e-9, (1.0 - left));
-        const double weight = left < 1.0 - 4.0 * sigma ? slope : 0.0;
+        const double slope = std::max(kLeastSlope, 1.0 - left);
+        const double weight = left < 1.0 - kFallSigmas * sigma ? slope : 0.0;
         sum += weight * (behind - high);
         weights += weight;
     }

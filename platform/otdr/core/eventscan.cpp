@@ -16,8 +16,13 @@ namespace {
 /// No link has more events. What offers more is noise, and the strongest of it are enough.
 constexpr std::size_t kMostCandidates = 4000;
 
-/// Shortest window of a scan, dead zones.
+/// Shortest window of a scan, dead zones and samples, and the shortest by which a place is told.
 constexpr double kShortestWindowGaps = 1.25;
+constexpr double kFewestSamples = 6.0;
+constexpr double kLocatingGaps = 0.5;
+
+/// Shorter stretches are not scanned, samples.
+constexpr std::size_t kShortestStretch = 8;
 
 /// Places at which a window is tried: to a quarter of the dead zone, and for long windows to a part
 /// of their length.
@@ -30,6 +35,10 @@ constexpr double kSure = 1.5;
 /// Windows on both sides of a reflection, dead zones: long ones for the weak, short ones for those
 /// close to another.
 constexpr double kPeakWindowGaps[] = {1.5, 4.0};
+
+/// A reflection is looked at from where so much of its edge is over, at so many places a pulse.
+constexpr double kRisenPart = 0.6;
+constexpr std::size_t kPlacesPerPulse = 4;
 
 ScanStretch stretchOf(const FibreTrace& trace, double from, double to)
 {
@@ -162,7 +171,8 @@ private:
         const auto place = static_cast<std::size_t>(one.at);
         const auto whole = static_cast<std::size_t>(one.window);
         const double slope = 0.5 * (slope_dB(place - whole, whole) + slope_dB(place + gap, whole));
-        for (double n = std::max(6.0, 0.5 * trace.gap()); n < one.window; n *= 2.0) {
+        for (double n = std::max(kFewestSamples, kLocatingGaps * trace.gap()); n < one.window;
+             n *= 2.0) {
             const auto window = static_cast<std::size_t>(n);
             Candidate best = one;
             best.statistic = 0.0;
@@ -185,7 +195,7 @@ private:
 
     [[nodiscard]] double shortest() const
     {
-        return std::max(6.0, std::ceil(kShortestWindowGaps * trace.gap()));
+        return std::max(kFewestSamples, std::ceil(kShortestWindowGaps * trace.gap()));
     }
 
     /// Strongest first; a candidate whose windows hold a stronger one is left out.
@@ -222,7 +232,7 @@ private:
 std::vector<Candidate> scanSteps(const FibreTrace& trace, double from, double to, double threshold)
 {
     const ScanStretch stretch = stretchOf(trace, from, to);
-    if (stretch.size() < 8) {
+    if (stretch.size() < kShortestStretch) {
         return {};
     }
     return StepScan(trace, stretch, threshold).scan();
@@ -240,9 +250,9 @@ public:
         , samples(samples)
         , trace(trace)
         , pulse(static_cast<std::size_t>(std::max(1.0, std::round(trace.scale().pulse))))
-        , rise(static_cast<std::size_t>(trace.shape().riseTo(0.6)))
+        , rise(static_cast<std::size_t>(trace.shape().riseTo(kRisenPart)))
     {
-        stride = std::max<std::size_t>(1, pulse / 4);
+        stride = std::max<std::size_t>(1, pulse / kPlacesPerPulse);
         const auto n = static_cast<double>(samples);
         const auto w = static_cast<double>(pulse);
         beside = 0.5 * n;
@@ -302,7 +312,7 @@ std::vector<Candidate> scanPeaks(const FibreTrace& trace, double from, double to
 {
     std::vector<Candidate> found;
     const ScanStretch stretch = stretchOf(trace, from, to);
-    if (stretch.size() < 8) {
+    if (stretch.size() < kShortestStretch) {
         return found;
     }
     std::vector<ScanPass<PeakWindow>> passes;

@@ -122,6 +122,17 @@ private:
     [[nodiscard]] std::optional<double> bendBetween(double from, double to,
                                                     double significance) const;
     bool addBends(double significance, std::set<Stretch>& searched);
+
+    /// Where two lines meet, and what they leave of their samples, dB squared.
+    struct Bend
+    {
+        double at;
+        double squares;
+    };
+
+    [[nodiscard]] std::optional<Bend> losslessBend(const Stretch& stretch, double place,
+                                                   double step, double significance,
+                                                   double most_dB) const;
     void moveToBend(Site& site, double significance, double mostLeft) const;
     void moveToBends(double loss_dB, double significance, double mostLeft);
     [[nodiscard]] bool isSwing(double behind, const Site& next) const;

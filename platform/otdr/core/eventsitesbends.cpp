@@ -170,18 +170,43 @@ bool EventSites::addBends(double significance, std::set<Stretch>& searched)
     return !found.empty();
 }
 
+/// The bend at a place, or within half a step of it, if two lines lose nothing there and leave no
+/// more than most_dB of their samples.
+std::optional<EventSites::Bend> EventSites::losslessBend(const Stretch& stretch, double place,
+                                                         double step, double significance,
+                                                         double most_dB) const
+{
+    const auto sides =
+        sidesOf(*fibreTrace, stretch.first, place, fibreTrace->gap(), stretch.second);
+    if (!sides || bendOf(sides->first, sides->second, significance) < 1.0) {
+        return std::nullopt;
+    }
+    const auto& [left, right] = *sides;
+    const double seen = place + fibreTrace->shape().centre();
+    const double loss_dB = left.at(seen) - right.at(seen);
+    const double error_dB = std::hypot(left.errorAt_dB(seen), right.errorAt_dB(seen));
+    // Where the lines cross nothing is lost; that may lie between two of the places.
+    const double crossing = loss_dB / (right.line.slope_dB - left.line.slope_dB);
+    const bool isNear = std::abs(crossing) <= 0.5 * step;
+    const bool losesNothing =
+        isNear || std::abs(loss_dB) < std::max(kNoLoss_dB, kNoLossErrors * error_dB);
+    if (!losesNothing || std::max(left.line.sigma_dB, right.line.sigma_dB) >= most_dB) {
+        return std::nullopt;
+    }
+    return Bend {isNear ? place + crossing : place, squaresOf(left) + squaresOf(right)};
+}
+
 /// A change of level beside a bend may be nothing but that, seen from the wrong place: moves it
 /// there, if two lines leave no more than so many times what noise and the fibre itself do.
 void EventSites::moveToBend(Site& site, double significance, double mostLeft) const
 {
     const double gap = fibreTrace->gap();
-    const double from = site.left->line.first();
-    const double to = site.right->line.last() + 1.0;
-    const auto now = sidesOf(*fibreTrace, from, site.at, gap, to);
+    const Stretch stretch {site.left->line.first(), site.right->line.last() + 1.0};
+    const auto now = sidesOf(*fibreTrace, stretch.first, site.at, gap, stretch.second);
     if (!now) {
         return;
     }
-    const double reach = 0.5 * std::min(site.at - from, to - site.behind);
+    const double reach = 0.5 * std::min(site.at - stretch.first, stretch.second - site.behind);
     const double sigma = fibreTrace->noise().sigma_dB(site.at);
     double least = squaresOf(now->first) + squaresOf(now->second)
         + kAsWell * kAsWell * fibreTrace->noise().correlation() * sigma * sigma;
@@ -190,25 +215,10 @@ void EventSites::moveToBend(Site& site, double significance, double mostLeft) co
     const double begin = site.at - reach;
     const double end = site.at + reach;
     for (double place = begin; place <= end; place += step) {
-        const auto sides = sidesOf(*fibreTrace, from, place, gap, to);
-        if (!sides || bendOf(sides->first, sides->second, significance) < 1.0) {
-            continue;
-        }
-        const double seen = place + fibreTrace->shape().centre();
-        const double loss_dB = sides->first.at(seen) - sides->second.at(seen);
-        const double error_dB =
-            std::hypot(sides->first.errorAt_dB(seen), sides->second.errorAt_dB(seen));
-        // Where the lines cross nothing is lost; that may lie between two of the places.
-        const double crossing =
-            loss_dB / (sides->second.line.slope_dB - sides->first.line.slope_dB);
-        const bool isNear = std::abs(crossing) <= 0.5 * step;
-        const double squares = squaresOf(sides->first) + squaresOf(sides->second);
-        const double left_dB = std::max(sides->first.line.sigma_dB, sides->second.line.sigma_dB);
-        const bool losesNothing =
-            isNear || std::abs(loss_dB) < std::max(kNoLoss_dB, kNoLossErrors * error_dB);
-        if (losesNothing && left_dB < most_dB && squares < least) {
-            least = squares;
-            site.at = std::clamp(isNear ? place + crossing : place, begin, end);
+        const auto bend = losslessBend(stretch, place, step, significance, most_dB);
+        if (bend && bend->squares < least) {
+            least = bend->squares;
+            site.at = std::clamp(bend->at, begin, end);
             site.behind = site.at + gap;
         }
     }

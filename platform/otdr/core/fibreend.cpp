@@ -37,6 +37,16 @@ constexpr double kBeforePulses = 20.0;
 /// The end of a record is dark where its last tenth is.
 constexpr std::size_t kDarkPart = 10;
 
+/// Light is seen by the median of so many samples, a pulse at least, and in long records one of so
+/// many parts; of longer stretches by so many of theirs. It has ended where so many stretches are
+/// dark.
+constexpr double kVisibleSamples = 32.0;
+constexpr double kVisibleParts = 8192.0;
+constexpr int kDarkStretches = 4;
+
+/// A place is lit where it stands this much above the noise.
+constexpr double kLit_dB = 1.0;
+
 /// Fewer samples tell no line.
 constexpr double kFewestShort = 5.0;
 
@@ -270,7 +280,7 @@ private:
     /// Samples of which the median tells whether there is light.
     [[nodiscard]] double visibleLength() const
     {
-        return std::max({32.0, std::ceil(w), std::floor(trace.size() / 8192.0)});
+        return std::max({kVisibleSamples, std::ceil(w), std::floor(trace.size() / kVisibleParts)});
     }
 
     /// The last stretch whose median stands above the noise, of those that follow each other.
@@ -278,10 +288,12 @@ private:
     {
         const double length = visibleLength();
         const double least = trace.noise().rms_dB();
-        const std::size_t stride = std::max<std::size_t>(1, static_cast<std::size_t>(length / 32));
+        const std::size_t stride =
+            std::max<std::size_t>(1, static_cast<std::size_t>(length / kVisibleSamples));
         double last = from;
         int missing = 0;
-        for (double at = from; at + length <= trace.size() && missing < 4; at += length) {
+        for (double at = from; at + length <= trace.size() && missing < kDarkStretches;
+             at += length) {
             const auto begin = static_cast<std::size_t>(at);
             const std::size_t end = begin + static_cast<std::size_t>(length);
             std::size_t lit = 0;
@@ -299,7 +311,7 @@ private:
     /// Whether there is more than noise before an index, or behind it.
     [[nodiscard]] bool isLit(double at) const
     {
-        const double least = trace.noise().rms_dB() + 1.0;
+        const double least = trace.noise().rms_dB() + kLit_dB;
         return trace.mean_dB(at - w, at) > least
             || trace.mean_dB(at + kFallPulses * w, at + (kFallPulses + 1.0) * w) > least;
     }

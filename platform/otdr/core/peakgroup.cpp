@@ -48,6 +48,13 @@ constexpr double kHeld_dB = 0.3;
 constexpr double kFibreGaps = 6.0;
 constexpr double kClearGaps = 1.5;
 constexpr double kFewestFibre = 12.0;
+constexpr std::size_t kFewestOfLine = 4;
+
+/// The flat part of a top begins where so much of the edge is over; no sample stands further above
+/// its mean than this, or than so many sigmas.
+constexpr double kFlatPart = 0.985;
+constexpr double kFlat_dB = 0.2;
+constexpr double kFlatSigmas = 4.0;
 
 /// The last of a tail is hidden in the noise: so many pulses for each decibel of the peak.
 constexpr double kHiddenTailPulsesPerDb = 0.1;
@@ -151,7 +158,7 @@ private:
         sigma = trace.noise().sigma_dB(at);
         const double end = fibreEndBefore(trace, at, from);
         const auto fitted = trace.fit(std::max(from, end - kFibreGaps * trace.gap()), end);
-        if (fitted && fitted->line.samples >= 4 && !trace.isSteep(*fitted)) {
+        if (fitted && fitted->line.samples >= kFewestOfLine && !trace.isSteep(*fitted)) {
             line = fitted->line;
         } else { // little fibre, or a loss on it: what is seen last
             const double last = fitted ? std::max(end, at - 0.5 * w) : end;
@@ -208,7 +215,7 @@ private:
     /// Height of a peak: the mean over the flat part of its top, which noise does not raise.
     [[nodiscard]] double plateau(double foot, double next, std::size_t top) const
     {
-        const double begin = std::ceil(foot + trace.shape().riseTo(0.985));
+        const double begin = std::ceil(foot + trace.shape().riseTo(kFlatPart));
         const double end = std::floor(std::min(foot + w, next));
         if (end - begin >= 2.0) {
             const double mean = trace.mean_dB(begin, end + 0.5);
@@ -216,7 +223,7 @@ private:
             const double high = level(top) - fibre(top);
             const double flat = mean - line.at(centre);
             // A pulse that is not as long as stated has no flat top there.
-            return high - flat < std::max(0.2, 4.0 * sigma) ? flat : high;
+            return high - flat < std::max(kFlat_dB, kFlatSigmas * sigma) ? flat : high;
         }
         return level(top) - fibre(top);
     }
@@ -355,7 +362,7 @@ bool isBehindALoss(const FibreTrace& trace, double at, double from)
 {
     const double end = fibreEndBefore(trace, at, from);
     const auto line = trace.fit(std::max(from, end - kFibreGaps * trace.gap()), end);
-    return line && line->line.samples >= 4 && trace.isSteep(*line);
+    return line && line->line.samples >= kFewestOfLine && trace.isSteep(*line);
 }
 
 double clearOfTail(const FibreTrace& trace, double from, double to, double brightness_dB)
