@@ -397,6 +397,7 @@ void EventSearch::findAll()
     sites.divideAtBends(settings.loss_dB, settings.significance);
     sites.joinCrowded();
     sites.hideLowPeaks(listedHeight_dB());
+    sites.refine(fibre.gap());
     sites.dropUnlikely(settings.loss_dB, settings.significance);
 }
 

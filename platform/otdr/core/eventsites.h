@@ -72,7 +72,8 @@ public:
     void joinCrowded();
 
     /// Moves the places, by so many samples at most, to where the ramp of the pulse or the shape of
-    /// a low reflection fits best, and measures all anew.
+    /// a low reflection fits best, and measures all anew: until the lines beside them, which follow
+    /// from the places, move them no more.
     void refine(double reach);
 
     /// Measures the high reflections anew before which a place was found that their lines ran over;
@@ -141,7 +142,8 @@ private:
     [[nodiscard]] double foundationOf(const Site& site, double loss_dB, double significance) const;
     [[nodiscard]] std::optional<double> footOfBoth(const Site& first, const Site& second) const;
     [[nodiscard]] bool reachesOverPlace(std::size_t k) const;
-    void refinePeak(Site& site, double least, double most);
+    void refine(Site& site, double reach, double least, double most) const;
+    void refinePeak(Site& site, double least, double most) const;
     [[nodiscard]] std::optional<SideLine> side(double from, double to) const;
     void findUsualSlope();
     void learnUsualSlope();

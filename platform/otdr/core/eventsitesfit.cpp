@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 
 namespace otdr {
 
@@ -26,6 +27,10 @@ constexpr double kReceivers[] = {1.0, 1.8, 3.2, 5.8};
 constexpr double kGlowSigmas = 1.5;
 constexpr double kPlain_dB = 0.2;
 constexpr double kGlowPart = 0.1;
+
+/// Places are moved so often at most, while one of them moves by more than this, samples.
+constexpr int kRounds = 3;
+constexpr double kSettled = 0.5;
 
 } // namespace
 
@@ -82,30 +87,42 @@ void EventSites::mergePairs()
     measure();
 }
 
+/// Moves a place, within `reach`, to where it fits best between its lines and within these limits.
+void EventSites::refine(Site& site, double reach, double least, double most) const
+{
+    if (site.peak) {
+        refinePeak(site, least, most);
+        return;
+    }
+    const Line& before = site.left->line;
+    const Line& behind = site.right->line;
+    const double foot = site.glows
+        ? fitPeak(*fibreTrace, site.at, before, behind).foot
+        : fitStep(*fibreTrace, fibreTrace->shape(), site.at, reach, before, behind).foot;
+    if (foot > least && foot < most) {
+        site.at = foot;
+        site.behind = foot + fibreTrace->gap();
+    }
+}
+
 void EventSites::refine(double reach)
 {
-    for (std::size_t k = 0; k < places.size(); ++k) {
-        Site& site = places[k];
-        if (!site.left || !site.right) {
-            continue;
+    double moved = std::numeric_limits<double>::infinity();
+    for (int round = 0; round < kRounds && moved > kSettled; ++round) {
+        moved = 0.0;
+        for (std::size_t k = 0; k < places.size(); ++k) {
+            Site& site = places[k];
+            if (!site.left || !site.right) {
+                continue;
+            }
+            const double before = site.at;
+            const double least = fibreFrom(k) + kLevelSamples;
+            const double next = k + 1 < places.size() ? places[k + 1].at : end;
+            refine(site, reach, least, next - fibreTrace->gap());
+            moved = std::max(moved, std::abs(site.at - before));
         }
-        const double least = fibreFrom(k) + kLevelSamples;
-        const double most = (k + 1 < places.size() ? places[k + 1].at : end) - fibreTrace->gap();
-        if (site.peak) {
-            refinePeak(site, least, most);
-            continue;
-        }
-        const Line& before = site.left->line;
-        const Line& behind = site.right->line;
-        const double foot = site.glows
-            ? fitPeak(*fibreTrace, site.at, before, behind).foot
-            : fitStep(*fibreTrace, fibreTrace->shape(), site.at, reach, before, behind).foot;
-        if (foot > least && foot < most) {
-            site.at = foot;
-            site.behind = foot + fibreTrace->gap();
-        }
+        measure();
     }
-    measure();
 }
 
 void EventSites::dropLowPeaks(double leastHeight_dB)
@@ -164,7 +181,7 @@ void EventSites::findReflections(double leastHeight_dB, double significance)
     measure();
 }
 
-void EventSites::refinePeak(Site& site, double least, double most)
+void EventSites::refinePeak(Site& site, double least, double most) const
 {
     PeakGroup& peak = *site.peak;
     if (!peak.isLow()) {
