@@ -47,7 +47,7 @@ constexpr int kRounds = 3;
 /// What lines leave of their samples, dB squared.
 double squaresOf(const SideLine& side)
 {
-    const double freedom = std::max(0.0, static_cast<double>(side.line.samples) - 2.0);
+    const double freedom = static_cast<double>(side.line.samples) - 2.0;
     return freedom * side.line.sigma_dB * side.line.sigma_dB;
 }
 

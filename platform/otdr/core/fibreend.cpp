@@ -159,7 +159,7 @@ private:
             return Place {at, seen.fibreBegins};
         }
         if (const auto plain = judges.fibre.seenFrom(seen.fibreBegins, from, at, threshold_dB)) {
-            return Place {std::max(at, *plain), seen.fibreBegins};
+            return Place {*plain, seen.fibreBegins};
         }
         if (const auto drop = judges.piece.dropBehind(from, top, before)) {
             return Place {std::max(*drop, from), *drop};

@@ -163,7 +163,6 @@ private:
         } else { // little fibre, or a loss on it: what is seen last
             const double last = fitted ? std::max(end, at - 0.5 * w) : end;
             line.level_dB = trace.mean_dB(last - 2.0, last);
-            line.centre = last;
             // All the light before a loss stands above that, and is no part of the peak.
             from = std::max(from, last - kClearGaps * trace.gap());
         }

@@ -78,6 +78,21 @@ TEST(Darkness, IsNotSeenInLight)
     EXPECT_TRUE(isDark(trace, 2000, 4000));
 }
 
+/// A spike of one sample makes two of its neighbours differ: an event does so here and there.
+TEST(Darkness, IsSeenWhereMoreThanOneNeighbourInTwentyDiffers)
+{
+    const auto isDarkWith = [](std::size_t spikes) {
+        Counts counts = lightOf(30.0, 1000);
+        for (std::size_t i = 0; i < spikes; ++i) {
+            counts[10 + 30 * i] = countOf(35.0);
+        }
+        return isDark(traceOf(counts), 0, counts.size());
+    };
+    EXPECT_FALSE(isDarkWith(1));
+    EXPECT_FALSE(isDarkWith(25));
+    EXPECT_TRUE(isDarkWith(26));
+}
+
 /// Samples of one level are dark only where nothing in the record is much darker.
 TEST(Darkness, OfOneLevelIsThatOfTheRecord)
 {

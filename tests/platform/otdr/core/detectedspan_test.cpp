@@ -57,6 +57,41 @@ TEST(DetectedSpan, StartComesBeforeTheEndWhereBothStandAtTheLastSample)
     EXPECT_EQ(found.events[0].index, found.events[1].index);
 }
 
+/// Powers add: what the fibre scatters back, and what its end reflects, through the fibre and back.
+TEST(DetectedSpan, ReturnLossCountsWhatTheEndReflects)
+{
+    const TraceBuilder cut = TraceBuilder().fibre(12_km).behind(3000).noise(0.002_dB, 23);
+    const TraceBuilder open = TraceBuilder(cut).reflectingEnd(15_dB);
+    const auto detected = [](const TraceBuilder& builder) {
+        const auto trace = builder.build();
+        return otdr::detectEvents(*trace, {100.0, builder.metresPerNs(), -80.0});
+    };
+    const double scattered = std::pow(10.0, -0.1 * detected(cut).returnLoss_dB);
+    const otdr::Detection found = detected(open);
+    const double seen_dB = found.events.back().reflectance_dB - 2.0 * found.spanLoss_dB;
+    const double reflected = std::pow(10.0, 0.1 * seen_dB);
+    EXPECT_NEAR(found.returnLoss_dB, -10.0 * std::log10(scattered + reflected), 0.05);
+    EXPECT_LT(found.returnLoss_dB, detected(cut).returnLoss_dB - 1.0);
+}
+
+/// The fibre behind the start begins behind the reflection of the port, and behind the start.
+TEST(DetectedSpan, StartIsFollowedByFibre)
+{
+    const TraceBuilder builder = TraceBuilder()
+                                     .fibre(12_km)
+                                     .behind(3000)
+                                     .noise(0.002_dB, 23)
+                                     .reflection(Length {0.0}, 10_dB);
+    for (const double zero : {0.0, builder.indexOf(2_km)}) {
+        const otdr::Trace trace = withZeroAt(builder, zero);
+        const otdr::Detection found =
+            otdr::detectEvents(trace, {100.0, builder.metresPerNs(), -80.0});
+        EXPECT_NEAR(found.events.front().index, zero, 1.0);
+        EXPECT_GE(found.events.front().behindFrom, std::max(zero, builder.pulseSamples()));
+        EXPECT_LE(found.events.front().behindFrom, zero + 10.0 * builder.pulseSamples());
+    }
+}
+
 /// What is too small to be listed is part of the section that it lies in.
 TEST(DetectedSpan, SectionsHoldTheLossesThatAreNotListed)
 {

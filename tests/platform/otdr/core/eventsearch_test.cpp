@@ -230,6 +230,21 @@ TEST(EventSearch, FindsWhatStandsCloseToEachOther)
     }
 }
 
+/// Of 0.3 dB, up to four pulses behind it: the fibre before the reflection begins behind the loss.
+TEST(EventSearch, FindsALowReflectionCloseBehindALoss)
+{
+    for (const double apart : {52.0, 60.0, 68.0, 76.0}) {
+        const DrawnFibre link = linkOf({{5000.0, 0.2, 0.0}, {5000.0 + apart, 0.0, 0.3}}, 1.6);
+        const EventSearch search(link->samples(), measurement(), {});
+        const std::vector<otdr::Site>& sites = search.places().sites();
+        ASSERT_EQ(sites.size(), 2U) << apart;
+        EXPECT_NEAR(sites[0].foot(), 5000.0, 1.0) << apart;
+        EXPECT_NEAR(sites[0].loss_dB, 0.2, 0.01) << apart;
+        EXPECT_NEAR(sites[1].foot(), 5000.0 + apart, 1.0) << apart;
+        EXPECT_NEAR(sites[1].loss_dB, 0.0, 0.01) << apart;
+    }
+}
+
 /// -70 dB stand 0.9 dB above the fibre where a pulse of 20 ns scatters -80 dB a nanosecond.
 TEST(EventSearch, ListsNoReflectionLowerThanTheLeast)
 {
@@ -323,7 +338,38 @@ TEST(EventSearch, TakesNoWavesForEventsThatHideEachOther)
         const double wave_dB = 0.02 * std::sin(i / 9.0) + 0.02 * std::sin(i / 15.0);
         return 40.0 - 0.001 * i + wave_dB + noise(random);
     });
-    EXPECT_TRUE(fewSampled(link).places().sites().empty());
+    const EventSearch search = fewSampled(link);
+    EXPECT_TRUE(search.places().sites().empty());
+    EXPECT_GT(search.trace().noise().wander_dB(), 0.01) << "of the 0.02 dB of the waves";
+}
+
+/// A converter of few steps shows fibre as stairs, of twelve pulses each here: what it strays by.
+TEST(EventSearch, TakesNoStepsOfTheMeasurementForEventsThatHideEachOther)
+{
+    constexpr double kStep_dB = 0.1;
+    for (const double sigma_dB : {0.0, 0.003, 0.01}) {
+        std::mt19937_64 random(4);
+        std::normal_distribution<double> noise;
+        const DrawnFibre link(1600, scaleOf(kFewSamples), [&](double i) {
+            const double level_dB = 40.0 - 0.001 * i + sigma_dB * noise(random);
+            return kStep_dB * std::round(level_dB / kStep_dB);
+        });
+        EXPECT_TRUE(fewSampled(link).places().sites().empty()) << sigma_dB;
+    }
+}
+
+/// Steps that could be losses and gains by turns, 0.04 dB each.
+TEST(EventSearch, TakesNoWavesForEventsHoweverSteep)
+{
+    for (const double length : {80.0, 90.0, 120.0}) {
+        std::mt19937_64 random(4);
+        std::normal_distribution<double> noise(0.0, 0.001);
+        const DrawnFibre link(1600, scaleOf(kFewSamples), [&](double i) {
+            const double wave_dB = std::fmod(i, length) < 0.5 * length ? 0.02 : -0.02;
+            return 40.0 - 0.001 * i + wave_dB + noise(random);
+        });
+        EXPECT_TRUE(fewSampled(link).places().sites().empty()) << length;
+    }
 }
 
 } // namespace

@@ -56,6 +56,29 @@ TEST(EventSitesBends, FibresOfDifferentAttenuationAreDividedAndNothingIsLostTher
     }
 }
 
+/// Four places: the plainest parts the link, and then its parts are looked through.
+TEST(EventSitesBends, EachOfManyFibresIsDividedFromTheNext)
+{
+    const DrawnFibre fibre(
+        10'000, scaleOf(kSitesPulse, 2000.0),
+        [](double i) {
+            double level = 40.0;
+            for (double begin = 0.0; begin < i; begin += 2000.0) {
+                const bool isSteep = std::fmod(begin, 4000.0) > 0.0;
+                level -= (isSteep ? 0.0008 : 0.0005) * std::min(2000.0, i - begin);
+            }
+            return level;
+        },
+        0.001);
+    EventSites sites(*fibre, 50.0, 9950.0);
+    sites.divideAtBends(kLeastLoss_dB, kSignificance);
+    ASSERT_EQ(sites.sites().size(), 4U);
+    for (std::size_t k = 0; k < 4; ++k) {
+        EXPECT_NEAR(sites.sites()[k].at, 2000.0 * static_cast<double>(k + 1), 50.0);
+        EXPECT_TRUE(sites.sites()[k].isBorder) << k;
+    }
+}
+
 TEST(EventSitesBends, EvenFibreIsNotDivided)
 {
     for (const double sigma_dB : {0.0, 0.005, 0.05}) {
@@ -88,6 +111,32 @@ TEST(EventSitesBends, FibresOfAFewDeadZonesTellNoBend)
     }
 }
 
+/// So a change of level between such fibres is not taken for a bend beside it.
+TEST(EventSitesBends, LossesBetweenFibresOfAFewDeadZonesStay)
+{
+    const DrawnFibre fibre = withBend(3000.0, 0.003, 0.0005);
+    const double beside = 3000.0 - fibre->gap();
+    EventSites sites(*fibre, 100.0, 3000.0 + 7.0 * fibre->gap());
+    sites.add({siteAt(fibre, beside)});
+    sites.measure();
+    sites.divideAtBends(kLeastLoss_dB, kSignificance);
+    EXPECT_EQ(placesOf(sites), std::vector<double> {beside});
+}
+
+/// A record of so few pulses does not tell what its fibre strays by.
+TEST(EventSitesBends, LossesOfAShortRecordStay)
+{
+    const DrawnFibre fibre(
+        1000, scaleOf(kSitesPulse, 2000.0),
+        [](double i) { return 40.0 - 0.0005 * i - 0.0012 * std::max(0.0, i - 500.0); }, 0.0005);
+    ASSERT_FALSE(fibre->noise().knowsWander());
+    EventSites sites(*fibre, 10.0, 990.0);
+    sites.add({siteAt(fibre, 450.0)});
+    sites.measure();
+    sites.divideAtBends(kLeastLoss_dB, kSignificance);
+    EXPECT_EQ(placesOf(sites), std::vector<double> {450.0});
+}
+
 TEST(EventSitesBends, LossBesideABendIsToldByTheFibreUpToIt)
 {
     const DrawnFibre fibre = withBend(3000.0, 0.0002, 0.005, {{1500.0, 0.1}});
@@ -118,6 +167,16 @@ TEST(EventSitesBends, WhatABendAloneExplainsIsNoLoss)
     EXPECT_TRUE(sites.sites().front().isBorder);
     EXPECT_NEAR(sites.sites().front().at, 3000.0, 50.0);
     EXPECT_LT(std::abs(sites.sites().front().loss_dB), kLeastLoss_dB);
+}
+
+/// What reflects is no bend, whatever its lines tell.
+TEST(EventSitesBends, AReflectionBesideABendStaysWhereItIs)
+{
+    const DrawnFibre fibre = withBend(3000.0, 0.0003, 0.005);
+    const EventSites sites = divided(fibre, {peakAt(fibre, 2850.0, 3.0)});
+    ASSERT_FALSE(sites.sites().empty());
+    EXPECT_EQ(sites.sites().front().at, 2850.0);
+    EXPECT_TRUE(sites.sites().front().reflects());
 }
 
 /// Lines beside a bend cross there, wherever the places lie at which it is looked for.

@@ -195,6 +195,24 @@ TEST(FibreEnd, WithoutAFibreIsAtThePort)
     EXPECT_NEAR(extent.end, 0.0, 10.0);
 }
 
+/// Where such a tail becomes ten times as steep, it does not rise: no fibre reflects there.
+TEST(FibreEnd, WithoutAFibreIsAtThePortWhereverTheTailBends)
+{
+    const TraceBuilder pulse; // of ten samples
+    for (const double bend : {30.0, 40.0, 160.0}) {
+        std::vector<std::uint16_t> light(3000);
+        for (std::size_t i = 0; i < light.size(); ++i) {
+            const auto at = static_cast<double>(i);
+            const double tail_dB = 40.0 - 0.05 * (at - 15.0) - 0.5 * std::max(0.0, at - bend);
+            const double level_dB = i < 15 ? 45.0 : std::max(0.0, tail_dB);
+            light[i] = static_cast<std::uint16_t>(65535.0 - 1000.0 * level_dB);
+        }
+        const auto extent = extentOf(pulse, withNoise(light, 8.0, 5));
+        EXPECT_EQ(extent.kind, End::Found) << bend;
+        EXPECT_NEAR(extent.end, 0.0, 10.0) << bend;
+    }
+}
+
 /// The tail of the port's reflection outshines a short fibre; what reflects behind it shows that
 /// there is one, for no tail rises.
 TEST(FibreEnd, OfAFibreWithinTheTailOfTheLaunchIsWhereItReflects)

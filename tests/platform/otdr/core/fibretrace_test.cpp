@@ -187,6 +187,15 @@ TEST(FibreTrace, SettlesWhereATailIsWithinItsTolerance)
     }
 }
 
+/// With nothing behind it to stand above, no light is a tail.
+TEST(FibreTrace, HasSettledAtTheEndOfTheRecord)
+{
+    const DrawnFibre fibre(4000, scaleOf(20.0), [](double i) { return 40.0 - 0.0005 * i; });
+    for (const double from : {3980.0, 3998.0, 3999.0, 4000.0, 4100.0}) {
+        EXPECT_EQ(fibre->settledFrom(from, 500.0), from);
+    }
+}
+
 TEST(FibreTrace, LooksForTheEndOfATailNoFurtherThanAsked)
 {
     const DrawnFibre fibre(6000, scaleOf(20.0), [](double i) {

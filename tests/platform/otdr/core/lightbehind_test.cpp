@@ -11,7 +11,7 @@ namespace {
 
 using namespace testing_support;
 
-constexpr double kFall = 1000.0; ///< fibre at 40 dB before it
+constexpr double kFallAt = 1000.0; ///< fibre at 40 dB before it
 constexpr double kSudden_dB = 3.0;
 constexpr double kSeenAhead = 5.0 * kPulse; ///< an end is seen from so far
 
@@ -23,16 +23,16 @@ double dark_dB(double index)
 
 DrawnFibre recordOf(const std::function<double(double behind)>& behind_dB)
 {
-    const auto level_dB = [=](double i) { return i < kFall ? 40.0 : behind_dB(i - kFall); };
+    const auto level_dB = [=](double i) { return i < kFallAt ? 40.0 : behind_dB(i - kFallAt); };
     return {6000, scaleOf(kPulse), level_dB};
 }
 
-/// How far behind kFall a peak is over that is so high for so long, and then comes down.
+/// How far behind kFallAt a peak is over that is so high for so long, and then comes down.
 double overBehind(double height_dB, double length)
 {
     const DrawnFibre fibre =
         recordOf([=](double behind) { return behind < length ? 40.0 + height_dB : 35.0; });
-    return otdr::LightBehind(*fibre, kSudden_dB).peakOver(kFall) - kFall;
+    return otdr::LightBehind(*fibre, kSudden_dB).peakOver(kFallAt) - kFallAt;
 }
 
 TEST(LightBehind, APeakIsOverBehindItsLastBrightSample)
@@ -48,11 +48,11 @@ TEST(LightBehind, APeakIsOverInFrontOfTheNext)
     const DrawnFibre fibre = recordOf([](double behind) {
         return behind < kPulse || (behind > 3.0 * kPulse && behind < 4.0 * kPulse) ? 50.0 : 35.0;
     });
-    EXPECT_EQ(otdr::LightBehind(*fibre, kSudden_dB).peakOver(kFall), kFall + kPulse - 1.0);
+    EXPECT_EQ(otdr::LightBehind(*fibre, kSudden_dB).peakOver(kFallAt), kFallAt + kPulse - 1.0);
 }
 
-/// How far behind kFall a tail is over that starts so high above the fibre before, falls by so much
-/// with every pulse, and holds an echo of a height half-way.
+/// How far behind kFallAt a tail is over that starts so high above the fibre before, falls by so
+/// much with every pulse, and holds an echo of a height half-way.
 double tailOver(double above_dB, double fall_dB, double echo_dB = 0.0)
 {
     const DrawnFibre fibre = recordOf([=](double behind) {
@@ -61,7 +61,7 @@ double tailOver(double above_dB, double fall_dB, double echo_dB = 0.0)
         const double echo = pulses > middle && pulses < middle + 1.0 ? echo_dB : 0.0;
         return std::max(dark_dB(behind), 40.0 + above_dB - fall_dB * pulses + echo);
     });
-    return otdr::LightBehind(*fibre, kSudden_dB).tailOver(kFall, kFall, 6000.0) - kFall;
+    return otdr::LightBehind(*fibre, kSudden_dB).tailOver(kFallAt, kFallAt, 6000.0) - kFallAt;
 }
 
 TEST(LightBehind, ATailIsOverWhereItIsAsLowAsALossBelowAPeak)
@@ -78,15 +78,15 @@ TEST(LightBehind, ATailDoesNotEndSuddenly)
 {
     const DrawnFibre fibre =
         recordOf([](double behind) { return behind < 600.0 ? 48.0 - 0.002 * behind : 41.0; });
-    EXPECT_EQ(otdr::LightBehind(*fibre, kSudden_dB).tailOver(kFall, kFall, 6000.0), kFall);
+    EXPECT_EQ(otdr::LightBehind(*fibre, kSudden_dB).tailOver(kFallAt, kFallAt, 6000.0), kFallAt);
 }
 
-/// Where light ends suddenly behind a fall at kFall, counted from there; -1 where it does not.
+/// Where light ends suddenly behind a fall at kFallAt, counted from there; -1 where it does not.
 double endsBehind(const std::function<double(double behind)>& behind_dB)
 {
     const DrawnFibre fibre = recordOf(behind_dB);
-    const auto end = otdr::LightBehind(*fibre, kSudden_dB).endsSuddenly(kFall, kFall, 5000.0);
-    return end ? *end - kFall : -1.0;
+    const auto end = otdr::LightBehind(*fibre, kSudden_dB).endsSuddenly(kFallAt, kFallAt, 5000.0);
+    return end ? *end - kFallAt : -1.0;
 }
 
 /// Of light that ends at 600, with a reflection of a height for a pulse.
@@ -154,9 +154,9 @@ TEST(LightBehind, DoesNotEndAtTheEchoOfTheFall)
             return b < index + kPulse ? level_dB : 26.0;
         };
     };
-    EXPECT_EQ(endsBehind(endingAt(kFall)), -1.0) << "as far behind as the port is in front";
-    EXPECT_NEAR(endsBehind(endingAt(kFall - 10.0 * kPulse)), kFall - 10.0 * kPulse, kSeenAhead);
-    EXPECT_NEAR(endsBehind(endingAt(kFall + 10.0 * kPulse)), kFall + 10.0 * kPulse, kSeenAhead);
+    EXPECT_EQ(endsBehind(endingAt(kFallAt)), -1.0) << "as far behind as the port is in front";
+    EXPECT_NEAR(endsBehind(endingAt(kFallAt - 10.0 * kPulse)), kFallAt - 10.0 * kPulse, kSeenAhead);
+    EXPECT_NEAR(endsBehind(endingAt(kFallAt + 10.0 * kPulse)), kFallAt + 10.0 * kPulse, kSeenAhead);
 }
 
 TEST(LightBehind, DoesNotEndWhereItIsHardlyBrighterThanNoise)

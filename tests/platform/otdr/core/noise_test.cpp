@@ -250,6 +250,14 @@ TEST(NoiseProfile, ChangesAtOnceWhereTheLightFallsForGood)
     }
 }
 
+/// So little of the light lies behind it that this alone would tell nothing.
+TEST(NoiseProfile, IsLearntInFrontOfAFallAsWell)
+{
+    const NoiseProfile noise = profileOf(fallingAt(9500.0, 8.0, 1.0, 0.0));
+    EXPECT_TRUE(noise.knowsWander());
+    EXPECT_NEAR(noise.correlation(), 1.0, 0.3);
+}
+
 /// So near to each other that hardly a sample between them shows its scatter: what the light lost
 /// tells it.
 TEST(NoiseProfile, BetweenTwoFallsFollowsFromTheLight)

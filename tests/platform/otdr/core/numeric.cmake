@@ -15,6 +15,7 @@ waveform_test(otdr_core_numeric_test
         eventsites_test.cpp
         eventsitesbends_test.cpp
         eventsitesfit_test.cpp
+        eventsitesswings_test.cpp
         fibrebehind_test.cpp
         fibreend_test.cpp
         fibreextent_test.cpp

@@ -239,6 +239,25 @@ TEST(PeakGroup, HeightIsNotThatAboveTheRampOfALoss)
     EXPECT_NEAR(found.heights_dB.front(), 8.0, 0.1);
 }
 
+/// A splitter five pulses in front of it: all the light before that stands above the ramp, on which
+/// a slow receiver has not yet come down.
+TEST(PeakGroup, FootIsNotSoughtInTheLightBeforeALoss)
+{
+    const otdr::PulseShape slow(20.0, 20.0);
+    for (double loss = 890.0; loss <= 920.0; loss += 5.0) {
+        const DrawnFibre fibre(
+            4000, scaleOf(20.0, 1000.0),
+            [&](double i) {
+                return eventLevel_dB(slow, i - loss, 40.0, 30.0)
+                    + eventLevel_dB(slow, i - 1000.0, 0.0, 0.0, 14.0);
+            },
+            0.003);
+        const PeakGroup found = measurePeak(*fibre, 1000.0, 0.0, 4000.0);
+        EXPECT_GT(found.feet.front(), 1000.0 - 3.0 * 20.0) << loss;
+        EXPECT_NEAR(highestFoot(found), 1000.0, 20.0) << loss;
+    }
+}
+
 /// A reflection that holds the receiver at its top may be offered by its end.
 TEST(PeakGroup, IsMeasuredFromItsFootWhereverItWasOffered)
 {
@@ -260,6 +279,34 @@ TEST(PeakGroup, NoiseBehindALossIsNoRise)
         return (i < 2000.0 ? 30.0 : 20.0) + (i < 2000.0 ? 0.003 : 0.3) * normal(random);
     });
     EXPECT_TRUE(risesIn(*fibre, 1950.0, 2300.0).empty());
+}
+
+/// Ten samples, half a pulse, and one more that may have begun to rise.
+TEST(PeakGroup, FibreBeforeARiseIsLevel)
+{
+    const auto beforeRise = [](double slope_dB) {
+        const DrawnFibre fibre(2000, scaleOf(20.0), [=](double i) {
+            return 30.0 - slope_dB * i + (i < 1000.0 ? 0.0 : 5.0);
+        });
+        return fibreBeforeRise(*fibre, 900.0, 1100.0);
+    };
+    EXPECT_EQ(beforeRise(0.0), 1000.0 - 0.5 - 1.0 - 10.0);
+    EXPECT_TRUE(beforeRise(0.002));
+    EXPECT_FALSE(beforeRise(0.003)) << "falls by 0.06 dB in a pulse, as a tail does";
+}
+
+/// The first sample above the fibre, of what also falls again; light that stays is no peak.
+TEST(PeakGroup, FirstPeakBeginsWhereItLeavesTheFibre)
+{
+    const auto firstIn = [](const std::vector<Raised>& stretches) {
+        return firstPeak(*withRaised(stretches), 900.0, 1100.0, flatLine(30.0));
+    };
+    EXPECT_EQ(firstIn({{1000, 1020, 3.0}}), 1000.0);
+    EXPECT_EQ(firstIn({{950, 960, 1.0}, {1000, 1020, 3.0}}), 950.0);
+    EXPECT_EQ(firstIn({{950, 960, 0.2}, {1000, 1020, 3.0}}), 1000.0);
+    EXPECT_FALSE(firstIn({{1000, 1200, 3.0}}));
+    EXPECT_FALSE(firstIn({{1000, 1020, 0.2}}));
+    EXPECT_FALSE(firstIn({}));
 }
 
 /// What rises again within half a pulse is the same edge, seen by a receiver that rings.

@@ -51,6 +51,21 @@ TEST(ShortFibre, APatchCordIsLevelUpToTheNextChange)
     EXPECT_FALSE(isCord(40.0, 29.5, 0.02)) << "falls by 0.4 dB in a pulse";
 }
 
+/// With long pulses fibre itself loses half a decibel on the way that tells a change.
+TEST(ShortFibre, WhatFibreLosesOnTheWayIsNoChange)
+{
+    const double pulse = 400.0;
+    const auto isCordBefore = [=](double loss_dB) {
+        const DrawnFibre fibre(20'000, {pulse, 0.08 * pulse, 20'000.0, 1000.0}, [=](double i) {
+            return 35.0 - 0.0004 * i - (i < 6000.0 ? 0.0 : loss_dB);
+        });
+        const otdr::ShortFibre piece(*fibre, kSudden_dB, -0.0004);
+        return piece.isPatchCord(5000.0, 35.0 - 0.0004 * 5000.0);
+    };
+    EXPECT_FALSE(isCordBefore(2.8));
+    EXPECT_TRUE(isCordBefore(3.2));
+}
+
 TEST(ShortFibre, APatchCordStandsAsHighAsTheFibreBeforeButForALoss)
 {
     EXPECT_TRUE(isCord(40.0, 30.2));

@@ -160,6 +160,20 @@ TEST(SorAxis, APeakThatComesLaterBelongsToNoEvent)
     }
 }
 
+/// A decibel is clear, and two of them are wanted: the fall at the end is another.
+TEST(SorAxis, KeepsTheRuleWherePeaksAreNotClear)
+{
+    for (const int rise : {900, 1100}) {
+        SorSketch sketch = sketchWithZeroAt(0);
+        for (std::size_t i = 0; i < 3010; ++i) {
+            const bool isPeak = i % 1000 < 10;
+            sketch.samples[i] = static_cast<std::uint16_t>(20'000 - (isPeak ? rise : 0));
+        }
+        sketch.fxd.frontPanelOffset = 25'000;
+        EXPECT_EQ(axisOf(sketch).port, rise > 1000 ? 0 : 25'000) << rise;
+    }
+}
+
 TEST(SorAxis, KeepsTheRuleOnASinglePieceOfEvidence)
 {
     SorSketch sketch = sketchWithZeroAt(0);

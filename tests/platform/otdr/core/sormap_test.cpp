@@ -208,6 +208,20 @@ TEST(SorMap, KnowsHowLongAChecksumIs)
     EXPECT_THAT(file->notes, IsEmpty());
 }
 
+/// A block of nothing but its name, with which the file ends.
+TEST(SorMap, FindsABlockOfNoBytesAtTheEndOfTheFile)
+{
+    auto blocks = SorSketch::plain().blocks();
+    SorSketch::Block& data = blocks.back();
+    data.statedSize = static_cast<std::int64_t>(data.name.size() + 1 + data.body.size()) - 1;
+    blocks.push_back({"Empty", {}});
+    const auto file = readBytes(SorSketch::assemble(2, blocks));
+    ASSERT_TRUE(file.ok());
+    EXPECT_EQ(file->data.samples.size(), 4000U);
+    EXPECT_EQ(file->blocks.back().size, 6U);
+    EXPECT_THAT(file->notes, ElementsAre(HasSubstr("does not stand where the map puts it")));
+}
+
 TEST(SorMap, LooksForABlockOnlyCloseToWhereTheSizesPutIt)
 {
     for (const int off : {-65, -64, 64, 65}) {
@@ -216,6 +230,27 @@ TEST(SorMap, LooksForABlockOnlyCloseToWhereTheSizesPutIt)
         const auto found = Contains(HasSubstr("\"KeyEvents\" does not stand"));
         EXPECT_EQ(testing::Matches(found)(file->notes), std::abs(off) == 64) << off;
     }
+}
+
+/// What reads like the name of a block may begin in the one before, and a block may be called as
+/// the one before is.
+TEST(SorMap, LooksForABlockOnlyBehindTheBeginningOfTheOneBefore)
+{
+    auto blocks = SorSketch::plain().blocks();
+    blocks[3].hasName = false;
+    blocks.insert(blocks.begin() + 3, {{"Maker", ByteSketch().text("K").done}, {"eyEvents", {}}});
+    const auto file = readBytes(SorSketch::assemble(2, blocks));
+    ASSERT_TRUE(file.ok());
+    EXPECT_EQ(file->keyEvents->events.size(), 3U);
+    EXPECT_THAT(file->notes, IsEmpty());
+
+    blocks = SorSketch::plain().blocks();
+    blocks.insert(blocks.begin() + 3, {{"Maker", {}}, {"Maker", Bytes(20), false}});
+    const auto twice = readBytes(SorSketch::assemble(2, blocks));
+    ASSERT_TRUE(twice.ok());
+    EXPECT_EQ(twice->blocks[4].size, 20U);
+    EXPECT_EQ(twice->keyEvents->events.size(), 3U);
+    EXPECT_THAT(twice->notes, ElementsAre(HasSubstr("more than once")));
 }
 
 TEST(SorMap, LooksForNoNamesWhereTheFileHasNone)

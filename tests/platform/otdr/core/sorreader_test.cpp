@@ -374,6 +374,13 @@ TEST(SorReader, RefusesATraceWithoutSamples)
     const auto without = readSor(sketch.share());
     EXPECT_EQ(codeOf(without), ErrorCode::Damaged);
     EXPECT_THAT(without.error().message, HasSubstr("no trace"));
+    for (const unsigned count : {0U, 1U}) { // whether it counts itself or not
+        Bytes map = SorSketch::assemble(2, {});
+        map[10] = static_cast<std::byte>(count);
+        const auto mapAlone = readBytes(map);
+        EXPECT_EQ(codeOf(mapAlone), ErrorCode::Damaged) << count;
+        EXPECT_THAT(mapAlone.error().message, HasSubstr("no trace")) << count;
+    }
     sketch = SorSketch::plain();
     sketch.samples.clear();
     EXPECT_EQ(codeOf(readSor(sketch.share())), ErrorCode::Damaged);
