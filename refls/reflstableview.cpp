@@ -196,6 +196,8 @@ void ReflsTableView::showMenu(QPoint pos)
     menuRow = index.row();
     // The position counts from below the header, the view from above it.
     menu->show(mapToGlobal(pos + QPoint(0, horizontalHeader()->height())));
+    // The release goes to the menu; without it the next touch would go on with this one's drag.
+    QScroller::scroller(viewport())->stop();
 }
 
 void ReflsTableView::stopLongTapTimer()

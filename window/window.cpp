@@ -28,6 +28,7 @@
 
 #include <QApplication>
 #include <QGridLayout>
+#include <QItemSelectionModel>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QResizeEvent>
@@ -242,6 +243,7 @@ void Window::measStarted()
     panels->reflsView()->setMenuDisabled(true);
     eventMarkers->setVisible(false);
     eventMarkers->clear();
+    panels->eventsModel()->selectionModel()->clear(); // or its row would stay chosen without a mark
     warning->hide(); // what was wrong or done before is over
     MeasWindow::measStarted();
     settings->setEnabled(false);

@@ -238,6 +238,23 @@ TEST_F(Table, ScrollsByPixelsAndRestsWhereItIsUnderALongTap)
     EXPECT_EQ(scrolled(), 20);
 }
 
+TEST_F(Table, TouchAfterThatOfAMenuBeginsAnew)
+{
+    view.resize(800, 120);
+    load(4);
+    longTap({placeOf(1).x(), view.viewport()->height() - 4});
+    ASSERT_TRUE(menu()->isVisible());
+    menu()->close();
+    const int before = scrolled();
+    const QPoint finger(placeOf(0).x(), 4);
+    press(finger);
+    QTest::mouseMove(view.windowHandle(), inWindow(finger + QPoint(0, 1)));
+    EXPECT_TRUE(QTest::qWaitFor([this] { return menu()->isVisible(); }, 2 * kLongTap_ms))
+        << "the finger rests";
+    release(finger);
+    EXPECT_EQ(scrolled(), before) << "the way between the two touches is no drag";
+}
+
 TEST_F(Table, DoubleTapOpensTheMenu)
 {
     load(2);

@@ -1,6 +1,7 @@
 // The window while the acquisition program runs.
 
 #include "events/eventmarkersview.h"
+#include "events/eventstableview.h"
 #include "plot/qmminiplot.h"
 #include "tests/support/warnings.h"
 #include "tests/window/screen.h"
@@ -183,6 +184,27 @@ TEST_F(Measuring, TicksAreHiddenDuringARunAndNoneIsCurrentAfterIt)
     EXPECT_EQ(shownTicks(), 0) << "those of another than the main trace";
     stopped->clear();
     runWithoutTrace(); // the measured main trace goes at its start, and the loaded one follows it
+}
+
+TEST_F(Measuring, RowThatWasChosenBeforeARunWithoutATraceCanBeChosenAgain)
+{
+    load("a.sor");
+    auto* table = window->findChild<Waveform::EventsTableView*>();
+    const auto tallTicks = [this] {
+        int count = 0;
+        for (const QwtPlotItem* item : plot()->itemList(QwtPlotItem::Rtti_PlotMarker)) {
+            const auto* tick = dynamic_cast<const QwtPlotMarker*>(item);
+            count += tick->symbol()->size().height() > 100 ? 1 : 0;
+        }
+        return count;
+    };
+    table->selectRow(2);
+    ASSERT_EQ(tallTicks(), 1);
+    runToEnd("printf '1 G {;'; sleep 0.1; printf '2 G };'");
+    EXPECT_FALSE(table->currentIndex().isValid()) << "no event is current after a run";
+    EXPECT_EQ(tallTicks(), 0);
+    table->selectRow(2);
+    EXPECT_EQ(tallTicks(), 1);
 }
 
 TEST_F(Measuring, MeasuredTraceIsTheMainOneAtTheEndWhateverWasChosenMeanwhile)
