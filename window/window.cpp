@@ -406,8 +406,9 @@ void Window::rescalePlot(Reflectogram refl)
 {
     canvas->setSampleSpacing(refl.smpl2dist(1.0));
     rescalePlot(canvas->zoomer()->currentRect());
-    if (refl.isValid() && !refl.isMeasured()) {
-        canvas->offer(); // a run keeps the view that it began with
+    const bool isMeasuring = model != nullptr && model->isStarted();
+    if (refl.isValid() && !isMeasuring) { // a run keeps the view that it began with
+        canvas->offer();
     }
 }
 

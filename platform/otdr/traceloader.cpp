@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string>
 
 namespace {
 
@@ -157,6 +158,10 @@ otdr::Result<TraceState> loadSnapshot(const QString& fileName, const WfMeasParam
     const auto read = otdr::readSnapshotFile(QFile::encodeName(fileName).toStdString());
     if (!read) {
         return read.error();
+    }
+    if (read->samples.empty()) { // refused as a .sor file without them is
+        const std::string reason = "no trace: the file holds no samples";
+        return otdr::Error {otdr::ErrorCode::Damaged, fileName.toStdString() + ": " + reason, 0};
     }
     TraceState state;
     state.trace = std::make_shared<const otdr::Trace>(

@@ -444,6 +444,7 @@ TEST_F(Measurement, CardThatComesBackIsUsedAgain)
     card.setRevision("9.9");
     card.plug();
     EXPECT_TRUE(model->supParams().moduleId.endsWith(" 9.9"));
+    EXPECT_EQ(config->value("CardInfo", "HardwareRevision").toString(), "9.9");
     programs.make("wfgather", "printf '1 G {;2 G };'");
     ASSERT_EQ(model->start(0), 0);
     ASSERT_TRUE(waitForStop());

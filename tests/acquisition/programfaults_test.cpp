@@ -63,6 +63,7 @@ TEST_F(FaultyProgram, FailureAtOnceIsToldInItsOwnWords)
 {
     EXPECT_EQ(failureOf("echo 'looking' >&2; echo 'wfgather: no light' >&2; exit 3"),
               "The acquisition program failed (code 3): wfgather: no light");
+    EXPECT_EQ(failureOf("exit 3"), "The acquisition program failed (code 3).");
     expectGoodRun();
 }
 
@@ -105,6 +106,7 @@ TEST_F(FaultyProgram, TraceWithoutItsEndIsTold)
     EXPECT_EQ(
         failureOf("printf '1 G {;'; sleep 0.1;" + traceStart() + snapshot() + "printf '7 G };'"),
         "The acquisition program ended before the measurement was complete.");
+    EXPECT_EQ(failureOf("printf '1 G {;7 G };'"), "") << "the trace of the run before";
     expectGoodRun();
 }
 

@@ -51,6 +51,19 @@ TEST_F(FaultySnapshot, DamagedOneIsTold)
     expectGoodRun();
 }
 
+TEST_F(FaultySnapshot, OneWithoutSamplesIsTold)
+{
+    constexpr int kHeader = 48;
+    QByteArray none = good().left(kHeader);
+    for (const int field : {8, 44}) { // the number of samples and their checksum
+        none.replace(field, 4, QByteArray(4, 0));
+    }
+    const QString told = failureWith(fileOf(none));
+    EXPECT_TRUE(told.startsWith("The measured trace cannot be used: ")) << qPrintable(told);
+    EXPECT_TRUE(told.endsWith("no trace: the file holds no samples")) << qPrintable(told);
+    expectGoodRun();
+}
+
 TEST_F(FaultySnapshot, HugeOneIsRefusedUnread)
 {
     const QString huge = fileOf(good());

@@ -1,6 +1,6 @@
 // The window while the acquisition program runs.
 
-#include "events/eventmarkersview.h"
+#include "events/eventstablemodel.h"
 #include "events/eventstableview.h"
 #include "plot/qmminiplot.h"
 #include "tests/support/warnings.h"
@@ -8,6 +8,8 @@
 #include "window/window.h"
 
 #include <qwt_symbol.h>
+
+#include <QItemSelectionModel>
 
 namespace {
 
@@ -174,8 +176,12 @@ TEST_F(Measuring, TicksAreHiddenDuringARunAndNoneIsCurrentAfterIt)
         stopped->clear();
     };
     load("a.sor");
-    window->findChild<EventMarkersView*>()->setActiveMarker(1);
+    auto* events = window->findChild<Waveform::EventsTableModel*>();
+    QItemSelectionModel* selection = events->selectionModel();
+    selection->setCurrentIndex(events->index(2, 0), QItemSelectionModel::Select);
     runWithoutTrace();
+    EXPECT_FALSE(selection->hasSelection()) << "a row without a tall tick";
+    EXPECT_FALSE(selection->currentIndex().isValid()) << "a touch on its row would do nothing";
     for (const QwtPlotItem* item : plot()->itemList(QwtPlotItem::Rtti_PlotMarker)) {
         EXPECT_EQ(dynamic_cast<const QwtPlotMarker*>(item)->symbol()->size().height(), 100);
     }

@@ -7,6 +7,8 @@
 #include "tests/window/screen.h"
 #include "window/measview.h"
 
+#include <QElapsedTimer>
+
 namespace {
 
 using namespace testing_support; // fixture, doubles, builders and units
@@ -120,10 +122,14 @@ TEST_F(RunPanels, AnalysisIsAnimatedAndItsEndDisablesTheButton)
                   "trap 'printf \"9 G };\"; exit 0' TERM; printf '1 G {;5 A {;'; sleep 1.2; "
                   "printf '6 A };'; while true; do sleep 0.05; done");
     const QSignalSpy ended(model.get(), SIGNAL(analisisFinished()));
+    const QObject context;
+    QElapsedTimer shown; // begins when the window has shown the first text
+    QObject::connect(model.get(), &Model::analisisStarted, &context, [&shown] { shown.start(); });
     press();
     ASSERT_TRUE(QTest::qWaitFor([this] { return action()->text().startsWith("Events"); }));
     EXPECT_EQ(action()->text(), "Events.  ") << "the first one has a point";
     ASSERT_TRUE(QTest::qWaitFor([this] { return action()->text() == "Events.. "; }));
+    EXPECT_GE(shown.elapsed(), 450) << "half a second, and such timers may come a twentieth early";
     ASSERT_TRUE(QTest::qWaitFor([&] { return !ended.isEmpty(); }));
     EXPECT_FALSE(action()->isEnabled());
     const QString last = action()->text();

@@ -1,6 +1,7 @@
 // What the window does at the steps of a run, told by the model's signals alone.
 
 #include "plot/plot.h"
+#include "plot/qmminiplot.h"
 #include "plot/qmplotmarker.h"
 #include "plot/qmplotzoomer.h"
 #include "tests/support/paintcounter.h"
@@ -117,6 +118,29 @@ TEST_F(RunSteps, ViewOfTheMeasuredTraceStaysAtTheStop)
     ASSERT_LT(chosen.width(), model->distance());
     model->stopped(QString());
     EXPECT_EQ(view(), chosen);
+}
+
+TEST_F(RunSteps, ControlsOfTheViewStayAsTheRunBeganAndFitTheMainTraceAfterIt)
+{
+    const auto* stepOut = window->findChild<QPushButton*>("zoomOutButton");
+    const auto* overview = window->findChild<QmMiniPlot*>();
+    load("short.sor");
+    model->started(QString());
+    arrive(TraceBuilder().fibre(10_km)); // a little shorter than the range in view
+    EXPECT_FALSE(stepOut->isVisible());
+    EXPECT_FALSE(overview->isVisible());
+    model->stopped(QString());
+    refls()->setMainRefl(0);
+    QTest::mouseClick(fullView(), Qt::LeftButton);
+    refls()->setMainRefl(1);
+    EXPECT_TRUE(stepOut->isVisible()) << "half of the measured trace is out of view";
+    EXPECT_TRUE(overview->isVisible());
+    QTest::mouseClick(fullView(), Qt::LeftButton);
+    refls()->setMainRefl(0);
+    ASSERT_TRUE(stepOut->isVisible());
+    refls()->setMainRefl(1);
+    EXPECT_FALSE(stepOut->isVisible()) << "the whole trace is in view";
+    EXPECT_FALSE(overview->isVisible());
 }
 
 TEST_F(RunSteps, StopShowsTheSetAnew)

@@ -1,3 +1,4 @@
+#include "platform/otdr/core/snapshot.h"
 #include "platform/otdr/core/trace.h"
 #include "platform/otdr/reflectogram.h"
 #include "tests/support/tracefiles.h"
@@ -331,6 +332,23 @@ TEST(Reflectogram, FailedRefreshKeepsTheTraceAndSaysWhy)
     EXPECT_EQ(refl.maxdist(), last);
     EXPECT_EQ(refl.fileName(), files.path("plain.sor"));
     EXPECT_FALSE(refl.error().isEmpty());
+}
+
+TEST(Reflectogram, SnapshotWithoutSamplesIsNoTraceAndNoRefresh)
+{
+    const TraceFiles files;
+    otdr::Snapshot snapshot;
+    snapshot.sampleInterval_ns = 10.0;
+    const QString file = files.write("none.bin", otdr::encodeSnapshot(snapshot));
+    const Reflectogram none(file, WfMeasParams());
+    EXPECT_FALSE(none.isValid());
+    EXPECT_EQ(none.error(), file + ": no trace: the file holds no samples");
+
+    Reflectogram refl = files.measured(TraceBuilder().fibre(3_km));
+    const double last = refl.maxdist();
+    EXPECT_FALSE(refl.updateFromFile(file, WfMeasParams()));
+    EXPECT_TRUE(refl.isValid());
+    EXPECT_EQ(refl.maxdist(), last);
 }
 
 TEST(Reflectogram, FileThatIsNoTraceIsInvalidWithAReason)
