@@ -67,6 +67,11 @@ public:
     /// reflection, and measures all anew.
     void mergePairs();
 
+    /// Adds the changes of level, by so many standard errors at least, that stand where the fibre
+    /// between two places is too short for a scan: two levels with the ramp of a pulse between them
+    /// explain it there, and one line does not.
+    void divideShortFibre(double significance);
+
     /// Takes reflections with too little fibre between them to tell its level for one group, of
     /// which the loss is known together, and measures all anew.
     void joinCrowded();
@@ -141,6 +146,9 @@ private:
     void dropRecoveries();
     [[nodiscard]] double foundationOf(const Site& site, double loss_dB, double significance) const;
     [[nodiscard]] std::optional<double> footOfBoth(const Site& first, const Site& second) const;
+    [[nodiscard]] std::optional<Site> changeWithin(const Stretch& stretch,
+                                                   double significance) const;
+    [[nodiscard]] bool isRampWithin(const Stretch& stretch, Site& site) const;
     [[nodiscard]] bool reachesOverPlace(std::size_t k) const;
     void refine(Site& site, double reach, double least, double most) const;
     void refinePeak(Site& site, double least, double most) const;

@@ -7,6 +7,8 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <optional>
+#include <vector>
 
 namespace otdr {
 
@@ -17,6 +19,11 @@ namespace {
 constexpr double kPairGaps = 2.0;
 constexpr double kPairSigmas = 1.5;
 constexpr double kPairPart = 0.03;
+
+/// Scans need fibre of so many dead zones. In less, a line that runs over a change leaves so many
+/// times what the ramp of one does.
+constexpr double kScannedGaps = 4.0;
+constexpr double kLineLeaves = 2.0;
 
 /// A loss of so much is a splitter's and one, also where the receiver is slower than it is thought.
 constexpr double kSplitter_dB = 3.0;
@@ -85,6 +92,67 @@ void EventSites::mergePairs()
         }
     }
     measure();
+}
+
+/// The place of a stretch where two levels with the usual slope are furthest apart, by so many
+/// standard errors at least.
+std::optional<Site> EventSites::changeWithin(const Stretch& stretch, double significance) const
+{
+    const auto [from, to] = stretch;
+    const double gap = fibreTrace->gap();
+    std::optional<Site> change;
+    for (double at = from + kLevelSamples; at + gap + kLevelSamples <= to; at += 1.0) {
+        const double before = at - from;
+        const double behind = to - at - gap;
+        const double apart = gap + 0.5 * (before + behind);
+        const double off_dB = fibreTrace->mean_dB(from, at) - fibreTrace->mean_dB(at + gap, to)
+            + usualSlope_dB * apart;
+        const double level_dB = fibreTrace->noise().sigma_dB(at)
+            * std::sqrt(fibreTrace->noise().correlation() * (1.0 / before + 1.0 / behind));
+        const double statistic = std::abs(off_dB) / std::hypot(level_dB, slopeSpread_dB * apart);
+        if (statistic > significance) {
+            significance = statistic;
+            change.emplace();
+            change->at = at;
+            change->behind = at + gap;
+        }
+    }
+    return change;
+}
+
+/// Whether a ramp at a place explains a stretch far better than one line through all of it; moves
+/// the place to its foot.
+bool EventSites::isRampWithin(const Stretch& stretch, Site& site) const
+{
+    const auto [from, to] = stretch;
+    const auto whole = fibreTrace->fit(from, to);
+    const auto left = fibreTrace->fitWithSlope(from, site.at, usualSlope_dB, slopeSpread_dB);
+    const auto right = fibreTrace->fitWithSlope(site.behind, to, usualSlope_dB, slopeSpread_dB);
+    if (!whole || !left || !right) {
+        return false;
+    }
+    const double gap = fibreTrace->gap();
+    const StepFit ramp =
+        fitStep(*fibreTrace, fibreTrace->shape(), site.at, gap, left->line, right->line);
+    site.at = ramp.foot;
+    site.behind = ramp.foot + gap;
+    return whole->line.sigma_dB > kLineLeaves * ramp.scatter_dB;
+}
+
+void EventSites::divideShortFibre(double significance)
+{
+    std::vector<Site> found;
+    for (std::size_t k = 0; k <= places.size(); ++k) {
+        const Stretch stretch {lineFrom(k), fibreTo(k)};
+        if (stretch.second - stretch.first > kScannedGaps * fibreTrace->gap()) {
+            continue;
+        }
+        auto change = changeWithin(stretch, significance);
+        if (change && isRampWithin(stretch, *change)) {
+            found.push_back(*change);
+        }
+    }
+    add(found);
 }
 
 /// Moves a place, within `reach`, to where it fits best between its lines and within these limits.

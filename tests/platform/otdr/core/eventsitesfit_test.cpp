@@ -14,6 +14,66 @@ using namespace testing_support;
 using otdr::EventSites;
 using otdr::Site;
 
+/// Places at 3000 and three and a half dead zones behind it, and what divides the fibre between
+/// them.
+std::vector<double> dividedBetween(const DrawnFibre& fibre)
+{
+    EventSites sites(*fibre, 100.0, 5900.0);
+    sites.add({siteAt(fibre, 3000.0), siteAt(fibre, 3000.0 + 3.5 * fibre->gap())});
+    sites.measure();
+    sites.divideShortFibre(5.0);
+    return placesOf(sites);
+}
+
+/// No scan has room there, and a line over the middle one would take a part of it from both.
+TEST(EventSites, ALossBetweenTwoOthersDividesShortFibre)
+{
+    const double gap = fibreWith({})->gap();
+    for (const double loss_dB : {0.3, -0.1}) {
+        const double at = 3000.0 + 1.8 * gap;
+        const DrawnFibre fibre =
+            fibreWith({{3000.0, 0.2}, {at, loss_dB}, {3000.0 + 3.5 * gap, 0.4}}, 0.001);
+        const std::vector<double> places = dividedBetween(fibre);
+        ASSERT_EQ(places.size(), 3U) << loss_dB;
+        EXPECT_NEAR(places[1], at, 0.5) << loss_dB;
+    }
+}
+
+TEST(EventSites, StraightShortFibreIsNotDivided)
+{
+    const double gap = fibreWith({})->gap();
+    for (const double sigma_dB : {0.0, 0.001, 0.05}) {
+        const DrawnFibre fibre = fibreWith({{3000.0, 0.2}, {3000.0 + 3.5 * gap, 0.4}}, sigma_dB);
+        EXPECT_EQ(dividedBetween(fibre).size(), 2U) << sigma_dB;
+    }
+}
+
+/// It falls by as much as a loss, but not within a pulse.
+TEST(EventSites, ATailOnShortFibreIsNoLoss)
+{
+    const otdr::PulseShape shape(kSitesPulse, 0.08 * kSitesPulse);
+    const DrawnFibre fibre(
+        6000, scaleOf(kSitesPulse, 2000.0),
+        [&](double i) {
+            const double tail = i > 3000.0 ? 0.5 * std::exp((3000.0 - i) / 40.0) : 0.0;
+            return 40.0 - 0.0005 * i + eventLevel_dB(shape, i - 3000.0, 0.0, -0.2) + tail;
+        },
+        0.001);
+    EXPECT_EQ(dividedBetween(fibre).size(), 2U);
+}
+
+/// There the scan sees it.
+TEST(EventSites, FibreThatIsLongEnoughForAScanIsNotDivided)
+{
+    const double gap = fibreWith({})->gap();
+    const DrawnFibre fibre = fibreWith({{3000.0, 0.2}, {3000.0 + 3.0 * gap, 0.3}}, 0.001);
+    EventSites sites(*fibre, 100.0, 5900.0);
+    sites.add({siteAt(fibre, 3000.0), siteAt(fibre, 3000.0 + 6.0 * gap)});
+    sites.measure();
+    sites.divideShortFibre(5.0);
+    EXPECT_EQ(sites.sites().size(), 2U);
+}
+
 TEST(EventSites, RefiningMovesALossToItsFoot)
 {
     const DrawnFibre fibre = fibreWith({{3000.4, 0.3}}, 0.002);
