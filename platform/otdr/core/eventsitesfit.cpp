@@ -20,9 +20,9 @@ constexpr double kPairGaps = 2.0;
 constexpr double kPairSigmas = 1.5;
 constexpr double kPairPart = 0.03;
 
-/// Scans need fibre of so many dead zones. In less, a line that runs over a change leaves so many
-/// times what the ramp of one does.
-constexpr double kScannedGaps = 4.0;
+/// In fibre of up to so many dead zones scans hardly tell two events that are close. A line that
+/// runs over a change there leaves so many times what the ramp of one does.
+constexpr double kScannedGaps = 8.0;
 constexpr double kLineLeaves = 2.0;
 
 /// A loss of so much is a splitter's and one, also where the receiver is slower than it is thought.
@@ -109,7 +109,7 @@ std::optional<Site> EventSites::changeWithin(const Stretch& stretch, double sign
             + usualSlope_dB * apart;
         const double level_dB = fibreTrace->noise().sigma_dB(at)
             * std::sqrt(fibreTrace->noise().correlation() * (1.0 / before + 1.0 / behind));
-        const double statistic = std::abs(off_dB) / std::hypot(level_dB, slopeSpread_dB * apart);
+        const double statistic = std::abs(off_dB) / level_dB;
         if (statistic > significance) {
             significance = statistic;
             change.emplace();

@@ -66,9 +66,9 @@ TEST(EventSites, ATailOnShortFibreIsNoLoss)
 TEST(EventSites, FibreThatIsLongEnoughForAScanIsNotDivided)
 {
     const double gap = fibreWith({})->gap();
-    const DrawnFibre fibre = fibreWith({{3000.0, 0.2}, {3000.0 + 3.0 * gap, 0.3}}, 0.001);
+    const DrawnFibre fibre = fibreWith({{3000.0, 0.2}, {3000.0 + 6.0 * gap, 0.3}}, 0.001);
     EventSites sites(*fibre, 100.0, 5900.0);
-    sites.add({siteAt(fibre, 3000.0), siteAt(fibre, 3000.0 + 6.0 * gap)});
+    sites.add({siteAt(fibre, 3000.0), siteAt(fibre, 3000.0 + 12.0 * gap)});
     sites.measure();
     sites.divideShortFibre(5.0);
     EXPECT_EQ(sites.sites().size(), 2U);
