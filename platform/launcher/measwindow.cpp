@@ -5,6 +5,7 @@
 #include "platform/launcher/warningwindow.h"
 
 #include <QGridLayout>
+#include <QKeyEvent>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QScopedValueRollback>
@@ -16,13 +17,28 @@ constexpr int kContentRow = 1;
 constexpr int kPanelRow = 2;
 constexpr int kTouchHeight = 44;
 
+/// A key that is held presses it once: its repeats would stop the run that it has started.
+class ActionButton final : public QPushButton
+{
+public:
+    using QPushButton::QPushButton;
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override
+    {
+        if (!event->isAutoRepeat()) {
+            QPushButton::keyPressEvent(event);
+        }
+    }
+};
+
 } // namespace
 
 MeasWindow::MeasWindow(QWidget* parent)
     : PluginWindow(parent)
     , grid(new QGridLayout(this))
     , panel(new ControlBottomPanel(this))
-    , button(new QPushButton(tr("Start"), this))
+    , button(new ActionButton(tr("Start"), this))
     , progress(new QProgressBar(this))
 {
     buildPage();

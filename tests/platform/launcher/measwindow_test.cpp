@@ -4,9 +4,12 @@
 #include "platform/launcher/measwindow.h"
 #include "platform/launcher/warningwindow.h"
 
+#include <QApplication>
 #include <QGridLayout>
+#include <QKeyEvent>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -102,6 +105,22 @@ TEST(MeasWindow, StartsAndStopsTheModelWithItsButton)
     EXPECT_TRUE(window.progressWidget()->isHidden());
     EXPECT_EQ(window.diary, (QStringList {"started", "stopped"}));
     EXPECT_TRUE(window.warnings.isEmpty());
+}
+
+/// Its repeats would stop the run that it has started, and start the next one.
+TEST(MeasWindow, EnterThatIsHeldStartsOnce)
+{
+    FakeModel model(nullptr, "");
+    OpenWindow window;
+    window.setModel(&model);
+    for (const bool isRepeat : {false, true, true}) {
+        QKeyEvent press(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, "\r", isRepeat);
+        QApplication::sendEvent(window.actionButton(), &press);
+    }
+    EXPECT_EQ(model.starts, 1);
+    EXPECT_EQ(model.stops, 0);
+    QTest::keyClick(window.actionButton(), Qt::Key_Return);
+    EXPECT_EQ(model.stops, 1);
 }
 
 TEST(MeasWindow, GivesTheButtonItsTextAndUseBackWhateverWasDoneToItMeanwhile)
