@@ -290,26 +290,51 @@ private:
 
 } // namespace
 
-PeakFit fitPeak(const FibreTrace& trace, double at, const Line& before, const Line& behind)
+namespace {
+
+/// What a fit of a reflection near `at` looks at.
+Stretch stretchAround(const FibreTrace& trace, double at, const Line& before, const Line& behind)
 {
     const double w = trace.scale().pulse;
-    const Stretch stretch(trace, std::max(at - kPeakPulses * w, before.first()),
-                          std::min(at + w + kPeakGaps * trace.gap(), behind.last() + 1.0));
+    return {trace, std::max(at - kPeakPulses * w, before.first()),
+            std::min(at + w + kPeakGaps * trace.gap(), behind.last() + 1.0)};
+}
+
+/// Where within a pulse of `at` least is left, of what the fit tells there.
+double bestFoot(const LightOnRamp& fits, double at, double pulse, double LightOnRamp::Fit::*squares)
+{
+    return leastOf([&](double foot) { return fits.at(foot).*squares; }, at - pulse, at + pulse,
+                   gridFor(pulse));
+}
+
+double valuesOf(const Stretch& stretch)
+{
+    return static_cast<double>(std::max<std::size_t>(1, stretch.at.size()));
+}
+
+} // namespace
+
+PeakFit fitPeak(const FibreTrace& trace, double at, const Line& before, const Line& behind)
+{
+    const Stretch stretch = stretchAround(trace, at, before, behind);
     const LightOnRamp fits(trace, stretch, before, behind);
-    const double grid = gridFor(w);
-    const auto leastAt = [&](auto LightOnRamp::Fit::*squares) {
-        return leastOf([&](double foot) { return fits.at(foot).*squares; }, at - w, at + w, grid);
-    };
-    const double foot = leastAt(&LightOnRamp::Fit::squares);
+    const double foot = bestFoot(fits, at, trace.scale().pulse, &LightOnRamp::Fit::squares);
     const LightOnRamp::Fit best = fits.at(foot);
-    const double plain = fits.at(leastAt(&LightOnRamp::Fit::plainSquares)).plainSquares;
-    const auto values = static_cast<double>(std::max<std::size_t>(1, stretch.at.size()));
-    const double variance = std::max(kLeastSquares, best.squares / values);
     const double samples = std::max(1.0, best.shown * stretch.step());
     return {foot, std::log1p(best.light) / kNepersPerDb,
             trace.noise().sigma_dB(foot) * std::sqrt(trace.noise().correlation() / samples),
-            std::sqrt(best.squares / values) / kNepersPerDb,
-            std::sqrt(std::max(0.0, plain - best.squares) / variance)};
+            std::sqrt(best.squares / valuesOf(stretch)) / kNepersPerDb};
+}
+
+double gainOverRamp(const FibreTrace& trace, const PeakFit& fit, double at, const Line& before,
+                    const Line& behind)
+{
+    const Stretch stretch = stretchAround(trace, at, before, behind);
+    const LightOnRamp fits(trace, stretch, before, behind);
+    const double foot = bestFoot(fits, at, trace.scale().pulse, &LightOnRamp::Fit::plainSquares);
+    const double left = fits.at(fit.foot).squares;
+    const double gained = fits.at(foot).plainSquares - left;
+    return std::sqrt(std::max(0.0, gained) / std::max(kLeastSquares, left / valuesOf(stretch)));
 }
 
 double rampSamples(const FibreTrace& trace)

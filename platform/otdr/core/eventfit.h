@@ -27,13 +27,16 @@ struct PeakFit
     double height_dB = 0.0; ///< above the fibre before it
     double error_dB = 0.0; ///< standard error of the height
     double scatter_dB = 0.0; ///< of the samples about the fit
-    double gain = 0.0; ///< by how much it fits better than the best ramp alone, standard deviations
 };
 
 /// The place near `at`, within a pulse, at which the light of a pulse on the ramp between two lines
 /// fits best, with its height.
 [[nodiscard]] PeakFit fitPeak(const FibreTrace& trace, double at, const Line& before,
                               const Line& behind);
+
+/// By how much such a fit leaves less than the best ramp alone, standard deviations.
+[[nodiscard]] double gainOverRamp(const FibreTrace& trace, const PeakFit& fit, double at,
+                                  const Line& before, const Line& behind);
 
 /// The foot of the end of the fibre near `at`, where light falls without a reflection.
 [[nodiscard]] double footOfFall(const FibreTrace& trace, double at, const Line& before);

@@ -227,8 +227,13 @@ void EventSites::findReflections(double leastHeight_dB, double significance)
         if (site.peak || !site.left || !site.right) {
             continue;
         }
-        const PeakFit fit = fitPeak(*fibreTrace, site.at, site.left->line, site.right->line);
-        const double statistic = std::min(fit.height_dB / fit.error_dB, fit.gain);
+        const Line& before = site.left->line;
+        const Line& behind = site.right->line;
+        const PeakFit fit = fitPeak(*fibreTrace, site.at, before, behind);
+        const double height = fit.height_dB / fit.error_dB;
+        const double statistic = height > significance
+            ? std::min(height, gainOverRamp(*fibreTrace, fit, site.at, before, behind))
+            : height;
         const double most = (k + 1 < places.size() ? places[k + 1].at : end) - fibreTrace->gap();
         const bool isLight =
             statistic > significance && fit.foot < most && fit.foot > fibreFrom(k) + kLevelSamples;
