@@ -4,11 +4,14 @@
 
 namespace otdr {
 
+/// A change of power, in nepers, for each one-way decibel of a trace: ln(10) / 5.
+constexpr double kNepersPerDb = 0.46051701859880914;
+
 /// How many times more light so many one-way decibels of a trace are: 10^(level / 5), since light
 /// passes the fibre twice.
 [[nodiscard]] inline double powerRatio(double level_dB)
 {
-    return std::pow(10.0, level_dB / 5.0);
+    return std::exp(level_dB * kNepersPerDb);
 }
 
 /// The inverse, one-way decibels of a trace: -inf for 0, NaN for a negative ratio.

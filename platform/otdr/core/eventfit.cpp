@@ -12,9 +12,6 @@ namespace otdr {
 
 namespace {
 
-/// A change of power, in nepers, for each decibel of the trace: ln(10) / 5.
-constexpr double kNepersPerDb = 0.46051701859880914;
-
 /// Nothing stands higher above the fibre than this; of samples that do, the power would have no
 /// number.
 constexpr double kBrightest_dB = 100.0;
