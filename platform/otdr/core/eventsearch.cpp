@@ -37,6 +37,9 @@ constexpr double kPlainlyBetter = 0.25;
 constexpr double kChance = 5.0;
 constexpr double kLeastSquares = 1e-12;
 
+/// Noise that has passed the receiver is alike over so many of its time constants.
+constexpr double kAlikeConstants = 2.0;
+
 /// Reflections from this height on need no closer look; lower ones must have the shape of a pulse
 /// between lines of so many dead zones, but for so many sigmas or this part of their height.
 constexpr double kHigh_dB = 1.5;
@@ -115,6 +118,7 @@ void EventSearch::learnFromPeaks()
     // A receiver that recovers from an overload is slower than it is.
     const double fastest = *std::min_element(constants.begin(), constants.end());
     const double shown = std::max(fastest, PulseShape::kUsualTimeConstant * fibre.scale().pulse);
+    slowestByPeaks = kOtherReceiver * shown;
     const double thought = fibre.scale().timeConstant;
     if (shown > kOtherReceiver * thought || kOtherReceiver * shown < thought) {
         beginWith(shown);
@@ -149,13 +153,22 @@ double EventSearch::misfit(const std::vector<const Site*>& clear, double timeCon
     return sum / static_cast<double>(clear.size());
 }
 
+/// The longest time constant that a ramp may show, samples. What falls more slowly than reflections
+/// let the receiver do is a tail, unless noise is alike for as long: then the instrument smooths
+/// what it does not take for a reflection.
+double EventSearch::slowestReceiver() const
+{
+    return std::min(kSlowestPulses * fibre.scale().pulse,
+                    std::max(slowestByPeaks, fibre.noise().correlation() / kAlikeConstants));
+}
+
 /// The receiver with which the ramps at these losses fit best, from this one on: by steps while
 /// they fit better, for the misfit has one least, then between the steps.
 EventSearch::Receiver EventSearch::bestReceiver(const std::vector<const Site*>& clear,
                                                 const Receiver& first) const
 {
     const double fastest = PulseShape::kUsualTimeConstant * fibre.scale().pulse;
-    const double slowest = kSlowestPulses * fibre.scale().pulse;
+    const double slowest = slowestReceiver();
     Receiver best = first;
     const auto isBetter = [&](double trial) {
         const double left = misfit(clear, trial);
@@ -172,7 +185,7 @@ EventSearch::Receiver EventSearch::bestReceiver(const std::vector<const Site*>& 
     }
     const double between = std::sqrt(kTrialFactor);
     for (const double trial : {best.timeConstant * between, best.timeConstant / between}) {
-        if (trial > fastest) {
+        if (trial > fastest && trial < slowest) {
             isBetter(trial);
         }
     }
@@ -213,8 +226,8 @@ bool EventSearch::learnFromSteps()
     const Receiver before {now, misfit(clear, now)};
     const Receiver best = bestReceiver(clear, before);
     // Of n samples that are no more than noise, one more parameter takes a part of 1 / n in the
-    // mean. Noise that has passed the receiver is alike over two of its time constants.
-    const double alike = std::clamp(2.0 * now, 1.0, fibre.noise().correlation());
+    // mean.
+    const double alike = std::clamp(kAlikeConstants * now, 1.0, fibre.noise().correlation());
     const double byChance =
         kChance * kChance * alike / (static_cast<double>(clear.size()) * rampSamples(fibre));
     const bool isOther = best.misfit < before.misfit - std::max(kClearlyBetter, byChance);
@@ -396,9 +409,10 @@ void EventSearch::findAll()
         }
     }
     sites.divideAtBends(settings.loss_dB, settings.significance);
+    sites.refine(fibre.gap());
+    // When no place moves any more: those that are one group are told by the fibre between them.
     sites.joinCrowded();
     sites.hideLowPeaks(listedHeight_dB());
-    sites.refine(fibre.gap());
     sites.dropUnlikely(settings.loss_dB, settings.significance);
 }
 

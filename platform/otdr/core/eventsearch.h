@@ -5,6 +5,7 @@
 #include "platform/otdr/core/fibreend.h"
 #include "platform/otdr/core/fibretrace.h"
 
+#include <limits>
 #include <vector>
 
 namespace otdr {
@@ -39,6 +40,7 @@ private:
         double misfit;
     };
 
+    [[nodiscard]] double slowestReceiver() const;
     [[nodiscard]] Receiver bestReceiver(const std::vector<const Site*>& clear,
                                         const Receiver& first) const;
     [[nodiscard]] Receiver sharperReceiver(const std::vector<const Site*>& clear,
@@ -74,6 +76,8 @@ private:
     FibreTrace fibre;
     FibreExtent ends;
     EventSites sites;
+    /// Longest time constant of the receiver that reflections leave open, samples.
+    double slowestByPeaks = std::numeric_limits<double>::infinity();
     std::vector<Stretch> scannedForPeaks;
     std::vector<Stretch> scannedForSteps;
 };

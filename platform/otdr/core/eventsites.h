@@ -76,9 +76,10 @@ public:
     /// which the loss is known together, and measures all anew.
     void joinCrowded();
 
-    /// Moves the places, by so many samples at most, to where the ramp of the pulse or the shape of
-    /// a low reflection fits best, and measures all anew: until the lines beside them, which follow
-    /// from the places, move them no more.
+    /// Moves the places to where the ramp of the pulse or the shape of a low reflection fits best,
+    /// and measures all anew: until the lines beside them, which follow from the places, move them
+    /// no more. By so many samples at most each time, for an event may draw a place in from further
+    /// away.
     void refine(double reach);
 
     /// Measures the high reflections anew before which a place was found that their lines ran over;

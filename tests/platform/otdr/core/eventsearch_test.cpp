@@ -170,10 +170,11 @@ TEST(EventSearch, KeepsTheUsualReceiverWhereNothingSpeaksAgainstIt)
     EXPECT_DOUBLE_EQ(scaleFoundOn(link).timeConstant, 1.6);
 }
 
-/// Noise that has passed the receiver, too.
-std::vector<double> smoothNoise_dB(std::size_t samples, double sigma_dB, std::uint64_t seed)
+/// Noise that has passed a receiver of this time constant, too.
+std::vector<double> smoothNoise_dB(std::size_t samples, double sigma_dB, std::uint64_t seed,
+                                   double timeConstant = 1.6)
 {
-    const double alike = std::exp(-1.0 / 1.6);
+    const double alike = std::exp(-1.0 / timeConstant);
     std::mt19937_64 random(seed);
     std::normal_distribution<double> normal(0.0, sigma_dB);
     std::vector<double> noise(samples);
@@ -196,6 +197,39 @@ TEST(EventSearch, LearnsNoReceiverFromNoise)
                 + noise[static_cast<std::size_t>(i)];
         });
         EXPECT_DOUBLE_EQ(scaleFoundOn(link).timeConstant, 1.6) << seed;
+    }
+}
+
+/// The time constant found on fibre with slow changes of level behind a reflection that a receiver
+/// as fast as usual shows, with noise that has passed one of this time constant.
+double foundBehindAFastReflection(double slow, double noiseConstant)
+{
+    const otdr::PulseShape gentle(kPulse, slow);
+    const otdr::PulseShape usual(kPulse, 1.6);
+    const std::vector<double> noise = smoothNoise_dB(12000, 0.003, 1, noiseConstant);
+    const DrawnFibre link(12000, scaleOf(kPulse), [&](double i) {
+        return 40.0 - 0.00003 * i + eventLevel_dB(usual, i - 2000.0, 0.0, 0.0, 8.0)
+            + eventLevel_dB(gentle, i - 4000.0, 0.0, -0.4)
+            + eventLevel_dB(gentle, i - 6000.0, 0.0, -0.3)
+            + eventLevel_dB(gentle, i - 8000.0, 0.0, -0.4) + noise[static_cast<std::size_t>(i)];
+    });
+    return scaleFoundOn(link).timeConstant;
+}
+
+/// What falls more slowly is a tail, of which a receiver so slow would make one event after
+/// another.
+TEST(EventSearch, NoLossMakesTheReceiverSlowerThanAReflectionShowsIt)
+{
+    for (const double slow : {8.0, 16.0, 30.0}) {
+        EXPECT_LT(foundBehindAFastReflection(slow, 1.6), 3.2) << slow;
+    }
+}
+
+/// An instrument may smooth its trace, but for what it takes for a reflection: the noise tells.
+TEST(EventSearch, LossesOfASmoothedTraceAreSlowerThanItsReflections)
+{
+    for (const double slow : {8.0, 10.0}) {
+        EXPECT_NEAR(foundBehindAFastReflection(slow, slow), slow, 0.25 * slow);
     }
 }
 
