@@ -18,9 +18,7 @@ constexpr double kOwnSlopeSamples = 8.0;
 constexpr double kSlopeSpread_dBPerKm = 0.03;
 constexpr double kSlopeSpreadPart = 0.15;
 
-/// Of so many samples a piece of fibre tells its slope, and not better than to this part of what
-/// fibres differ by.
-constexpr std::size_t kFewestSlopeSamples = 8;
+/// A piece of fibre tells its slope no better than to this part of what fibres differ by.
 constexpr double kSlopeDiffers = 0.1;
 
 /// The foot of an event without a reflection is known to about a sample: what may lie behind it is

@@ -3,6 +3,7 @@
 #include "platform/otdr/core/fibretrace.h"
 #include "platform/otdr/core/peakgroup.h"
 
+#include <cstddef>
 #include <limits>
 #include <optional>
 #include <set>
@@ -114,8 +115,9 @@ public:
     [[nodiscard]] std::optional<SideLine> fibre(std::size_t k) const;
 
 private:
-    /// Shortest stretch that tells a level.
+    /// Shortest stretch that tells a level, and fewest samples that tell a slope.
     static constexpr double kLevelSamples = 3.0;
+    static constexpr std::size_t kFewestSlopeSamples = 8;
 
     [[nodiscard]] std::optional<SideLine> lineBehind(double from, double to) const;
     [[nodiscard]] double brightness_dB(const Site& site, double to) const;

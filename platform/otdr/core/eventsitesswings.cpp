@@ -24,9 +24,6 @@ constexpr double kFlatErrors = 3.0;
 constexpr double kRiseErrors = 4.0;
 constexpr double kPort_dB = 10.0;
 
-/// Of so many samples the light between two places tells its slope.
-constexpr std::size_t kFewestSlopeSamples = 8;
-
 } // namespace
 
 /// Whether a gain is what a receiver swings back by that a reflection, in front of an index, swung
