@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -389,6 +390,97 @@ TEST(EventSites, AGainWithALossBehindItIsOneReflection)
     sites.mergePairs();
     ASSERT_EQ(sites.sites().size(), 1U);
     EXPECT_NEAR(sites.sites().front().at, 3000.0, 0.5);
+}
+
+/// A reflection at 2000 whose tail hides the fibre up to 2400, and a change of level behind it.
+DrawnFibre fibreBehindATail(double at, double loss_dB)
+{
+    otdr::SearchScale scale = scaleOf(kSitesPulse, 2000.0);
+    scale.longestWindow = 200.0;
+    const otdr::PulseShape shape(kSitesPulse, 0.08 * kSitesPulse);
+    return {6000, scale,
+            [=](double i) {
+                const double tail = i > 2000.0 ? 3.0 * std::exp((2000.0 - i) / 40.0) : 0.0;
+                return 40.0 - 0.0005 * i + eventLevel_dB(shape, i - 2000.0, 0.0, -0.2, 12.0)
+                    + eventLevel_dB(shape, i - at, 0.0, -loss_dB) + tail;
+            },
+            0.002};
+}
+
+/// The reflection as it is measured, and with lines made longer.
+std::pair<Site, Site> measuredAndLengthened(const DrawnFibre& fibre)
+{
+    EventSites sites(*fibre, 100.0, 5900.0);
+    Site site = peakAt(fibre, 2000.0, 12.0);
+    site.behind = 2400.0;
+    sites.add({site});
+    sites.measure();
+    const Site measured = sites.sites().front();
+    sites.lengthenLines();
+    return {measured, sites.sites().front()};
+}
+
+/// Told 400 samples beyond itself, a line of 200 is worth little.
+TEST(EventSites, ALineThatBeginsFarBehindItsEventIsLonger)
+{
+    const auto [measured, longer] = measuredAndLengthened(fibreBehindATail(5000.0, 0.0));
+    ASSERT_EQ(measured.right->line.samples, 200U);
+    EXPECT_NEAR(static_cast<double>(longer.right->line.samples), 4.0 * (longer.clear - 2000.0),
+                1.0);
+    EXPECT_EQ(longer.left->line.samples, measured.left->line.samples);
+    EXPECT_LT(longer.error_dB, 0.25 * measured.error_dB);
+    EXPECT_NEAR(longer.loss_dB, 0.2, 3.0 * longer.error_dB);
+}
+
+/// A loss of 0.01 dB is too small to be listed, and ten standard errors of a mean of 200 samples.
+TEST(EventSites, ALineIsNoLongerThanTheFibreIsStraight)
+{
+    const auto [measured, longer] = measuredAndLengthened(fibreBehindATail(3300.0, 0.01));
+    EXPECT_LE(longer.clear + static_cast<double>(longer.right->line.samples), 3300.0);
+    EXPECT_GT(longer.right->line.samples, measured.right->line.samples);
+    EXPECT_NEAR(longer.loss_dB, 0.2, 3.0 * longer.error_dB);
+}
+
+/// Where fibres of different attenuation meet, and nothing is lost.
+TEST(EventSites, ALineIsNoLongerThanTheFibreFallsAlike)
+{
+    const DrawnFibre straight = fibreBehindATail(5000.0, 0.0);
+    const double first = measuredAndLengthened(straight).first.clear + 200.0;
+    const DrawnFibre bent(6000, straight->scale(), [&](double i) {
+        const double steeper = i > first ? 0.0002 * (i - first) : 0.0;
+        return straight->samples().level_dB(static_cast<std::size_t>(i)) - steeper;
+    });
+    const auto [measured, longer] = measuredAndLengthened(bent);
+    ASSERT_EQ(measured.clear + 200.0, first);
+    EXPECT_EQ(longer.right->line.samples, 200U);
+}
+
+/// Two lines that fall alike, one below the other.
+TEST(EventSites, ALineIsNoLongerThanTheFibreKeepsItsLevel)
+{
+    const DrawnFibre straight = fibreBehindATail(5000.0, 0.0);
+    const double first = measuredAndLengthened(straight).first.clear + 200.0;
+    const DrawnFibre lower(6000, straight->scale(), [&](double i) {
+        return straight->samples().level_dB(static_cast<std::size_t>(i)) - (i < first ? 0.0 : 0.01);
+    });
+    const auto [measured, longer] = measuredAndLengthened(lower);
+    ASSERT_EQ(measured.clear + 200.0, first);
+    EXPECT_EQ(longer.right->line.samples, 200U);
+}
+
+TEST(EventSites, ALineIsNoLongerThanTheWayToTheNextPlace)
+{
+    const DrawnFibre fibre = fibreBehindATail(3000.0, 0.3);
+    EventSites sites(*fibre, 100.0, 5900.0);
+    Site site = peakAt(fibre, 2000.0, 12.0);
+    site.behind = 2400.0;
+    sites.add({site, siteAt(fibre, 3000.0)});
+    sites.measure();
+    sites.lengthenLines();
+    EXPECT_LE(sites.sites().front().clear
+                  + static_cast<double>(sites.sites().front().right->line.samples),
+              3000.0);
+    EXPECT_EQ(sites.sites().back().right->line.samples, 200U);
 }
 
 } // namespace

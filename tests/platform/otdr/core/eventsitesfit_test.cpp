@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <utility>
 #include <vector>
 
 namespace {
@@ -37,6 +36,29 @@ TEST(EventSites, ALossBetweenTwoOthersDividesShortFibre)
         ASSERT_EQ(places.size(), 3U) << loss_dB;
         EXPECT_NEAR(places[1], at, 0.5) << loss_dB;
     }
+}
+
+/// What fibre itself loses between the two levels is no change.
+TEST(EventSites, ALossDividesShortSteepFibre)
+{
+    const otdr::PulseShape shape(kSitesPulse, 0.08 * kSitesPulse);
+    const double gap = fibreWith({})->gap();
+    const double at = 3000.0 + 1.8 * gap;
+    const DrawnFibre fibre(
+        6000, scaleOf(kSitesPulse, 2000.0),
+        [&](double i) {
+            return 60.0 - 0.005 * i + eventLevel_dB(shape, i - 3000.0, 0.0, -0.2)
+                + eventLevel_dB(shape, i - at, 0.0, -0.1)
+                + eventLevel_dB(shape, i - 3000.0 - 3.5 * gap, 0.0, -0.4);
+        },
+        0.001);
+    EventSites sites(*fibre, 100.0, 5900.0);
+    sites.add({siteAt(fibre, 3000.0), siteAt(fibre, 3000.0 + 3.5 * gap)});
+    sites.measure();
+    sites.divideShortFibre(5.0);
+    ASSERT_EQ(sites.sites().size(), 3U);
+    EXPECT_NEAR(sites.sites()[1].at, at, 0.5);
+    EXPECT_DOUBLE_EQ(sites.sites()[1].behind, sites.sites()[1].at + gap);
 }
 
 TEST(EventSites, StraightShortFibreIsNotDivided)
@@ -339,70 +361,6 @@ TEST(EventSites, LinesBeginBehindTheTailOfAReflection)
     sites.add({siteAt(fibre, at + 160.0)});
     sites.measure();
     EXPECT_LE(sites.sites().front().clear, at + 60.0 + 50.0);
-}
-
-/// A reflection at 2000 whose tail hides the fibre up to 2400, and a change of level behind it.
-DrawnFibre fibreBehindATail(double at, double loss_dB)
-{
-    otdr::SearchScale scale = scaleOf(kSitesPulse, 2000.0);
-    scale.longestWindow = 200.0;
-    const otdr::PulseShape shape(kSitesPulse, 0.08 * kSitesPulse);
-    return {6000, scale,
-            [=](double i) {
-                const double tail = i > 2000.0 ? 3.0 * std::exp((2000.0 - i) / 40.0) : 0.0;
-                return 40.0 - 0.0005 * i + eventLevel_dB(shape, i - 2000.0, 0.0, -0.2, 12.0)
-                    + eventLevel_dB(shape, i - at, 0.0, -loss_dB) + tail;
-            },
-            0.002};
-}
-
-/// The reflection as it is measured, and with lines made longer.
-std::pair<Site, Site> measuredAndLengthened(const DrawnFibre& fibre)
-{
-    EventSites sites(*fibre, 100.0, 5900.0);
-    Site site = peakAt(fibre, 2000.0, 12.0);
-    site.behind = 2400.0;
-    sites.add({site});
-    sites.measure();
-    const Site measured = sites.sites().front();
-    sites.lengthenLines();
-    return {measured, sites.sites().front()};
-}
-
-/// Told 400 samples beyond itself, a line of 200 is worth little.
-TEST(EventSites, ALineThatBeginsFarBehindItsEventIsLonger)
-{
-    const auto [measured, longer] = measuredAndLengthened(fibreBehindATail(5000.0, 0.0));
-    ASSERT_EQ(measured.right->line.samples, 200U);
-    EXPECT_NEAR(static_cast<double>(longer.right->line.samples), 4.0 * (longer.clear - 2000.0),
-                1.0);
-    EXPECT_EQ(longer.left->line.samples, measured.left->line.samples);
-    EXPECT_LT(longer.error_dB, 0.25 * measured.error_dB);
-    EXPECT_NEAR(longer.loss_dB, 0.2, 3.0 * longer.error_dB);
-}
-
-/// A loss of 0.01 dB is too small to be listed, and ten standard errors of a mean of 200 samples.
-TEST(EventSites, ALineIsNoLongerThanTheFibreIsStraight)
-{
-    const auto [measured, longer] = measuredAndLengthened(fibreBehindATail(3300.0, 0.01));
-    EXPECT_LE(longer.clear + static_cast<double>(longer.right->line.samples), 3300.0);
-    EXPECT_GT(longer.right->line.samples, measured.right->line.samples);
-    EXPECT_NEAR(longer.loss_dB, 0.2, 3.0 * longer.error_dB);
-}
-
-TEST(EventSites, ALineIsNoLongerThanTheWayToTheNextPlace)
-{
-    const DrawnFibre fibre = fibreBehindATail(3000.0, 0.3);
-    EventSites sites(*fibre, 100.0, 5900.0);
-    Site site = peakAt(fibre, 2000.0, 12.0);
-    site.behind = 2400.0;
-    sites.add({site, siteAt(fibre, 3000.0)});
-    sites.measure();
-    sites.lengthenLines();
-    EXPECT_LE(sites.sites().front().clear
-                  + static_cast<double>(sites.sites().front().right->line.samples),
-              3000.0);
-    EXPECT_EQ(sites.sites().back().right->line.samples, 200U);
 }
 
 /// Each alone has no fibre on one side, and the loss of both would be lost.
