@@ -2,6 +2,7 @@
 
 #include "bench/accuracylinks.h"
 #include "platform/otdr/core/constants.h"
+#include "platform/otdr/core/decibels.h"
 #include "platform/otdr/core/reflectance.h"
 #include "programs/wfgather/linkresponse.h"
 
@@ -13,7 +14,6 @@ namespace accuracy {
 
 namespace {
 
-constexpr double kDbPerRelative = 2.1715; // 5 / ln 10
 constexpr double kNoiseLevel_dB = 6.0; // where the axis of levels has it
 constexpr double kMostCounts = 65535.0;
 
@@ -52,7 +52,7 @@ public:
     {
         std::normal_distribution<double> normal;
         const double unit = 1.0 / (launch_perNs * instrument.pulse_ns);
-        const double fading = instrument.fading_dB / kDbPerRelative * std::sqrt(pulseCells);
+        const double fading = instrument.fading_dB / otdr::kDbPerNeper * std::sqrt(pulseCells);
         for (const gather::Stretch& stretch : stretches) {
             const auto begin =
                 static_cast<std::size_t>(std::max(0.0, (stretch.from_ns - first_ns) / cell_ns));

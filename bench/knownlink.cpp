@@ -2,6 +2,7 @@
 
 #include "bench/accuracylinks.h"
 #include "platform/otdr/core/constants.h"
+#include "platform/otdr/core/decibels.h"
 #include "platform/otdr/core/reflectance.h"
 
 #include <algorithm>
@@ -13,7 +14,6 @@ namespace {
 
 using gather::TruthEvent;
 
-constexpr double kDbPerRelative = 2.1715; // 5 / ln 10
 constexpr double kLongestLine_m = 5000.0;
 constexpr double kSamePlace = 1e-6; // samples
 
@@ -117,7 +117,8 @@ bool KnownLink::overloads(const TruthEvent& event) const
 
 double KnownLink::sigmaAt(double level_dB) const
 {
-    return std::hypot(kDbPerRelative * std::pow(10.0, (sight.noise_dB - shown_dB(level_dB)) / 5.0),
+    return std::hypot(otdr::kDbPerNeper
+                          * std::pow(10.0, (sight.noise_dB - shown_dB(level_dB)) / 5.0),
                       sight.rounding_dB);
 }
 
@@ -129,7 +130,7 @@ double KnownLink::lateBehind(const TruthEvent& event) const
     }
     const double most_dB = sight.launch_dB + sight.overload_dB - levelBefore(indexOf(event));
     const double light = std::pow(10.0, std::min(heightOf(event), most_dB) / 5.0) - 1.0;
-    const double lifted_dB = kDbPerRelative * sight.tailPart * light;
+    const double lifted_dB = otdr::kDbPerNeper * sight.tailPart * light;
     return std::max(overloads(event) ? sight.recovery : 0.0,
                     sight.tailSamples * std::log(std::max(1.0, lifted_dB / kHiddenTail_dB)));
 }

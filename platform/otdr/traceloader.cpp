@@ -13,7 +13,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <string>
 
 namespace {
 
@@ -160,8 +159,8 @@ otdr::Result<TraceState> loadSnapshot(const QString& fileName, const WfMeasParam
         return read.error();
     }
     if (read->samples.empty()) { // refused as a .sor file without them is
-        const std::string reason = "no trace: the file holds no samples";
-        return otdr::Error {otdr::ErrorCode::Damaged, fileName.toStdString() + ": " + reason, 0};
+        return otdr::Error {otdr::ErrorCode::Damaged,
+                            fileName.toStdString() + ": " + otdr::kNoSamples, 0};
     }
     TraceState state;
     state.trace = std::make_shared<const otdr::Trace>(

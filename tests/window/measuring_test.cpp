@@ -196,14 +196,6 @@ TEST_F(Measuring, RowThatWasChosenBeforeARunWithoutATraceCanBeChosenAgain)
 {
     load("a.sor");
     auto* table = window->findChild<Waveform::EventsTableView*>();
-    const auto tallTicks = [this] {
-        int count = 0;
-        for (const QwtPlotItem* item : plot()->itemList(QwtPlotItem::Rtti_PlotMarker)) {
-            const auto* tick = dynamic_cast<const QwtPlotMarker*>(item);
-            count += tick->symbol()->size().height() > 100 ? 1 : 0;
-        }
-        return count;
-    };
     table->selectRow(2);
     ASSERT_EQ(tallTicks(), 1);
     runToEnd("printf '1 G {;'; sleep 0.1; printf '2 G };'");

@@ -15,7 +15,6 @@
 #include "window/measview.h"
 
 #include <qwt_plot_curve.h>
-#include <qwt_symbol.h>
 
 #include <QGridLayout>
 #include <QLabel>
@@ -70,16 +69,6 @@ protected:
     {
         auto* grid = qobject_cast<QGridLayout*>(results()->layout());
         return qobject_cast<QLabel*>(grid->itemAtPosition(row, 1)->widget())->text();
-    }
-
-    int tallTicks() const
-    {
-        int count = 0;
-        for (const QwtPlotItem* item : plot()->itemList(QwtPlotItem::Rtti_PlotMarker)) {
-            const auto* tick = dynamic_cast<const QwtPlotMarker*>(item);
-            count += tick->symbol()->size().height() > 500 ? 1 : 0;
-        }
-        return count;
     }
 
     /// Curves that belong to no trace: the band of a section.

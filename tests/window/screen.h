@@ -16,6 +16,7 @@
 
 #include <qwt_plot_marker.h>
 #include <qwt_scale_div.h>
+#include <qwt_symbol.h>
 
 #include <QPushButton>
 #include <QSignalSpy>
@@ -58,6 +59,17 @@ protected:
     }
 
     Plot* plot() const { return window->findChild<Plot*>(); }
+
+    /// Ticks of events that are current.
+    int tallTicks() const
+    {
+        int count = 0;
+        for (const QwtPlotItem* item : plot()->itemList(QwtPlotItem::Rtti_PlotMarker)) {
+            const auto* tick = dynamic_cast<const QwtPlotMarker*>(item);
+            count += tick->symbol()->size().height() > 500 ? 1 : 0;
+        }
+        return count;
+    }
 
     ReflsTableModel* refls() const { return window->reflsTableModel(); }
 

@@ -7,6 +7,9 @@ namespace otdr {
 /// A change of power, in nepers, for each one-way decibel of a trace: ln(10) / 5.
 constexpr double kNepersPerDb = 0.46051701859880914;
 
+/// Decibels of a trace for a small relative change of power, 5 / ln(10).
+constexpr double kDbPerNeper = 1.0 / kNepersPerDb;
+
 /// How many times more light so many one-way decibels of a trace are: 10^(level / 5), since light
 /// passes the fibre twice.
 [[nodiscard]] inline double powerRatio(double level_dB)

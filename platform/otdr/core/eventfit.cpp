@@ -40,7 +40,7 @@ constexpr double kMeansPerPulse = 16.0;
 /// left the fibre by so many standard deviations; the part is looked up in the ramp by so many
 /// halvings.
 constexpr double kFallenPart = 0.3;
-constexpr double kFallPulses = 2.0;
+constexpr double kEndPulses = 2.0;
 constexpr double kFallSigmas = 4.0;
 constexpr double kLeastSlope = 1e-9;
 constexpr int kHalvings = 30;
@@ -285,10 +285,6 @@ private:
     std::vector<double> squaresBefore; ///< of the values before each, over the line before
 };
 
-} // namespace
-
-namespace {
-
 /// What a fit of a reflection near `at` looks at.
 Stretch stretchAround(const FibreTrace& trace, double at, const Line& before, const Line& behind)
 {
@@ -304,6 +300,7 @@ double bestFoot(const LightOnRamp& fits, double at, double pulse, double LightOn
                    gridFor(pulse));
 }
 
+/// Of a mean over its values: by how many, one at least.
 double valuesOf(const Stretch& stretch)
 {
     return static_cast<double>(std::max<std::size_t>(1, stretch.at.size()));
@@ -349,8 +346,7 @@ StepFit fitStep(const FibreTrace& trace, const PulseShape& shape, double at, dou
     const double foot = leastOf([&](double place) { return misfit.at(place); }, at - reach,
                                 at + reach, gridFor(trace.scale().pulse));
     const double squares = misfit.at(foot);
-    const auto values = static_cast<double>(std::max<std::size_t>(1, stretch.at.size()));
-    return {foot, squares, std::sqrt(squares / values)};
+    return {foot, squares, std::sqrt(squares / valuesOf(stretch))};
 }
 
 double footOfFall(const FibreTrace& trace, double at, const Line& before)
@@ -363,7 +359,7 @@ double footOfFall(const FibreTrace& trace, double at, const Line& before)
     for (std::size_t i = first; i < trace.samples().size(); ++i) {
         const auto behind = static_cast<double>(i);
         const double left = powerRatio(trace.samples().level_dB(i) - before.at(behind));
-        if (left < kFallenPart || behind > at + kFallPulses * w) {
+        if (left < kFallenPart || behind > at + kEndPulses * w) {
             break;
         }
         // The inverse of the ramp: where the shape leaves this part.

@@ -379,8 +379,7 @@ void EventSearch::addSteps()
         for (const Candidate& one :
              scanSteps(fibre, stretch.from, stretch.to, kScanPart * settings.significance)) {
             Site site;
-            site.at = one.at;
-            site.behind = one.at + fibre.gap();
+            site.standAt(one.at, fibre.gap());
             found.push_back(site);
         }
     }

@@ -44,11 +44,18 @@ constexpr double kPlainBorderGaps = 1.0;
 constexpr double kBorderGaps = 4.0;
 constexpr double kBorderWanders = 20.0;
 
-/// A line that begins far behind its event is so many times as long as it is told beyond itself.
+/// A line that begins far behind its event is so many times as long as it is told beyond itself, if
+/// what is added differs from it in level and slope by no more than so many standard errors.
 constexpr double kReaches = 4.0;
 constexpr double kSameErrors = 2.5;
 
 } // namespace
+
+void Site::standAt(double index, double gap)
+{
+    at = index;
+    behind = index + gap;
+}
 
 bool Site::reflects() const
 {
@@ -204,8 +211,10 @@ void EventSites::lengthenLines()
         const double last =
             std::min(fibreTo(k + 1), site.clear + kReaches * (site.clear - site.foot()));
         double to = site.clear + fibreTrace->scale().longestWindow;
-        while (to < last && goesOn(site.clear, to, std::min(last, 2.0 * to - site.clear))) {
-            to = std::min(last, 2.0 * to - site.clear);
+        double further = std::min(last, 2.0 * to - site.clear);
+        while (to < last && goesOn(site.clear, to, further)) {
+            to = further;
+            further = std::min(last, 2.0 * to - site.clear);
             site.right = side(site.clear, to);
         }
         tellLoss(site);

@@ -29,6 +29,9 @@ struct Site
     double loss_dB = std::numeric_limits<double>::quiet_NaN();
     double error_dB = std::numeric_limits<double>::quiet_NaN();
 
+    /// Moves it to an index, with its dead zone of so many samples.
+    void standAt(double index, double gap);
+
     /// Whether it is listed as a reflection.
     [[nodiscard]] bool reflects() const;
 

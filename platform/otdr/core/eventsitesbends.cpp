@@ -160,8 +160,7 @@ bool EventSites::addBends(double significance, std::set<Stretch>& searched)
         const auto at = bendBetween(stretch.first, stretch.second, significance);
         if (at) {
             Site site;
-            site.at = *at;
-            site.behind = *at + fibreTrace->gap();
+            site.standAt(*at, fibreTrace->gap());
             site.bends = true;
             found.push_back(site);
         }
@@ -218,8 +217,7 @@ void EventSites::moveToBend(Site& site, double significance, double mostLeft) co
         const auto bend = losslessBend(stretch, place, step, significance, most_dB);
         if (bend && bend->squares < least) {
             least = bend->squares;
-            site.at = std::clamp(bend->at, begin, end);
-            site.behind = site.at + gap;
+            site.standAt(std::clamp(bend->at, begin, end), gap);
         }
     }
 }

@@ -84,8 +84,7 @@ void EventSites::mergePairs()
         const std::optional<double> foot = footOfBoth(first, second);
         if (foot && *foot > fibreFrom(k) + kLevelSamples) {
             Site one;
-            one.at = *foot;
-            one.behind = *foot + gap;
+            one.standAt(*foot, gap);
             places[k] = one;
             places.erase(places.begin() + static_cast<std::ptrdiff_t>(k) + 1);
             measure(k);
@@ -113,8 +112,7 @@ std::optional<Site> EventSites::changeWithin(const Stretch& stretch, double sign
         if (statistic > significance) {
             significance = statistic;
             change.emplace();
-            change->at = at;
-            change->behind = at + gap;
+            change->standAt(at, gap);
         }
     }
     return change;
@@ -134,8 +132,7 @@ bool EventSites::isRampWithin(const Stretch& stretch, Site& site) const
     const double gap = fibreTrace->gap();
     const StepFit ramp =
         fitStep(*fibreTrace, fibreTrace->shape(), site.at, gap, left->line, right->line);
-    site.at = ramp.foot;
-    site.behind = ramp.foot + gap;
+    site.standAt(ramp.foot, gap);
     return whole->line.sigma_dB > kLineLeaves * ramp.scatter_dB;
 }
 
@@ -168,8 +165,7 @@ void EventSites::refine(Site& site, double reach, double least, double most) con
         ? fitPeak(*fibreTrace, site.at, before, behind).foot
         : fitStep(*fibreTrace, fibreTrace->shape(), site.at, reach, before, behind).foot;
     if (foot > least && foot < most) {
-        site.at = foot;
-        site.behind = foot + fibreTrace->gap();
+        site.standAt(foot, fibreTrace->gap());
     }
 }
 
@@ -243,8 +239,7 @@ void EventSites::findReflections(double leastHeight_dB, double significance)
         const double part = fit.height_dB > kPlain_dB ? kGlowPart * fit.height_dB : 0.0;
         site.glows = isLight && !isHigh && fit.scatter_dB < std::max(kGlowSigmas * sigma, part);
         if (site.glows || (isLight && isHigh)) {
-            site.at = fit.foot;
-            site.behind = fit.foot + fibreTrace->gap();
+            site.standAt(fit.foot, fibreTrace->gap());
         }
         if (isLight && isHigh) {
             site.peak = PeakGroup {{fit.foot}, {fit.height_dB}, site.behind};

@@ -1,5 +1,6 @@
 #include "platform/otdr/core/loss.h"
 
+#include "platform/otdr/core/decibels.h"
 #include "platform/otdr/core/samplerange.h"
 #include "platform/otdr/core/trace.h"
 
@@ -11,7 +12,7 @@ namespace {
 
 /// Scatter of the level in decibels where the light is as strong as the noise, 5 / ln 10: beyond it
 /// there is nothing to fit. Far above what any fibre shows.
-constexpr double kNoiseSigma_dB = 2.171;
+constexpr double kNoiseSigma_dB = kDbPerNeper;
 
 /// A tail less than this above the fibre has settled: the tolerance by which dead zones are stated.
 constexpr double kSettled_dB = 0.1;

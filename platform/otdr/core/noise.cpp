@@ -51,9 +51,6 @@ constexpr double kFewestFloorPulses = 5.0;
 constexpr double kFibreSigma_dB = 0.15;
 constexpr double kLight_dB = 3.0;
 
-/// Decibels of the trace for a relative change of power, 5 / ln 10.
-constexpr double kDbPerRelative = 2.1715;
-
 /// Whether both halves of a stretch are as dark: no light stands in one of them.
 bool isEven(const Trace& trace, std::size_t first, std::size_t last)
 {
@@ -315,7 +312,7 @@ void NoiseProfile::measureFloor(const Trace& trace, double pulse)
     const bool endsSoon = 2 * (n - last) < blockSize && !sigmas.empty();
     const double scatter =
         endsSoon ? sigmas.back() : scatterWithin_dB(trace, pulse, n - std::min(n, blockSize), n);
-    rms = dark.isNoise ? dark.rms_dB : dark.median_dB + levelOfRatio_dB(scatter / kDbPerRelative);
+    rms = dark.isNoise ? dark.rms_dB : dark.median_dB + levelOfRatio_dB(scatter / kDbPerNeper);
     if (dark.isEmpty) {
         rms = std::max(rms, dark.median_dB);
     }
@@ -327,7 +324,7 @@ void NoiseProfile::measureFloor(const Trace& trace, double pulse)
         const double level = trace.meanLevel_dB(begin, std::min(last, begin + blockSize));
         if (sigmas[block] > 2.0 * kLeastSigma_dB && sigmas[block] < kFibreSigma_dB
             && level > dark.least_dB + kLight_dB) {
-            limits.push_back(level + levelOfRatio_dB(sigmas[block] / kDbPerRelative));
+            limits.push_back(level + levelOfRatio_dB(sigmas[block] / kDbPerNeper));
         }
     }
     if (limits.size() >= 4) {

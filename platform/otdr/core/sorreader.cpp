@@ -141,7 +141,7 @@ Result<sor::File> parse(std::shared_ptr<const Bytes> bytes, ReadOptions options)
     file.bytes = std::move(bytes);
     decodeBlocks(file);
     if (file.data.samples.empty()) {
-        return Error {ErrorCode::Damaged, "no trace: the file holds no samples", 0};
+        return Error {ErrorCode::Damaged, kNoSamples, 0};
     }
     noteSubstitutes(file);
     if (map->end < file.bytes->size()) {

@@ -13,6 +13,9 @@ namespace otdr {
 /// A trace file may not be larger than this, 64 MiB: a thousand times what instruments write.
 constexpr std::size_t kLargestSorFile = std::size_t {64} << 20U;
 
+/// What is told of any file, of this format or another, that has no samples.
+constexpr char kNoSamples[] = "no trace: the file holds no samples";
+
 struct ReadOptions
 {
     bool verifyChecksum = true; ///< costs more than the rest of reading

@@ -18,7 +18,6 @@ constexpr double kHighFlank_dB = 3.5;
 constexpr double kLowFlank_dB = 9.0;
 constexpr double kLeastFlank_dB = 4.5;
 constexpr double kLongestFlankPulses = 20.0;
-constexpr double kDbPerTimeConstant = 2.1715;
 
 /// The part of its height to which a peak is seen to rise, and no faster than by this part of the
 /// time that its receiver would take.
@@ -73,8 +72,8 @@ std::optional<double> timeConstantOf(const FibreTrace& trace, const PeakGroup& p
         } else if (over < low) {
             // Where no sample lies on the flank, it has come down from the top within one.
             const double constant = from
-                ? (index - *from) / std::max(0.5, fromLevel - over) * kDbPerTimeConstant
-                : kDbPerTimeConstant / std::max(0.5, top - low);
+                ? (index - *from) / std::max(0.5, fromLevel - over) * kDbPerNeper
+                : kDbPerNeper / std::max(0.5, top - low);
             return risesWith(trace, peak, before, constant) ? std::optional(constant)
                                                             : std::nullopt;
         }
