@@ -17,6 +17,8 @@ waveform_library(detection_links
         knownlink.cpp
         matching.cpp
         oddlinks.cpp
+        oddnetworks.cpp
+        oddparts.cpp
     DEPENDS otdr_core gather)
 
 # What it finds on them, with the instrument that the acquisition simulates.

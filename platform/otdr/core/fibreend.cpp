@@ -1,9 +1,9 @@
 #include "platform/otdr/core/fibreend.h"
 
-#include "platform/otdr/core/darkness.h"
 #include "platform/otdr/core/fibrebehind.h"
+#include "platform/otdr/core/lastreflection.h"
+#include "platform/otdr/core/launchtail.h"
 #include "platform/otdr/core/lightbehind.h"
-#include "platform/otdr/core/peakgroup.h"
 #include "platform/otdr/core/scatter.h"
 #include "platform/otdr/core/shortfibre.h"
 #include "platform/otdr/core/trace.h"
@@ -17,25 +17,15 @@ namespace otdr {
 
 namespace {
 
-/// The launch may disturb the receiver for this long, pulses.
-constexpr double kLongestLaunchPulses = 30.0;
-
 /// A fibre that ended in the launch would leave no light for so many pulses.
 constexpr double kLitPulses = 150.0;
-
-/// A launch that overloads the receiver is held at its top and then falls by this much, within so
-/// many pulses.
-constexpr double kLaunchFall_dB = 3.0;
-constexpr double kLongestOverloadPulses = 6.0;
-
-/// Lines beside the first event bear this much of the launch, dB: fibre close to it is worth more.
-constexpr double kLaunchTail_dB = 0.01;
 
 /// The fibre before a change is taken from so many pulses at most.
 constexpr double kBeforePulses = 20.0;
 
-/// The end of a record is dark where its last tenth is.
-constexpr std::size_t kDarkPart = 10;
+/// Light that belongs to the fibre stands within so many pulses behind what seemed to be its end.
+constexpr double kBehindEndPulses = 10.0;
+constexpr double kDeadZonePulses = 2.5;
 
 /// Light is seen by the median of so many samples, a pulse at least, and in long records one of so
 /// many parts; of longer stretches by so many of theirs. It has ended where so many stretches are
@@ -88,6 +78,7 @@ class EndSearch
 public:
     EndSearch(const FibreTrace& trace, double threshold_dB)
         : trace(trace)
+        , launch(trace, threshold_dB)
         , w(trace.scale().pulse)
         , step(std::max(1.0, std::floor(0.5 * w)))
         , threshold_dB(threshold_dB)
@@ -98,7 +89,7 @@ public:
     {
         FibreExtent extent;
         extent.launch = trace.launch();
-        extent.first = launchOver();
+        extent.first = launch.over();
         extent.lastLit = lastVisible(extent.first);
         extent.end = extent.lastLit;
         usualSlope_dB = fibreSlope_dB(extent);
@@ -117,7 +108,7 @@ public:
             }
             place = *next;
         }
-        refuseTail(extent, judges.piece);
+        correct(extent);
         extent.first = std::min(extent.first, extent.end);
         return extent;
     }
@@ -191,30 +182,6 @@ private:
         return most_dB > 0.0 ? std::max(usual_dB, -most_dB) : usual_dB;
     }
 
-    /// Where the reflection of the port and its tail are over.
-    [[nodiscard]] double launchOver() const
-    {
-        const double launch = trace.launch();
-        const double last = launch + kLongestOverloadPulses * w;
-        const double top = highest_dB(trace, launch, launch + trace.gap());
-        double fallen = launch;
-        while (fallen < last && trace.mean_dB(fallen, fallen + 1.0) < top) {
-            fallen += 1.0;
-        }
-        // Held at its top by an overload; what rises still further is another reflection.
-        for (; fallen < last; fallen += 1.0) {
-            const double level = trace.mean_dB(fallen, fallen + 1.0);
-            if (level > top + kLaunchFall_dB) {
-                fallen = last;
-            } else if (level < top - kLaunchFall_dB) {
-                break;
-            }
-        }
-        const double from = std::max(launch + trace.gap(), fallen < last ? fallen : launch);
-        const double settled = trace.settledFrom(from, kLongestLaunchPulses * w, kLaunchTail_dB);
-        return fibreBeforeRise(trace, from, settled).value_or(settled);
-    }
-
     /// Whether a fall belongs to the launch: near to it, with light for long behind.
     [[nodiscard]] bool isLaunch(double at, const FibreExtent& extent) const
     {
@@ -222,59 +189,30 @@ private:
             && extent.lastLit > at + kLitPulses * w;
     }
 
-    /// Takes an end behind nothing but the tail of the launch back to the port.
-    void refuseTail(FibreExtent& extent, const ShortFibre& piece) const
+    /// Moves an end on to a reflection close behind it, however a tail bends the light there, and
+    /// one behind nothing but a tail back to the reflection that has it.
+    void correct(FibreExtent& extent) const
     {
-        const double longest = kLongestLaunchPulses * w;
-        const std::size_t size = trace.samples().size();
-        if (!isDark(trace.samples(), size - size / kDarkPart, size)) {
-            return; // whatever is light is not known well
-        }
-        if (extent.end < std::min(extent.launch + longest, trace.size() - 1.0)
-            && !hasFibre(extent.launch, extent.end, piece) && !rises(extent)) {
-            extent.end = extent.launch;
+        const double port = extent.launch + kLongestLaunchPulses * w;
+        const bool isNearPort = extent.end < std::min(port, trace.size() - 1.0);
+        const double from = isNearPort ? extent.launch + trace.gap() : extent.end;
+        const double to = std::min(extent.end + kBehindEndPulses * w, extent.lastLit);
+        const double last = lastReflection(trace, from, to, threshold_dB).value_or(extent.launch);
+        if (isBehindDark(extent.end, last)
+            || (isNearPort && last < extent.end && launch.reaches(last, extent.end))) {
+            extent.end = last;
             extent.kind = FibreExtent::End::Found;
         }
     }
 
-    /// Whether any light behind the top of the launch is level: what falls all the way is the tail
-    /// of the port's reflection, with no fibre connected.
-    [[nodiscard]] bool hasFibre(double launch, double end, const ShortFibre& piece) const
+    /// Whether a reflection stands where the light is gone that ends at an index: those in the dead
+    /// zone of an end are told with it.
+    [[nodiscard]] bool isBehindDark(double end, double foot) const
     {
-        const double top = highest_dB(trace, launch, launch + trace.gap());
-        double from = launch;
-        while (from < end && trace.mean_dB(from, from + 1.0) < top) {
-            from += 1.0;
-        }
-        // What is outshone further on does not hold the receiver at its top.
-        const bool isOutshone = highest_dB(trace, from, end) > top + kLaunchFall_dB;
-        while (!isOutshone && from < end
-               && trace.mean_dB(from, from + 1.0) > top - kLaunchFall_dB) {
-            from += 1.0;
-        }
-        if (piece.isSeenBetween(from, end)) {
-            return true;
-        }
-        const bool isHeld = from > launch + kLongestOverloadPulses * w;
-        return isHeld || end - from < w + piece.shortest(); // too little of a tail
-    }
-
-    /// Whether a reflection stands at an end that was found: no tail rises.
-    [[nodiscard]] bool rises(const FibreExtent& extent) const
-    {
-        if (extent.kind != FibreExtent::End::Found) {
-            return false;
-        }
-        const double half = std::max(2.0, std::floor(0.5 * w));
-        const double least = std::max(trace.mean_dB(extent.end - half, extent.end),
-                                      trace.noise().rms_dB() + kPlainAboveNoise_dB)
-            + threshold_dB;
-        for (double i = extent.end; i < extent.end + w; i += 1.0) {
-            if (trace.mean_dB(i, i + half) > least) {
-                return true;
-            }
-        }
-        return false;
+        const double before_dB = trace.mean_dB(end - w, end);
+        return foot > end + w
+            && (foot > end + kDeadZonePulses * w
+                || trace.mean_dB(foot - 2.0, foot) < before_dB - threshold_dB);
     }
 
     /// Samples of which the median tells whether there is light.
@@ -427,6 +365,7 @@ private:
     }
 
     const FibreTrace& trace;
+    LaunchTail launch;
     double w;
     double step; ///< from one index that is looked at to the next
     double threshold_dB;

@@ -399,12 +399,16 @@ std::vector<double> risesBetween(const FibreTrace& trace, double foot, double to
 
 std::vector<double> risesIn(const FibreTrace& trace, double from, double to)
 {
+    // Between them the light may fall for good, and scatter more from there on.
+    const double sigma = std::max(trace.noise().sigma_dB(from), trace.noise().sigma_dB(to));
+    return risesIn(trace, from, to, std::max(kSecondRise_dB, kSecondRiseSigmas * sigma));
+}
+
+std::vector<double> risesIn(const FibreTrace& trace, double from, double to, double least)
+{
     const double w = trace.scale().pulse;
     const auto level = [&](std::size_t i) { return trace.samples().level_dB(i); };
     const auto lag = static_cast<std::size_t>(std::max(1.0, std::round(kSecondRisePulses * w)));
-    // Between them the light may fall for good, and scatter more from there on.
-    const double sigma = std::max(trace.noise().sigma_dB(from), trace.noise().sigma_dB(to));
-    const double least = std::max(kSecondRise_dB, kSecondRiseSigmas * sigma);
     const auto end = static_cast<std::size_t>(
         std::clamp(to, 0.0, std::max(0.0, trace.size() - 1.0 - static_cast<double>(lag))));
     std::vector<double> feet;

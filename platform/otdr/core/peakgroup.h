@@ -61,6 +61,10 @@ void dropLowFeet(PeakGroup& peak, double least_dB);
 /// The same of fibre that begins at `from`.
 [[nodiscard]] std::vector<double> risesIn(const FibreTrace& trace, double from, double to);
 
+/// The same of what rises by least_dB.
+[[nodiscard]] std::vector<double> risesIn(const FibreTrace& trace, double from, double to,
+                                          double least_dB);
+
 /// Where fibre begins, behind `from`, that ends at the first reflection before `to`: half a pulse
 /// of it, level. It stands above the fibre behind that reflection by its loss, as a tail would.
 [[nodiscard]] std::optional<double> fibreBeforeRise(const FibreTrace& trace, double from,

@@ -135,6 +135,17 @@ bool ShortFibre::isSeenBetween(double from, double to) const
     return false;
 }
 
+std::optional<double> ShortFibre::firstBetween(double from, double to, double most_dB) const
+{
+    const double length = 2.0 * shortest();
+    for (double at = from; at + length < to; at += std::max(1.0, 0.25 * w)) {
+        if (isLevel(at, at + length, 0.0, most_dB)) {
+            return changeBehind(at).value_or(to) < to ? std::optional(at) : std::nullopt;
+        }
+    }
+    return std::nullopt;
+}
+
 /// Whether light is level between two indices, plainly above the noise and between two levels.
 bool ShortFibre::isLevel(double from, double to, double least_dB, double most_dB) const
 {

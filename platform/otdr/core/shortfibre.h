@@ -39,6 +39,10 @@ public:
     /// Whether light is level anywhere between two indices.
     [[nodiscard]] bool isSeenBetween(double from, double to) const;
 
+    /// Where light below most_dB that is level begins between two indices, if it changes suddenly
+    /// before the second.
+    [[nodiscard]] std::optional<double> firstBetween(double from, double to, double most_dB) const;
+
 private:
     [[nodiscard]] double steepest(double from) const;
     [[nodiscard]] bool isLevel(double from, double to, double least_dB, double most_dB) const;

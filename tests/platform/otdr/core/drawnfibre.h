@@ -15,6 +15,13 @@
 namespace testing_support {
 
 constexpr double kPulse = 20.0; ///< samples; of most of these fibres
+constexpr double kSudden_dB = 3.0; ///< a change that may be an end
+
+/// Darkness of 2 dB: every other sample shows no signal.
+inline double dark_dB(double index)
+{
+    return static_cast<int>(index) % 2 == 0 ? 2.0 : 0.0;
+}
 
 /// A trace drawn from a formula, and what the search asks of it: the truth is the formula itself.
 class DrawnFibre

@@ -130,6 +130,22 @@ TEST(EventDetection, TellsTheConnectorBeforeAShortLastFibre)
     EXPECT_NEAR(found.events[2].height_dB, 12.0, 0.3);
 }
 
+/// 30 m, three pulses, are enough for that, however little the connector reflects.
+TEST(EventDetection, TellsTheConnectorThreePulsesBeforeTheEnd)
+{
+    for (const Decibels height : {3_dB, 10_dB}) {
+        const TraceBuilder builder =
+            link().connector(11.97_km, 0.3_dB, height).reflectingEnd(15_dB);
+        const Detection found = detect(builder);
+        ASSERT_EQ(kindsOf(found), "sre") << height.dB;
+        const double place = builder.indexOf(11.97_km);
+        EXPECT_NEAR(found.events[1].index, place, 0.25 * builder.pulseSamples()) << height.dB;
+        EXPECT_NEAR(found.events[1].loss_dB, 0.3, 0.03) << height.dB;
+        EXPECT_NEAR(found.events[2].index, builder.indexOf(12_km), 1.0) << height.dB;
+        EXPECT_NE(found.events[1].group, found.events[2].group) << height.dB;
+    }
+}
+
 /// 20 m: the fibre between the reflections can be seen, but not measured.
 TEST(EventDetection, TellsTheConnectorOfAPatchCordAtTheEnd)
 {
@@ -156,6 +172,22 @@ TEST(EventDetection, TellsTheConnectorOfAPatchCordAtTheStart)
     EXPECT_NEAR(found.events[1].height_dB, 10.3, 0.1) << "above the fibre behind it";
     EXPECT_TRUE(std::isnan(found.events[1].loss_dB));
     EXPECT_EQ(found.events[1].group, found.events[0].group);
+}
+
+/// All that there is: a cord of 40 m with a connector 12 m before its end.
+TEST(EventDetection, TellsAConnectorWithinTheDeadZoneOfAnEndNearThePort)
+{
+    const TraceBuilder builder = TraceBuilder()
+                                     .fibre(Length {100.0})
+                                     .behind(3000)
+                                     .noise(0.01_dB, 11)
+                                     .noiseFloor(8_dB)
+                                     .connector(Length {88.0}, 0.3_dB, 6_dB)
+                                     .reflectingEnd(14_dB);
+    const Detection found = detect(builder);
+    ASSERT_EQ(kindsOf(found), "sre");
+    EXPECT_NEAR(found.events[1].index, builder.indexOf(Length {88.0}), 1.0);
+    EXPECT_NEAR(found.events[2].index, builder.indexOf(Length {100.0}), 1.5);
 }
 
 /// A receiver that is slow to come up rises only once.

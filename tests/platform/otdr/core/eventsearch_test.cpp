@@ -121,6 +121,22 @@ TEST(EventSearch, LearnsASlowReceiverFromClearLosses)
     }
 }
 
+/// The falling side of a low reflection may look like the ramp of a loss: no receiver is so slow.
+TEST(EventSearch, NoReceiverTakesLongerThanTwoPulses)
+{
+    const otdr::PulseShape shape(kPulse, 1.6);
+    const auto level_dB = [&](double i) {
+        const double fibre =
+            shape.step(i) - 0.2 * shape.step(i - 80.0) - 0.8 * shape.step(i - 200.0);
+        const double light = fibre + 14.0 * shape.peak(i) + 5.0 * shape.peak(i - 80.0);
+        return std::max(22.0 + 5.0 * std::log10(std::max(1e-9, light)), dark_dB(i));
+    };
+    const DrawnFibre link(6000, scaleOf(kPulse), level_dB, 0.002);
+    const EventSearch search(link->samples(), measurement(), {});
+    EXPECT_LE(search.trace().scale().timeConstant, 2.0 * kPulse);
+    EXPECT_NEAR(search.extent().end, 200.0, 0.5 * kPulse);
+}
+
 /// The only reflection of a trace may be one that the receiver was slow to recover from.
 TEST(EventSearch, LossesTellThatTheReceiverIsAsFastAsUsual)
 {

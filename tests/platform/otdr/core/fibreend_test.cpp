@@ -231,6 +231,57 @@ TEST(FibreEnd, OfAFibreWithinTheTailOfTheLaunchIsWhereItReflects)
     }
 }
 
+/// Some pulses of fibre behind the port, cut or reflecting, and a tail behind that.
+TEST(FibreEnd, OfAFewPulsesOfFibreIsWhereTheyEnd)
+{
+    const TraceBuilder pulse = TraceBuilder().pulse(200.0); // of twenty samples
+    for (const double port_dB : {1.5, 3.0, 9.0}) {
+        for (const double height_dB : {0.0, 2.0, 20.0}) {
+            std::vector<std::uint16_t> light(6000, 65535);
+            for (std::size_t i = 0; i < 500; ++i) {
+                const auto at = static_cast<double>(i);
+                const double tail_dB = 20.0 + height_dB - 0.1 * (at - 110.0);
+                const double end_dB = at < 110.0 ? 30.0 + height_dB : tail_dB;
+                const double level_dB = at < 20.0 ? 30.0 + port_dB : 30.0;
+                const bool isOver = at >= (height_dB > 0.0 ? 90.0 : 110.0);
+                light[i] = static_cast<std::uint16_t>(
+                    65535.0 - 1000.0 * std::max(0.0, isOver ? end_dB : level_dB));
+            }
+            const auto extent = extentOf(pulse, withNoise(light, 8.0, 1));
+            const double end = height_dB > 0.0 ? 90.0 : 110.0;
+            EXPECT_EQ(extent.kind, End::Found) << port_dB << ", " << height_dB;
+            EXPECT_NEAR(extent.end, end, 1.0) << port_dB << ", " << height_dB;
+            EXPECT_LT(extent.first, end - 20.0) << port_dB << ", " << height_dB;
+        }
+    }
+}
+
+/// In the tail that a splitter leaves the end of its drop reflects: no tail rises. Its echo behind
+/// it, from the splitter, is no further end, nor are lights too far away to be of this fibre.
+TEST(FibreEnd, OfADropIsWhereItReflectsInTheTailOfTheSplitter)
+{
+    const TraceBuilder pulse = TraceBuilder().pulse(200.0); // of twenty samples
+    const auto endOf = [&](double drop) {
+        std::vector<std::uint16_t> light(9000, 65535);
+        for (std::size_t i = 0; i < 5000; ++i) {
+            const double at = static_cast<double>(i) - 4000.0;
+            const double before_dB = at >= -20.0 ? 44.0 : 34.0 - 0.0001 * (at + 4000.0);
+            const bool isEnd = at >= drop && at < drop + 20.0;
+            const bool isEcho = at >= 2.0 * drop + 20.0 && at < 2.0 * drop + 40.0;
+            const double tail_dB = 28.0 - 0.06 * at + (isEnd ? 12.0 : (isEcho ? 2.0 : 0.0));
+            const double level_dB = at < 0.0 ? before_dB : std::max(0.0, tail_dB);
+            light[i] = static_cast<std::uint16_t>(65535.0 - 1000.0 * level_dB);
+        }
+        const auto extent = extentOf(pulse, withNoise(light, 8.0, 1));
+        EXPECT_EQ(extent.kind, End::Found) << drop;
+        return extent.end - 4000.0;
+    };
+    for (const double drop : {25.0, 40.0, 80.0, 160.0}) {
+        EXPECT_NEAR(endOf(drop), drop, 1.0);
+    }
+    EXPECT_NEAR(endOf(240.0), -20.5, 1.0);
+}
+
 /// Light is looked at in stretches; behind the last whole one there may be fibre still.
 TEST(FibreEnd, OfAPulseOfOneSampleIsFound)
 {

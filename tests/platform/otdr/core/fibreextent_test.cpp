@@ -18,7 +18,8 @@ TEST(FibreExtent, LaunchThatIsHeldAtItsTopIsOverWhereItFalls)
 {
     const auto firstWhere = [](double rise_dB) {
         const DrawnFibre fibre(6000, scaleOf(20.0), [=](double i) {
-            return i < 60.0 ? 40.0 : (i < 80.0 ? 40.0 + rise_dB : 30.0);
+            const double behind_dB = i < 3000.0 ? 30.0 : 0.0;
+            return i < 60.0 ? 40.0 : (i < 80.0 ? 40.0 + rise_dB : behind_dB);
         });
         return otdr::findFibre(*fibre, 3.0).first;
     };
@@ -55,12 +56,12 @@ TEST(FibreExtent, AShortPieceOfFibreStandsNoHigherThanThatBefore)
         const DrawnFibre fibre(8000, scaleOf(20.0), [=](double i) {
             const double noise = std::fmod(i, 3.0) == 0.0 ? 6.0 : 0.0;
             const double piece = i < 4020.0 ? 12.0 : above_dB;
-            return i < 4000.0 ? 32.0 : (i < 4080.0 ? 32.0 + piece : noise);
+            return i < 4000.0 ? 32.0 : (i < 4045.0 ? 32.0 + piece : noise);
         });
         return otdr::findFibre(*fibre, 3.0).end;
     };
-    EXPECT_NEAR(endWith(0.0), 4079.5, 1.0);
-    EXPECT_NEAR(endWith(0.299), 4079.5, 1.0);
+    EXPECT_NEAR(endWith(0.0), 4044.5, 1.0);
+    EXPECT_NEAR(endWith(0.299), 4044.5, 1.0);
     EXPECT_NEAR(endWith(0.3), 3999.5, 1.0);
     EXPECT_NEAR(endWith(0.301), 3999.5, 1.0);
 }

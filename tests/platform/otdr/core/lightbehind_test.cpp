@@ -12,14 +12,7 @@ namespace {
 using namespace testing_support;
 
 constexpr double kFallAt = 1000.0; ///< fibre at 40 dB before it
-constexpr double kSudden_dB = 3.0;
 constexpr double kSeenAhead = 5.0 * kPulse; ///< an end is seen from so far
-
-/// RMS noise of 1.4 dB.
-double dark_dB(double index)
-{
-    return static_cast<int>(index) % 2 == 0 ? 2.0 : 0.0;
-}
 
 DrawnFibre recordOf(const std::function<double(double behind)>& behind_dB)
 {

@@ -20,6 +20,8 @@ waveform_test(otdr_core_numeric_test
         fibreend_test.cpp
         fibreextent_test.cpp
         fibretrace_test.cpp
+        lastreflection_test.cpp
+        launchtail_test.cpp
         lightbehind_test.cpp
         lightfalls_test.cpp
         linefit_test.cpp

@@ -281,6 +281,15 @@ TEST(PeakGroup, NoiseBehindALossIsNoRise)
     EXPECT_TRUE(risesIn(*fibre, 1950.0, 2300.0).empty());
 }
 
+TEST(PeakGroup, RisesAreThoseBySoMuch)
+{
+    const DrawnFibre fibre(2000, scaleOf(20.0),
+                           [](double i) { return i < 500.0 ? 30.0 : (i < 1000.0 ? 31.0 : 36.0); });
+    EXPECT_EQ(risesIn(*fibre, 100.0, 1500.0, 0.9).size(), 2U);
+    EXPECT_EQ(risesIn(*fibre, 100.0, 1500.0, 1.1).size(), 1U);
+    EXPECT_EQ(risesIn(*fibre, 100.0, 1500.0, 5.1).size(), 0U);
+}
+
 /// Ten samples, half a pulse, and one more that may have begun to rise.
 TEST(PeakGroup, FibreBeforeARiseIsLevel)
 {

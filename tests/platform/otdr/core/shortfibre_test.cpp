@@ -10,13 +10,12 @@ namespace {
 using namespace testing_support;
 
 constexpr double kShortPulse = 20.0;
-constexpr double kSudden_dB = 3.0;
 
-/// A record that is dark, 2 dB or less, behind 3000.
+/// A record that is dark behind 3000.
 DrawnFibre recordOf(const std::function<double(double)>& level_dB)
 {
     return {4000, {kShortPulse, 0.08 * kShortPulse, 5000.0, 1000.0}, [=](double i) {
-                return i < 3000.0 ? level_dB(i) : (static_cast<int>(i) % 2 == 0 ? 2.0 : 0.0);
+                return i < 3000.0 ? level_dB(i) : dark_dB(i);
             }};
 }
 
@@ -127,6 +126,19 @@ TEST(ShortFibre, IsSeenWhereAnyLightIsLevel)
     EXPECT_TRUE(seenIn(0.0));
     EXPECT_TRUE(seenIn(0.004));
     EXPECT_FALSE(seenIn(0.03));
+}
+
+/// Level light from 80 on, which falls by 10 dB at 200.
+TEST(ShortFibre, IsFirstSeenWhereItChangesInTime)
+{
+    const DrawnFibre fibre = recordOf(
+        [](double i) { return i < 80.0 ? 30.0 + 0.1 * (80.0 - i) : (i < 200.0 ? 30.0 : 20.0); });
+    const otdr::ShortFibre piece(*fibre, kSudden_dB, 0.0);
+    const auto first = piece.firstBetween(10.0, 300.0, 31.0);
+    ASSERT_TRUE(first);
+    EXPECT_NEAR(*first, 80.0, 0.25 * kShortPulse);
+    EXPECT_FALSE(piece.firstBetween(10.0, 150.0, 31.0)) << "the change comes later";
+    EXPECT_FALSE(piece.firstBetween(10.0, 190.0, 29.0)) << "too bright";
 }
 
 TEST(ShortFibre, HasFallenWhereItHardlyFallsAnyMore)

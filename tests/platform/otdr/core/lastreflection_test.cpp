@@ -1,0 +1,162 @@
+#include "platform/otdr/core/lastreflection.h"
+#include "tests/platform/otdr/core/drawnfibre.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <vector>
+
+namespace {
+
+using namespace testing_support;
+
+constexpr double kPort = 100.0;
+constexpr double kRecord = 12000.0;
+
+/// Light behind the port by a formula, for 10,500 samples, in a record that is dark otherwise.
+DrawnFibre litFrom100(const std::function<double(double behind)>& level_dB)
+{
+    return {static_cast<std::size_t>(kRecord), scaleOf(kPulse), [=](double i) {
+                const bool isLit = i >= kPort && i < kPort + 10500.0;
+                return isLit ? std::max(dark_dB(i), level_dB(i - kPort)) : dark_dB(i);
+            }};
+}
+
+/// What rises by a height for a pulse, so far behind the port.
+struct Bump
+{
+    double at;
+    double height_dB;
+};
+
+/// A tail behind the port that falls by 0.1 dB within a pulse, with reflections on it.
+double tailWith(const std::vector<Bump>& bumps, double behind)
+{
+    double level_dB = behind < kPulse ? 60.0 : 45.0 - 0.005 * behind;
+    for (const Bump& bump : bumps) {
+        level_dB += behind >= bump.at && behind < bump.at + kPulse ? bump.height_dB : 0.0;
+    }
+    return level_dB;
+}
+
+/// How far behind the port the last reflection stands; -1 where there is none.
+double lastIn(const std::function<double(double behind)>& level_dB)
+{
+    const DrawnFibre fibre = litFrom100(level_dB);
+    const auto last = otdr::lastReflection(*fibre, kPort + 2.0 * kPulse, kRecord, kSudden_dB);
+    return last ? *last + 0.5 - kPort : -1.0;
+}
+
+double lastOf(const std::vector<Bump>& bumps)
+{
+    return lastIn([=](double behind) { return tailWith(bumps, behind); });
+}
+
+TEST(LastReflection, IsWhereTheTailRises)
+{
+    EXPECT_EQ(lastOf({{300.0, 5.0}}), 300.0);
+    EXPECT_EQ(lastOf({{300.0, 0.8}}), 300.0);
+    EXPECT_EQ(lastOf({{300.0, 0.45}}), -1.0);
+    EXPECT_EQ(lastOf({}), -1.0);
+    EXPECT_EQ(lastOf({{300.0, 5.0}, {470.0, 3.0}}), 470.0);
+}
+
+/// A receiver that comes back from a swing rises once, and by no more than a little.
+TEST(LastReflection, IsNotWhatRisesAndStaysUnlessItIsSudden)
+{
+    const auto comingBack = [](double rise_dB) {
+        return lastIn([=](double behind) {
+            return behind < 300.0 ? 40.0 : 30.0 + (behind < 340.0 ? 0.0 : rise_dB);
+        });
+    };
+    EXPECT_EQ(comingBack(2.0), -1.0);
+    EXPECT_EQ(comingBack(2.9), -1.0);
+    EXPECT_EQ(comingBack(3.1), 340.0);
+}
+
+/// It has come down before the receiver swings back for good.
+TEST(LastReflection, HasFallenWithinTwoPulses)
+{
+    EXPECT_EQ(lastIn([](double behind) {
+                  const bool isUp = behind >= 300.0 && (behind < 320.0 || behind >= 360.0);
+                  return behind < kPulse ? 60.0 : (isUp ? 42.0 : 40.0);
+              }),
+              300.0);
+}
+
+/// Its top is that of the middle of its pulse: it takes a while to rise, and is seen from 0.2 dB
+/// on.
+TEST(LastReflection, MayRiseSlowly)
+{
+    EXPECT_EQ(lastIn([](double behind) {
+                  const double on = behind - 300.0;
+                  const double rise_dB = on < 0.0 || on > 25.0 ? 0.0 : std::min(0.6, 0.1 * on);
+                  return behind < kPulse ? 60.0 : 40.0 + rise_dB;
+              }),
+              302.0);
+}
+
+/// Noise of 2 dB: light must stand 2 dB above it, and rise by twenty times its power.
+TEST(LastReflection, IsNotInTheNoise)
+{
+    const auto inLightOf = [](double level_dB, double height_dB) {
+        return lastIn([=](double behind) {
+            const bool rises = behind >= 600.0 && behind < 600.0 + kPulse;
+            return behind < 500.0 ? 40.0 : level_dB + (rises ? height_dB : 0.0);
+        });
+    };
+    EXPECT_EQ(inLightOf(3.9, 10.0), -1.0);
+    EXPECT_EQ(inLightOf(4.1, 10.0), 600.0);
+    EXPECT_EQ(inLightOf(5.0, 3.7), -1.0);
+    EXPECT_EQ(inLightOf(5.0, 4.1), 600.0);
+}
+
+/// For a third of a pulse that is noise.
+TEST(LastReflection, LastsForAPulse)
+{
+    const auto lasting = [](double samples) {
+        return lastIn([=](double behind) {
+            const bool isUp = behind >= 300.0 && behind < 300.0 + samples;
+            return behind < kPulse ? 60.0 : 40.0 + (isUp ? 2.0 : 0.0);
+        });
+    };
+    EXPECT_EQ(lasting(7.0), -1.0);
+    EXPECT_EQ(lasting(14.0), 300.0);
+}
+
+/// It comes from where light gets to that went from one to another once more.
+TEST(LastReflection, IsNoEcho)
+{
+    EXPECT_EQ(lastOf({{300.0, 10.0}, {600.0, 4.0}}), 300.0) << "to the port and back";
+    EXPECT_EQ(lastOf({{300.0, 10.0}, {638.0, 4.0}}), 300.0) << "within two pulses";
+    EXPECT_EQ(lastOf({{300.0, 10.0}, {650.0, 4.0}}), 650.0);
+    EXPECT_EQ(lastOf({{300.0, 10.0}, {500.0, 10.0}, {700.0, 4.0}}), 500.0) << "between the two";
+    EXPECT_EQ(lastOf({{300.0, 10.0}, {500.0, 10.0}, {800.0, 4.0}}), 500.0) << "all the way of both";
+    EXPECT_EQ(lastOf({{300.0, 10.0}, {500.0, 10.0}, {750.0, 4.0}}), 750.0);
+}
+
+/// Nothing sends an echo towards the port, however bright it is.
+TEST(LastReflection, IsNoEchoOfWhatStandsBehind)
+{
+    EXPECT_EQ(lastOf({{300.0, 10.0}, {400.0, 1.0}, {500.0, 4.0}, {600.0, 9.0}}), 500.0);
+}
+
+TEST(LastReflection, IsNoEchoIfItIsBrighterThanWhatStandsBefore)
+{
+    EXPECT_EQ(lastOf({{300.0, 4.0}, {600.0, 10.0}}), 600.0);
+    EXPECT_EQ(lastOf({{300.0, 4.0}, {500.0, 10.0}, {700.0, 12.0}}), 700.0);
+}
+
+/// Only the brightest are asked for their echoes.
+TEST(LastReflection, IsNoEchoOfTheBrightestOfMany)
+{
+    std::vector<Bump> bumps {{5000.0, 25.0}, {10000.0, 10.0}};
+    for (int i = 0; i < 80; ++i) {
+        bumps.push_back({100.0 + 60.0 * i, 1.0});
+    }
+    const auto level_dB = [&](double behind) { return tailWith(bumps, behind) + 0.003 * behind; };
+    EXPECT_EQ(lastIn(level_dB), 5000.0);
+}
+
+} // namespace
