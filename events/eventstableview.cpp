@@ -37,6 +37,8 @@ EventsTableView::EventsTableView(QWidget* parent)
     verticalHeader()->setDefaultSectionSize(kRowHeight_px);
     setVerticalScrollMode(ScrollPerPixel);
     QScroller::grabGesture(viewport(), QScroller::LeftMouseButtonGesture); // touches are the mouse
+    // Where there is room for one or two rows, halves of them could not be read.
+    QScroller::scroller(viewport())->setSnapPositionsY(0.0, kRowHeight_px);
     setSelectionMode(SingleSelection);
     setSelectionBehavior(SelectRows);
     setAlternatingRowColors(true);
@@ -59,6 +61,16 @@ QSize EventsTableView::sizeHint() const
 {
     const int header_px = horizontalHeader()->sizeHint().height();
     return {QTableView::sizeHint().width(), header_px + kRows * kRowHeight_px + 2 * frameWidth()};
+}
+
+void EventsTableView::resizeEvent(QResizeEvent* event)
+{
+    const bool wasInView =
+        QRect(QPoint(), event->oldSize()).contains(visualRect(currentIndex()).center());
+    QTableView::resizeEvent(event);
+    if (wasInView) {
+        scrollTo(currentIndex());
+    }
 }
 
 bool EventsTableView::viewportEvent(QEvent* event)

@@ -21,6 +21,9 @@ public:
     [[nodiscard]] QSize sizeHint() const override;
 
 protected:
+    /// The chosen row stays in view where other panels leave less room.
+    void resizeEvent(QResizeEvent* event) override;
+
     /// Says in words what the icon, or the sign before a number, under the pointer means.
     bool viewportEvent(QEvent* event) override;
 

@@ -42,6 +42,26 @@ bool isSameFile(const QByteArray& a, const QByteArray& b)
         && first.st_dev == second.st_dev && first.st_ino == second.st_ino;
 }
 
+/// A drive that is new has no directory for copies yet. Where none is mounted none is made: copies
+/// would go to the disk below.
+void makeDirectoryOnDrive(const QString& path)
+{
+    const QByteArray drive = QFile::encodeName(QFileInfo(path).path());
+
+    struct stat mounted
+    {
+    };
+
+    struct stat below
+    {
+    };
+
+    if (::stat(drive.constData(), &mounted) == 0 && ::stat((drive + "/..").constData(), &below) == 0
+        && mounted.st_dev != below.st_dev) {
+        ::mkdir(QFile::encodeName(path).constData(), ACCESSPERMS); // what fails, the copy tells
+    }
+}
+
 /// Why a file cannot be read; empty where the bytes are all of it.
 QString readWhole(const QByteArray& path, QByteArray& bytes)
 {
@@ -73,6 +93,7 @@ QString copy(const QString& path, const QString& target)
     if (!unread.isEmpty()) {
         return unread;
     }
+    makeDirectoryOnDrive(QFileInfo(target).path());
     if (::unlink(to.constData()) != 0 && errno != ENOENT) {
         return reasonOf(errno);
     }

@@ -69,6 +69,15 @@ bool showsFocus(const QStyleOption& option)
         && option.state.testFlag(QStyle::State_KeyboardFocusChange);
 }
 
+/// A tree draws the frame around all columns of a row without saying who draws.
+const QWidget* drawnOn(const QPainter& painter, const QWidget* widget)
+{
+    if (widget != nullptr || painter.device()->devType() != QInternal::Widget) {
+        return widget;
+    }
+    return static_cast<const QWidget*>(painter.device())->parentWidget(); // it is the viewport
+}
+
 bool isRow(const QStyleOption& option, const QWidget* widget)
 {
     return option.state.testFlag(QStyle::State_Item)
@@ -181,14 +190,24 @@ QSize LauncherStyle::sizeFromContents(ContentsType type, const QStyleOption* opt
     }
 }
 
+int LauncherStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                             QStyleHintReturn* more) const
+{
+    // Green beside the "Yes" that replaces a file, and red beside the harmless "No", mislead.
+    return hint == SH_DialogButtonBox_ButtonsHaveIcons
+        ? 0
+        : QProxyStyle::styleHint(hint, option, widget, more);
+}
+
 void LauncherStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
                                   QPainter* painter, const QWidget* widget) const
 {
     if (element == PE_FrameFocusRect) {
-        if (!isFocusOfKeys(*option, widget)) {
+        const QWidget* focused = drawnOn(*painter, widget);
+        if (!isFocusOfKeys(*option, focused)) {
             return;
         }
-        if (isRow(*option, widget)) {
+        if (isRow(*option, focused)) {
             drawRowFrame(*painter, option->rect, option->palette);
         } else {
             drawFrame(*painter, option->rect, option->palette.color(QPalette::WindowText), 2.0);

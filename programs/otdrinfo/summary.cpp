@@ -99,9 +99,7 @@ QString results(const sor::File& file)
 /// With a star where it is only a bound.
 QString reflectanceText(const sor::KeyEvent& event)
 {
-    const double reflectance_dB = sor::reflectance_dB(event);
-    const bool isBound = sor::isSaturated(event) && std::isfinite(reflectance_dB);
-    return number(reflectance_dB, 3, isBound ? "*" : "");
+    return number(sor::reflectance_dB(event), 3, sor::isSaturated(event) ? "*" : "");
 }
 
 QString eventTable(const sor::File& file)

@@ -40,6 +40,18 @@ TEST_F(InstrumentEnvironment, HasItsUserAndAPrivateTemporaryDirectory)
     EXPECT_EQ(info.st_mode & 0777U, 0700U);
 }
 
+TEST_F(InstrumentEnvironment, ProgramsStayWhereTheyUsuallyAreWhereNoneLieBeside)
+{
+    const QByteArray before = qgetenv("WAVEFORM_PROGRAMS");
+    qunsetenv("WAVEFORM_PROGRAMS");
+    Environment environment;
+    EXPECT_EQ(environment.enter(), "");
+    EXPECT_FALSE(qEnvironmentVariableIsSet("WAVEFORM_PROGRAMS"));
+    if (!before.isNull()) {
+        qputenv("WAVEFORM_PROGRAMS", before);
+    }
+}
+
 TEST_F(InstrumentEnvironment, OpenDirectoryIsClosedToOthers)
 {
     ASSERT_EQ(::mkdir("/tmp/user", 0777), 0);

@@ -5,6 +5,7 @@
 #include "platform/launcher/abstractkeeper.h"
 #include "platform/launcher/appearance.h"
 #include "platform/launcher/nightswitch.h"
+#include "platform/launcher/pluginwindow.h"
 #include "platform/launcher/wrappanel.h"
 #include "tests/platform/launcher/confighome.h"
 #include "tests/platform/launcher/look.h"
@@ -13,6 +14,7 @@
 #include "tests/support/tracefiles.h"
 #include "tests/support/warnings.h"
 
+#include <QLabel>
 #include <QPushButton>
 #include <QtTest>
 
@@ -77,6 +79,33 @@ QColor ground(const QWidget& widget)
 TEST_F(WholeFrame, FingersHitEveryButton)
 {
     EXPECT_EQ(smallTargets(frame()).join('\n').toStdString(), "");
+}
+
+TEST_F(WholeFrame, ButtonsAtTheTopHaveTheRoomAboveThemThatTheyHaveBelow)
+{
+    const auto* button = frame().findChild<QPushButton*>("helpButton");
+    const int above = button->geometry().top();
+    const int below = host->window()->mapTo(&frame(), QPoint()).y() - above - button->height();
+    EXPECT_GT(above, 0);
+    EXPECT_EQ(above, below);
+}
+
+TEST_F(WholeFrame, WindowFillsAllBelowTheButtons)
+{
+    const QRect place(host->window()->mapTo(&frame(), QPoint()), host->window()->size());
+    EXPECT_EQ(place.left(), 0);
+    EXPECT_EQ(place.bottomRight(), frame().rect().bottomRight());
+}
+
+TEST_F(WholeFrame, TitleStandsOutByItsWeight)
+{
+    const QLabel* title = nullptr;
+    for (const QLabel* label :
+         frame().findChildren<QLabel*>(QString(), Qt::FindDirectChildrenOnly)) {
+        title = label->text().isEmpty() ? title : label;
+    }
+    ASSERT_NE(title, nullptr);
+    EXPECT_TRUE(title->font().bold());
 }
 
 TEST_F(WholeFrame, TabComesByEverything)

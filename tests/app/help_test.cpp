@@ -7,6 +7,8 @@
 
 #include <QScrollBar>
 #include <QTextBrowser>
+#include <QTextCursor>
+#include <QTextDocument>
 
 namespace {
 
@@ -89,6 +91,19 @@ TEST_F(Help, TellsHowAMarkerIsChosenBeforeWhatMovesIt)
     const int choosing = help::page().indexOf("Very short tap on A or B");
     EXPECT_GE(choosing, 0);
     EXPECT_LT(choosing, help::page().indexOf("move the chosen marker"));
+}
+
+TEST_F(Help, WhatOneLooksForIsBoldAndWhatIsSaidOfItIsNot)
+{
+    load();
+    QTextDocument document;
+    document.setHtml(help::page());
+    const QTextCursor looked = document.find("Open traces");
+    const QTextCursor said = document.find("drop .sor files");
+    ASSERT_FALSE(looked.isNull());
+    ASSERT_FALSE(said.isNull());
+    EXPECT_GE(looked.charFormat().fontWeight(), QFont::Bold);
+    EXPECT_LT(said.charFormat().fontWeight(), QFont::Bold);
 }
 
 TEST_F(Help, NamesTheButtonThatEndsARunByWhereItIs)

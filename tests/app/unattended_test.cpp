@@ -50,6 +50,21 @@ TEST_F(Unattended, PanelsAreShownByTheirNames)
     EXPECT_EQ(pictureWith({}), plain) << "what was shown is remembered";
 }
 
+TEST_F(Unattended, PassesOnWarningsButNotWhatHelpsToFollowTheProgram)
+{
+    const QStringList arguments = {"--screenshot", dir.filePath("picture.png"),
+                                   files.write("a.sor", SorSketch::plain())};
+    const QMap<QString, QString> programs {{"WAVEFORM_PROGRAMS", WAVEFORM_BIN}};
+    QMap<QString, QString> talkative = programs;
+    talkative["QT_LOGGING_RULES"] = "*.debug=true";
+    const Outcome quiet = start(program(), arguments, talkative);
+    EXPECT_EQ(quiet.code, 0);
+    EXPECT_EQ(quiet.err, "");
+    QMap<QString, QString> odd = programs;
+    odd["QT_STYLE_OVERRIDE"] = "nosuch";
+    EXPECT_THAT(start(program(), arguments, odd).err.toStdString(), testing::HasSubstr("nosuch"));
+}
+
 TEST_F(Unattended, FifthFileIsRefusedInTheWordsOfTheWindow)
 {
     QStringList arguments = {"--screenshot", dir.filePath("picture.png")};

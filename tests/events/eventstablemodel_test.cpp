@@ -336,6 +336,22 @@ TEST_F(EventsTable, CellThatIsGoneHasNothing)
     EXPECT_FALSE(model.eventValue(last).isValid());
 }
 
+/// Makes an index of any cell.
+struct AnyEventCell : EventsTableModel
+{
+    using EventsTableModel::createIndex;
+};
+
+TEST_F(EventsTable, CellRightOfTheLastColumnHasNothing)
+{
+    refl.setEventList({eventAt(Event::SpanStart, 0)});
+    AnyEventCell table;
+    table.setReflectogram(refl);
+    EXPECT_TRUE(table.data(table.createIndex(0, 6), Qt::TextAlignmentRole).isValid());
+    EXPECT_FALSE(table.data(table.createIndex(0, 7), Qt::TextAlignmentRole).isValid());
+    EXPECT_EQ(table.typeName(table.createIndex(0, 7)), QString());
+}
+
 TEST_F(EventsTable, KnowsReflectionsThatAreOnlyABound)
 {
     EventList events;

@@ -101,6 +101,13 @@ protected:
     EventsTableView view;
 };
 
+TEST_F(EventsView, WantsRoomForFiveRows)
+{
+    view.resize(800, view.sizeHint().height());
+    QCoreApplication::processEvents();
+    EXPECT_EQ(view.viewport()->height(), 5 * view.rowHeight(0));
+}
+
 TEST_F(EventsView, HasItsTitleAndFixedHeaders)
 {
     EXPECT_EQ(view.windowTitle(), "Events");

@@ -114,6 +114,15 @@ TEST(FinderOutput, PositionCountsFromTheStartOfTheFibre)
     EXPECT_EQ(events[0].position, 2007);
 }
 
+TEST(FinderOutput, PositionThatNoTraceHasIsNoEvent)
+{
+    TraceScale scale = decimetres();
+    scale.header.sampleInterval_ns = 1e-6;
+    scale.header.firstSample_ns = 1e4; // a kilometre, and ten thousand million samples
+    EXPECT_GT(OTDR::smpl2meters(2000, scale.header, scale.params), 150.0);
+    EXPECT_THAT(eventsFromOutput("r = 2000\n", scale), testing::IsEmpty());
+}
+
 TEST(FinderOutput, HeaderThatIsNonePutsNothingOnTheFibre)
 {
     TraceScale scale = decimetres();

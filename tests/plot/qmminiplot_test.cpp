@@ -27,6 +27,18 @@ protected:
     }
 };
 
+/// On a screen with two pixels for one, each way.
+class DenseMiniPlot : public QmMiniPlot
+{
+protected:
+    int metric(PaintDeviceMetric metric) const override
+    {
+        const int found = QmMiniPlot::metric(metric);
+        return metric == PdmDevicePixelRatio || metric == PdmDevicePixelRatioScaled ? 2 * found
+                                                                                    : found;
+    }
+};
+
 /// An overview of 216 x 116 pixels, 50 m and 0.5 dB each, 0 m in column 8 and 0 dB in row 108. The
 /// colours of its palette tell the parts of the picture apart.
 class MiniPlot : public testing::Test
@@ -110,6 +122,23 @@ protected:
 QPolygonF flatTrace(double level_dB)
 {
     return QPolygonF() << QPointF(0.0, level_dB) << QPointF(10000.0, level_dB);
+}
+
+TEST_F(MiniPlot, OnADenseScreenTheCurveIsDrawnInItsPixels)
+{
+    DenseMiniPlot dense;
+    dense.resize(216, 116);
+    dense.show();
+    dense.setScales(QRectF(0.0, 50.0, 10000.0, -50.0));
+    dense.setSamples(flatTrace(25.0), true);
+    QImage image(2 * dense.size(), QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(2.0);
+    image.fill(Qt::white);
+    dense.render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
+    const QRect found = where(image, [](const QColor& colour) { return colour.value() < 60; });
+    EXPECT_NEAR(found.left(), 16, 1); // from 0 m to 10 km
+    EXPECT_NEAR(found.right(), 416, 1);
+    EXPECT_LE(found.height(), 2) << "one pixel wide, as large ones would not be";
 }
 
 TEST_F(MiniPlot, IsHalfTransparentAsAWindow)

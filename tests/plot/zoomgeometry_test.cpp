@@ -44,6 +44,12 @@ TEST(ZoomStep, OfAFactorThatIsNotPositiveIsNone)
     }
 }
 
+TEST(ZoomStep, OfAFactorBelowOneGoesTheOtherWay)
+{
+    EXPECT_EQ(zoom::inFactor({100.0, 108.0}, 0.5, 1.0), 0.5);
+    EXPECT_EQ(zoom::outFactor({100.0, 108.0}, 0.5, 100.0), 0.5);
+}
+
 TEST(ZoomStepOut, IsTheWantedFactorWhileItEndsBelowTheGreatestSpan)
 {
     EXPECT_EQ(zoom::outFactor({100.0, 110.0}, 2.0, 100.0), 2.0);

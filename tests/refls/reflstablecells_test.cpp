@@ -100,6 +100,24 @@ TEST_F(TraceSet, IndexOutsideHasNoValue)
     EXPECT_FALSE(model.data(model.index(0, 7), Qt::DisplayRole).isValid());
 }
 
+/// Makes an index of any cell, as a view may still hold one that there was before.
+struct AnyCell : ReflsTableModel
+{
+    using ReflsTableModel::createIndex;
+};
+
+TEST_F(TraceSet, CellBesideTheTableHasNoValue)
+{
+    AnyCell set;
+    set.addRefl(files.plain());
+    for (const int role :
+         {Qt::DisplayRole, Qt::TextAlignmentRole, Qt::ForegroundRole, Qt::BackgroundRole}) {
+        EXPECT_TRUE(set.data(set.createIndex(0, 6), role).isValid()) << role;
+        EXPECT_FALSE(set.data(set.createIndex(0, 7), role).isValid()) << role;
+        EXPECT_FALSE(set.data(set.createIndex(1, 6), role).isValid()) << role;
+    }
+}
+
 TEST_F(TraceSet, AlignsTextInTheMiddleAndNumbersAtTheRight)
 {
     add("a.sor");

@@ -4,6 +4,8 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QStorageInfo>
+#include <QTemporaryDir>
 
 #include <gmock/gmock.h>
 #include <sys/stat.h>
@@ -92,6 +94,25 @@ TEST_F(DriveCopy, ThatCannotBeMadeSaysWhy)
     target = files.path("drive"); // a directory
     EXPECT_NE(copy(), "");
     EXPECT_EQ(onDrive(), QStringList {"a.sor"});
+}
+
+/// Shared memory is mounted as a drive is.
+TEST_F(DriveCopy, HasItsDirectoryMadeOnADriveThatIsMounted)
+{
+    const QTemporaryDir dir("/dev/shm/waveform-XXXXXX");
+    if (QStorageInfo("/dev/shm").rootPath() != "/dev/shm" || !QDir().rmdir(dir.path())) {
+        GTEST_SKIP() << "nothing is mounted there";
+    }
+    target = dir.filePath("a.sor");
+    EXPECT_EQ(copy(), "");
+    EXPECT_EQ(contents(target), contents(source));
+}
+
+TEST_F(DriveCopy, HasNoDirectoryMadeWhereNoDriveIsMounted)
+{
+    target = files.path("drive/otdr/a.sor");
+    EXPECT_NE(copy(), "");
+    EXPECT_FALSE(QFileInfo::exists(files.path("drive/otdr")));
 }
 
 TEST_F(DriveCopy, OfAKilledProgramIsRemovedFromTheDrive)

@@ -71,6 +71,14 @@ TEST_F(Keeping, ConfigurationOfTheMeasurementIsKeptAndReadBack)
     EXPECT_EQ(params.duration, 15);
 }
 
+TEST_F(Keeping, ConfigurationThatWasWrittenIsNotComplainedOf)
+{
+    EXPECT_TRUE(keeper.saveConfig(files.path("wf.cfg")));
+    keeper.started();
+    keeper.stopped();
+    EXPECT_FALSE(logged("config was not saved"));
+}
+
 TEST_F(Keeping, ConfigurationThatCannotBeWrittenIsLogged)
 {
     EXPECT_FALSE(keeper.saveConfig(files.path("no/such/directory/wf.cfg")));

@@ -298,6 +298,21 @@ TEST_F(BackgroundOrl, QueuedRequestOfMarkersThatWentAsksNothing)
     EXPECT_EQ(gate->begun, 1);
 }
 
+TEST_F(BackgroundOrl, QueuedRequestOfAFirstMarkerThatWentAsksNothing)
+{
+    auto own = std::make_unique<TwoMarkersModel>(nullptr);
+    own->setORLCalc(std::make_unique<SlowCalc>(gate, SlowCalc::PlaceOfB));
+    auto first = std::make_unique<QmPlotMarker>(&canvas);
+    markerB.setXValue(900.0);
+    own->setMarkers({first.get(), &markerB});
+    own->setReflectogram(fibre);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return gate->begun == 1; }));
+    own->calculate();
+    first.reset();
+    settle();
+    EXPECT_EQ(gate->begun, 1);
+}
+
 TEST_F(BackgroundOrl, ModelThatGoesWaitsForTheComputation)
 {
     auto own = std::make_unique<TwoMarkersModel>(nullptr);

@@ -97,6 +97,23 @@ TEST_F(MarkersForATrace, StayWhereTheUserPutThemBefore)
     EXPECT_EQ(b->xValue(), b_m);
 }
 
+TEST_F(MarkersForATrace, StayWhereTheUserPutOneOfThemToTheFront)
+{
+    showPlot();
+    view->show();
+    for (QmPlotMarker* atFront : {a, b}) {
+        QmPlotMarker* elsewhere = atFront == a ? b : a;
+        for (int i = 0; i < 2; ++i) { // the first time they move, and take the distance of a column
+            atFront->setXValue(0.0);
+            elsewhere->setXValue(3000.0);
+        }
+        take(longer);
+        EXPECT_EQ(atFront->xValue(), 0.0);
+        EXPECT_EQ(elsewhere->xValue(), 3000.0);
+        take(Reflectogram());
+    }
+}
+
 TEST_F(MarkersForATrace, StayWhenItGivesWayToAnother)
 {
     showPlot();

@@ -77,6 +77,16 @@ TEST_F(MarkersOnPlot, KeepTheirPlacesWhereTheyHaveOnesBeforeTheyAreShown)
     EXPECT_EQ(b->xValue(), 3000.0);
 }
 
+TEST_F(MarkersOnPlot, KeepTheirPlacesAlsoWhereOneIsAtTheFront)
+{
+    showPlot();
+    a->setXValue(0.0);
+    b->setXValue(3000.0);
+    view->show();
+    EXPECT_EQ(a->xValue(), 0.0);
+    EXPECT_EQ(b->xValue(), 3000.0);
+}
+
 TEST_F(MarkersOnPlot, StandSideBySideWhenAShownViewIsAttached)
 {
     showPlot();

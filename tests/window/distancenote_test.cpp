@@ -57,4 +57,12 @@ TEST_F(TraceWithoutDistances, WordsFitTheirCornerAndLetTouchesThrough)
     EXPECT_NE(plot()->canvas()->childAt(note()->geometry().center()), note());
 }
 
+TEST_F(TraceWithoutDistances, WordsCoverTheLinesBehindThem)
+{
+    loadBare();
+    QCoreApplication::processEvents();
+    const QRgb paper = note()->palette().color(QPalette::Window).rgb();
+    EXPECT_THAT(coloursOfMargin(note()), testing::ElementsAre(paper));
+}
+
 } // namespace

@@ -41,6 +41,13 @@ TEST_F(Hint, NamesTheButtonThatIsThere)
     EXPECT_GE(hint()->width(), hint()->sizeHint().width()) << "the longer words are cut";
 }
 
+TEST_F(Hint, WordsAreLargerThanOthersAndCoverTheLinesBehindThem)
+{
+    EXPECT_GT(hint()->font().pointSizeF(), plot()->font().pointSizeF());
+    const QRgb paper = hint()->palette().color(QPalette::Window).rgb();
+    EXPECT_THAT(coloursOfMargin(hint()), testing::ElementsAre(paper));
+}
+
 TEST_F(Hint, StandsBesideTheResults)
 {
     touch(bar());

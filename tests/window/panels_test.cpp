@@ -17,6 +17,7 @@
 #include <qwt_plot_curve.h>
 
 #include <QGridLayout>
+#include <QHeaderView>
 #include <QLabel>
 #include <QThreadPool>
 
@@ -122,6 +123,19 @@ TEST_F(Panelled, StartsWithTheSettingsAndThePlotAlone)
         names << button->text();
     }
     EXPECT_EQ(names, QStringList({"Measurement", "Events", "Reflectograms", "Settings"}));
+}
+
+TEST_F(Panelled, TablesKeepTheirHeaderAndARowWholeHoweverLowTheyAre)
+{
+    load("a.sor");
+    touch(eventsView());
+    touch(reflsView());
+    QCoreApplication::processEvents();
+    for (QTableView* table :
+         {static_cast<QTableView*>(eventsView()), static_cast<QTableView*>(reflsView())}) {
+        table->resize(table->width(), table->minimumHeight());
+        EXPECT_EQ(table->viewport()->height(), table->verticalHeader()->defaultSectionSize());
+    }
 }
 
 TEST_F(Panelled, BarAndSettingsTakeTurnsAndTablesAreFree)

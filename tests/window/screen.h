@@ -18,6 +18,9 @@
 #include <qwt_scale_div.h>
 #include <qwt_symbol.h>
 
+#include <QImage>
+#include <QLabel>
+#include <QPixmap>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QtTest>
@@ -25,6 +28,7 @@
 #include <gmock/gmock.h>
 
 #include <memory>
+#include <set>
 
 namespace testing_support {
 
@@ -32,6 +36,20 @@ using Waveform::Model;
 using Waveform::Plot;
 using Waveform::ReflsTableModel;
 using Waveform::Window;
+
+/// The colours of the topmost rows of what lies over the canvas, where nothing is written.
+inline std::set<QRgb> coloursOfMargin(const QLabel* label)
+{
+    const QRect rows(label->pos(), QSize(label->width(), label->margin()));
+    const QImage picture = label->parentWidget()->grab(rows).toImage();
+    std::set<QRgb> found;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            found.insert(picture.pixel(x, y));
+        }
+    }
+    return found;
+}
 
 /// The window with its model, shown in the instrument's size; nothing is loaded.
 class Screen : public testing::Test

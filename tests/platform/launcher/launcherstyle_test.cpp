@@ -7,10 +7,13 @@
 
 #include <QCheckBox>
 #include <QDialog>
+#include <QDialogButtonBox>
 #include <QLineEdit>
+#include <QProxyStyle>
 #include <QStandardItemModel>
 #include <QTableView>
 #include <QToolButton>
+#include <QTreeView>
 #include <QtTest>
 #include <QVBoxLayout>
 
@@ -84,6 +87,30 @@ TEST(LauncherStyle, WindowsThatAreNoDialogsHaveNoEdge)
     window.show();
     const QImage picture = window.grab().toImage();
     EXPECT_EQ(picture.pixelColor(0, 50), picture.pixelColor(100, 50));
+}
+
+/// As on a desktop that wants signs beside the words of a dialog's buttons.
+class StyleOfSigns : public QProxyStyle
+{
+public:
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* more) const override
+    {
+        return hint == SH_DialogButtonBox_ButtonsHaveIcons
+            ? 1
+            : QProxyStyle::styleHint(hint, option, widget, more);
+    }
+};
+
+TEST(LauncherStyle, ButtonsOfAQuestionHaveNoSignsBesideTheirWords)
+{
+    LauncherStyle style;
+    style.setBaseStyle(new StyleOfSigns);
+    QDialogButtonBox answers;
+    answers.setStyle(&style);
+    const auto* yes = answers.addButton(QDialogButtonBox::Yes);
+    const auto* no = answers.addButton(QDialogButtonBox::No);
+    EXPECT_TRUE(yes->icon().isNull() && no->icon().isNull());
 }
 
 TEST(LauncherStyle, GivesThePaletteToAWidgetThatNamedItBefore)
@@ -236,6 +263,35 @@ TEST_P(FocusIn, IsShownOnARowToKeysAndNotToAFinger)
     EXPECT_TRUE(hasFrame());
     tap(0);
     EXPECT_FALSE(hasFrame());
+}
+
+TEST_P(FocusIn, OfATreeIsShownInsideItsRowToKeysAndNotToAFinger)
+{
+    QStandardItemModel model(4, 2);
+    QTreeView rows;
+    rows.setModel(&model);
+    rows.setRootIsDecorated(false);
+    rows.setAllColumnsShowFocus(true);
+    rows.setSelectionMode(QAbstractItemView::NoSelection);
+    rows.show();
+    QApplication::setActiveWindow(&rows);
+    rows.setFocus();
+    const auto picture = [&] { return rows.viewport()->grab().toImage(); };
+    const QImage without = picture();
+    const auto placeOf = [&](int row) {
+        const QRect first = rows.visualRect(model.index(row, 0));
+        return first.united(rows.visualRect(model.index(row, 1)));
+    };
+    QTest::mouseClick(rows.viewport(), Qt::LeftButton, {}, placeOf(0).center());
+    ASSERT_TRUE(rows.hasFocus() && rows.currentIndex().row() == 0);
+    EXPECT_EQ(picture(), without);
+    QTest::keyClick(&rows, Qt::Key_Down);
+    ASSERT_EQ(rows.currentIndex().row(), 1);
+    const QImage with = picture();
+    EXPECT_NE(with.copy(placeOf(1)), without.copy(placeOf(1)));
+    for (const int row : {0, 2}) { // which are not drawn anew when the frame goes on
+        EXPECT_EQ(with.copy(placeOf(row)), without.copy(placeOf(row))) << row;
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Lights, FocusIn, testing::Values(Light::Day, Light::Night));

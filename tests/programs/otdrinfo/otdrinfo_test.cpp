@@ -6,6 +6,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 
 #include <gmock/gmock.h>
@@ -292,9 +293,27 @@ TEST_F(OtdrInfo, ShowsASummaryWithTheEventTable)
     EXPECT_THAT(text, HasSubstr("A [31m B, South"));
 }
 
+TEST_F(OtdrInfo, EachEventIsALineOfItsOwn)
+{
+    const SorSketch sketch = SorSketch::plain();
+    const QStringList lines =
+        QString(run({save("trace.sor", sketch)}).out).split('\n', Qt::KeepEmptyParts);
+    const auto events = static_cast<int>(sketch.keyEvents.events.size());
+    const int header = lines.indexOf(QRegularExpression(" *no kind code .*"));
+    ASSERT_GE(header, 0);
+    ASSERT_GT(lines.size(), header + events);
+    for (int i = 1; i <= events; ++i) {
+        EXPECT_TRUE(lines[header + i].startsWith(QString("%1 ").arg(i, 5)))
+            << lines[header + i].toStdString();
+    }
+}
+
 TEST_F(OtdrInfo, MarksAReflectanceThatIsABoundAndExplainsTheMark)
 {
     SorSketch sketch = SorSketch::plain();
+    const std::string measured = run({save("trace.sor", sketch)}).out.toStdString();
+    EXPECT_THAT(measured, HasSubstr("-14.700"));
+    EXPECT_THAT(measured, Not(HasSubstr("*"))) << "no receiver was saturated";
     sketch.keyEvents.events[2].code = {'2', 'E', '9', '9', '9', '9'};
     EXPECT_THAT(run({save("trace.sor", sketch)}).out.toStdString(), HasSubstr("-14.700*"));
     EXPECT_THAT(run({"--help"}).out.toStdString(), HasSubstr("refl. dB: *"));

@@ -2,6 +2,8 @@
 #include "tests/support/tracefiles.h"
 #include "tests/support/warnings.h"
 
+#include <QFile>
+
 #include <gmock/gmock.h>
 
 namespace {
@@ -35,6 +37,13 @@ TEST_F(Page, PutsValuesIntoTheTemplate)
     EXPECT_EQ(page("<p>{{ a.b }}</p>", {{"a", QVariantHash {{"b", "x"}}}}), "<p>x</p>");
 }
 
+TEST_F(Page, LineOfATagAloneLeavesNone)
+{
+    EXPECT_EQ(page("<ul>\n{% for e in list %}\n<li>{{ e }}</li>\n{% endfor %}\n</ul>\n",
+                   {{"list", QStringList {"x", "y"}}}),
+              "<ul>\n<li>x</li>\n<li>y</li>\n</ul>\n");
+}
+
 TEST_F(Page, EscapesEveryValue)
 {
     EXPECT_EQ(page("<p title=\"{{ a }}\">", {{"a", "<script>\"'&"}}),
@@ -62,6 +71,17 @@ TEST_F(Page, MayExtendTheBuiltInOne)
     EXPECT_THAT(html, HasSubstr("Our firm"));
     EXPECT_THAT(html, HasSubstr("<!DOCTYPE html>"));
     EXPECT_THAT(html, testing::Not(HasSubstr("<footer>")));
+}
+
+TEST_F(Page, TemplateOfMoreThan16MegabytesIsNotRead)
+{
+    const QString path = files.path("large.html");
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    ASSERT_TRUE(file.resize((16 << 20) + 1));
+    const auto made = pageOf({}, path);
+    ASSERT_FALSE(made);
+    EXPECT_THAT(made.error().message, HasSubstr("large.html: the template cannot be read"));
 }
 
 TEST_F(Page, NothingOutsideItsDirectoryIsIncluded)

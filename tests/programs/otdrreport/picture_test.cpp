@@ -6,9 +6,12 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdint>
+
 namespace {
 
 using otdrreport::pictureOf;
+using testing_support::keyEvent;
 using testing_support::SorSketch;
 using testing_support::TraceFiles;
 
@@ -45,6 +48,27 @@ TEST(ReportPicture, WithoutEventsHasNoMarks)
     SorSketch sketch = SorSketch::plain();
     sketch.leftOut = {"KeyEvents"};
     EXPECT_EQ(count(draw(sketch), Qt::red), 0);
+}
+
+TEST(ReportPicture, NoNumberOfAnEventBesideTheRecordReachesIn)
+{
+    const auto red = [](std::int32_t position) { // the record ends at 199,950
+        SorSketch sketch = SorSketch::plain();
+        sketch.keyEvents.events.push_back(keyEvent(4, position, "0F9999", 100));
+        return count(draw(sketch), Qt::red);
+    };
+    EXPECT_GT(red(199'900), red(260'000));
+    EXPECT_EQ(red(200'300), red(260'000));
+}
+
+TEST(ReportPicture, WithoutASpacingNoEventHasAPlaceOnIt)
+{
+    SorSketch sketch = SorSketch::plain();
+    sketch.fxd.pulses[0].dataSpacing = 0;
+    sketch.fxd.acquisitionRange = 0;
+    const QImage image = draw(sketch); // whose events tell their own distances
+    EXPECT_EQ(count(image, Qt::red), 0);
+    EXPECT_GT(count(image, Qt::darkBlue), 0);
 }
 
 } // namespace

@@ -10,6 +10,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 namespace {
@@ -131,17 +132,41 @@ TEST(TraceChart, SamplesOfALongTraceKeepBothExtremes)
     const auto samples = chartOf(*state, {}, kUnknown).samples;
     EXPECT_EQ(samples.perStep, 2);
     EXPECT_LE(samples.counts.size(), 2 * 32768 + 4);
-    const auto extremes = *state->trace->pyramid().extremes(0, state->trace->size());
-    int smallest = 65535;
-    int largest = 0;
-    for (int i = 0; i < samples.counts.size(); i += 2) {
-        const int count = static_cast<unsigned char>(samples.counts[i])
-            + 256 * static_cast<unsigned char>(samples.counts[i + 1]);
-        smallest = std::min(smallest, count);
-        largest = std::max(largest, count);
+    const auto countAt = [&](int i) {
+        return static_cast<unsigned char>(samples.counts[2 * i])
+            + 256 * static_cast<unsigned char>(samples.counts[2 * i + 1]);
+    };
+    const auto raw = state->trace->samples();
+    const std::size_t stretch = (2 * raw.size() + 32767) / 32768;
+    int count = 0;
+    for (std::size_t begin = 0; begin < raw.size(); begin += stretch, count += 2) {
+        const std::size_t end = std::min(begin + stretch, raw.size());
+        ASSERT_LE(2 * (count + 2), samples.counts.size());
+        int highest = 65535;
+        int lowest = 0; // counts fall where levels rise
+        for (std::size_t j = begin; j < end; ++j) {
+            highest = std::min<int>(highest, raw[j]);
+            lowest = std::max<int>(lowest, raw[j]);
+        }
+        ASSERT_EQ(countAt(count), highest);
+        ASSERT_EQ(countAt(count + 1), lowest);
     }
-    EXPECT_EQ(smallest, extremes.highest.raw);
-    EXPECT_EQ(largest, extremes.lowest.raw);
+    EXPECT_EQ(2 * count, samples.counts.size());
+}
+
+TEST(TraceChart, SamplesOfALongTraceStandInTheMiddleOfTheirStretch)
+{
+    const auto state = measured(TraceBuilder().fibre(100_km));
+    const auto distance = [&](double index) {
+        return state->trace->distanceAt(index, state->metresPerNs());
+    };
+    const auto samples = chartOf(*state, {}, kUnknown).samples;
+    const double stretch = samples.step_m / (distance(1.0) - distance(0.0));
+    EXPECT_GT(stretch, 1.5);
+    EXPECT_NEAR(stretch, std::round(stretch), 1e-6) << "whole samples";
+    EXPECT_NEAR(samples.first_m, distance(0.5 * (stretch - 1.0)), 1e-6);
+    const int stretches = samples.counts.size() / 4; // of two counts each
+    EXPECT_EQ(stretches, std::ceil(static_cast<double>(state->trace->size()) / stretch - 1e-6));
 }
 
 TEST(TraceChart, WithoutSamplesThereIsNone)

@@ -9,6 +9,8 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
+#include <cstdio>
+
 namespace {
 
 using namespace testing_support;
@@ -31,6 +33,13 @@ TEST_F(EvFindInput, SaysWhyATraceCannotBeSearched)
     noPulse.fxd.pulses.front().width_ns = 0;
     expectFailure(run({"-i", files.write("no.sor", noPulse), "--json"}), 1,
                   "no.sor: events cannot be found: the width of the pulse is not told");
+}
+
+TEST_F(EvFindInput, PulseOfOneNanosecondIsEnough)
+{
+    SorSketch shortest = sorOf(link());
+    shortest.fxd.pulses.front().width_ns = 1;
+    EXPECT_FALSE(linesOf(files.write("one.sor", shortest)).isEmpty());
 }
 
 TEST_F(EvFindInput, WhatIsNoTraceIsOneLineAndAnExitCode)
@@ -116,6 +125,23 @@ TEST_F(EvFindInput, TakesFileNamesByteForByteInAnyLocale)
         EXPECT_EQ(outcome.code, 0) << outcome.err.toStdString();
         EXPECT_EQ(QJsonDocument::fromJson(outcome.out).object()["file"].toString(), path);
     }
+}
+
+TEST_F(EvFindInput, TakesFileNamesThatAreNoTextOfTheLocale)
+{
+    const QByteArray plain = QFile::encodeName(files.writeSnapshot("plain.bin", link()));
+    const QByteArray odd = QFile::encodeName(files.path("m")) + "\xE4rz.bin"; // as of long ago
+    ASSERT_EQ(std::rename(plain.constData(), odd.constData()), 0);
+    for (const char* locale : {"C", "C.UTF-8"}) {
+        const QByteArray finder = "LC_ALL=" + QByteArray(locale) + " " WAVEFORM_BIN "/wfevfind";
+        const QByteArray command =
+            finder + " -i \"$(printf '" + QByteArray(odd).replace("\xE4", "\\344") + "')\"";
+        QProcess shell;
+        shell.start("/bin/sh", {"-c", QString::fromLatin1(command)});
+        ASSERT_TRUE(shell.waitForFinished(20'000));
+        EXPECT_EQ(shell.exitCode(), 0) << shell.readAllStandardError().toStdString();
+    }
+    EXPECT_EQ(std::remove(odd.constData()), 0); // which Qt cannot
 }
 
 TEST_F(EvFindInput, AFullDiskBehindStandardOutputIsAnError)

@@ -201,7 +201,9 @@ TEST(FibreFile, ASectionHasALengthAndAnAttenuation)
 TEST(FibreFile, TheSumOfTheSectionsHasALimit)
 {
     const QByteArray section = R"({"length_m": 600000, "attenuation_db_per_km": 0.2})";
+    const QByteArray rest = R"({"length_m": 400000, "attenuation_db_per_km": 0.2})";
     EXPECT_EQ(sectionError(section), "none");
+    EXPECT_EQ(sectionError(section + "," + rest), "none");
     EXPECT_THAT(sectionError(section + "," + section), HasSubstr("sections: longer than 1000 km"));
 }
 
@@ -237,10 +239,15 @@ TEST(FibreFile, FiguresOfTheFibreAreChecked)
     EXPECT_THAT(errorOf(withMore("\"ior\": 1.0")), HasSubstr("ior: "));
     EXPECT_THAT(errorOf(withMore("\"ior\": \"1.47\"")), HasSubstr("ior: not a number"));
     EXPECT_THAT(errorOf(withMore("\"ior\": {\"1310\": 15}")), HasSubstr("ior.1310: "));
+    EXPECT_THAT(errorOf(withMore("\"ior\": {}")), HasSubstr("ior: no value at any wavelength"));
     EXPECT_THAT(errorOf(withMore("\"end_reflectance_db\": 14.7")), HasSubstr("end_reflectance_db"));
     EXPECT_THAT(errorOf(withMore("\"dynamic_range_db\": 0")), HasSubstr("dynamic_range_db: "));
     EXPECT_THAT(errorOf(withMore("\"dynamic_range_db\": 81")), HasSubstr("dynamic_range_db: "));
     EXPECT_THAT(errorOf(withMore("\"name\": []")), HasSubstr("name: not a text"));
+    const QByteArray longest(200, 'x');
+    EXPECT_EQ(errorOf(withMore("\"name\": \"" + longest + "\"")), "none");
+    EXPECT_THAT(errorOf(withMore("\"name\": \"" + longest + "x\"")),
+                HasSubstr("name: longer than 200 characters"));
 }
 
 TEST(FibreFile, TooManyEventsAreRefused)

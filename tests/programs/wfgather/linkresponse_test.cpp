@@ -181,7 +181,10 @@ TEST(Truth, TellsAGainerByTheChangeOfBackscatter)
     EXPECT_NEAR(truth[1].at_m, 8000.0, 1e-9);
     EXPECT_NEAR(truth[1].apparentLoss_dB, 0.2, 1e-9);
     EXPECT_TRUE(truth[2].end);
-    EXPECT_NEAR(truth[2].time_ns, timeTo(10000.0), 1e-6);
+    for (const auto& event : truth) {
+        EXPECT_NEAR(event.time_ns, timeTo(event.at_m), 1e-6) << event.kind;
+    }
+    EXPECT_NEAR(truth[2].at_m, 10000.0, 1e-9);
 }
 
 TEST(Truth, FindsABorderWhoseSumIsNotExact)

@@ -1,4 +1,7 @@
+#include "platform/otdr/core/constants.h"
 #include "platform/otdr/core/linefit.h"
+#include "programs/wfgather/settings.h"
+#include "programs/wfgather/sources.h"
 #include "tests/programs/wfgather/measured.h"
 
 #include <gtest/gtest.h>
@@ -151,6 +154,30 @@ TEST(Noise, RefreshesAreOneMeasurementThatGoesOn)
     }
     correlation = difference / scatter;
     EXPECT_LT(correlation, 0.1); // independent averages would give about 1
+}
+
+/// Level shortly behind the port of a whole measurement of the demo link, dB.
+double levelAfter(int duration_s)
+{
+    gather::Settings settings;
+    settings.duration_s = duration_s;
+    settings.pulse_ns = 1000;
+    settings.seed = 1;
+    const auto sources = gather::sourcesFor(settings);
+    EXPECT_TRUE(sources);
+    gather::TraceSource& trace = *sources->front();
+    trace.measure(settings.isRealtime() ? gather::kRealtimeRefresh_s : duration_s);
+    const otdr::Snapshot snapshot = trace.snapshot();
+    const double perMetre = 1.0 / (snapshot.sampleInterval_ns * otdr::metresPerNs(kIor));
+    return (65535 - snapshot.samples[static_cast<std::size_t>(400.0 * perMetre)]) / 1000.0;
+}
+
+TEST(Noise, StandsAtTheSameLevelHoweverLongIsMeasured)
+{
+    // So the backscatter rises by what the dynamic range gains: 2.5 dB for ten times as long.
+    const double usual = levelAfter(15);
+    EXPECT_NEAR(levelAfter(150), usual + 2.5, 0.1);
+    EXPECT_NEAR(levelAfter(0), usual + 2.5 * std::log10(0.3 / 15.0), 0.1) << "realtime";
 }
 
 TEST(Noise, StartsAfreshInRealtime)
