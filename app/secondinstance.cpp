@@ -35,7 +35,7 @@ QString handOver(const Options& options)
     }
     QTextStream(stdout) << (files.isEmpty()
                                 ? "Waveform is running already: see its window.\n"
-                                : "Opened in the window of Waveform that runs already.\n");
+                                : "Given to the window of Waveform that runs already.\n");
     if (!options.overrides.empty()) {
         QTextStream(stderr) << "waveform: the settings for this run are not taken: the window runs "
                                "with its own\n";

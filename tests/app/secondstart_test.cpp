@@ -69,7 +69,7 @@ TEST_F(SecondStart, HandsItsFilesOverByTheirWholeNames)
     const QString file = files.write("a b.sor", SorSketch::plain());
     const Outcome outcome = run({file, "/nowhere/b.sor"});
     EXPECT_EQ(outcome.code, 0) << qPrintable(outcome.err);
-    EXPECT_EQ(outcome.out, "Opened in the window of Waveform that runs already.\n");
+    EXPECT_EQ(outcome.out, "Given to the window of Waveform that runs already.\n");
     ASSERT_EQ(requested.size(), 1);
     EXPECT_EQ(requested.first().first().toStringList(), (QStringList {file, "/nowhere/b.sor"}));
 }

@@ -241,8 +241,8 @@ private:
     void listLastPeaks(const DetectedEvent& end)
     {
         const double w = fibre.scale().pulse;
-        const PeakGroup peak =
-            measurePeak(fibre, extent.end, end.before.centre, extent.end + 4.0 * w);
+        const double to = std::max(extent.end + 4.0 * w, extent.lastFoot + w);
+        const PeakGroup peak = measurePeak(fibre, extent.end, end.before.centre, to);
         const double apart = peak.feet.front() - kOwnRisePulses * w;
         const double from = std::max(end.before.centre, apart - 2.0 * fibre.gap());
         if (const auto first = firstPeak(fibre, from, apart, end.before)) {

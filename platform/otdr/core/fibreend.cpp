@@ -1,9 +1,9 @@
 #include "platform/otdr/core/fibreend.h"
 
 #include "platform/otdr/core/fibrebehind.h"
-#include "platform/otdr/core/lastreflection.h"
 #include "platform/otdr/core/launchtail.h"
 #include "platform/otdr/core/lightbehind.h"
+#include "platform/otdr/core/reflectionfeet.h"
 #include "platform/otdr/core/scatter.h"
 #include "platform/otdr/core/shortfibre.h"
 #include "platform/otdr/core/trace.h"
@@ -12,6 +12,7 @@
 #include <cmath>
 #include <cstddef>
 #include <optional>
+#include <vector>
 
 namespace otdr {
 
@@ -197,22 +198,31 @@ private:
         const bool isNearPort = extent.end < std::min(port, trace.size() - 1.0);
         const double from = isNearPort ? extent.launch + trace.gap() : extent.end;
         const double to = std::min(extent.end + kBehindEndPulses * w, extent.lastLit);
-        const double last = lastReflection(trace, from, to, threshold_dB).value_or(extent.launch);
-        if (isBehindDark(extent.end, last)
-            || (isNearPort && last < extent.end && launch.reaches(last, extent.end))) {
+        const std::vector<double> feet = reflectionFeet(trace, from, to, threshold_dB);
+        const double last = feet.empty() ? extent.launch : feet.back();
+        if (isNearPort && last < extent.end && launch.reaches(last, extent.end)) {
             extent.end = last;
             extent.kind = FibreExtent::End::Found;
         }
+        follow(feet, extent);
     }
 
-    /// Whether a reflection stands where the light is gone that ends at an index: those in the dead
-    /// zone of an end are told with it.
-    [[nodiscard]] bool isBehindDark(double end, double foot) const
+    /// Moves an end on to the last reflection behind it that stands where fibre can be seen before
+    /// it, or where the light is gone that ended. Those in the dead zone of an end are told with
+    /// it.
+    void follow(const std::vector<double>& feet, FibreExtent& extent) const
     {
-        const double before_dB = trace.mean_dB(end - w, end);
-        return foot > end + w
-            && (foot > end + kDeadZonePulses * w
-                || trace.mean_dB(foot - 2.0, foot) < before_dB - threshold_dB);
+        const auto before_dB = [&](double index) { return trace.mean_dB(index - 2.0, index); };
+        const double gone_dB = before_dB(extent.end) - threshold_dB;
+        extent.lastFoot = extent.end;
+        for (const double foot : feet) {
+            if (foot > extent.lastFoot + kDeadZonePulses * w
+                || (foot > extent.lastFoot + w && before_dB(foot) < gone_dB)) {
+                extent.end = foot;
+                extent.kind = FibreExtent::End::Found;
+            }
+            extent.lastFoot = std::max(extent.lastFoot, foot);
+        }
     }
 
     /// Samples of which the median tells whether there is light.

@@ -16,6 +16,7 @@ struct FibreExtent
     double launch = 0.0; ///< index where light begins
     double first = 0.0; ///< from here on the launch is over and the trace follows the fibre
     double end = 0.0; ///< foot of the end
+    double lastFoot = 0.0; ///< of the reflections in the dead zone of the end, or the end
     double lastLit = 0.0; ///< behind this index there is only noise
     End kind = End::OutOfRange;
 };

@@ -174,6 +174,28 @@ TEST(EventDetection, TellsTheConnectorOfAPatchCordAtTheStart)
     EXPECT_EQ(found.events[1].group, found.events[0].group);
 }
 
+/// Three reflections two pulses apart: too little fibre to tell their losses, but what stands in
+/// front of them is told.
+TEST(EventDetection, TellsAllReflectionsInTheDeadZoneOfTheEnd)
+{
+    for (const double cord_m : {20.0, 22.0}) {
+        const Length first {12'000.0 - 2.0 * cord_m};
+        const Length second {12'000.0 - cord_m};
+        const Length splice {first.m - 60.0};
+        const TraceBuilder builder = link()
+                                         .splice(splice, 0.2_dB)
+                                         .connector(first, 0.3_dB, 4_dB)
+                                         .connector(second, 0.3_dB, 8_dB)
+                                         .reflectingEnd(12_dB);
+        const Detection found = detect(builder);
+        ASSERT_EQ(kindsOf(found), "snrre") << cord_m;
+        EXPECT_NEAR(found.events[1].loss_dB, 0.2, 0.02) << cord_m;
+        EXPECT_NEAR(found.events[2].index, builder.indexOf(first), 1.0) << cord_m;
+        EXPECT_NEAR(found.events[3].index, builder.indexOf(second), 1.0) << cord_m;
+        EXPECT_NEAR(found.events[4].index, builder.indexOf(12_km), 1.0) << cord_m;
+    }
+}
+
 /// All that there is: a cord of 40 m with a connector 12 m before its end.
 TEST(EventDetection, TellsAConnectorWithinTheDeadZoneOfAnEndNearThePort)
 {

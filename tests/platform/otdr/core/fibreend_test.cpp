@@ -231,6 +231,20 @@ TEST(FibreEnd, OfAFibreWithinTheTailOfTheLaunchIsWhereItReflects)
     }
 }
 
+/// A reflection that rises while the light still falls is the end's own.
+TEST(FibreEnd, IsNotMovedWithinAPulse)
+{
+    const TraceBuilder pulse = TraceBuilder().pulse(200.0); // of twenty samples
+    std::vector<std::uint16_t> light(9000, 65535);
+    for (std::size_t i = 0; i < 5000; ++i) {
+        const double at = static_cast<double>(i) - 4000.0;
+        const double tail_dB = 26.0 - 0.06 * at + (at >= 12.0 && at < 32.0 ? 12.0 : 0.0);
+        const double level_dB = at < 0.0 ? 34.0 - 0.0001 * (at + 4000.0) : std::max(0.0, tail_dB);
+        light[i] = static_cast<std::uint16_t>(65535.0 - 1000.0 * level_dB);
+    }
+    EXPECT_NEAR(extentOf(pulse, withNoise(light, 8.0, 1)).end, 4000.0, 1.0);
+}
+
 /// Some pulses of fibre behind the port, cut or reflecting, and a tail behind that.
 TEST(FibreEnd, OfAFewPulsesOfFibreIsWhereTheyEnd)
 {

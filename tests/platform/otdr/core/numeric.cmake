@@ -20,7 +20,6 @@ waveform_test(otdr_core_numeric_test
         fibreend_test.cpp
         fibreextent_test.cpp
         fibretrace_test.cpp
-        lastreflection_test.cpp
         launchtail_test.cpp
         lightbehind_test.cpp
         lightfalls_test.cpp
@@ -34,6 +33,7 @@ waveform_test(otdr_core_numeric_test
         pulseshape_test.cpp
         pyramid_test.cpp
         reflectance_test.cpp
+        reflectionfeet_test.cpp
         returnloss_test.cpp
         scatter_test.cpp
         shortfibre_test.cpp

@@ -1,4 +1,4 @@
-#include "platform/otdr/core/lastreflection.h"
+#include "platform/otdr/core/reflectionfeet.h"
 #include "tests/platform/otdr/core/drawnfibre.h"
 
 #include <gtest/gtest.h>
@@ -40,123 +40,133 @@ double tailWith(const std::vector<Bump>& bumps, double behind)
     return level_dB;
 }
 
-/// How far behind the port the last reflection stands; -1 where there is none.
-double lastIn(const std::function<double(double behind)>& level_dB)
+using Feet = std::vector<double>;
+
+/// The feet of what reflects, counted from the port.
+Feet feetIn(const std::function<double(double behind)>& level_dB)
 {
     const DrawnFibre fibre = litFrom100(level_dB);
-    const auto last = otdr::lastReflection(*fibre, kPort + 2.0 * kPulse, kRecord, kSudden_dB);
-    return last ? *last + 0.5 - kPort : -1.0;
+    Feet feet = otdr::reflectionFeet(*fibre, kPort + 2.0 * kPulse, kRecord, kSudden_dB);
+    for (double& foot : feet) {
+        foot -= kPort - 0.5;
+    }
+    return feet;
 }
 
-double lastOf(const std::vector<Bump>& bumps)
+Feet feetOf(const std::vector<Bump>& bumps)
 {
-    return lastIn([=](double behind) { return tailWith(bumps, behind); });
+    return feetIn([=](double behind) { return tailWith(bumps, behind); });
 }
 
-TEST(LastReflection, IsWhereTheTailRises)
+TEST(ReflectionFeet, AreWhereTheTailRises)
 {
-    EXPECT_EQ(lastOf({{300.0, 5.0}}), 300.0);
-    EXPECT_EQ(lastOf({{300.0, 0.8}}), 300.0);
-    EXPECT_EQ(lastOf({{300.0, 0.45}}), -1.0);
-    EXPECT_EQ(lastOf({}), -1.0);
-    EXPECT_EQ(lastOf({{300.0, 5.0}, {470.0, 3.0}}), 470.0);
+    EXPECT_EQ(feetOf({{300.0, 5.0}}), Feet {300.0});
+    EXPECT_EQ(feetOf({{300.0, 0.8}}), Feet {300.0});
+    EXPECT_EQ(feetOf({{300.0, 0.45}}), Feet {});
+    EXPECT_EQ(feetOf({}), Feet {});
+    EXPECT_EQ(feetOf({{300.0, 5.0}, {470.0, 3.0}}), (Feet {300.0, 470.0}));
 }
 
 /// A receiver that comes back from a swing rises once, and by no more than a little.
-TEST(LastReflection, IsNotWhatRisesAndStaysUnlessItIsSudden)
+TEST(ReflectionFeet, AreNotWhatRisesAndStaysUnlessItIsSudden)
 {
     const auto comingBack = [](double rise_dB) {
-        return lastIn([=](double behind) {
+        return feetIn([=](double behind) {
             return behind < 300.0 ? 40.0 : 30.0 + (behind < 340.0 ? 0.0 : rise_dB);
         });
     };
-    EXPECT_EQ(comingBack(2.0), -1.0);
-    EXPECT_EQ(comingBack(2.9), -1.0);
-    EXPECT_EQ(comingBack(3.1), 340.0);
+    EXPECT_EQ(comingBack(2.0), Feet {});
+    EXPECT_EQ(comingBack(2.9), Feet {});
+    EXPECT_EQ(comingBack(3.1), Feet {340.0});
 }
 
 /// It has come down before the receiver swings back for good.
-TEST(LastReflection, HasFallenWithinTwoPulses)
+TEST(ReflectionFeet, AreOfWhatFallsWithinTwoPulses)
 {
-    EXPECT_EQ(lastIn([](double behind) {
+    EXPECT_EQ(feetIn([](double behind) {
                   const bool isUp = behind >= 300.0 && (behind < 320.0 || behind >= 360.0);
                   return behind < kPulse ? 60.0 : (isUp ? 42.0 : 40.0);
               }),
-              300.0);
+              Feet {300.0});
 }
 
 /// Its top is that of the middle of its pulse: it takes a while to rise, and is seen from 0.2 dB
 /// on.
-TEST(LastReflection, MayRiseSlowly)
+TEST(ReflectionFeet, AreOfWhatRisesSlowlyToo)
 {
-    EXPECT_EQ(lastIn([](double behind) {
+    EXPECT_EQ(feetIn([](double behind) {
                   const double on = behind - 300.0;
                   const double rise_dB = on < 0.0 || on > 25.0 ? 0.0 : std::min(0.6, 0.1 * on);
                   return behind < kPulse ? 60.0 : 40.0 + rise_dB;
               }),
-              302.0);
+              Feet {302.0});
 }
 
 /// Noise of 2 dB: light must stand 2 dB above it, and rise by twenty times its power.
-TEST(LastReflection, IsNotInTheNoise)
+TEST(ReflectionFeet, AreNotInTheNoise)
 {
     const auto inLightOf = [](double level_dB, double height_dB) {
-        return lastIn([=](double behind) {
+        return feetIn([=](double behind) {
             const bool rises = behind >= 600.0 && behind < 600.0 + kPulse;
             return behind < 500.0 ? 40.0 : level_dB + (rises ? height_dB : 0.0);
         });
     };
-    EXPECT_EQ(inLightOf(3.9, 10.0), -1.0);
-    EXPECT_EQ(inLightOf(4.1, 10.0), 600.0);
-    EXPECT_EQ(inLightOf(5.0, 3.7), -1.0);
-    EXPECT_EQ(inLightOf(5.0, 4.1), 600.0);
+    EXPECT_EQ(inLightOf(3.9, 10.0), Feet {});
+    EXPECT_EQ(inLightOf(4.1, 10.0), Feet {600.0});
+    EXPECT_EQ(inLightOf(5.0, 3.7), Feet {});
+    EXPECT_EQ(inLightOf(5.0, 4.1), Feet {600.0});
 }
 
 /// For a third of a pulse that is noise.
-TEST(LastReflection, LastsForAPulse)
+TEST(ReflectionFeet, AreOfWhatLastsForAPulse)
 {
     const auto lasting = [](double samples) {
-        return lastIn([=](double behind) {
+        return feetIn([=](double behind) {
             const bool isUp = behind >= 300.0 && behind < 300.0 + samples;
             return behind < kPulse ? 60.0 : 40.0 + (isUp ? 2.0 : 0.0);
         });
     };
-    EXPECT_EQ(lasting(7.0), -1.0);
-    EXPECT_EQ(lasting(14.0), 300.0);
+    EXPECT_EQ(lasting(7.0), Feet {});
+    EXPECT_EQ(lasting(14.0), Feet {300.0});
 }
 
 /// It comes from where light gets to that went from one to another once more.
-TEST(LastReflection, IsNoEcho)
+TEST(ReflectionFeet, AreOfNoEcho)
 {
-    EXPECT_EQ(lastOf({{300.0, 10.0}, {600.0, 4.0}}), 300.0) << "to the port and back";
-    EXPECT_EQ(lastOf({{300.0, 10.0}, {638.0, 4.0}}), 300.0) << "within two pulses";
-    EXPECT_EQ(lastOf({{300.0, 10.0}, {650.0, 4.0}}), 650.0);
-    EXPECT_EQ(lastOf({{300.0, 10.0}, {500.0, 10.0}, {700.0, 4.0}}), 500.0) << "between the two";
-    EXPECT_EQ(lastOf({{300.0, 10.0}, {500.0, 10.0}, {800.0, 4.0}}), 500.0) << "all the way of both";
-    EXPECT_EQ(lastOf({{300.0, 10.0}, {500.0, 10.0}, {750.0, 4.0}}), 750.0);
+    EXPECT_EQ(feetOf({{300.0, 10.0}, {600.0, 4.0}}), Feet {300.0}) << "to the port and back";
+    EXPECT_EQ(feetOf({{300.0, 10.0}, {638.0, 4.0}}), Feet {300.0}) << "within two pulses";
+    EXPECT_EQ(feetOf({{300.0, 10.0}, {650.0, 4.0}}), (Feet {300.0, 650.0}));
+    EXPECT_EQ(feetOf({{300.0, 10.0}, {500.0, 10.0}, {700.0, 4.0}}), (Feet {300.0, 500.0}))
+        << "between the two";
+    EXPECT_EQ(feetOf({{300.0, 10.0}, {500.0, 10.0}, {800.0, 4.0}}), (Feet {300.0, 500.0}))
+        << "all the way of both";
+    EXPECT_EQ(feetOf({{300.0, 10.0}, {500.0, 10.0}, {750.0, 4.0}}), (Feet {300.0, 500.0, 750.0}));
 }
 
 /// Nothing sends an echo towards the port, however bright it is.
-TEST(LastReflection, IsNoEchoOfWhatStandsBehind)
+TEST(ReflectionFeet, MayHaveBrighterOnesBehind)
 {
-    EXPECT_EQ(lastOf({{300.0, 10.0}, {400.0, 1.0}, {500.0, 4.0}, {600.0, 9.0}}), 500.0);
+    EXPECT_EQ(feetOf({{300.0, 10.0}, {400.0, 1.0}, {500.0, 4.0}, {600.0, 9.0}}),
+              (Feet {300.0, 400.0, 500.0}));
 }
 
-TEST(LastReflection, IsNoEchoIfItIsBrighterThanWhatStandsBefore)
+TEST(ReflectionFeet, AreOfWhatIsBrighterThanAnEcho)
 {
-    EXPECT_EQ(lastOf({{300.0, 4.0}, {600.0, 10.0}}), 600.0);
-    EXPECT_EQ(lastOf({{300.0, 4.0}, {500.0, 10.0}, {700.0, 12.0}}), 700.0);
+    EXPECT_EQ(feetOf({{300.0, 4.0}, {600.0, 10.0}}), (Feet {300.0, 600.0}));
+    EXPECT_EQ(feetOf({{300.0, 4.0}, {500.0, 10.0}, {700.0, 12.0}}), (Feet {300.0, 500.0, 700.0}));
 }
 
 /// Only the brightest are asked for their echoes.
-TEST(LastReflection, IsNoEchoOfTheBrightestOfMany)
+TEST(ReflectionFeet, AreOfNoEchoAmongHundreds)
 {
     std::vector<Bump> bumps {{5000.0, 25.0}, {10000.0, 10.0}};
     for (int i = 0; i < 80; ++i) {
         bumps.push_back({100.0 + 60.0 * i, 1.0});
     }
     const auto level_dB = [&](double behind) { return tailWith(bumps, behind) + 0.003 * behind; };
-    EXPECT_EQ(lastIn(level_dB), 5000.0);
+    const Feet found = feetIn(level_dB);
+    ASSERT_FALSE(found.empty());
+    EXPECT_EQ(found.back(), 5000.0);
 }
 
 } // namespace

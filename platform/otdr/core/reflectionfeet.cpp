@@ -1,4 +1,4 @@
-#include "platform/otdr/core/lastreflection.h"
+#include "platform/otdr/core/reflectionfeet.h"
 
 #include "platform/otdr/core/decibels.h"
 #include "platform/otdr/core/peakgroup.h"
@@ -99,19 +99,22 @@ bool isEcho(const Reflection& seen, const std::vector<Reflection>& all, double t
 
 } // namespace
 
-std::optional<double> lastReflection(const FibreTrace& trace, double from, double to,
-                                     double sudden_dB)
+std::vector<double> reflectionFeet(const FibreTrace& trace, double from, double to,
+                                   double sudden_dB)
 {
     const std::vector<Reflection> seen = reflectionsIn(trace, from, to, sudden_dB);
     if (seen.empty()) {
-        return std::nullopt;
+        return {};
     }
     const std::vector<Reflection> all = sources(trace, to, sudden_dB);
     const double tolerance = kEchoPulses * trace.scale().pulse;
-    const auto last = std::find_if(seen.rbegin(), seen.rend(), [&](const Reflection& one) {
-        return !isEcho(one, all, tolerance);
-    });
-    return last != seen.rend() ? std::optional(last->foot) : std::nullopt;
+    std::vector<double> feet;
+    for (const Reflection& one : seen) {
+        if (!isEcho(one, all, tolerance)) {
+            feet.push_back(one.foot);
+        }
+    }
+    return feet;
 }
 
 } // namespace otdr
