@@ -129,7 +129,11 @@ void EventSearch::learnFromPeaks()
 void EventSearch::beginWith(double timeConstant)
 {
     fibre.setTimeConstant(timeConstant);
+    const double end = ends.end;
     ends = findFibre(fibre, settings.end_dB);
+    if (std::abs(ends.end - end) > fibre.gap()) {
+        fibre.endNoiseAt(ends.end);
+    }
     forgetPlaces();
 }
 

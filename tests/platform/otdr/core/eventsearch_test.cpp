@@ -249,6 +249,29 @@ TEST(EventSearch, LossesOfASmoothedTraceAreSlowerThanItsReflections)
     }
 }
 
+/// With the receiver that its losses show, the fibre goes on behind a splitter at 2000, where the
+/// light scatters ten times more.
+TEST(EventSearch, NoiseIsThatOfAllTheFibre)
+{
+    const otdr::PulseShape shape(kPulse, 8.0);
+    const double left = std::pow(10.0, -5.5 / 5.0);
+    std::mt19937_64 random(4);
+    std::normal_distribution<double> noise(0.0, std::pow(10.0, 4.0 / 5.0));
+    const DrawnFibre link(9000, scaleOf(kPulse), [&](double i) {
+        const double kept = 1.0 - 0.2 * shape.step(i - 400.0) - 0.15 * shape.step(i - 1200.0);
+        const double lit =
+            shape.step(i) - (1.0 - left) * shape.step(i - 2000.0) - left * shape.step(i - 6000.0);
+        const double power = std::pow(10.0, (13.0 - 0.00002 * i) / 5.0) * kept * lit
+            + 9.0 * left * kept * std::pow(10.0, 13.0 / 5.0) * shape.peak(i - 6000.0)
+            + noise(random);
+        return power > 1.0 ? 5.0 * std::log10(power) : 0.0;
+    });
+    const EventSearch search(link->samples(), measurement(), {});
+    EXPECT_NEAR(search.extent().end, 6000.0, kPulse);
+    EXPECT_GT(search.trace().noise().sigma_dB(4000.0), 0.3);
+    EXPECT_LT(search.trace().noise().sigma_dB(1000.0), 0.1);
+}
+
 TEST(EventSearch, FindsEachPlaceOnce)
 {
     const DrawnFibre link = linkOf(
