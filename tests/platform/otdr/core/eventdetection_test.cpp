@@ -1,5 +1,6 @@
 #include "platform/otdr/core/eventdetection.h"
 #include "platform/otdr/core/reflectance.h"
+#include "tests/platform/otdr/core/detectedlink.h"
 #include "tests/platform/otdr/core/kindsof.h"
 #include "tests/support/tracebuilder.h"
 
@@ -17,26 +18,6 @@ using otdr::DetectedEvent;
 using otdr::Detection;
 using Kind = DetectedEvent::Kind;
 using Evidence = DetectedEvent::Evidence;
-
-constexpr double kBackscatter_dB = -80.0;
-constexpr double kPulse_ns = 100.0;
-
-otdr::Measurement measurementOf(const TraceBuilder& builder)
-{
-    return {kPulse_ns, builder.metresPerNs(), kBackscatter_dB};
-}
-
-Detection detect(const TraceBuilder& builder, const otdr::DetectionSettings& settings = {})
-{
-    const auto trace = builder.build();
-    return otdr::detectEvents(*trace, measurementOf(builder), settings);
-}
-
-/// 12 km with an end, and noise behind it.
-TraceBuilder link(std::uint64_t seed = 21)
-{
-    return TraceBuilder().fibre(12_km).behind(3000).noise(0.01_dB, seed).noiseFloor(8_dB);
-}
 
 const DetectedEvent* nearest(const Detection& detection, double index)
 {
@@ -115,121 +96,6 @@ TEST(EventDetection, ATopLongerThanThePulseIsSaturatedAndCostsReturnLoss)
     EXPECT_LT(found.returnLoss_dB, plain.returnLoss_dB - 3.0);
     // It alone, seen through 7 km of fibre, takes the return loss of the span below this.
     EXPECT_LT(found.returnLoss_dB, 2.0 * 7.0 * 0.2 - peak->reflectance_dB + 0.1);
-}
-
-/// The last patch cord: both its ends reflect, and the fibre between them tells the loss.
-TEST(EventDetection, TellsTheConnectorBeforeAShortLastFibre)
-{
-    const TraceBuilder builder =
-        link().connector(Length {11850.0}, 0.3_dB, 8_dB).reflectingEnd(12_dB);
-    const Detection found = detect(builder);
-    ASSERT_EQ(kindsOf(found), "sre");
-    EXPECT_NEAR(found.events[1].index, builder.indexOf(Length {11850.0}), 1.0);
-    EXPECT_NEAR(found.events[1].loss_dB, 0.3, 0.03);
-    EXPECT_NEAR(found.events[2].index, builder.indexOf(12_km), 1.0);
-    EXPECT_NEAR(found.events[2].height_dB, 12.0, 0.3);
-}
-
-/// 30 m, three pulses, are enough for that, however little the connector reflects.
-TEST(EventDetection, TellsTheConnectorThreePulsesBeforeTheEnd)
-{
-    for (const Decibels height : {3_dB, 10_dB}) {
-        const TraceBuilder builder =
-            link().connector(11.97_km, 0.3_dB, height).reflectingEnd(15_dB);
-        const Detection found = detect(builder);
-        ASSERT_EQ(kindsOf(found), "sre") << height.dB;
-        const double place = builder.indexOf(11.97_km);
-        EXPECT_NEAR(found.events[1].index, place, 0.25 * builder.pulseSamples()) << height.dB;
-        EXPECT_NEAR(found.events[1].loss_dB, 0.3, 0.03) << height.dB;
-        EXPECT_NEAR(found.events[2].index, builder.indexOf(12_km), 1.0) << height.dB;
-        EXPECT_NE(found.events[1].group, found.events[2].group) << height.dB;
-    }
-}
-
-/// 20 m: the fibre between the reflections can be seen, but not measured.
-TEST(EventDetection, TellsTheConnectorOfAPatchCordAtTheEnd)
-{
-    const TraceBuilder builder = link().connector(11.98_km, 0.3_dB, 10_dB).reflectingEnd(15_dB);
-    const Detection found = detect(builder);
-    ASSERT_EQ(kindsOf(found), "sre");
-    EXPECT_NEAR(found.events[1].index, builder.indexOf(11.98_km), 1.0);
-    EXPECT_NEAR(found.events[1].height_dB, 10.0, 0.1);
-    EXPECT_NEAR(found.events[2].index, builder.indexOf(12_km), 1.0);
-    double sum = 0.0;
-    for (const otdr::DetectedSection& section : found.sections) {
-        sum += section.loss_dB;
-    }
-    EXPECT_NEAR(sum, found.spanLoss_dB, 1e-9);
-}
-
-/// In front of the link: within the dead zone of the port no loss can be told, a reflection can.
-TEST(EventDetection, TellsTheConnectorOfAPatchCordAtTheStart)
-{
-    const TraceBuilder builder = link().connector(Length {20.0}, 0.3_dB, 10_dB);
-    const Detection found = detect(builder);
-    ASSERT_EQ(kindsOf(found), "sre");
-    EXPECT_NEAR(found.events[1].index, builder.indexOf(Length {20.0}), 1.0);
-    EXPECT_NEAR(found.events[1].height_dB, 10.3, 0.1) << "above the fibre behind it";
-    EXPECT_TRUE(std::isnan(found.events[1].loss_dB));
-    EXPECT_EQ(found.events[1].group, found.events[0].group);
-}
-
-/// Three reflections two pulses apart: too little fibre to tell their losses, but what stands in
-/// front of them is told.
-TEST(EventDetection, TellsAllReflectionsInTheDeadZoneOfTheEnd)
-{
-    for (const double cord_m : {20.0, 22.0}) {
-        const Length first {12'000.0 - 2.0 * cord_m};
-        const Length second {12'000.0 - cord_m};
-        const Length splice {first.m - 60.0};
-        const TraceBuilder builder = link()
-                                         .splice(splice, 0.2_dB)
-                                         .connector(first, 0.3_dB, 4_dB)
-                                         .connector(second, 0.3_dB, 8_dB)
-                                         .reflectingEnd(12_dB);
-        const Detection found = detect(builder);
-        ASSERT_EQ(kindsOf(found), "snrre") << cord_m;
-        EXPECT_NEAR(found.events[1].loss_dB, 0.2, 0.02) << cord_m;
-        EXPECT_NEAR(found.events[2].index, builder.indexOf(first), 1.0) << cord_m;
-        EXPECT_NEAR(found.events[3].index, builder.indexOf(second), 1.0) << cord_m;
-        EXPECT_NEAR(found.events[4].index, builder.indexOf(12_km), 1.0) << cord_m;
-    }
-}
-
-/// All that there is: a cord of 40 m with a connector 12 m before its end.
-TEST(EventDetection, TellsAConnectorWithinTheDeadZoneOfAnEndNearThePort)
-{
-    const TraceBuilder builder = TraceBuilder()
-                                     .fibre(Length {100.0})
-                                     .behind(3000)
-                                     .noise(0.01_dB, 11)
-                                     .noiseFloor(8_dB)
-                                     .connector(Length {88.0}, 0.3_dB, 6_dB)
-                                     .reflectingEnd(14_dB);
-    const Detection found = detect(builder);
-    ASSERT_EQ(kindsOf(found), "sre");
-    EXPECT_NEAR(found.events[1].index, builder.indexOf(Length {88.0}), 1.0);
-    EXPECT_NEAR(found.events[2].index, builder.indexOf(Length {100.0}), 1.5);
-}
-
-/// A receiver that is slow to come up rises only once.
-TEST(EventDetection, RisingEdgeOfTheEndIsNoOtherReflection)
-{
-    EXPECT_EQ(kindsOf(detect(link().reflectingEnd(20_dB))), "se");
-    EXPECT_EQ(kindsOf(detect(link())), "se");
-}
-
-/// 12 m apart, with a pulse of 10 m: both are told, the loss between them cannot be.
-TEST(EventDetection, TellsAConnectorWithinTheDeadZoneOfTheEnd)
-{
-    const TraceBuilder builder =
-        link().connector(Length {11988.0}, 0.3_dB, 6_dB).reflectingEnd(14_dB);
-    const Detection found = detect(builder);
-    ASSERT_EQ(kindsOf(found), "sre");
-    EXPECT_NEAR(found.events[1].index, builder.indexOf(Length {11988.0}), 1.0);
-    EXPECT_NEAR(found.events[2].index, builder.indexOf(12_km), 1.5);
-    EXPECT_TRUE(std::isnan(found.events[1].loss_dB));
-    EXPECT_EQ(found.events[1].group, found.events[2].group);
 }
 
 TEST(EventDetection, FindsALowReflectionOnALoss)
