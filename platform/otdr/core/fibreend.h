@@ -25,7 +25,8 @@ struct FibreExtent
 ///
 /// The end is the first place where the level falls by endThreshold_dB or more and no fibre
 /// follows: nothing that is straight, falls as fibre does and stands above the noise. So a splitter
-/// is not taken for an end, nor the tail of a strong reflection or an echo for fibre.
+/// is not taken for an end, nor the tail of a strong reflection or an echo for fibre. What reflects
+/// close behind it and is no echo is the end instead, unless it stands in the dead zone.
 [[nodiscard]] FibreExtent findFibre(const FibreTrace& trace, double endThreshold_dB);
 
 } // namespace otdr
