@@ -126,26 +126,32 @@ OddLink noEvent(Random& random)
     return link;
 }
 
+namespace {
+
+/// Leaves so much fibre and no event, in a record that is as long as before.
+void shorten(OddLink& link, double length_m)
+{
+    const double range_ns = link.fibre.length_m() / otdr::metresPerNs(kIor);
+    link.fibre.events.clear();
+    link.fibre.sections = {{length_m, Spectrum(0.2), Spectrum(kBackscatter_dB)}};
+    link.instrument.behind = range_ns / link.instrument.pulse_ns;
+}
+
+} // namespace
+
 OddLink noFibre(Random& random)
 {
     OddLink link = usual(random);
-    const double range_ns = link.fibre.length_m() / otdr::metresPerNs(kIor);
-    link.fibre.events.clear();
-    link.fibre.sections = {{draw(random, 0.5, 2.0), Spectrum(0.2), Spectrum(kBackscatter_dB)}};
+    shorten(link, draw(random, 0.5, 2.0));
     link.fibre.endReflectance_dB = Spectrum(draw(random, -60.0, -14.0));
-    link.instrument.behind = range_ns / link.instrument.pulse_ns;
     return link;
 }
 
 OddLink breakAtPort(Random& random)
 {
     OddLink link = usual(random);
-    const double range_ns = link.fibre.length_m() / otdr::metresPerNs(kIor);
-    link.fibre.events.clear();
-    const double length_m = metresOfPulse(link.instrument.pulse_ns) * drawLog(random, 3.0, 30.0);
-    link.fibre.sections = {{length_m, Spectrum(0.2), Spectrum(kBackscatter_dB)}};
+    shorten(link, metresOfPulse(link.instrument.pulse_ns) * drawLog(random, 3.0, 30.0));
     addPort(random, link.fibre);
-    link.instrument.behind = range_ns / link.instrument.pulse_ns;
     return link;
 }
 

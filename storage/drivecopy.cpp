@@ -14,6 +14,7 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <optional>
 
 namespace Waveform {
 
@@ -27,19 +28,22 @@ QString reasonOf(int number)
     return QString::fromLocal8Bit(std::strerror(number));
 }
 
+/// What the system knows of a file; empty where there is none.
+std::optional<struct stat> statOf(const QByteArray& path)
+{
+    struct stat known
+    {
+    };
+
+    return ::stat(path.constData(), &known) == 0 ? std::optional(known) : std::nullopt;
+}
+
 /// Two names of one file, links and mounts looked through.
 bool isSameFile(const QByteArray& a, const QByteArray& b)
 {
-    struct stat first
-    {
-    };
-
-    struct stat second
-    {
-    };
-
-    return ::stat(a.constData(), &first) == 0 && ::stat(b.constData(), &second) == 0
-        && first.st_dev == second.st_dev && first.st_ino == second.st_ino;
+    const auto first = statOf(a);
+    const auto second = statOf(b);
+    return first && second && first->st_dev == second->st_dev && first->st_ino == second->st_ino;
 }
 
 /// A drive that is new has no directory for copies yet. Where none is mounted none is made: copies
@@ -47,17 +51,9 @@ bool isSameFile(const QByteArray& a, const QByteArray& b)
 void makeDirectoryOnDrive(const QString& path)
 {
     const QByteArray drive = QFile::encodeName(QFileInfo(path).path());
-
-    struct stat mounted
-    {
-    };
-
-    struct stat below
-    {
-    };
-
-    if (::stat(drive.constData(), &mounted) == 0 && ::stat((drive + "/..").constData(), &below) == 0
-        && mounted.st_dev != below.st_dev) {
+    const auto mounted = statOf(drive);
+    const auto below = statOf(drive + "/..");
+    if (mounted && below && mounted->st_dev != below->st_dev) {
         ::mkdir(QFile::encodeName(path).constData(), ACCESSPERMS); // what fails, the copy tells
     }
 }

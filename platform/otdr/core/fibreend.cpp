@@ -26,6 +26,8 @@ constexpr double kBeforePulses = 20.0;
 
 /// Light that belongs to the fibre stands within so many pulses behind what seemed to be its end.
 constexpr double kBehindEndPulses = 10.0;
+
+/// Fibre between two reflections that are further apart tells the loss of the first.
 constexpr double kDeadZonePulses = 2.5;
 
 /// Light is seen by the median of so many samples, a pulse at least, and in long records one of so

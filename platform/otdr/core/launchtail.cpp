@@ -38,18 +38,29 @@ double LaunchTail::over() const
     return piece.firstBetween(launch + trace.gap(), settled, top - kTopFall_dB).value_or(settled);
 }
 
+/// Level of the sample at an index, dB.
+double LaunchTail::level(double index) const
+{
+    return trace.mean_dB(index, index + 1.0);
+}
+
+/// The first index from one to another at which the light has risen to a level.
+double LaunchTail::risenTo(double level_dB, double from, double to) const
+{
+    while (from < to && level(from) < level_dB) {
+        from += 1.0;
+    }
+    return from;
+}
+
 /// Where the receiver is no longer held at its top; the port itself where it is not, or where what
 /// rises still further is another reflection.
 double LaunchTail::overloadOver(double top) const
 {
     const double launch = trace.launch();
     const double last = launch + kLongestOverloadPulses * w;
-    const auto level = [this](double i) { return trace.mean_dB(i, i + 1.0); };
-    double i = launch;
-    while (i < last && level(i) < top) {
-        i += 1.0;
-    }
-    for (; i < last && level(i) <= top + kLaunchFall_dB; i += 1.0) {
+    for (double i = risenTo(top, launch, last); i < last && level(i) <= top + kLaunchFall_dB;
+         i += 1.0) {
         if (level(i) < top - kLaunchFall_dB) {
             return i;
         }
@@ -71,13 +82,10 @@ bool LaunchTail::reaches(double foot, double to) const
 double LaunchTail::topOver(double foot, double to) const
 {
     const double top = highest_dB(trace, foot, foot + trace.gap());
-    double from = foot;
-    while (from < to && trace.mean_dB(from, from + 1.0) < top) {
-        from += 1.0;
-    }
+    double from = risenTo(top, foot, to);
     // What is outshone further on does not hold the receiver at its top.
     const bool isOutshone = highest_dB(trace, from, to) > top + kLaunchFall_dB;
-    while (!isOutshone && from < to && trace.mean_dB(from, from + 1.0) > top - kTopFall_dB) {
+    while (!isOutshone && from < to && level(from) > top - kTopFall_dB) {
         from += 1.0;
     }
     return from;

@@ -24,6 +24,8 @@ public:
     [[nodiscard]] bool reaches(double foot, double to) const;
 
 private:
+    [[nodiscard]] double level(double index) const;
+    [[nodiscard]] double risenTo(double level_dB, double from, double to) const;
     [[nodiscard]] double overloadOver(double top) const;
     [[nodiscard]] double topOver(double foot, double to) const;
 

@@ -404,7 +404,7 @@ std::vector<double> risesIn(const FibreTrace& trace, double from, double to)
     return risesIn(trace, from, to, std::max(kSecondRise_dB, kSecondRiseSigmas * sigma));
 }
 
-std::vector<double> risesIn(const FibreTrace& trace, double from, double to, double least)
+std::vector<double> risesIn(const FibreTrace& trace, double from, double to, double least_dB)
 {
     const double w = trace.scale().pulse;
     const auto level = [&](std::size_t i) { return trace.samples().level_dB(i); };
@@ -414,11 +414,11 @@ std::vector<double> risesIn(const FibreTrace& trace, double from, double to, dou
     std::vector<double> feet;
     auto i = lag + static_cast<std::size_t>(std::max(0.0, from));
     for (; i < end; ++i) {
-        if (level(i + lag) - level(i) < least || level(i) - level(i - lag) > 0.25 * least) {
+        if (level(i + lag) - level(i) < least_dB || level(i) - level(i - lag) > 0.25 * least_dB) {
             continue;
         }
         std::size_t next = i + lag;
-        while (next > i && level(next - 1) - level(i) > 0.25 * least) {
+        while (next > i && level(next - 1) - level(i) > 0.25 * least_dB) {
             --next;
         }
         feet.push_back(static_cast<double>(next) - 0.5);

@@ -125,22 +125,22 @@ std::optional<double> ShortFibre::dropBehind(double from, double top, double bef
 
 bool ShortFibre::isSeenBetween(double from, double to) const
 {
-    const double length = 2.0 * shortest();
-    const double highest = std::numeric_limits<double>::infinity();
-    for (double at = from; at + length < to; at += std::max(1.0, 0.25 * w)) {
-        if (isLevel(at, at + length, 0.0, highest)) {
-            return true;
-        }
-    }
-    return false;
+    return firstLevel(from, to, std::numeric_limits<double>::infinity()).has_value();
 }
 
 std::optional<double> ShortFibre::firstBetween(double from, double to, double most_dB) const
 {
+    const auto first = firstLevel(from, to, most_dB);
+    return first && changeBehind(*first).value_or(to) < to ? first : std::nullopt;
+}
+
+/// Where light below most_dB that is level for twice the shortest piece begins between two indices.
+std::optional<double> ShortFibre::firstLevel(double from, double to, double most_dB) const
+{
     const double length = 2.0 * shortest();
     for (double at = from; at + length < to; at += std::max(1.0, 0.25 * w)) {
         if (isLevel(at, at + length, 0.0, most_dB)) {
-            return changeBehind(at).value_or(to) < to ? std::optional(at) : std::nullopt;
+            return at;
         }
     }
     return std::nullopt;

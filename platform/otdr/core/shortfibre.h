@@ -45,6 +45,7 @@ public:
 
 private:
     [[nodiscard]] double steepest(double from) const;
+    [[nodiscard]] std::optional<double> firstLevel(double from, double to, double most_dB) const;
     [[nodiscard]] bool isLevel(double from, double to, double least_dB, double most_dB) const;
     [[nodiscard]] std::optional<double> changeBehind(double from) const;
 

@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <random>
 #include <vector>
 
@@ -28,6 +30,18 @@ otdr::FibreExtent extentOf(const TraceBuilder& builder, const otdr::Trace& trace
 otdr::FibreExtent extentOf(const TraceBuilder& builder)
 {
     return extentOf(builder, *builder.build());
+}
+
+/// Counts of light by a formula for its level, dB; below 0 there is none.
+std::vector<std::uint16_t> lightOf(std::size_t samples,
+                                   const std::function<double(double)>& level_dB)
+{
+    std::vector<std::uint16_t> counts(samples);
+    for (std::size_t i = 0; i < samples; ++i) {
+        const double level = std::max(0.0, level_dB(static_cast<double>(i)));
+        counts[i] = static_cast<std::uint16_t>(65535.0 - 1000.0 * level);
+    }
+    return counts;
 }
 
 /// The power of these counts and of a receiver's noise together: level of its RMS in dB.
@@ -184,11 +198,8 @@ TEST(FibreEnd, StandsBehindALowReflectionCloseBeforeIt)
 /// Nothing is connected: behind the port's reflection, which overloads the receiver, its tail.
 TEST(FibreEnd, WithoutAFibreIsAtThePort)
 {
-    std::vector<std::uint16_t> light(3000);
-    for (std::size_t i = 0; i < light.size(); ++i) {
-        const double level_dB = i < 15 ? 45.0 : 25.0 - 0.15 * (static_cast<double>(i) - 15.0);
-        light[i] = static_cast<std::uint16_t>(65535.0 - 1000.0 * std::max(0.0, level_dB));
-    }
+    const auto light =
+        lightOf(3000, [](double at) { return at < 15.0 ? 45.0 : 25.0 - 0.15 * (at - 15.0); });
     const TraceBuilder pulse; // of ten samples
     const auto extent = extentOf(pulse, withNoise(light, 8.0, 5));
     EXPECT_EQ(extent.kind, End::Found);
@@ -200,13 +211,10 @@ TEST(FibreEnd, WithoutAFibreIsAtThePortWhereverTheTailBends)
 {
     const TraceBuilder pulse; // of ten samples
     for (const double bend : {30.0, 40.0, 160.0}) {
-        std::vector<std::uint16_t> light(3000);
-        for (std::size_t i = 0; i < light.size(); ++i) {
-            const auto at = static_cast<double>(i);
+        const auto light = lightOf(3000, [=](double at) {
             const double tail_dB = 40.0 - 0.05 * (at - 15.0) - 0.5 * std::max(0.0, at - bend);
-            const double level_dB = i < 15 ? 45.0 : std::max(0.0, tail_dB);
-            light[i] = static_cast<std::uint16_t>(65535.0 - 1000.0 * level_dB);
-        }
+            return at < 15.0 ? 45.0 : tail_dB;
+        });
         const auto extent = extentOf(pulse, withNoise(light, 8.0, 5));
         EXPECT_EQ(extent.kind, End::Found) << bend;
         EXPECT_NEAR(extent.end, 0.0, 10.0) << bend;
@@ -219,12 +227,10 @@ TEST(FibreEnd, OfAFibreWithinTheTailOfTheLaunchIsWhereItReflects)
 {
     const TraceBuilder pulse = TraceBuilder().pulse(200.0); // of twenty samples
     for (const double height_dB : {5.0, 12.0, 20.0}) {
-        std::vector<std::uint16_t> light(6000, 65535);
-        for (std::size_t i = 0; i < 120; ++i) {
-            const double tail_dB = i < 15 ? 45.0 : 25.0 - 0.1 * (static_cast<double>(i) - 15.0);
-            const double level_dB = tail_dB + (i < 100 ? 0.0 : height_dB);
-            light[i] = static_cast<std::uint16_t>(65535.0 - 1000.0 * level_dB);
-        }
+        const auto light = lightOf(6000, [=](double at) {
+            const double tail_dB = at < 15.0 ? 45.0 : 25.0 - 0.1 * (at - 15.0);
+            return at < 120.0 ? tail_dB + (at < 100.0 ? 0.0 : height_dB) : 0.0;
+        });
         const auto extent = extentOf(pulse, withNoise(light, 8.0, 1));
         EXPECT_EQ(extent.kind, End::Found) << height_dB;
         EXPECT_NEAR(extent.end, 100.0, 1.0) << height_dB;
@@ -235,13 +241,11 @@ TEST(FibreEnd, OfAFibreWithinTheTailOfTheLaunchIsWhereItReflects)
 TEST(FibreEnd, IsNotMovedWithinAPulse)
 {
     const TraceBuilder pulse = TraceBuilder().pulse(200.0); // of twenty samples
-    std::vector<std::uint16_t> light(9000, 65535);
-    for (std::size_t i = 0; i < 5000; ++i) {
-        const double at = static_cast<double>(i) - 4000.0;
+    const auto light = lightOf(9000, [](double i) {
+        const double at = i - 4000.0;
         const double tail_dB = 26.0 - 0.06 * at + (at >= 12.0 && at < 32.0 ? 12.0 : 0.0);
-        const double level_dB = at < 0.0 ? 34.0 - 0.0001 * (at + 4000.0) : std::max(0.0, tail_dB);
-        light[i] = static_cast<std::uint16_t>(65535.0 - 1000.0 * level_dB);
-    }
+        return at < 0.0 ? 34.0 - 0.0001 * i : tail_dB;
+    });
     EXPECT_NEAR(extentOf(pulse, withNoise(light, 8.0, 1)).end, 4000.0, 1.0);
 }
 
@@ -251,18 +255,14 @@ TEST(FibreEnd, OfAFewPulsesOfFibreIsWhereTheyEnd)
     const TraceBuilder pulse = TraceBuilder().pulse(200.0); // of twenty samples
     for (const double port_dB : {1.5, 3.0, 9.0}) {
         for (const double height_dB : {0.0, 2.0, 20.0}) {
-            std::vector<std::uint16_t> light(6000, 65535);
-            for (std::size_t i = 0; i < 500; ++i) {
-                const auto at = static_cast<double>(i);
+            const double end = height_dB > 0.0 ? 90.0 : 110.0;
+            const auto light = lightOf(6000, [=](double at) {
                 const double tail_dB = 20.0 + height_dB - 0.1 * (at - 110.0);
                 const double end_dB = at < 110.0 ? 30.0 + height_dB : tail_dB;
                 const double level_dB = at < 20.0 ? 30.0 + port_dB : 30.0;
-                const bool isOver = at >= (height_dB > 0.0 ? 90.0 : 110.0);
-                light[i] = static_cast<std::uint16_t>(
-                    65535.0 - 1000.0 * std::max(0.0, isOver ? end_dB : level_dB));
-            }
+                return at < end ? level_dB : end_dB;
+            });
             const auto extent = extentOf(pulse, withNoise(light, 8.0, 1));
-            const double end = height_dB > 0.0 ? 90.0 : 110.0;
             EXPECT_EQ(extent.kind, End::Found) << port_dB << ", " << height_dB;
             EXPECT_NEAR(extent.end, end, 1.0) << port_dB << ", " << height_dB;
             EXPECT_LT(extent.first, end - 20.0) << port_dB << ", " << height_dB;
@@ -276,16 +276,14 @@ TEST(FibreEnd, OfADropIsWhereItReflectsInTheTailOfTheSplitter)
 {
     const TraceBuilder pulse = TraceBuilder().pulse(200.0); // of twenty samples
     const auto endOf = [&](double drop) {
-        std::vector<std::uint16_t> light(9000, 65535);
-        for (std::size_t i = 0; i < 5000; ++i) {
-            const double at = static_cast<double>(i) - 4000.0;
-            const double before_dB = at >= -20.0 ? 44.0 : 34.0 - 0.0001 * (at + 4000.0);
+        const auto light = lightOf(9000, [=](double i) {
+            const double at = i - 4000.0;
+            const double before_dB = at >= -20.0 ? 44.0 : 34.0 - 0.0001 * i;
             const bool isEnd = at >= drop && at < drop + 20.0;
             const bool isEcho = at >= 2.0 * drop + 20.0 && at < 2.0 * drop + 40.0;
             const double tail_dB = 28.0 - 0.06 * at + (isEnd ? 12.0 : (isEcho ? 2.0 : 0.0));
-            const double level_dB = at < 0.0 ? before_dB : std::max(0.0, tail_dB);
-            light[i] = static_cast<std::uint16_t>(65535.0 - 1000.0 * level_dB);
-        }
+            return at < 0.0 ? before_dB : tail_dB;
+        });
         const auto extent = extentOf(pulse, withNoise(light, 8.0, 1));
         EXPECT_EQ(extent.kind, End::Found) << drop;
         return extent.end - 4000.0;
