@@ -31,6 +31,20 @@ struct Reflection
     double top_dB; ///< its highest level
 };
 
+/// Whether the light was gone for less than half a pulse, and is back where it would have fallen
+/// to: no fibre makes it so, but a receiver swings. Between two reflections it is gone as shortly,
+/// but had risen before.
+bool isBackFromSwing(const FibreTrace& trace, double foot, double base_dB, double top_dB)
+{
+    const double w = trace.scale().pulse;
+    const double quarter = std::max(1.0, std::floor(0.25 * w));
+    const auto before_dB = [&](double index) { return trace.mean_dB(index - quarter, index); };
+    const double fall_dB = before_dB(foot - 2.0 * w) - before_dB(foot - w);
+    const double expected_dB = before_dB(foot - w) - fall_dB;
+    return fall_dB > -kTailRise_dB && top_dB < expected_dB + kTailRise_dB
+        && highest_dB(trace, foot - 0.5 * w, foot) > 0.5 * (base_dB + top_dB);
+}
+
 /// Whether what rises is a reflection: a receiver that comes back from a swing rises but once, and
 /// noise does not for long.
 bool isPlain(const FibreTrace& trace, double foot, double sudden_dB)
@@ -43,7 +57,8 @@ bool isPlain(const FibreTrace& trace, double foot, double sudden_dB)
     const double behind_dB = trace.mean_dB(foot + kPeakPulses * w, foot + (kPeakPulses + 1.0) * w);
     const bool isPeak =
         top_dB - std::max(base_dB, behind_dB) > kTailRise_dB || top_dB - base_dB > sudden_dB;
-    return isPeak && base_dB > noise_dB + kSeenAboveNoise_dB
+    return isPeak && !isBackFromSwing(trace, foot, base_dB, top_dB)
+        && base_dB > noise_dB + kSeenAboveNoise_dB
         && powerRatio(top_dB) - powerRatio(base_dB) > kTimesNoise * powerRatio(noise_dB);
 }
 

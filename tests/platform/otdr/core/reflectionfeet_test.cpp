@@ -80,6 +80,38 @@ TEST(ReflectionFeet, AreNotWhatRisesAndStaysUnlessItIsSudden)
     EXPECT_EQ(comingBack(3.1), Feet {340.0});
 }
 
+/// Where it swings for less than half a pulse the light goes on as before, on a tail too, which
+/// alone falls by more within two pulses than a reflection does.
+TEST(ReflectionFeet, AreNotBehindAGapNarrowerThanThePulse)
+{
+    const auto behindGap = [](double samples, double rise_dB) {
+        return feetIn([=](double behind) {
+            const double tail_dB = behind < kPulse ? 60.0 : 50.0 - 0.05 * (behind - kPulse);
+            const bool isGap = behind >= 300.0 && behind < 300.0 + samples;
+            const bool isUp = behind >= 300.0 + samples && behind < 300.0 + samples + kPulse;
+            return tail_dB - (isGap ? 5.0 : 0.0) + (isUp ? rise_dB : 0.0);
+        });
+    };
+    EXPECT_EQ(behindGap(8.0, 0.0), Feet {});
+    EXPECT_EQ(behindGap(12.0, 0.0), Feet {312.0}) << "light may be as dark as that";
+    EXPECT_EQ(behindGap(8.0, 2.0), Feet {308.0}) << "it rises above what was before the gap";
+}
+
+TEST(ReflectionFeet, AreOfTwoWithANarrowGapBetween)
+{
+    EXPECT_EQ(feetOf({{300.0, 4.0}, {326.0, 4.3}}), (Feet {300.0, 326.0}));
+}
+
+TEST(ReflectionFeet, AreOfWhatRisesByLessThanASteepTailFell)
+{
+    EXPECT_EQ(feetIn([](double behind) {
+                  const double tail_dB = behind < kPulse ? 60.0 : 60.0 - 0.15 * (behind - kPulse);
+                  const bool isUp = behind >= 150.0 && behind < 150.0 + kPulse;
+                  return tail_dB + (isUp ? 3.6 : 0.0);
+              }),
+              Feet {150.0});
+}
+
 /// It has come down before the receiver swings back for good.
 TEST(ReflectionFeet, AreOfWhatFallsWithinTwoPulses)
 {
