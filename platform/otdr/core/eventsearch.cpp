@@ -98,7 +98,11 @@ EventSearch::EventSearch(const Trace& trace, const Measurement& measurement,
     if (learnFromSteps()) {
         findAll();
     }
+    if (sites.dropTails()) {
+        sites.dropUnlikely(settings.loss_dB, settings.significance);
+    }
     sites.lengthenLines();
+    sites.takeTailsAway(settings.loss_dB, settings.significance);
 }
 
 /// The receiver as the reflections of the trace show it, where they do.

@@ -257,7 +257,7 @@ void EventSites::measure()
 /// How well founded a place is: by so many times what is asked for. Below 1 it is dropped.
 double EventSites::foundationOf(const Site& site, double loss_dB, double significance) const
 {
-    if (site.reflects()) {
+    if (site.reflects() || site.standsOnTail) {
         return std::numeric_limits<double>::infinity();
     }
     const double byLoss = std::abs(site.loss_dB) / loss_dB;
@@ -280,9 +280,6 @@ double EventSites::foundationOf(const Site& site, double loss_dB, double signifi
 void EventSites::dropUnlikely(double loss_dB, double significance)
 {
     measure();
-    const auto isFounded = [&](const Site& site) {
-        return foundationOf(site, loss_dB, significance) >= 1.0;
-    };
     // Light that is no event would be taken for a gain with a loss behind it were its place free.
     const auto hold = [&](const Site& site) {
         const bool isKnown = site.glows && !std::isnan(site.loss_dB);
@@ -313,9 +310,15 @@ void EventSites::dropUnlikely(double loss_dB, double significance)
         }
     }
     dropRecoveries();
+    findBorders(loss_dB, significance);
+}
+
+void EventSites::findBorders(double loss_dB, double significance)
+{
     for (Site& site : places) {
-        site.isBorder = !site.reflects()
-            && (site.bends || std::abs(site.loss_dB) < loss_dB || !isFounded(site));
+        const bool isFounded = foundationOf(site, loss_dB, significance) >= 1.0;
+        site.isBorder =
+            !site.reflects() && (site.bends || std::abs(site.loss_dB) < loss_dB || !isFounded);
     }
 }
 

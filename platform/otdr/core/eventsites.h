@@ -2,6 +2,7 @@
 
 #include "platform/otdr/core/fibretrace.h"
 #include "platform/otdr/core/peakgroup.h"
+#include "platform/otdr/core/tailfit.h"
 
 #include <cstddef>
 #include <limits>
@@ -23,6 +24,7 @@ struct Site
     bool isBorder = false; ///< no event that is listed, yet lines end there
     bool bends = false; ///< sought as a bend: had anything been lost there, it would be known
     bool glows = false; ///< light stands there, too little to be listed
+    bool standsOnTail = false; ///< where lines alone tell nothing, but with the tail they do
 
     std::optional<SideLine> left; ///< the fibre before it
     std::optional<SideLine> right; ///< the fibre behind it
@@ -106,6 +108,14 @@ public:
     /// they are told that far beyond themselves.
     void lengthenLines();
 
+    /// Drops the changes of level that the tail of brighter light in front of them explains as
+    /// well. False where there are none.
+    bool dropTails();
+
+    /// Once all places are known: the lines behind brighter light become those of the fibre alone,
+    /// where a tail is plain. Tells anew what is not listed, see dropUnlikely().
+    void takeTailsAway(double loss_dB, double significance);
+
     /// The undisturbed fibre between two places: from behind place k - 1 (the launch for 0) to the
     /// foot of place k (the end for one more than there are).
     [[nodiscard]] double fibreFrom(std::size_t k) const;
@@ -150,6 +160,7 @@ private:
     [[nodiscard]] bool isSwing(double behind, const Site& next) const;
     [[nodiscard]] bool risesAtOnce(double behind, double index) const;
     void dropRecoveries();
+
     [[nodiscard]] double foundationOf(const Site& site, double loss_dB, double significance) const;
     [[nodiscard]] std::optional<double> footOfBoth(const Site& first, const Site& second) const;
     [[nodiscard]] std::optional<Site> changeWithin(const Stretch& stretch,
@@ -161,6 +172,20 @@ private:
     [[nodiscard]] std::optional<SideLine> side(double from, double to) const;
     void findUsualSlope();
     void learnUsualSlope();
+    void findBorders(double loss_dB, double significance);
+
+    enum class OnTail
+    {
+        Unknown,
+        Event, ///< with the tail a change of level stands out
+        Tail, ///< the tail alone explains it
+    };
+
+    [[nodiscard]] bool isBehindBright(std::size_t k) const;
+    [[nodiscard]] UsualSlope usual() const;
+    [[nodiscard]] std::vector<Stretch> piecesFrom(std::size_t k) const;
+    [[nodiscard]] OnTail onTail(std::vector<Stretch> pieces, std::size_t piece) const;
+    void straighten(std::size_t k, const std::optional<SideLine>& line, const Stretch& piece);
 
     const FibreTrace* fibreTrace;
     double first;

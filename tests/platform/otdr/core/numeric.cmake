@@ -17,6 +17,7 @@ waveform_test(otdr_core_numeric_test
         eventsitesbends_test.cpp
         eventsitesfit_test.cpp
         eventsitesswings_test.cpp
+        eventsitestails_test.cpp
         fibrebehind_test.cpp
         fibreend_test.cpp
         fibreextent_test.cpp
@@ -41,6 +42,7 @@ waveform_test(otdr_core_numeric_test
         snapshot_test.cpp
         splitter_test.cpp
         storedthresholds_test.cpp
+        tailfit_test.cpp
         timeconstant_test.cpp
         trace_test.cpp
         windowsums_test.cpp
