@@ -52,16 +52,23 @@ QPointF snapped(const QwtPlotCurve& curve, double distance_m)
     return curve.sample(firstNotBefore(curve, curve.sample(next - 1).x()));
 }
 
+QwtPlotCurve* newBand()
+{
+    auto* band =
+        new QwtPlotCurve(QwtText()); // the view deletes it, or the plot that it is shown on
+    band->setZ(stackorder::kFibreBand);
+    band->setStyle(QwtPlotCurve::Sticks);
+    band->setRenderHint(QwtPlotItem::RenderAntialiased, true);
+    band->setCurveFitter(nullptr);
+    return band;
+}
+
 } // namespace
 
 EventMarkersView::EventMarkersView(QObject* parent)
     : QObject(parent)
-    , fiberCurve(new QwtPlotCurve(QwtText()))
+    , fiberCurve(newBand())
 {
-    fiberCurve->setZ(stackorder::kFibreBand);
-    fiberCurve->setStyle(QwtPlotCurve::Sticks);
-    fiberCurve->setRenderHint(QwtPlotItem::RenderAntialiased, true);
-    fiberCurve->setCurveFitter(nullptr);
 }
 
 EventMarkersView::~EventMarkersView()
@@ -77,7 +84,23 @@ EventMarkersView::~EventMarkersView()
 
 void EventMarkersView::attach(Waveform::Plot* newPlot)
 {
+    if (plot != nullptr) {
+        disconnect(plot, SIGNAL(destroyed()), this, SLOT(onPlotDestroyed()));
+    }
     plot = newPlot;
+    if (plot != nullptr) {
+        connect(plot, SIGNAL(destroyed()), SLOT(onPlotDestroyed()));
+    }
+}
+
+void EventMarkersView::onPlotDestroyed()
+{
+    markers.clear();
+    activeMarker = nullptr;
+    if (fiberShown) {
+        fiberCurve = newBand();
+        fiberShown = false;
+    }
 }
 
 void EventMarkersView::setCurve(ReflCurve* newCurve)

@@ -34,7 +34,7 @@ public:
     /// before it is deleted.
     void setCurve(ReflCurve* curve);
 
-    /// The selection whose current row is the current event. Not owned.
+    /// The selection whose current row is the current event. Not owned; may die first.
     void setSelectionModel(QItemSelectionModel* model);
 
     /// A new tick; whoever it is handed to owns it.
@@ -62,6 +62,10 @@ public slots:
     void clear();
     void clearMarkers();
 
+private slots:
+    /// The plot took along what was attached to it.
+    void onPlotDestroyed();
+
 private:
     void place(const EventList& events);
     [[nodiscard]] QwtPlotMarker* newMarker(double distance_m) const;
@@ -74,5 +78,5 @@ private:
     QPointer<ReflCurve> curve;
     QwtPlotCurve* fiberCurve;
     bool fiberShown = false; ///< then the plot deletes the band with its other items
-    QItemSelectionModel* selectionModel = nullptr;
+    QPointer<QItemSelectionModel> selectionModel;
 };

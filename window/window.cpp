@@ -354,7 +354,24 @@ void Window::setEventListToMainRefl(EventList events)
 
 void Window::deleteRefl(Reflectogram refl)
 {
+    const ReflCurve* shown = curves->main();
+    const bool wasMain = shown != nullptr && shown->reflectogram() == refl;
     mainTrace->remove(refl);
+    if (wasMain) {
+        announceMainRefl(refl);
+    }
+}
+
+/// When a trace above the main one is deleted, the mark in the set stays on its row, and nobody is
+/// told. Once the main trace of before is gone too, the marked one is to be the main one
+/// everywhere: it could not be chosen, for the set holds it for that already.
+void Window::announceMainRefl(const Reflectogram& deleted)
+{
+    const Reflectogram marked = reflsTableModel()->mainRefl();
+    if (curves->main() == nullptr && marked.isValid() && marked != deleted) {
+        reflsTableModel()->setMainRefl(-1);
+        reflsTableModel()->setMainRefl(marked);
+    }
 }
 
 void Window::deleteAllRefls()

@@ -118,6 +118,7 @@ private:
     void initTwoMarkers();
     void setupEventFilters();
     void connectModel();
+    void announceMainRefl(const Reflectogram& deleted);
     [[nodiscard]] QString configured(const QString& key) const;
 
     Plot* plot = nullptr;

@@ -180,4 +180,18 @@ TEST_F(FinderRun, FailureAfterAGoodRunSendsNoEmptyList)
     EXPECT_EQ(lists.size(), 1) << "receivers keep what they have";
 }
 
+TEST_F(FinderRun, NextOneMayBeStartedFromTheListOfTheLast)
+{
+    programs.make("wfevfind", "echo 'r = 3000'");
+    const QString file = snapshot("a.bin", 10.0, 0.5_dB);
+    QObject::connect(&finder, qOverload<EventList>(&EventFinder::eventListReady), &finder, [&] {
+        if (lists.size() < 3) {
+            finder.run(file, params);
+        }
+    });
+    finder.run(file, params);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return lists.size() == 3; }));
+    EXPECT_EQ(found().size(), 2);
+}
+
 } // namespace

@@ -237,6 +237,41 @@ TEST_F(TickAndBand, SelectionGivenTwiceIsFollowedOnce)
     EXPECT_EQ(selection.followers(), before);
 }
 
+TEST_F(TickAndBand, SelectionMayGoFirst)
+{
+    show(startSectionEnd(3000));
+    QStandardItemModel table(3, 1);
+    QItemSelectionModel next(&table);
+    {
+        QItemSelectionModel first(&table);
+        view->setSelectionModel(&first);
+    }
+    view->setSelectionModel(&next);
+    next.setCurrentIndex(table.index(1, 0), QItemSelectionModel::Current);
+    EXPECT_NE(band(), nullptr);
+}
+
+TEST_F(TickAndBand, PlotThatGoesTakesThemAlongAndTheNextOneHasThemAnew)
+{
+    refl.setEventList(startSectionEnd(3000));
+    curve.detach();
+    {
+        Waveform::Plot first;
+        view->attach(&first);
+        view->setCurve(&curve);
+        view->setActiveMarker(1);
+    }
+    view->setVisible(true);
+    view->setActiveMarker(0);
+    view->placeMarkers();
+    view->attach(&plot);
+    curve.attach(&plot);
+    view->placeMarkers();
+    view->setActiveMarker(1);
+    EXPECT_EQ(ticks().size(), 2);
+    EXPECT_NE(band(), nullptr);
+}
+
 } // namespace
 
 #include "tickandband_test.moc"

@@ -166,6 +166,23 @@ TEST_F(Screen, DeletedTraceLeavesThePlot)
     EXPECT_EQ(shownTicks(), 0);
 }
 
+TEST_F(Screen, TraceThatIsMarkedTakesThePlaceOfADeletedMainOne)
+{
+    load("a.sor");
+    load("b.sor");
+    const Reflectogram last = load("c.sor");
+    refls()->setMainRefl(1);
+    refls()->deleteRefl(0); // the mark stays on row 1, which is that of the last trace now
+    ASSERT_EQ(refls()->mainRefl(), last);
+    refls()->deleteRefl(0);
+    ASSERT_EQ(shownCurves().size(), 1);
+    EXPECT_EQ(refls()->mainRefl(), last);
+    EXPECT_EQ(shownCurves()[0]->reflectogram(), last);
+    EXPECT_EQ(shownCurves()[0]->z(), 100.0);
+    EXPECT_EQ(shownTicks(), 3);
+    EXPECT_TRUE(window->findChild<QPushButton*>("zoomOffButton")->isVisible());
+}
+
 TEST_F(Screen, DeletingAllEmptiesThePlot)
 {
     load("a.sor");
