@@ -24,7 +24,8 @@ QRect pointerRect(int width, int height)
 
 bool staysInside(const QRect& marker, int dx, int parentWidth)
 {
-    return marker.left() + dx >= 1 && marker.right() + dx <= parentWidth - 1;
+    // dx stands alone, so that no dx is too large for the sum.
+    return dx >= 1 - marker.left() && dx <= parentWidth - 1 - marker.right();
 }
 
 std::optional<int> leftEdgeFor(double x)

@@ -77,6 +77,9 @@ void QmMarker::setCheckable(bool check)
 
 void QmMarker::setMovable(bool move)
 {
+    if (move == movable) {
+        return;
+    }
     movable = move;
     if (!movable) {
         setCheckable(false);

@@ -30,6 +30,14 @@ public:
     [[nodiscard]] static QStringList reportArguments(const QString& sor, const QString& html,
                                                      const QString& templ);
 
+    /// Runs the report generator to its end. Its exit code; -1 where it crashed or was killed, -2
+    /// where it could not be started.
+    int generateReport(const QString& sor, const QString& html, const QString& templ);
+
+    /// Copies trace, report and the report's picture to the flash drive, as many of them as can be.
+    /// Whether all were.
+    [[nodiscard]] bool copyFiles() const;
+
 signals:
     void saved(QString sor, QString html, bool success);
 
@@ -37,11 +45,7 @@ protected:
     void run() override;
 
 private:
-    /// Runs the report generator to its end. Its exit code; -1 where it crashed or was killed, -2
-    /// where it could not be started.
-    int generateReport(const QString& sor, const QString& html, const QString& templ);
     [[nodiscard]] int execute(const QString& program, const QStringList& arguments) const;
-    [[nodiscard]] bool copyFiles() const;
     [[nodiscard]] bool copyToFlash(const QString& path) const;
 };
 

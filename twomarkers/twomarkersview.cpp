@@ -53,6 +53,7 @@ void TwoMarkersView::setModel(Waveform::TwoMarkersModel* newModel)
                    SLOT(setResult( TwoMarkersResult )));
     connect(model, SIGNAL(resultsChanged( TwoMarkersResult )), SLOT(setResult( TwoMarkersResult )));
     connect(model, SIGNAL(orlChanged( double )), resultWidget, SLOT(setORL( double )));
+    connect(model, SIGNAL(orlChanged( double )), SLOT(onOrlChanged()));
     connect(model, SIGNAL(usingLSAChanged( bool )), SLOT(setUseLSA( bool )));
     setUseLSA(model->usesLSA());
 }
@@ -206,7 +207,14 @@ void TwoMarkersView::setUseLSA(bool use)
 void TwoMarkersView::setResult(TwoMarkersResult res)
 {
     lineWidget->setLine(res.lsaLine);
-    if (!res.isStretch()) { // no computation will tell, and what stands there is of another stretch
+    isStretchShown = res.isStretch();
+    onOrlChanged();
+}
+
+/// Without a stretch no computation is asked for, and what one under way tells is of another.
+void TwoMarkersView::onOrlChanged()
+{
+    if (!isStretchShown) {
         setORL(std::numeric_limits<double>::quiet_NaN());
     }
 }

@@ -69,6 +69,9 @@ public slots:
     /// of the trace, which might pull them to its end.
     void onMainReflChanged(Reflectogram refl);
 
+private slots:
+    void onOrlChanged();
+
 private:
     void init();
     void placeSideBySide();
@@ -83,6 +86,7 @@ private:
     QPointer<TwoMarkersModel> model;
     PlotLineWidget* lineWidget;
     bool useLSA = false;
+    bool isStretchShown = true; ///< what is shown has a return loss, which comes by itself
     QPointer<Plot> plot;
     bool wasShown = false;
     bool hasTrace = false;

@@ -46,11 +46,14 @@ std::vector<otdr::SaturatedPeak> saturatedPeaks(const TraceState& state)
     return peaks;
 }
 
+/// NaN where more light would come back than went in: the section does not begin on fibre but in
+/// the noise, whose level is no measure of that.
 double returnLoss_dB(const TraceState& state, double from, double to, double reference_dB)
 {
     const otdr::ReturnLossSection section {from, to, reference_dB, state.backscatter_dB};
     const std::vector<otdr::SaturatedPeak> peaks = saturatedPeaks(state);
-    return otdr::returnLoss_dB(*state.trace, section, peaks);
+    const double loss_dB = otdr::returnLoss_dB(*state.trace, section, peaks);
+    return loss_dB < 0.0 ? Event::kUnknown : loss_dB;
 }
 
 /// The levels that were measured at the ends of the fibre when its events were found: those that

@@ -33,6 +33,8 @@ TEST(MarkerGeometry, MarkerStaysRightOfColumnZeroAndLeftOfTheParentsEdge)
     EXPECT_FALSE(staysInside(marker, -20, 400));
     EXPECT_TRUE(staysInside(marker, 351, 400)); // its last column is the parent's last
     EXPECT_FALSE(staysInside(marker, 352, 400));
+    EXPECT_FALSE(staysInside(marker, std::numeric_limits<int>::max(), 400));
+    EXPECT_FALSE(staysInside({-20, 0, 29, 300}, std::numeric_limits<int>::min(), 400));
 }
 
 TEST(MarkerGeometry, LineIsPutToTheNearestColumn)

@@ -329,6 +329,14 @@ TEST_F(Marker, UnmovableMarkerIsNotCheckable)
     EXPECT_FALSE(marker.isCheckable());
 }
 
+TEST_F(Marker, UnmovableMarkerThatWasMadeCheckableAgainStaysSo)
+{
+    marker.setMovable(false);
+    marker.setCheckable(true);
+    marker.setMovable(false); // no change, so nothing follows
+    EXPECT_TRUE(marker.isCheckable());
+}
+
 TEST_F(Marker, DoubleClickIsToldAndIsNoPress)
 {
     marker.setCheckable(false); // its first tap would toggle

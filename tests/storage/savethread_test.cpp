@@ -264,6 +264,34 @@ TEST_F(Save, PictureHasTheWholeNameOfItsReport)
     EXPECT_FALSE(logged("can not copy"));
 }
 
+TEST_F(Save, ReportTellsHowItsGeneratorEnded)
+{
+    EXPECT_EQ(thread.generateReport(thread.sor, thread.html, ""), 0);
+    EXPECT_EQ(contents("out.html"), "report\n");
+    programs.make("otdrreport", "exit 4");
+    EXPECT_EQ(thread.generateReport(thread.sor, thread.html, ""), 4);
+    programs.make("otdrreport", "kill -KILL $$");
+    EXPECT_EQ(thread.generateReport(thread.sor, thread.html, ""), -1);
+    QFile::remove(programs.path("otdrreport"));
+    EXPECT_EQ(thread.generateReport(thread.sor, thread.html, ""), -2);
+    EXPECT_TRUE(saved.isEmpty()) << "only the thread says that";
+}
+
+TEST_F(Save, CopyTellsWhetherAllFilesWereCopied)
+{
+    thread.flashDir = files.path("flash");
+    QDir().mkpath(thread.flashDir);
+    for (const char* name : {"out.sor", "out.png"}) {
+        files.write(name, Bytes(10));
+    }
+    EXPECT_FALSE(thread.copyFiles()) << "there is no report";
+    EXPECT_TRUE(QFile::exists(files.path("flash/out.sor")));
+    EXPECT_TRUE(QFile::exists(files.path("flash/out.png")));
+    files.write("out.html", Bytes(10));
+    EXPECT_TRUE(thread.copyFiles());
+    EXPECT_TRUE(QFile::exists(files.path("flash/out.html")));
+}
+
 TEST_F(Save, FailedCopyIsLoggedAndAllStaysSaved)
 {
     thread.flashDir = files.path("pulled");

@@ -259,6 +259,24 @@ TEST_F(MarkersOnPlot, ReturnLossIsToldOfNoStretchWithoutALengthOrBeforeTheFibre)
     }
 }
 
+TEST_F(MarkersOnPlot, ReturnLossThatComesLateIsNotThatOfWhatIsNoStretch)
+{
+    showAll();
+    see(-1000.0, 5000.0);
+    a->setXValue(0.0);
+    for (const double b_m : {0.0, -500.0}) {
+        b->setXValue(2000.0);
+        b->setXValue(3000.0); // and one computation more is queued
+        b->setXValue(b_m);
+        finish();
+        EXPECT_EQ(value(6), "-") << b_m;
+    }
+    b->setXValue(2000.0);
+    model.setReflectogram(Reflectogram());
+    finish();
+    EXPECT_EQ(value(6), "-") << "the trace is gone";
+}
+
 TEST_F(MarkersOnPlot, ViewThatGoesLeavesTheModelInPeace)
 {
     showAll();

@@ -123,6 +123,16 @@ TEST(OrlCalc, IsUnknownWithoutATrace)
     EXPECT_TRUE(std::isnan(calc.recalculate(0.0, 100.0)));
 }
 
+TEST(OrlCalc, IsUnknownWhereMoreLightWouldComeBackThanWentIn)
+{
+    const TraceFiles files;
+    const Reflectogram dark = files.measured(
+        TraceBuilder().launch(0_dB).attenuation(0_dB).fibre(6_km).reflection(3_km, 45.0_dB),
+        usualFibre());
+    EXPECT_TRUE(std::isnan(ORLCalc(dark).recalculate(1000.0, 5000.0)));
+    EXPECT_GT(ORLCalc(dark).recalculate(4000.0, 5000.0), 0.0);
+}
+
 TEST(OrlCalc, TakesTheStatedReflectanceForASaturatedPeak)
 {
     const TraceFiles files;
