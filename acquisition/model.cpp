@@ -60,7 +60,7 @@ QByteArray ascii(const QString& text)
 } // namespace
 
 Model::Model(CardController* card)
-    : MeasModel(card, QString())
+    : MeasModel(card)
     , watcher(std::make_unique<QFileSystemWatcher>())
 {
     supBlock = std::make_unique<SupParamsBlock>();

@@ -34,9 +34,6 @@ public:
     /// From a successful start until the run ends or fails.
     [[nodiscard]] bool running() const { return isRunning; }
 
-    // Paths that the program is given.
-    [[nodiscard]] QString snapshotFile() const { return snapshotFileName; }
-
     [[nodiscard]] QString configFile() const { return configFileName; }
 
     /// The program that start() runs, with its arguments.

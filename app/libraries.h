@@ -10,8 +10,6 @@ struct Library
     QString version; ///< of what is loaded in this process; empty where nothing of it is
     QString licence;
     QString purpose;
-
-    [[nodiscard]] bool isLoaded() const { return !version.isEmpty(); }
 };
 
 /// Those that the application is built on; the plugin's are loaded once it is.

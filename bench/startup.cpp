@@ -129,7 +129,8 @@ int main(int argc, char** argv)
     QStringList traces;
     for (unsigned int seed = 0; seed < 4; ++seed) {
         traces << home.filePath(QString("trace%1.sor").arg(seed));
-        if (benchTrace(parser.value("samples").toULongLong(), seed).save(traces.last()) != 0) {
+        Reflectogram trace = benchTrace(parser.value("samples").toULongLong(), seed);
+        if (trace.save(traces.last()) != 0) {
             return fail("cannot write " + traces.last());
         }
     }

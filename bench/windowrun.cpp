@@ -1,25 +1,22 @@
 #include "bench/windowrun.h"
 
+#include "tests/support/contents.h"
+
 #include <QElapsedTimer>
-#include <QFile>
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QThread>
+
+using testing_support::contents;
 
 namespace {
 
 constexpr int kPatience_ms = 30'000;
 
-QByteArray contentOf(const QString& file)
-{
-    QFile source(file);
-    return source.open(QIODevice::ReadOnly) ? source.readAll() : QByteArray();
-}
-
 /// Time on a processor, ns; that of the main thread.
 qint64 cpuTime_ns(qint64 process)
 {
-    return contentOf(QString("/proc/%1/schedstat").arg(process)).split(' ').first().toLongLong();
+    return contents(QString("/proc/%1/schedstat").arg(process)).split(' ').first().toLongLong();
 }
 
 /// Of all its threads, in ticks of the system.
@@ -27,7 +24,7 @@ qint64 ticks(qint64 process)
 {
     constexpr int kUser = 11; // fields behind the name, which is in brackets
     constexpr int kSystem = 12;
-    const QByteArray content = contentOf(QString("/proc/%1/stat").arg(process));
+    const QByteArray content = contents(QString("/proc/%1/stat").arg(process));
     const QList<QByteArray> fields = content.mid(content.lastIndexOf(')') + 2).split(' ');
     return fields.value(kUser).toLongLong() + fields.value(kSystem).toLongLong();
 }
@@ -81,7 +78,7 @@ WindowRun runWindow(const QStringList& command, const QString& pluginDir, bool r
     } else if (rests) {
         waitUntilIdle(program.processId());
         const QByteArray rollup =
-            contentOf(QString("/proc/%1/smaps_rollup").arg(program.processId()));
+            contents(QString("/proc/%1/smaps_rollup").arg(program.processId()));
         run.resident_KB = value_KB(rollup, "Rss");
         run.share_KB = value_KB(rollup, "Pss");
     }

@@ -777,6 +777,10 @@ ORL: %6
         <translation>снимок измерения не содержит группового показателя преломления: принято %1</translation>
     </message>
     <message>
+        <source>samples or events were changed, so the maker&apos;s own blocks were left out: %1</source>
+        <translation>отсчёты или события изменились, поэтому собственные блоки производителя не сохранены: %1</translation>
+    </message>
+    <message>
         <source>%1: the file is damaged; what could be read of it is shown (%2)</source>
         <translation>%1: файл повреждён; показано то, что удалось прочитать (%2)</translation>
     </message>

@@ -124,15 +124,6 @@ void CardController::registerProxy(const QString& channel, DataProxy* proxy)
     }
 }
 
-void CardController::unregisterProxy(DataProxy* proxy)
-{
-    for (int i = observers.size() - 1; i >= 0; --i) {
-        if (observers.at(i).proxy.isNull() || observers.at(i).proxy == proxy) {
-            observers.removeAt(i);
-        }
-    }
-}
-
 void CardController::updateConfig(QVariantMap& map)
 {
     emit configUpdated(map);

@@ -54,7 +54,6 @@ public:
     /// Adds an observer of a channel, once; it is not owned and leaves by itself when it is
     /// deleted.
     void registerProxy(const QString& channel, DataProxy* proxy);
-    void unregisterProxy(DataProxy* proxy);
 
     /// Announces a configuration that went to the card. Receivers may add to the map.
     void updateConfig(QVariantMap& map);

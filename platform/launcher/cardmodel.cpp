@@ -2,18 +2,10 @@
 
 #include "platform/launcher/cardcontroller.h"
 
-#include <utility>
-
-CardModel::CardModel(CardController* card, QString name, QObject* parent)
+CardModel::CardModel(CardController* card, QObject* parent)
     : PluginModel(parent)
     , card(card)
-    , modelName(std::move(name))
 {
-}
-
-QString CardModel::name() const
-{
-    return modelName;
 }
 
 CardController* CardModel::cardController() const

@@ -14,9 +14,8 @@ class CardModel : public PluginModel
 
 public:
     /// \param card may be null; it is not owned
-    CardModel(CardController* card, QString name, QObject* parent = nullptr);
+    explicit CardModel(CardController* card, QObject* parent = nullptr);
 
-    [[nodiscard]] QString name() const;
     [[nodiscard]] CardController* cardController() const;
 
 public slots:
@@ -43,6 +42,5 @@ signals:
 
 private:
     QPointer<CardController> card;
-    QString modelName;
     bool lossAnnounced = false;
 };

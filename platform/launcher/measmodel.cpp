@@ -4,8 +4,8 @@
 
 #include <cmath>
 
-MeasModel::MeasModel(CardController* card, const QString& name, QObject* parent)
-    : CardModel(card, name, parent)
+MeasModel::MeasModel(CardController* card, QObject* parent)
+    : CardModel(card, parent)
 {
     if (card != nullptr) {
         connect(card, &CardController::disconnected, this, &MeasModel::onCardUnplugged);

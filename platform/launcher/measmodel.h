@@ -11,7 +11,7 @@ class MeasModel : public CardModel
     Q_OBJECT
 
 public:
-    MeasModel(CardController* card, const QString& name, QObject* parent = nullptr);
+    explicit MeasModel(CardController* card, QObject* parent = nullptr);
 
     /// Of the base: the state kept by started() and stopped().
     [[nodiscard]] bool running() const override;

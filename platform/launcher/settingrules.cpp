@@ -138,7 +138,7 @@ QVariantMap defaults(const QString& module)
             {"MeasParams/wavelength", 1310},
             {"MeasParams/helix", 0},
             {"MeasParams/ior1310", 1.4677},
-            {"MeasParams/ior1550", 1.4682},
+            {"MeasParams/ior1550", 1.4683},
             {"AdvancedParams/MeasMode", 0},
             {"AdvancedParams/reflNameScheme", "trace_wavelength_index"},
             {"AdvancedParams/reflIndex", 1},

@@ -7,10 +7,9 @@
 
 WaitWnd::WaitWnd(QWidget* parent)
     : QDialog(parent, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint)
-    , label(new QLabel(tr("Please wait…"), this))
 {
     constexpr int kBarWidth = 240;
-    label->setTextFormat(Qt::PlainText);
+    auto* label = new QLabel(tr("Please wait…"), this);
     label->setAlignment(Qt::AlignHCenter);
     auto* bar = new QProgressBar(this);
     bar->setRange(0, 0); // nobody knows how long
@@ -20,11 +19,6 @@ WaitWnd::WaitWnd(QWidget* parent)
     column->addWidget(label);
     column->addWidget(bar);
     setModal(true);
-}
-
-void WaitWnd::setText(const QString& text)
-{
-    label->setText(text);
 }
 
 void WaitWnd::reject() { }

@@ -118,16 +118,6 @@ void WrapPanel::setHeld(QWidget* part, bool held)
     }
 }
 
-QPushButton* WrapPanel::buttonOf(const QWidget* part) const
-{
-    for (const Part& one : parts) {
-        if (one.widget == part) {
-            return one.button;
-        }
-    }
-    return nullptr;
-}
-
 void WrapPanel::hideOthersInCell(QWidget& part)
 {
     for (const Part& other : qAsConst(parts)) {

@@ -31,9 +31,6 @@ public:
     /// place cannot be emptied. At most one button press brings it back.
     void setHeld(QWidget* part, bool held);
 
-    /// The button of a part; null for one that is not attached.
-    [[nodiscard]] QPushButton* buttonOf(const QWidget* part) const;
-
 protected:
     bool eventFilter(QObject* object, QEvent* event) override;
 

@@ -8,8 +8,8 @@
 
 namespace {
 
-// What the numeric library, which knows no languages, can say of a file that it does read. Each %1,
-// %2 and %3 is a number or the name of a block.
+// What the numeric library, which knows no languages, can say of a file that it does read or has
+// written. Each %1, %2 and %3 is a number or the name of a block, or of several.
 
 /// Something is not there; what a user misses most first.
 constexpr const char* kDamages[] = {
@@ -58,6 +58,8 @@ constexpr const char* kOddities[] = {
         "TraceNote",
         "the events fit the samples with 0 m at sample %1, not where the offsets put it"),
     QT_TRANSLATE_NOOP("TraceNote", "a snapshot tells no group index: %1 assumed"),
+    QT_TRANSLATE_NOOP(
+        "TraceNote", "samples or events were changed, so the maker's own blocks were left out: %1"),
 };
 
 /// What stands in a note for the whole and for %1 to %3; nothing where it is another note.

@@ -4,7 +4,7 @@
 
 #include <QString>
 
-/// A note on the reading of a trace in the user's language.
+/// A note on the reading or the saving of a trace in the user's language.
 ///
 /// \param note of the numeric library, as Reflectogram::notes() has it: English. One that is not
 /// known is left as it is.

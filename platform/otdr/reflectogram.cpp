@@ -147,12 +147,6 @@ double Reflectogram::pulseWidth() const
     return now ? now->pulse_ns : 0.0;
 }
 
-double Reflectogram::backscatter() const
-{
-    const auto now = state();
-    return now ? now->backscatter_dB : 0.0;
-}
-
 double Reflectogram::endOfFiber() const
 {
     const auto now = state();
@@ -337,7 +331,22 @@ void Reflectogram::fillOrl()
     }
 }
 
-int Reflectogram::save(const QString& fileName, QString* saveError) const
+/// Those that are not there yet: a trace may be saved more than once.
+void Reflectogram::addNotes(const std::vector<std::string>& more)
+{
+    shared->update([&](TraceState& state) {
+        const int before = state.notes.size();
+        for (const std::string& note : more) {
+            const QString text = QString::fromStdString(note);
+            if (!state.notes.contains(text)) {
+                state.notes << text;
+            }
+        }
+        return state.notes.size() > before;
+    });
+}
+
+int Reflectogram::save(const QString& fileName, QString* saveError)
 {
     const auto fail = [&](const std::string& why) {
         if (saveError != nullptr) {
@@ -349,13 +358,18 @@ int Reflectogram::save(const QString& fileName, QString* saveError) const
     if (!now || !now->trace || now->trace->size() == 0) {
         return fail("there is no trace to save");
     }
-    const auto bytes = otdr::encodeSor(toSorFile(*now));
+    std::vector<std::string> leftOut;
+    const auto bytes = otdr::encodeSor(toSorFile(*now), &leftOut);
     if (!bytes) {
         return fail(bytes.error().message);
     }
     const auto written =
         otdr::writeFileAtomically(QFile::encodeName(fileName).toStdString(), *bytes);
-    return written ? 0 : fail(written.error().message);
+    if (!written) {
+        return fail(written.error().message);
+    }
+    addNotes(leftOut);
+    return 0;
 }
 
 bool operator==(const Reflectogram& a, const Reflectogram& b)

@@ -9,6 +9,8 @@
 #include <QStringList>
 
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace otdr {
 class Trace;
@@ -50,14 +52,15 @@ public:
     [[nodiscard]] bool isValid() const;
     [[nodiscard]] QString fileName() const; ///< as it was given
     [[nodiscard]] QString error() const; ///< why the last load failed; empty after a good one
-    [[nodiscard]] QStringList notes() const; ///< what was odd about the file and what was assumed
+
+    /// What was odd about the file, what was assumed, and what of the file a save left out.
+    [[nodiscard]] QStringList notes() const;
 
     /// Whether this trace came from a measurement rather than from a file that the user opened.
     [[nodiscard]] bool isMeasured() const;
 
     [[nodiscard]] int wavelength() const; ///< nominal, nm
     [[nodiscard]] double pulseWidth() const; ///< ns
-    [[nodiscard]] double backscatter() const; ///< dB at 1 ns
     [[nodiscard]] double endOfFiber() const; ///< m; negative where it is not known
 
     /// Whether it is known how far the samples lie apart; where not, one is taken for a metre.
@@ -96,8 +99,9 @@ public:
     void fillOrl();
 
     /// Writes a version 2 .sor file: whole or not at all. A trace that nobody changed keeps its
-    /// bytes. \return 0 on success, -1 otherwise; the reason is in saveError if given
-    int save(const QString& fileName, QString* saveError = nullptr) const;
+    /// bytes; of one that was changed notes() tells, once it is saved, what could not stay. \return
+    /// 0 on success, -1 otherwise; the reason is in saveError if given
+    int save(const QString& fileName, QString* saveError = nullptr);
 
     /// The samples with their axis, for calculators. Null where the trace is invalid.
     [[nodiscard]] std::shared_ptr<const otdr::Trace> trace() const;
@@ -113,6 +117,7 @@ public:
 private:
     class Shared;
     bool load(const QString& fileName, const WfMeasParams* params, bool asMeasurement);
+    void addNotes(const std::vector<std::string>& more);
 
     std::shared_ptr<Shared> shared;
 };

@@ -6,6 +6,7 @@
 #include "platform/otdr/core/sorreader.h"
 #include "platform/otdr/core/sorvalues.h"
 #include "platform/otdr/reflectogram.h"
+#include "platform/otdr/usualfibre.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -26,12 +27,6 @@ bool isSnapshot(const QString& fileName)
     QFile file(fileName);
     // A pipe of this name would keep the reader waiting.
     return QFileInfo(fileName).isFile() && file.open(QIODevice::ReadOnly) && file.read(4) == "WFPK";
-}
-
-/// The usual backscatter coefficient of single-mode fibre, dB at 1 ns.
-double usualBackscatter_dB(int wavelength_nm)
-{
-    return wavelength_nm < 1450 ? -79.5 : -81.9;
 }
 
 QByteArray bytesOf(const std::string& text)
@@ -139,8 +134,8 @@ otdr::Result<TraceState> loadSor(const QString& fileName)
         otdr::TraceAxis {interval_ns, orElse(axis.firstSample_ns, 0.0)});
     state.wavelength_nm = otdr::sor::nominalWavelength_nm(*file);
     state.pulse_ns = orElse(otdr::sor::pulse_ns(*file), 0.0);
-    state.backscatter_dB =
-        orElse(otdr::sor::backscatter_dB(*file), usualBackscatter_dB(state.wavelength_nm));
+    state.backscatter_dB = orElse(otdr::sor::backscatter_dB(*file),
+                                  OTDR::usualFibre(state.wavelength_nm).backscatter_dB);
     state.ior = index;
     state.range_m = orElse(otdr::sor::range_m(*file), 0.0);
     state.duration_s =
@@ -175,7 +170,7 @@ otdr::Result<TraceState> loadSnapshot(const QString& fileName, const WfMeasParam
         state.range_m = params->distance;
         state.duration_s = params->duration;
     } else {
-        state.backscatter_dB = usualBackscatter_dB(state.wavelength_nm);
+        state.backscatter_dB = OTDR::usualFibre(state.wavelength_nm).backscatter_dB;
         state.ior = otdr::kDefaultGroupIndex;
         state.range_m =
             state.trace->distanceAt(static_cast<double>(state.trace->size()), state.metresPerNs());

@@ -88,7 +88,7 @@ QVariantHash eventValues(const ReportedEvent& event, const TraceChart& chart)
     }
     const double left_percent = chart.window.left_percent(event.distance_m);
     const bool isInside = left_percent >= 0.0 && left_percent <= 100.0;
-    if (!chart.isEmpty && chart.hasDistances && isInside) {
+    if (chart.hasDistances && isInside) {
         values["left_percent"] = QString::number(left_percent, 'f', 3);
         values["at_m"] = plain(event.distance_m);
     }
@@ -128,9 +128,6 @@ QVariantList tickValues(const QVector<AxisTick>& ticks, const ChartWindow& windo
 
 QVariantHash chartValues(const TraceChart& chart)
 {
-    if (chart.isEmpty) {
-        return {{"empty", true}};
-    }
     const ChartWindow& window = chart.window;
     const bool inKm = window.end_m - window.start_m >= 2.0 * kMetresPerKm;
     const double unit_m = inKm ? kMetresPerKm : 1.0;
@@ -138,7 +135,6 @@ QVariantHash chartValues(const TraceChart& chart)
         ? axisTicks(window.start_m, window.end_m, kDistanceTicks, unit_m)
         : QVector<AxisTick>();
     return {
-        {"empty", false},
         {"width", TraceChart::kWidth},
         {"height", TraceChart::kHeight},
         {"path", QString::fromLatin1(chart.path)},

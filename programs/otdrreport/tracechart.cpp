@@ -152,10 +152,6 @@ QVector<int> markRows(const QVector<double>& places_percent, double apart_percen
 TraceChart chartOf(const TraceState& state, const QVector<double>& events_m, double end_m)
 {
     TraceChart chart;
-    if (!state.trace || state.trace->size() == 0) {
-        return chart;
-    }
-    chart.isEmpty = false;
     chart.window = windowOf(state, events_m, end_m);
     chart.path = pathOf(state, chart.window);
     chart.samples = samplesOf(state);

@@ -38,7 +38,6 @@ struct TraceChart
     static constexpr int kWidth = 2000;
     static constexpr int kHeight = 1000;
 
-    bool isEmpty = true; ///< there is nothing to draw
     bool hasDistances = true; ///< otherwise the metres below only count the samples
     ChartWindow window;
     QByteArray path; ///< of the line, as SVG has it
@@ -57,7 +56,8 @@ struct TraceChart
 /// percent from the left, in order; a fourth mark on one place shares the lowest row.
 [[nodiscard]] QVector<int> markRows(const QVector<double>& places_percent, double apart_percent);
 
-/// The chart of a trace. Its line keeps the lowest and the highest sample of each column.
+/// The chart of a trace with samples. Its line keeps the lowest and the highest sample of each
+/// column.
 [[nodiscard]] TraceChart chartOf(const TraceState& state, const QVector<double>& events_m,
                                  double end_m);
 

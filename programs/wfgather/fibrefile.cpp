@@ -1,5 +1,7 @@
 #include "programs/wfgather/fibrefile.h"
 
+#include "platform/otdr/usualfibre.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
@@ -8,6 +10,8 @@
 
 #include <algorithm>
 #include <limits>
+#include <map>
+#include <utility>
 
 // Has to stand outside of any namespace.
 static void loadResources()
@@ -45,17 +49,14 @@ constexpr Range kReflectance_dB {-120.0, 0.0};
 constexpr Range kDynamicRange_dB {1.0, 80.0};
 constexpr Range kWavelength_nm {600.0, 2000.0};
 
-const Spectrum& usualIor()
+/// What ordinary fibre has.
+Spectrum usual(double OTDR::UsualFibre::*quantity)
 {
-    static const Spectrum ior({{1310, 1.4677}, {1550, 1.4683}, {1625, 1.4685}});
-    return ior;
-}
-
-/// Coefficients of ordinary single-mode fibre at 1 ns.
-const Spectrum& usualBackscatter()
-{
-    static const Spectrum backscatter({{1310, -79.5}, {1490, -81.5}, {1550, -81.9}, {1625, -82.5}});
-    return backscatter;
+    std::map<int, double> values;
+    for (const OTDR::UsualFibre& fibre : OTDR::kUsualFibre) {
+        values[fibre.wavelength_nm] = fibre.*quantity;
+    }
+    return Spectrum(std::move(values));
 }
 
 /// Takes a JSON object apart and keeps the first thing that is wrong, with its place.
@@ -66,7 +67,7 @@ public:
     {
         Fibre fibre;
         fibre.name = text(object, "name");
-        fibre.ior = spectrum(object["ior"], "ior", kIor, usualIor());
+        fibre.ior = spectrum(object["ior"], "ior", kIor, usual(&OTDR::UsualFibre::groupIndex));
         const QJsonArray sections = list(object, "sections", kMostSections);
         for (int i = 0; i < sections.size() && !failed(); ++i) {
             fibre.sections.push_back(sectionOf(sections[i], QString("sections[%1]").arg(i)));
@@ -119,8 +120,9 @@ private:
         if (section.attenuation_dBPerKm.empty()) {
             fail(attenuation, "missing");
         }
-        section.backscatter_dB = spectrum(object["backscatter_db"], place + ".backscatter_db",
-                                          kBackscatter_dB, usualBackscatter());
+        section.backscatter_dB =
+            spectrum(object["backscatter_db"], place + ".backscatter_db", kBackscatter_dB,
+                     usual(&OTDR::UsualFibre::backscatter_dB));
         return section;
     }
 

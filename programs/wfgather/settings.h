@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/otdr/core/result.h"
+#include "platform/otdr/usualfibre.h"
 #include "programs/wfgather/tracesource.h"
 
 #include <cstdint>
@@ -19,8 +20,8 @@ struct Settings
     int pulse_ns = 100;
     double distance_m = 10000.0;
     std::vector<int> wavelengths_nm {1310}; ///< in the order of their traces
-    double ior1310 = 1.4677;
-    double ior1550 = 1.4682;
+    double ior1310 = OTDR::usualFibre(1310).groupIndex;
+    double ior1550 = OTDR::usualFibre(1550).groupIndex;
     double helix_percent = 0.0;
     std::optional<double> backscatter_dB; ///< announced instead of the fibre's
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/otdr/core/snapshot.h"
+#include "platform/otdr/usualfibre.h"
 
 namespace gather {
 
@@ -9,11 +10,12 @@ struct TraceParams
 {
     int wavelength_nm = 1310;
     int duration_s = 15; ///< 0 in realtime
-    double ior = 1.4677; ///< group index by which distances are to be shown
+    double ior =
+        OTDR::usualFibre(1310).groupIndex; ///< group index by which distances are to be shown
     double helix_percent = 0.0;
     double distance_m = 10000.0;
     int pulse_ns = 100;
-    double backscatter_dB = -79.5; ///< at 1 ns
+    double backscatter_dB = OTDR::usualFibre(1310).backscatter_dB; ///< at 1 ns
 };
 
 /// One trace that is being measured.

@@ -242,7 +242,7 @@ TEST_F(ModelRules, SettingsFileIsNamedByADecimalNumber)
 TEST_F(ModelRules, FilesOfTheRunAreHandedToTheController)
 {
     const auto* controller = model->findChild<OtdrMeasController*>();
-    EXPECT_EQ(controller->snapshotFile(), "/tmp/user/wfsnapshot.bin");
+    EXPECT_EQ(controller->arguments().value(1), "/tmp/user/wfsnapshot.bin");
     EXPECT_EQ(model->tmpFileName("/a"), "/tmp/user/a");
 }
 

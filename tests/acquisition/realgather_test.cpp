@@ -2,6 +2,7 @@
 
 #include "acquisition/model.h"
 #include "platform/launcher/cardcontroller.h"
+#include "platform/launcher/settingrules.h"
 #include "platform/launcher/zuconfig.h"
 #include "tests/platform/launcher/confighome.h"
 #include "tests/support/acquisitiondir.h"
@@ -10,7 +11,10 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QMap>
+#include <QProcess>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QThread>
 #include <QtTest>
 
@@ -216,6 +220,49 @@ TEST_F(RealGather, FindsTheEventsOfTheFibreWithinAPulseAtBothWavelengths)
             EXPECT_NEAR(found[i].width, 10.2, 0.1);
             EXPECT_EQ(Event::isKnown(found[i].reflectance), fibre.places[i].reflects);
         }
+    }
+}
+
+/// What the program announces each trace with that nobody has told it how to measure.
+QList<QMap<QString, double>> announcedUntold()
+{
+    const QTemporaryDir dir;
+    QFile settings(dir.filePath("settings"));
+    EXPECT_TRUE(settings.open(QIODevice::WriteOnly));
+    settings.write("[MeasParams]\nwavelength=all\n[Simulation]\ntimeScale=0\n");
+    settings.close();
+    QProcess gather;
+    gather.start(WAVEFORM_BIN "/wfgather",
+                 {"-o", dir.filePath("snapshot"), "-c", settings.fileName()});
+    EXPECT_TRUE(gather.waitForFinished(30'000));
+    QList<QMap<QString, double>> announced;
+    const QStringList messages = QString::fromLatin1(gather.readAllStandardOutput()).split(';');
+    for (const QString& message : messages) {
+        const QStringList words = message.simplified().split(' ');
+        if (words.size() > 4 && words[1] == "M" && words[2] == "{") {
+            QMap<QString, double> values;
+            for (int i = 4; i + 1 < words.size(); i += 2) {
+                values[words[i]] = words[i + 1].toDouble();
+            }
+            announced << values;
+        }
+    }
+    return announced;
+}
+
+TEST(GatherUntold, MeasuresWhatTheApplicationStoresAtItsFirstStartWhereNobodyTellsIt)
+{
+    const QVariantMap stored = settingrules::defaults("zuotdr");
+    const QList<QMap<QString, double>> announced = announcedUntold();
+    ASSERT_EQ(announced.size(), 2);
+    for (const auto& trace : announced) {
+        for (const QString key : {"duration", "pulse", "distance", "helix"}) {
+            ASSERT_TRUE(trace.contains(key)) << qPrintable(key);
+            EXPECT_EQ(trace[key], stored["MeasParams/" + key].toDouble()) << qPrintable(key);
+        }
+        const QString index = QString("MeasParams/ior%1").arg(trace["wavelength"]);
+        ASSERT_TRUE(stored.contains(index)) << qPrintable(index);
+        EXPECT_EQ(trace["ior"], stored[index].toDouble()) << qPrintable(index);
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "platform/otdr/event.h"
 #include "tests/acquisition/faultyrun.h"
+#include "tests/support/requiredcontents.h"
 
 #include <QFile>
 
@@ -30,9 +31,7 @@ protected:
 
     QByteArray good() const
     {
-        QFile file(files.writeSnapshot("good.bin", TraceBuilder().fibre(2_km)));
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-        return file.readAll();
+        return requiredContents(files.writeSnapshot("good.bin", TraceBuilder().fibre(2_km)));
     }
 
     int count = 0;

@@ -3,8 +3,8 @@
 #include "app/frame.h"
 #include "platform/launcher/abstractkeeper.h"
 #include "platform/launcher/nameprompt.h"
-#include "tests/app/answer.h"
 #include "tests/app/hosting.h"
+#include "tests/platform/launcher/answer.h"
 #include "tests/support/fakeprogram.h"
 
 #include <QPointer>

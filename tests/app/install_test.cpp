@@ -2,6 +2,7 @@
 
 #include "platform/otdr/reflectogram.h"
 #include "tests/support/acquisitiondir.h"
+#include "tests/support/requiredcontents.h"
 #include "tests/support/tracefiles.h"
 
 #include <QDirIterator>
@@ -73,9 +74,7 @@ protected:
 
     [[nodiscard]] QString text(const QString& name) const
     {
-        QFile file(path(name));
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << qPrintable(name);
-        return file.readAll();
+        return testing_support::requiredContents(path(name));
     }
 
     /// What bash would offer for the last of the words of a command line.

@@ -6,8 +6,8 @@
 #include "platform/launcher/namedialog.h"
 #include "platform/launcher/opendialog.h"
 #include "platform/launcher/zuconfigmodel.h"
-#include "tests/app/answer.h"
 #include "tests/app/hosting.h"
+#include "tests/platform/launcher/answer.h"
 #include "tests/support/inlocale.h"
 #include "tests/support/reach.h"
 

@@ -2,6 +2,7 @@
 #include "plot/plot.h"
 #include "plot/reflcurve.h"
 #include "tests/events/eventat.h"
+#include "tests/events/ticksonplot.h"
 #include "tests/support/paintcounter.h"
 #include "tests/support/tracefiles.h"
 
@@ -21,34 +22,20 @@
 namespace {
 
 using testing_support::eventAt;
+using testing_support::TicksOnPlot;
 using testing_support::TraceFiles;
 
-class EventTicks : public testing::Test
+class EventTicks : public TicksOnPlot
 {
 protected:
     EventTicks()
-        : refl(files.plain())
-        , curve({0.0, 5000.0, 10000}, refl, Qt::darkBlue)
-        , view(std::make_unique<EventMarkersView>(nullptr))
-        , table(5, 1)
+        : table(5, 1)
         , selection(&table)
     {
-        curve.attach(&plot);
-        view->attach(&plot);
         view->setSelectionModel(&selection);
     }
 
-    ~EventTicks() override
-    {
-        view.reset();
-        curve.detach();
-    }
-
-    void show(const EventList& events)
-    {
-        refl.setEventList(events);
-        view->setCurve(&curve);
-    }
+    ~EventTicks() override { view.reset(); } // before what it follows
 
     QList<const QwtPlotMarker*> ticks() const
     {
@@ -68,26 +55,11 @@ protected:
         return found;
     }
 
-    const QwtPlotCurve* band() const
-    {
-        for (const QwtPlotItem* item : plot.itemList(QwtPlotItem::Rtti_PlotCurve)) {
-            if (item != &curve) {
-                return dynamic_cast<const QwtPlotCurve*>(item);
-            }
-        }
-        return nullptr;
-    }
-
     void choose(int row)
     {
         selection.setCurrentIndex(table.index(row, 0), QItemSelectionModel::Select);
     }
 
-    TraceFiles files;
-    Reflectogram refl;
-    Waveform::Plot plot;
-    ReflCurve curve;
-    std::unique_ptr<EventMarkersView> view;
     QStandardItemModel table;
     QItemSelectionModel selection;
 };

@@ -4,6 +4,7 @@
 #include "plot/plot.h"
 #include "plot/reflcurve.h"
 #include "tests/events/eventat.h"
+#include "tests/events/ticksonplot.h"
 #include "tests/support/paintcounter.h"
 #include "tests/support/tracefiles.h"
 
@@ -23,7 +24,7 @@
 namespace {
 
 using testing_support::eventAt;
-using testing_support::TraceFiles;
+using testing_support::TicksOnPlot;
 
 /// A selection that tells how many follow its current row.
 class CountingSelection : public QItemSelectionModel
@@ -44,30 +45,9 @@ EventList startSectionEnd(long end)
     return {eventAt(Event::SpanStart, 0), eventAt(Event::Fiber, 0), eventAt(Event::SpanEnd, end)};
 }
 
-class TickAndBand : public testing::Test
+class TickAndBand : public TicksOnPlot
 {
 protected:
-    TickAndBand()
-        : refl(files.plain())
-        , curve({0.0, 5000.0, 10000}, refl, Qt::darkBlue)
-        , view(std::make_unique<EventMarkersView>(nullptr))
-    {
-        curve.attach(&plot);
-        view->attach(&plot);
-    }
-
-    ~TickAndBand() override
-    {
-        view.reset();
-        curve.detach();
-    }
-
-    void show(const EventList& events)
-    {
-        refl.setEventList(events);
-        view->setCurve(&curve);
-    }
-
     QList<QPointF> ticks() const
     {
         QList<QPointF> found;
@@ -76,22 +56,6 @@ protected:
         }
         return found;
     }
-
-    const QwtPlotCurve* band() const
-    {
-        for (const QwtPlotItem* item : plot.itemList(QwtPlotItem::Rtti_PlotCurve)) {
-            if (dynamic_cast<const ReflCurve*>(item) == nullptr) {
-                return dynamic_cast<const QwtPlotCurve*>(item);
-            }
-        }
-        return nullptr;
-    }
-
-    TraceFiles files;
-    Reflectogram refl;
-    Waveform::Plot plot;
-    ReflCurve curve;
-    std::unique_ptr<EventMarkersView> view;
 };
 
 TEST_F(TickAndBand, TickIsAThinRedLineOfItsHeight)

@@ -1,11 +1,11 @@
 #include "plot/otdrdistancescaledraw.h"
 #include "plot/plot.h"
+#include "tests/plot/shownpart.h"
 #include "tests/support/echo.h"
 #include "tests/support/paintcounter.h"
 
 #include <qwt_plot_grid.h>
 #include <qwt_plot_layout.h>
-#include <qwt_scale_div.h>
 #include <qwt_scale_widget.h>
 
 #include <QFrame>
@@ -39,13 +39,7 @@ protected:
         plot.replot();
     }
 
-    QRectF shown()
-    {
-        const QwtScaleDiv& x = plot.axisScaleDiv(QwtPlot::xBottom);
-        const QwtScaleDiv& y = plot.axisScaleDiv(QwtPlot::yLeft);
-        return {x.lowerBound(), y.lowerBound(), x.upperBound() - x.lowerBound(),
-                y.upperBound() - y.lowerBound()};
-    }
+    QRectF shown() { return testing_support::shownPart(plot); }
 
     int width() { return plot.canvas()->geometry().width(); }
 

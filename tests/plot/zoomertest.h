@@ -2,8 +2,7 @@
 
 #include "plot/plot.h"
 #include "plot/qmplotzoomer.h"
-
-#include <qwt_scale_div.h>
+#include "tests/plot/shownpart.h"
 
 #include <QCoreApplication>
 #include <QObject>
@@ -75,13 +74,7 @@ protected:
         plot.setAxisScale(QwtPlot::yLeft, rect.y(), rect.y() + rect.height());
     }
 
-    QRectF shown()
-    {
-        const QwtScaleDiv& x = plot.axisScaleDiv(QwtPlot::xBottom);
-        const QwtScaleDiv& y = plot.axisScaleDiv(QwtPlot::yLeft);
-        return {x.lowerBound(), y.lowerBound(), x.upperBound() - x.lowerBound(),
-                y.upperBound() - y.lowerBound()};
-    }
+    QRectF shown() { return testing_support::shownPart(plot); }
 
     void expectShown(const QRectF& expected)
     {

@@ -163,7 +163,7 @@ TEST_F(Wiring, IconWhoseButtonIsGoneIsAsNone)
 class ForeignModel : public Plugin
 {
 public:
-    CardModel* createCardModel() override { return new MeasModel(cardController, QString()); }
+    CardModel* createCardModel() override { return new MeasModel(cardController); }
 };
 
 TEST_F(Wiring, ModelOfAnotherKindGetsAKeeperWithoutOne)

@@ -107,6 +107,14 @@ protected:
         return all;
     }
 
+    /// What a pointer that rests at a place is told.
+    QString tipAt(QPoint place)
+    {
+        QHelpEvent event(QEvent::ToolTip, place, view.viewport()->mapToGlobal(place));
+        QCoreApplication::sendEvent(view.viewport(), &event);
+        return QToolTip::isVisible() ? QToolTip::text() : QString();
+    }
+
     QString mainName() const { return QFileInfo(model.mainRefl().fileName()).baseName(); }
 
     TraceFiles files;
@@ -421,20 +429,29 @@ TEST_F(Table, RowTellsWhatWasOddAboutItsFileWhereThePointerRests)
     sketch.leftOut = {"FxdParams"};
     model.addRefl(Reflectogram(files.write("odd.sor", sketch)));
     QCoreApplication::processEvents();
-    const auto restAt = [this](QPoint place) {
-        QHelpEvent event(QEvent::ToolTip, place, view.viewport()->mapToGlobal(place));
-        QCoreApplication::sendEvent(view.viewport(), &event);
-        return QToolTip::isVisible() ? QToolTip::text() : QString();
-    };
-    EXPECT_EQ(restAt(placeOf(0)), "") << "most files have nothing odd";
+    EXPECT_EQ(tipAt(placeOf(0)), "") << "most files have nothing odd";
     const Echo language;
     const QStringList notes = model.refls().at(1).notes();
     ASSERT_EQ(notes.size(), 2);
-    const QString told = restAt(placeOf(1));
+    const QString told = tipAt(placeOf(1));
     for (const QString& note : notes) {
         EXPECT_TRUE(told.contains(QString('<' + note + '>').toHtmlEscaped())) << qPrintable(told);
     }
     EXPECT_FALSE(model.data(model.index(1, 0), Qt::ToolTipRole).isValid());
+    QToolTip::hideText();
+}
+
+TEST_F(Table, RowTellsWhatOfItsFileWasNotSavedWhereThePointerRests)
+{
+    SorSketch sketch = SorSketch::plain();
+    sketch.makers = {{"Mine", Bytes(4)}};
+    Reflectogram refl(files.write("made.sor", sketch));
+    model.addRefl(refl);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(tipAt(placeOf(0)), "");
+    refl.setEventList({}); // as a measurement does that ends while this trace is the main one
+    ASSERT_EQ(refl.save(files.path("saved.sor")), 0);
+    EXPECT_THAT(tipAt(placeOf(0)).toStdString(), testing::HasSubstr("left out: &quot;Mine&quot;"));
     QToolTip::hideText();
 }
 

@@ -1,8 +1,9 @@
 #include "tests/soak/processuse.h"
 
+#include "tests/support/contents.h"
+
 #include <QApplication>
 #include <QDir>
-#include <QFile>
 
 #include <dirent.h>
 #include <malloc.h>
@@ -12,6 +13,8 @@
 // Qt's own table for tools that follow objects: exported, with a version in front, and declared in
 // a private header.
 extern Q_CORE_EXPORT quintptr qtHookData[]; // NOLINT(readability-identifier-naming)
+
+using testing_support::contents;
 
 namespace {
 
@@ -34,12 +37,6 @@ void added(QObject* /*object*/)
 void removed(QObject* /*object*/)
 {
     --objectCount;
-}
-
-QByteArray contentOf(const QString& file)
-{
-    QFile source(file);
-    return source.open(QIODevice::ReadOnly) ? source.readAll() : QByteArray();
 }
 
 /// A number of /proc/self/status, such as "VmRSS".
@@ -74,7 +71,7 @@ int childCount()
     int count = 0;
     const QStringList tasks = QDir("/proc/self/task").entryList(QDir::Dirs | QDir::NoDotAndDotDot);
     for (const QString& task : tasks) {
-        const QByteArray ids = contentOf("/proc/self/task/" + task + "/children").simplified();
+        const QByteArray ids = contents("/proc/self/task/" + task + "/children").simplified();
         count += ids.isEmpty() ? 0 : ids.split(' ').size();
     }
     return count;
@@ -94,7 +91,7 @@ ProcessUse processUse()
 {
     constexpr int kKilobyte = 1024;
     ProcessUse use;
-    const QByteArray status = '\n' + contentOf("/proc/self/status");
+    const QByteArray status = '\n' + contents("/proc/self/status");
     use.resident_KB = statusValue(status, "VmRSS");
     use.mostResident_KB = statusValue(status, "VmHWM");
     use.heap_KB = static_cast<long>(::mallinfo2().uordblks / kKilobyte);

@@ -1,4 +1,5 @@
 #include "storage/drivecopy.h"
+#include "tests/support/contents.h"
 #include "tests/support/tracefiles.h"
 
 #include <QDir>
@@ -17,6 +18,7 @@
 namespace {
 
 using testing_support::Bytes;
+using testing_support::contents;
 using testing_support::TraceFiles;
 using Waveform::copyToDrive;
 
@@ -28,12 +30,6 @@ protected:
     QString copy() const
     {
         return copyToDrive(source, target, [] { return false; });
-    }
-
-    static QByteArray contents(const QString& path)
-    {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
 
     [[nodiscard]] QStringList onDrive() const

@@ -2,7 +2,7 @@
 
 #include "platform/launcher/zulauncherconfig.h"
 #include "tests/platform/launcher/confighome.h"
-#include "tests/storage/contents.h"
+#include "tests/support/contents.h"
 #include "tests/support/fakeprogram.h"
 #include "tests/support/nthcall.h"
 #include "tests/support/tracefiles.h"

@@ -1,38 +1,21 @@
 // Names typed by the user: each is saved under a safe name in the storage directory, or not at all.
 
 #include "platform/launcher/nameprompt.h"
+#include "tests/platform/launcher/answer.h"
+#include "tests/platform/launcher/ondialog.h"
 #include "tests/storage/keeping.h"
 
 #include <QAbstractButton>
-#include <QApplication>
 #include <QDir>
 #include <QDirIterator>
 #include <QLineEdit>
 #include <QTest>
-#include <QTimer>
 
 #include <utility>
 
 namespace {
 
 using namespace testing_support; // fixture, builder and units
-
-/// Types one name and lets files be replaced.
-class Typist : public NamePrompt
-{
-public:
-    explicit Typist(QString name)
-        : name(std::move(name))
-    {
-    }
-
-    std::optional<QString> askName(const QString& /*proposed*/) override { return name; }
-
-    bool askOverwrite(const QString& /*name*/) override { return true; }
-
-private:
-    QString name;
-};
 
 /// Types a name, lets no file be replaced, and gives up.
 class CarefulTypist : public NamePrompt
@@ -84,7 +67,7 @@ protected:
     /// What a save under the typed name made.
     QStringList made(const QString& typed)
     {
-        keeper.setNamePrompt(std::make_unique<Typist>(typed));
+        keeper.setNamePrompt(std::make_unique<Answer>(typed));
         keeper.save();
         QStringList now = everything();
         for (const QString& file : qAsConst(before)) {
@@ -137,17 +120,6 @@ INSTANTIATE_TEST_SUITE_P(
                     Typed {"LeadingDot", ".link", "link"}, Typed {"Extension", "a.sor", "a.sor"},
                     Typed {"Option", "-o", "-o"}, Typed {"Shell", "$(id);'", "$(id);'"}),
     [](const auto& info) { return info.param.name; });
-
-/// What a person does at the next dialog.
-template <typename Deed>
-void onDialog(Deed deed)
-{
-    QTimer::singleShot(0, qApp, [deed] {
-        QWidget* dialog = QApplication::activeModalWidget();
-        ASSERT_NE(dialog, nullptr);
-        deed(*dialog);
-    });
-}
 
 void touch(const QWidget& dialog, const QString& text)
 {

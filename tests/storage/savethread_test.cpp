@@ -1,4 +1,5 @@
 #include "storage/savethread.h"
+#include "tests/support/contents.h"
 #include "tests/support/fakeprogram.h"
 #include "tests/support/tracefiles.h"
 #include "tests/support/warnings.h"
@@ -51,8 +52,7 @@ protected:
 
     [[nodiscard]] QByteArray contents(const QString& name) const
     {
-        QFile file(files.path(name));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        return testing_support::contents(files.path(name));
     }
 
     /// The line of the log about the report generator; what it says behind its command line.

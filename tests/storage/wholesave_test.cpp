@@ -3,8 +3,8 @@
 
 #include "platform/launcher/filesmodel.h"
 #include "platform/launcher/zulauncherconfig.h"
-#include "tests/storage/contents.h"
 #include "tests/storage/keeping.h"
+#include "tests/support/contents.h"
 #include "tests/support/warnings.h"
 
 #include <QDir>
@@ -135,7 +135,7 @@ protected:
     /// A trace that takes a while to write.
     QString longTrace(const QString& name, double level_dB) const
     {
-        const Reflectogram refl = files.measured(TraceBuilder().launch({level_dB}).fibre(100_km));
+        Reflectogram refl = files.measured(TraceBuilder().launch({level_dB}).fibre(100_km));
         EXPECT_EQ(refl.save(files.path(name)), 0);
         return files.path(name);
     }

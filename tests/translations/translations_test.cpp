@@ -1,5 +1,6 @@
 // The translations in data/translations against the sources.
 
+#include "tests/support/requiredcontents.h"
 #include "tests/translations/shownliterals.h"
 #include "tests/translations/translationfile.h"
 
@@ -18,13 +19,6 @@ using namespace testing_support; // what reads translations and sources
 using testing::IsEmpty;
 
 const QStringList kFolders = QString(WAVEFORM_TRANSLATED).split(' ');
-
-QByteArray contents(const QString& path)
-{
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << qPrintable(path);
-    return file.readAll();
-}
 
 QStringList translationFiles()
 {
@@ -69,7 +63,7 @@ protected:
                           + QStringList {"-I", ".", "-locations", "none", "-ts", copy});
         EXPECT_TRUE(lupdate.waitForFinished(60'000) && lupdate.exitCode() == 0);
         EXPECT_EQ(lupdate.readAllStandardError().toStdString(), "") << "a text that it cannot read";
-        return contents(copy);
+        return requiredContents(copy);
     }
 };
 
@@ -125,7 +119,7 @@ TEST(TextsOfTheSources, AreAllLookedUp)
         while (files.hasNext()) {
             const QString path = files.next();
             ++looked;
-            EXPECT_THAT(shownLiterals(contents(path)).join('\n').toStdString(), IsEmpty())
+            EXPECT_THAT(shownLiterals(requiredContents(path)).join('\n').toStdString(), IsEmpty())
                 << qPrintable(path);
         }
     }

@@ -4,13 +4,13 @@
 #include "plot/plotlinewidget.h"
 #include "plot/qmplotmarker.h"
 #include "tests/plot/finger.h"
+#include "tests/support/finish.h"
 #include "tests/twomarkers/measuredtrace.h"
+#include "tests/twomarkers/shownvalue.h"
 #include "twomarkers/twomarkersmodel.h"
 #include "twomarkers/twomarkersresultwidget.h"
 #include "twomarkers/twomarkersview.h"
 
-#include <QGridLayout>
-#include <QLabel>
 #include <QThreadPool>
 #include <QtTest>
 
@@ -99,20 +99,7 @@ protected:
         EXPECT_TRUE(event.isAccepted());
     }
 
-    /// Until all computations are done and told.
-    static void finish()
-    {
-        for (int round = 0; round < 5; ++round) {
-            QThreadPool::globalInstance()->waitForDone();
-            QCoreApplication::processEvents();
-        }
-    }
-
-    [[nodiscard]] QString value(int row) const
-    {
-        auto* grid = qobject_cast<QGridLayout*>(view->results()->layout());
-        return qobject_cast<QLabel*>(grid->itemAtPosition(row, 1)->widget())->text();
-    }
+    [[nodiscard]] QString value(int row) const { return shownValue(view->results(), row); }
 
     TraceFiles files;
     Waveform::Plot plot;

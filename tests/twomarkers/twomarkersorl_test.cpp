@@ -1,4 +1,5 @@
 #include "platform/otdr/orlcalc.h"
+#include "tests/support/finish.h"
 #include "tests/twomarkers/measuredtrace.h"
 
 #include <QSemaphore>
@@ -113,14 +114,6 @@ protected:
     {
         gate->open.release(1000);
         finish();
-    }
-
-    static void finish()
-    {
-        for (int round = 0; round < 5; ++round) {
-            QThreadPool::globalInstance()->waitForDone();
-            QCoreApplication::processEvents();
-        }
     }
 
     [[nodiscard]] std::vector<double> told() const

@@ -1,6 +1,5 @@
 // What the empty chart says to do, and where it says so.
 
-#include "platform/launcher/wrappanel.h"
 #include "refls/reflstableview.h"
 #include "tests/window/screen.h"
 #include "twomarkers/twomarkersresultwidget.h"
@@ -20,8 +19,8 @@ protected:
 
     void touch(QWidget* panel) const
     {
-        QTest::mouseClick(window->findChild<WrapPanel*>()->buttonOf(panel), Qt::LeftButton);
-        QTest::qWait(50); // the places settle in more than one turn of the events
+        QTest::mouseClick(toggle(panel), Qt::LeftButton);
+        settle();
     }
 
     QWidget* settings() const { return window->findChild<QWidget*>("bottomPanel"); }

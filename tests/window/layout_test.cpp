@@ -161,9 +161,8 @@ TEST_F(LaidOut, ZoomButtonsLieAboveWhateverIsOnTheCanvas)
 
 TEST_F(LaidOut, PanelsThatWereShownComeBackWithTheNextWindow)
 {
-    auto* buttons = part<WrapPanel>();
-    QTest::mouseClick(buttons->buttonOf(part<Waveform::EventsTableView>()), Qt::LeftButton);
-    QTest::mouseClick(buttons->buttonOf(part<MeasView>()), Qt::LeftButton);
+    QTest::mouseClick(toggle(part<Waveform::EventsTableView>()), Qt::LeftButton);
+    QTest::mouseClick(toggle(part<MeasView>()), Qt::LeftButton);
     expectWarning("No such slot Waveform::Window::rescalePlot(");
     const Window again(config);
     EXPECT_FALSE(again.findChild<Waveform::EventsTableView*>()->isHidden());

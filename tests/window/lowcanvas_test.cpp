@@ -30,7 +30,7 @@ protected:
         for (QWidget* panel : panels) {
             panel->show();
         }
-        QTest::qWait(50); // the places settle in more than one turn of the events
+        settle();
     }
 
     QPushButton* button(const QString& name) const { return window->findChild<QPushButton*>(name); }

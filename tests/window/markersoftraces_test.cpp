@@ -2,14 +2,12 @@
 
 #include "plot/qmmarker.h"
 #include "plot/qmplotmarker.h"
+#include "tests/support/finish.h"
+#include "tests/twomarkers/shownvalue.h"
 #include "tests/window/screen.h"
 #include "twomarkers/twomarkersmodel.h"
 #include "twomarkers/twomarkersresultwidget.h"
 #include "twomarkers/twomarkersview.h"
-
-#include <QGridLayout>
-#include <QLabel>
-#include <QThreadPool>
 
 namespace {
 
@@ -45,11 +43,7 @@ protected:
 
     [[nodiscard]] double attenuation() const { return value(4).section(' ', 0, 0).toDouble(); }
 
-    [[nodiscard]] QString value(int row) const
-    {
-        auto* grid = qobject_cast<QGridLayout*>(view->results()->layout());
-        return qobject_cast<QLabel*>(grid->itemAtPosition(row, 1)->widget())->text();
-    }
+    [[nodiscard]] QString value(int row) const { return shownValue(view->results(), row); }
 
     /// A snapshot of a fibre of 2 km that loses so much in each.
     void arrive(Decibels perKilometre)
@@ -58,15 +52,6 @@ protected:
             files.writeSnapshot(QString("lost%1.bin").arg(++snapshots),
                                 TraceBuilder().fibre(2_km).attenuation(perKilometre));
         emit model->measured(name, WfMeasParams());
-    }
-
-    /// Until all computations are done and told.
-    static void finish()
-    {
-        for (int round = 0; round < 5; ++round) {
-            QThreadPool::globalInstance()->waitForDone();
-            QCoreApplication::processEvents();
-        }
     }
 
     void expectSideBySide() const

@@ -9,6 +9,7 @@
 #include "plot/qmminiplot.h"
 #include "plot/qmplotmarker.h"
 #include "refls/reflstableview.h"
+#include "tests/twomarkers/shownvalue.h"
 #include "tests/window/screen.h"
 #include "twomarkers/twomarkersresultwidget.h"
 #include "twomarkers/twomarkersview.h"
@@ -16,9 +17,7 @@
 
 #include <qwt_plot_curve.h>
 
-#include <QGridLayout>
 #include <QHeaderView>
-#include <QLabel>
 #include <QThreadPool>
 
 #include <cmath>
@@ -44,11 +43,6 @@ protected:
 
     QWidget* settings() const { return window->findChild<QWidget*>("bottomPanel"); }
 
-    QPushButton* toggle(QWidget* panel) const
-    {
-        return window->findChild<WrapPanel*>()->buttonOf(panel);
-    }
-
     void touch(QWidget* panel) const { QTest::mouseClick(toggle(panel), Qt::LeftButton); }
 
     void touchButton(const QString& text) const
@@ -66,11 +60,7 @@ protected:
 
     TwoMarkersResultWidget* results() const { return window->findChild<TwoMarkersResultWidget*>(); }
 
-    QString result(int row) const
-    {
-        auto* grid = qobject_cast<QGridLayout*>(results()->layout());
-        return qobject_cast<QLabel*>(grid->itemAtPosition(row, 1)->widget())->text();
-    }
+    QString result(int row) const { return shownValue(results(), row); }
 
     /// Curves that belong to no trace: the band of a section.
     int bands() const

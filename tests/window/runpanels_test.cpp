@@ -1,7 +1,6 @@
 // What a run does to the panels and to the action button's caption.
 
 #include "platform/launcher/historycombo.h"
-#include "platform/launcher/wrappanel.h"
 #include "refls/reflstableview.h"
 #include "refls/refltablemenu.h"
 #include "tests/window/screen.h"
@@ -102,17 +101,16 @@ TEST_F(RunPanels, RunWithoutACurveOffersNothingToZoom)
 TEST_F(RunPanels, ActionButtonStaysInReachDuringARun)
 {
     auto* bar = window->findChild<MeasView*>();
-    auto* wrap = window->findChild<WrapPanel*>();
     QWidget* settings = action()->parentWidget();
     startEndlessRun();
-    QTest::mouseClick(wrap->buttonOf(settings), Qt::LeftButton);
+    QTest::mouseClick(toggle(settings), Qt::LeftButton);
     EXPECT_TRUE(action()->isVisible());
-    QTest::mouseClick(wrap->buttonOf(bar), Qt::LeftButton);
+    QTest::mouseClick(toggle(bar), Qt::LeftButton);
     EXPECT_TRUE(bar->isVisible());
-    QTest::mouseClick(wrap->buttonOf(settings), Qt::LeftButton);
+    QTest::mouseClick(toggle(settings), Qt::LeftButton);
     EXPECT_TRUE(action()->isVisible());
     stopRun();
-    QTest::mouseClick(wrap->buttonOf(settings), Qt::LeftButton);
+    QTest::mouseClick(toggle(settings), Qt::LeftButton);
     EXPECT_FALSE(action()->isVisible());
 }
 

@@ -8,6 +8,8 @@
 #include "plot/reflcurve.h"
 #include "refls/reflstablemodel.h"
 #include "tests/platform/launcher/confighome.h"
+#include "tests/platform/launcher/wrapbutton.h"
+#include "tests/plot/shownpart.h"
 #include "tests/support/acquisitiondir.h"
 #include "tests/support/fakeprogram.h"
 #include "tests/support/tracefiles.h"
@@ -15,7 +17,6 @@
 #include "window/window.h"
 
 #include <qwt_plot_marker.h>
-#include <qwt_scale_div.h>
 #include <qwt_symbol.h>
 
 #include <QImage>
@@ -115,13 +116,20 @@ protected:
         return count;
     }
 
+    /// The button that shows and hides a panel.
+    QPushButton* toggle(const QWidget* panel) const
+    {
+        return buttonOf(*window->findChild<WrapPanel*>(), panel);
+    }
+
+    /// Until panels that were shown or hidden have found their places, which takes more than one
+    /// turn of the events.
+    static void settle() { QTest::qWait(50); }
+
     QRectF view() const
     {
         plot()->updateAxes();
-        const QwtScaleDiv& x = plot()->axisScaleDiv(QwtPlot::xBottom);
-        const QwtScaleDiv& y = plot()->axisScaleDiv(QwtPlot::yLeft);
-        return {x.lowerBound(), y.lowerBound(), x.upperBound() - x.lowerBound(),
-                y.upperBound() - y.lowerBound()};
+        return shownPart(*plot());
     }
 
     Reflectogram load(const QString& name, const SorSketch& sketch = SorSketch::plain())

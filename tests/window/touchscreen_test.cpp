@@ -1,7 +1,7 @@
 // Fingers on a screen that tells of touches and not of a mouse do as the mouse does.
 
 #include "events/eventstableview.h"
-#include "platform/launcher/wrappanel.h"
+#include "tests/platform/launcher/wrapbutton.h"
 #include "tests/window/screen.h"
 #include "window/measview.h"
 
@@ -41,7 +41,7 @@ protected:
     T* shown() const
     {
         T* part = window->findChild<T*>();
-        tap(window->findChild<WrapPanel*>()->buttonOf(part));
+        tap(buttonOf(*window->findChild<WrapPanel*>(), part));
         EXPECT_TRUE(part->isVisible());
         return part;
     }

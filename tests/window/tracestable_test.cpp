@@ -1,9 +1,8 @@
 // The table of traces while what is known of them changes.
 
 #include "refls/reflstableview.h"
+#include "tests/support/finish.h"
 #include "tests/window/screen.h"
-
-#include <QThreadPool>
 
 namespace {
 
@@ -35,15 +34,6 @@ protected:
                                 TraceBuilder().fibre(2_km).attenuation(backscatter));
         emit model->measured(name, WfMeasParams());
         finish();
-    }
-
-    /// Until all computations are done and told.
-    static void finish()
-    {
-        for (int round = 0; round < 5; ++round) {
-            QThreadPool::globalInstance()->waitForDone();
-            QCoreApplication::processEvents();
-        }
     }
 
     QMap<int, QString> seen;

@@ -1,6 +1,5 @@
 // What stays in its place on the plot, whatever part of the trace is shown.
 
-#include "platform/launcher/wrappanel.h"
 #include "plot/qmminiplot.h"
 #include "plot/qmplotmarker.h"
 #include "tests/window/screen.h"
@@ -42,7 +41,7 @@ protected:
     void showMarkers() const
     {
         auto* bar = window->findChild<MeasView*>();
-        QTest::mouseClick(window->findChild<WrapPanel*>()->buttonOf(bar), Qt::LeftButton);
+        QTest::mouseClick(toggle(bar), Qt::LeftButton);
     }
 
     QList<QmPlotMarker*> markers() const { return window->findChildren<QmPlotMarker*>(); }

@@ -216,7 +216,7 @@ TEST_F(Screen, HelixFactorWithoutATraceIsOnlyStored)
 TEST_F(Screen, StandsAModelOfAnotherKindAndNone)
 {
     load("a.sor");
-    MeasModel other(&card, QString());
+    MeasModel other(&card);
     window->setModel(&other);
     other.start(0);
     other.stop(QString());

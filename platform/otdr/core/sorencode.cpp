@@ -167,6 +167,9 @@ void fillDistance(std::int32_t& distance, double counts, double tenthsPerCount)
 
 void fillDistances(File& file)
 {
+    if (std::isnan(statedGroupIndex(file))) {
+        return;
+    }
     const double tenthsPerCount = 10.0 * metresPerCount(file) / unitLength_m(file.fxd.distanceUnit);
     fillDistance(file.gen.userOffsetDistance, file.gen.userOffset, tenthsPerCount);
     fillDistance(file.fxd.acquisitionOffsetDistance, file.fxd.acquisitionOffset, tenthsPerCount);

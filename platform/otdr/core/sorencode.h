@@ -14,7 +14,7 @@ namespace otdr::sor {
 [[nodiscard]] std::vector<std::byte> encodeBody(std::string_view name, const File& file);
 
 /// Fills the fields that repeat an offset or a range as a distance, in tenths of the file's unit,
-/// where they are 0: version 1 does not have them.
+/// where they are 0: version 1 does not have them. A file without a group index keeps the 0.
 void fillDistances(File& file);
 
 } // namespace otdr::sor

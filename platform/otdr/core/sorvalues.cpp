@@ -122,7 +122,7 @@ bool isReflectiveByCode(const KeyEvent& event)
 
 } // namespace
 
-double groupIndex(const File& file)
+double statedGroupIndex(const File& file)
 {
     for (const double unit : {1e5, 1e4, 1e6, 1e3}) {
         const double index = file.fxd.groupIndex / unit;
@@ -130,7 +130,13 @@ double groupIndex(const File& file)
             return index;
         }
     }
-    return kDefaultGroupIndex;
+    return kUnknown;
+}
+
+double groupIndex(const File& file)
+{
+    const double stated = statedGroupIndex(file);
+    return std::isnan(stated) ? kDefaultGroupIndex : stated;
 }
 
 double metresPerCount(const File& file)

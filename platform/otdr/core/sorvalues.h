@@ -25,7 +25,10 @@ namespace otdr::sor {
 /// Width of the first pulse, ns.
 [[nodiscard]] double pulse_ns(const File& file);
 
-/// Group index of refraction; kDefaultGroupIndex where the file's lies outside 1.30 .. 1.70.
+/// Group index of refraction, in whichever unit it lies within 1.30 .. 1.70.
+[[nodiscard]] double statedGroupIndex(const File& file);
+
+/// The stated group index; kDefaultGroupIndex where there is none.
 [[nodiscard]] double groupIndex(const File& file);
 
 /// Time between samples, ns, round trip.

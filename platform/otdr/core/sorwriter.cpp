@@ -177,17 +177,19 @@ private:
         }
     }
 
-    /// A version 1 file or a new trace: the usual order, then what is not ours.
+    /// A version 1 file or a new trace: the usual order, then what is not ours. What the file does
+    /// not tell stays untold: a block of zeros would read as something told.
     void layAnew()
     {
         sor::File whole = file;
         sor::fillDistances(whole);
         for (const std::string_view name : kOrder) {
-            if (name != "LnkParams") {
+            if (name == "LnkParams") {
+                layLandmarks();
+            } else if (!original || hasChanged(name)
+                       || findBlock(file.blocks, std::string(name)) != nullptr) {
                 pieces.push_back(
                     {std::string(name), kRevision, named(name, encodeBody(name, whole))});
-            } else {
-                layLandmarks();
             }
         }
         if (!original) {

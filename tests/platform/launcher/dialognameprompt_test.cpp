@@ -1,15 +1,16 @@
 #include "platform/launcher/dialognameprompt.h"
 #include "platform/launcher/namedialog.h"
+#include "tests/platform/launcher/ondialog.h"
 
-#include <QApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
-#include <QTimer>
 
 #include <gtest/gtest.h>
+
+using testing_support::onDialog;
 
 namespace {
 
@@ -22,17 +23,6 @@ QPushButton* button(const QWidget* dialog, const QString& text)
         }
     }
     return nullptr;
-}
-
-/// Runs what a person would do once the dialog is up.
-template <typename Deed>
-void onDialog(Deed deed)
-{
-    QTimer::singleShot(0, qApp, [deed] {
-        QWidget* dialog = QApplication::activeModalWidget();
-        ASSERT_NE(dialog, nullptr);
-        deed(dialog);
-    });
 }
 
 } // namespace
@@ -126,9 +116,9 @@ TEST(NameDialog, EnterSavesOnlyUnderAUsableName)
 
 TEST(DialogNamePrompt, AnswersWhatWasTouched)
 {
-    onDialog([](QWidget* dialog) {
+    onDialog([](QWidget& dialog) {
         for (const char* key : {"s", "7", "Save"}) { // the first types over the proposed name
-            QTest::mouseClick(button(dialog, key), Qt::LeftButton);
+            QTest::mouseClick(button(&dialog, key), Qt::LeftButton);
         }
     });
     EXPECT_EQ(DialogNamePrompt().askName("trace_0001").value_or("nothing"), "s7");
@@ -136,18 +126,18 @@ TEST(DialogNamePrompt, AnswersWhatWasTouched)
 
 TEST(DialogNamePrompt, AnswersWhatWasTyped)
 {
-    onDialog([](QWidget* dialog) {
-        QTest::keyClicks(dialog->findChild<QLineEdit*>(), "site 7");
-        button(dialog, "Save")->click();
+    onDialog([](QWidget& dialog) {
+        QTest::keyClicks(dialog.findChild<QLineEdit*>(), "site 7");
+        button(&dialog, "Save")->click();
     });
     EXPECT_EQ(DialogNamePrompt().askName("trace_0001").value_or("nothing"), "site 7");
 }
 
 TEST(DialogNamePrompt, AnswersNothingWhenCancelled)
 {
-    onDialog([](QWidget* dialog) { button(dialog, "Cancel")->click(); });
+    onDialog([](QWidget& dialog) { button(&dialog, "Cancel")->click(); });
     EXPECT_FALSE(DialogNamePrompt().askName("trace_0001").has_value());
-    onDialog([](QWidget* dialog) { QTest::keyClick(dialog, Qt::Key_Escape); });
+    onDialog([](QWidget& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
     EXPECT_FALSE(DialogNamePrompt().askName("trace_0001").has_value());
 }
 
@@ -157,8 +147,8 @@ TEST(DialogNamePrompt, StandsAParentThatGoesWhileTheUserTypes)
     frame->show();
     frame->activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(frame));
-    onDialog([frame](QWidget* dialog) {
-        EXPECT_EQ(dialog->parentWidget(), frame);
+    onDialog([frame](QWidget& dialog) {
+        EXPECT_EQ(dialog.parentWidget(), frame);
         delete frame;
     });
     EXPECT_FALSE(DialogNamePrompt().askName("trace_0001").has_value());
@@ -166,8 +156,8 @@ TEST(DialogNamePrompt, StandsAParentThatGoesWhileTheUserTypes)
 
 TEST(DialogNamePrompt, ReplacesAFileOnlyOnAYes)
 {
-    onDialog([](QWidget* dialog) {
-        auto* box = qobject_cast<QMessageBox*>(dialog);
+    onDialog([](QWidget& dialog) {
+        auto* box = qobject_cast<QMessageBox*>(&dialog);
         ASSERT_NE(box, nullptr);
         EXPECT_TRUE(box->text().contains("\"<b>old\""));
         EXPECT_EQ(box->textFormat(), Qt::PlainText);
@@ -175,19 +165,19 @@ TEST(DialogNamePrompt, ReplacesAFileOnlyOnAYes)
         box->button(QMessageBox::Yes)->click();
     });
     EXPECT_TRUE(DialogNamePrompt().askOverwrite("<b>old"));
-    onDialog([](QWidget* dialog) {
-        qobject_cast<QMessageBox*>(dialog)->button(QMessageBox::No)->click();
+    onDialog([](QWidget& dialog) {
+        qobject_cast<QMessageBox*>(&dialog)->button(QMessageBox::No)->click();
     });
     EXPECT_FALSE(DialogNamePrompt().askOverwrite("old"));
-    onDialog([](QWidget* dialog) { QTest::keyClick(dialog, Qt::Key_Escape); });
+    onDialog([](QWidget& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
     EXPECT_FALSE(DialogNamePrompt().askOverwrite("old"));
 }
 
 TEST(DialogNamePrompt, LongNameDoesNotMakeTheQuestionWiderThanTheInstrument)
 {
-    onDialog([](QWidget* dialog) {
-        EXPECT_LE(dialog->sizeHint().width(), 780);
-        QTest::keyClick(dialog, Qt::Key_Escape);
+    onDialog([](QWidget& dialog) {
+        EXPECT_LE(dialog.sizeHint().width(), 780);
+        QTest::keyClick(&dialog, Qt::Key_Escape);
     });
     EXPECT_FALSE(DialogNamePrompt().askOverwrite(QString(200, 'W')));
 }

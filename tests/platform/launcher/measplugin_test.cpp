@@ -19,7 +19,7 @@ class DiaryModel : public MeasModel
 {
 public:
     explicit DiaryModel(CardController* card)
-        : MeasModel(card, "")
+        : MeasModel(card)
     {
         diary << "model";
     }

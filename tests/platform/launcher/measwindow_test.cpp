@@ -88,7 +88,7 @@ protected:
 TEST(MeasWindow, StartsAndStopsTheModelWithItsButton)
 {
     CardController card;
-    FakeModel model(&card, "");
+    FakeModel model(&card);
     OpenWindow window;
     window.setModel(&model);
     EXPECT_EQ(window.actionButton()->text(), "Start");
@@ -110,7 +110,7 @@ TEST(MeasWindow, StartsAndStopsTheModelWithItsButton)
 /// Its repeats would stop the run that it has started, and start the next one.
 TEST(MeasWindow, EnterThatIsHeldStartsOnce)
 {
-    FakeModel model(nullptr, "");
+    FakeModel model(nullptr);
     OpenWindow window;
     window.setModel(&model);
     for (const bool isRepeat : {false, true, true}) {
@@ -125,7 +125,7 @@ TEST(MeasWindow, EnterThatIsHeldStartsOnce)
 
 TEST(MeasWindow, GivesTheButtonItsTextAndUseBackWhateverWasDoneToItMeanwhile)
 {
-    FakeModel model(nullptr, "");
+    FakeModel model(nullptr);
     OpenWindow window;
     window.setModel(&model);
     window.actionButton()->click();
@@ -138,7 +138,7 @@ TEST(MeasWindow, GivesTheButtonItsTextAndUseBackWhateverWasDoneToItMeanwhile)
 
 TEST(MeasWindow, WarnsOnceOfAFailedStartAndIsIdleAgain)
 {
-    FakeModel model(nullptr, "");
+    FakeModel model(nullptr);
     model.code = -5;
     model.reason = "The card refused \"check fiber\".";
     OpenWindow window;
@@ -157,7 +157,7 @@ TEST(MeasWindow, WarnsOnceOfAFailedStartAndIsIdleAgain)
 
 TEST(MeasWindow, NamesTheCodeWhereTheModelHasNoWords)
 {
-    FakeModel model(nullptr, "");
+    FakeModel model(nullptr);
     model.code = -5;
     OpenWindow window;
     window.setModel(&model);
@@ -168,7 +168,7 @@ TEST(MeasWindow, NamesTheCodeWhereTheModelHasNoWords)
 
 TEST(MeasWindow, IsIdleEvenIfTheModelForgotToSaySo)
 {
-    FakeModel model(nullptr, "");
+    FakeModel model(nullptr);
     model.code = -1;
     model.endsItself = false;
     model.claimsIdle = true;
@@ -183,7 +183,7 @@ TEST(MeasWindow, IsIdleEvenIfTheModelForgotToSaySo)
 
 TEST(MeasWindow, StaysIdleWhereTheModelNeverBegan)
 {
-    FakeModel model(nullptr, "");
+    FakeModel model(nullptr);
     model.code = -1;
     model.announces = false;
     OpenWindow window;
@@ -197,7 +197,7 @@ TEST(MeasWindow, StaysIdleWhereTheModelNeverBegan)
 TEST(MeasWindow, SaysOnceThatTheCardWentDuringARun)
 {
     CardController card;
-    FakeModel model(&card, "");
+    FakeModel model(&card);
     OpenWindow window;
     window.setModel(&model);
     window.actionButton()->click();
@@ -208,7 +208,7 @@ TEST(MeasWindow, SaysOnceThatTheCardWentDuringARun)
 
 TEST(MeasWindow, FollowsRunningValues)
 {
-    FakeModel model(nullptr, "");
+    FakeModel model(nullptr);
     OpenWindow window;
     window.setModel(&model);
     QVariantMap tick;
@@ -218,8 +218,8 @@ TEST(MeasWindow, FollowsRunningValues)
 
 TEST(MeasWindow, LetsAnEarlierModelGo)
 {
-    FakeModel first(nullptr, "");
-    FakeModel second(nullptr, "");
+    FakeModel first(nullptr);
+    FakeModel second(nullptr);
     OpenWindow window;
     window.setModel(&first);
     window.setModel(&second);
@@ -239,7 +239,7 @@ TEST(MeasWindow, StandsAModelThatWasDeleted)
 {
     OpenWindow window;
     {
-        FakeModel model(nullptr, "");
+        FakeModel model(nullptr);
         window.setModel(&model);
     }
     window.actionButton()->click();
@@ -248,7 +248,7 @@ TEST(MeasWindow, StandsAModelThatWasDeleted)
 
 TEST(MeasWindow, StandsAProgressBarThatASubclassHasRemoved)
 {
-    FakeModel model(nullptr, "");
+    FakeModel model(nullptr);
     OpenWindow window;
     window.pageLayout()->removeWidget(window.progressWidget());
     delete window.progressWidget();
@@ -279,7 +279,7 @@ TEST(MeasWindow, PutsContentAboveTheBottomPanelAndTheButtonAtItsRight)
 
 TEST(MeasWindow, ShowsItsWarningsWithoutBlocking)
 {
-    FakeModel model(nullptr, "");
+    FakeModel model(nullptr);
     model.code = -1;
     model.reason = "no light";
     MeasWindow window;

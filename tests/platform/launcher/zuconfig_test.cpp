@@ -2,6 +2,7 @@
 #include "platform/launcher/zuconfig.h"
 #include "platform/launcher/zulauncherconfig.h"
 #include "tests/platform/launcher/confighome.h"
+#include "tests/support/contents.h"
 #include "tests/support/warnings.h"
 
 #include <QDateTime>
@@ -13,14 +14,9 @@
 #include <cstdio>
 
 using testing_support::ConfigHome;
+using testing_support::contents;
 
 namespace {
-
-QByteArray contents(const QString& file)
-{
-    QFile opened(file);
-    return opened.open(QIODevice::ReadOnly) ? opened.readAll() : QByteArray();
-}
 
 void write(const QString& file, const QByteArray& bytes)
 {

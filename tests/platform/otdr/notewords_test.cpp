@@ -105,6 +105,20 @@ TEST(NoteWords, AreThereForEachOddity)
     }
 }
 
+TEST(NoteWords, AreThereForWhatWasNotSaved)
+{
+    const TraceFiles files;
+    SorSketch sketch = SorSketch::plain();
+    sketch.makers = {{"Mine", Bytes(4)}, {"Ours", Bytes(4)}};
+    Reflectogram refl(files.write("plain.sor", sketch));
+    refl.setEventList({});
+    ASSERT_EQ(refl.save(files.path("changed.sor")), 0);
+    ASSERT_EQ(refl.notes().size(), 1);
+    const Echo language;
+    EXPECT_EQ(noteWords(refl.notes()[0]), '<' + refl.notes()[0] + '>');
+    EXPECT_EQ(damageWords(refl), "");
+}
+
 TEST(NoteWords, TellOfNoDamageInFilesOfMakers)
 {
     const QStringList names = realTraces();

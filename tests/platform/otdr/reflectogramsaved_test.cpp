@@ -5,9 +5,8 @@
 #include "platform/otdr/core/trace.h"
 #include "platform/otdr/reflectogram.h"
 #include "platform/otdr/tracestate.h"
+#include "tests/support/requiredcontents.h"
 #include "tests/support/tracefiles.h"
-
-#include <QFile>
 
 #include <gtest/gtest.h>
 
@@ -21,20 +20,13 @@ using testing_support::TraceBuilder;
 using testing_support::TraceFiles;
 using namespace testing_support; // the units of the builder
 
-QByteArray contents(const QString& path)
-{
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << qPrintable(path);
-    return file.readAll();
-}
-
 TEST(Reflectogram, UnchangedFileIsSavedByteForByte)
 {
     const TraceFiles files;
     Reflectogram refl = files.plain();
     refl.fillOrl(); // computing for the screen is no change of the trace
     ASSERT_EQ(refl.save(files.path("copy.sor")), 0);
-    EXPECT_EQ(contents(files.path("copy.sor")), contents(files.path("plain.sor")));
+    EXPECT_EQ(requiredContents(files.path("copy.sor")), requiredContents(files.path("plain.sor")));
 }
 
 TEST(Reflectogram, SavedChangesAreReadBack)
@@ -144,7 +136,7 @@ TEST(Reflectogram, MeasuredTraceIsSavedWithItsParametersAndReadBackTheSame)
     EXPECT_EQ(read.wavelength(), 1550);
     EXPECT_EQ(read.pulseWidth(), 100.0);
     EXPECT_NEAR(read.IOR(), 1.4682, 1e-9);
-    EXPECT_NEAR(read.backscatter(), -81.9, 1e-9);
+    EXPECT_NEAR(read.parameters().rbs, -81.9, 1e-9);
     EXPECT_NEAR(read.maxdist(), refl.maxdist(), 0.02);
     EXPECT_NEAR(read.powerAtDist(700.0), refl.powerAtDist(700.0), 1e-4);
     EXPECT_EQ(read.sorData()->fxdParams().averages, 64U);
@@ -206,10 +198,32 @@ TEST(Reflectogram, LinesOfALossKeepTheirPlaceInTheFibreWithAnotherIndex)
     EXPECT_NEAR(now.behindTo, 1600.0, 1e-9);
 }
 
+TEST(Reflectogram, NotesOnceWhatOfItsFileWasNotSaved)
+{
+    const TraceFiles files;
+    SorSketch sketch = SorSketch::plain();
+    sketch.makers = {{"Mine", Bytes(4)}, {"Ours", Bytes(4)}};
+    Reflectogram refl(files.write("plain.sor", sketch));
+    ASSERT_EQ(refl.save(files.path("copy.sor")), 0);
+    EXPECT_EQ(refl.notes(), QStringList()) << "all of it was saved";
+
+    refl.setEventList({});
+    EXPECT_EQ(refl.save(files.path("no/such/directory.sor")), -1);
+    EXPECT_EQ(refl.notes(), QStringList()) << "nothing was saved";
+
+    const Reflectogram shown = refl;
+    ASSERT_EQ(refl.save(files.path("changed.sor")), 0);
+    ASSERT_EQ(refl.save(files.path("again.sor")), 0);
+    ASSERT_EQ(shown.notes().size(), 1);
+    EXPECT_TRUE(shown.notes()[0].endsWith(R"(left out: "Mine", "Ours")"))
+        << qPrintable(shown.notes()[0]);
+    EXPECT_EQ(Reflectogram(files.path("changed.sor")).notes(), QStringList());
+}
+
 TEST(Reflectogram, SaveThatFailsLeavesTheOldFileAndSaysWhy)
 {
     const TraceFiles files;
-    const Reflectogram refl = files.plain();
+    Reflectogram refl = files.plain();
     QString error;
     EXPECT_EQ(refl.save(files.path("no/such/directory.sor"), &error), -1);
     EXPECT_FALSE(error.isEmpty());

@@ -1,3 +1,4 @@
+#include "tests/support/requiredcontents.h"
 #include "tests/support/sorsketch.h"
 
 #include <QDir>
@@ -19,6 +20,7 @@ using testing::UnorderedElementsAreArray;
 using testing_support::Bytes;
 using testing_support::ByteSketch;
 using testing_support::ChecksumRecipe;
+using testing_support::requiredContents;
 using testing_support::SorSketch;
 
 struct Outcome
@@ -53,13 +55,6 @@ protected:
     QString save(const QString& name, const SorSketch& sketch) const
     {
         return save(name, sketch.build());
-    }
-
-    static QByteArray contents(const QString& path)
-    {
-        QFile file(path);
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-        return file.readAll();
     }
 
     static QJsonObject json(const QString& path)
@@ -242,7 +237,7 @@ TEST_F(OtdrInfo, WritesAVersion2FileThatReadsTheSame)
     const QString out = at("new.sor");
     const Outcome outcome = run({"--write", out, in});
     EXPECT_EQ(outcome.code, 0) << outcome.err.toStdString();
-    EXPECT_EQ(contents(out).left(4), QByteArray("Map\0", 4));
+    EXPECT_EQ(requiredContents(out).left(4), QByteArray("Map\0", 4));
     QJsonObject before = json(in);
     QJsonObject after = json(out);
     EXPECT_EQ(after["format_version"].toInt(), 2);
@@ -255,14 +250,33 @@ TEST_F(OtdrInfo, WritesAVersion2FileThatReadsTheSame)
     EXPECT_EQ(run({"--csv", in}).out, run({"--csv", out}).out);
 }
 
+TEST_F(OtdrInfo, WritesNoMoreThanTheFileTells)
+{
+    for (const char* block : {"GenParams", "SupParams", "FxdParams", "KeyEvents"}) {
+        SorSketch sketch = SorSketch::plain();
+        sketch.version = 1;
+        sketch.leftOut = {block};
+        const QString in = save("bare.sor", sketch);
+        const QString out = at("new.sor");
+        ASSERT_EQ(run({"--write", out, in}).code, 0) << block;
+        QJsonObject before = json(in);
+        QJsonObject after = json(out);
+        for (const char* own : {"file", "format_version"}) {
+            before.remove(own);
+            after.remove(own);
+        }
+        EXPECT_EQ(before, after) << block;
+    }
+}
+
 TEST_F(OtdrInfo, WritesAVersion2FileBackByteForByteOverItself)
 {
     const QString path = save("trace.sor", SorSketch::plain());
-    const QByteArray before = contents(path);
+    const QByteArray before = requiredContents(path);
     EXPECT_EQ(run({"--write", at("copy.sor"), path}).code, 0);
-    EXPECT_EQ(contents(at("copy.sor")), before);
+    EXPECT_EQ(requiredContents(at("copy.sor")), before);
     EXPECT_EQ(run({"--write", path, path}).code, 0);
-    EXPECT_EQ(contents(path), before);
+    EXPECT_EQ(requiredContents(path), before);
     EXPECT_EQ(QDir(directory.path()).entryList(QDir::Files | QDir::Hidden),
               QStringList({"copy.sor", "trace.sor"}));
 }
@@ -272,7 +286,7 @@ TEST_F(OtdrInfo, LeavesTheOldOutputWhereTheInputIsBad)
     const QString out = save("out.sor", ByteSketch().text("precious").done);
     const Outcome outcome = run({"--write", out, at("missing.sor")});
     EXPECT_EQ(outcome.code, 1);
-    EXPECT_EQ(contents(out), "precious");
+    EXPECT_EQ(requiredContents(out), "precious");
     EXPECT_EQ(run({"--write", at("no/directory/x.sor"), save("in.sor", SorSketch::plain())}).code,
               1);
 }

@@ -1,5 +1,6 @@
 // The program meets a file system that fails it, or its end, at each call of its writing.
 
+#include "tests/support/contents.h"
 #include "tests/support/nthcall.h"
 #include "tests/support/tracefiles.h"
 
@@ -44,8 +45,7 @@ protected:
 
     [[nodiscard]] QByteArray contents(const QString& name) const
     {
-        QFile file(path(name));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        return testing_support::contents(path(name));
     }
 
     /// Writes the report where old files stand.

@@ -1,5 +1,6 @@
 // The program as it is run: as a process.
 
+#include "tests/support/requiredcontents.h"
 #include "tests/support/tracefiles.h"
 
 #include <QDir>
@@ -41,9 +42,7 @@ protected:
 
     QByteArray contents(const QString& name) const
     {
-        QFile file(files.path(name));
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << qPrintable(name);
-        return file.readAll();
+        return testing_support::requiredContents(files.path(name));
     }
 
     /// The page of a trace; its picture stands beside it.

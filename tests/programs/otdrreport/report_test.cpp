@@ -183,7 +183,7 @@ TEST(Report, FileWithoutEventsHasNone)
     const Report said = report(sketch);
     EXPECT_TRUE(said.events.isEmpty());
     EXPECT_TRUE(std::isnan(said.spanLength_m));
-    EXPECT_FALSE(said.chart.isEmpty);
+    EXPECT_FALSE(said.chart.path.isEmpty());
 }
 
 TEST(Report, TellsWhatWasOddAboutTheFile)

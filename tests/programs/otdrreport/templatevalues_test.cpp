@@ -126,17 +126,6 @@ TEST(TemplateValues, ChartWithoutDistancesHasNeitherMarksNorTicksOfThem)
     EXPECT_FALSE(event(all, 1).contains("left_percent"));
 }
 
-TEST(TemplateValues, ChartWithoutSamplesSaysSoAndNothingElse)
-{
-    const TraceFiles files;
-    const Reflectogram refl(files.write("plain.sor", SorSketch::plain()));
-    otdrreport::Report report = otdrreport::reportOf(*refl.state());
-    report.chart = {};
-    const QVariantHash all = otdrreport::templateValues(report, "png", "plain.png");
-    EXPECT_EQ(all["chart"].toHash(), QVariantHash({{"empty", true}}));
-    EXPECT_FALSE(event(all, 1).contains("left_percent"));
-}
-
 void collectNames(const QVariant& value, const QString& path, QStringList& names)
 {
     if (value.type() == QVariant::Hash) {

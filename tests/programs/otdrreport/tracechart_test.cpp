@@ -169,11 +169,6 @@ TEST(TraceChart, SamplesOfALongTraceStandInTheMiddleOfTheirStretch)
     EXPECT_EQ(stretches, std::ceil(static_cast<double>(state->trace->size()) / stretch - 1e-6));
 }
 
-TEST(TraceChart, WithoutSamplesThereIsNone)
-{
-    EXPECT_TRUE(chartOf(TraceState(), {}, kUnknown).isEmpty);
-}
-
 TEST(MarkRows, NumbersOfNearEventsStandAboveEachOther)
 {
     EXPECT_EQ(markRows({0.0, 10.0, 20.0}, 5.0), QVector<int>({0, 0, 0}));

@@ -1,4 +1,5 @@
 #include "programs/wfgather/fibrefile.h"
+#include "tests/support/requiredcontents.h"
 
 #include <QDir>
 #include <QFile>
@@ -46,9 +47,7 @@ std::string eventError(const QByteArray& event)
 
 QByteArray demoJson()
 {
-    QFile file(WAVEFORM_FIBRES "/demo-link.json");
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-    return file.readAll();
+    return testing_support::requiredContents(WAVEFORM_FIBRES "/demo-link.json");
 }
 
 } // namespace

@@ -96,7 +96,7 @@ TEST(Gather, BothWavelengthsAreTwoTracesEachWithItsAnalysis)
                             "M { 2/2", "M * RT 0 ET 1", "M }", "A {", "A }", "G }"));
     EXPECT_THAT(messages[2], HasSubstr("wavelength 1310 duration 1 ior 1.4677"));
     EXPECT_THAT(messages[2], HasSubstr("rbs -79.5"));
-    EXPECT_THAT(messages[7], HasSubstr("wavelength 1550 duration 1 ior 1.4682"));
+    EXPECT_THAT(messages[7], HasSubstr("wavelength 1550 duration 1 ior 1.4683"));
     EXPECT_THAT(messages[7], HasSubstr("rbs -81.9"));
     EXPECT_EQ(gather.wait(), 0);
     EXPECT_EQ(directory.snapshot()->sequence, 2U);

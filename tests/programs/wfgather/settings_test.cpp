@@ -93,7 +93,7 @@ TEST_F(SettingsFile, AnEmptyFileIsTheDefaultMeasurement)
     EXPECT_EQ(settings->distance_m, 10000.0);
     EXPECT_THAT(settings->wavelengths_nm, ElementsAre(1310));
     EXPECT_EQ(settings->ior1310, 1.4677);
-    EXPECT_EQ(settings->ior1550, 1.4682);
+    EXPECT_EQ(settings->ior1550, 1.4683);
     EXPECT_EQ(settings->helix_percent, 0.0);
     EXPECT_FALSE(settings->backscatter_dB);
     EXPECT_EQ(settings->fibre, "");

@@ -264,6 +264,36 @@ TEST(SorWriter, MakesAVersion2FileOfVersion1)
     EXPECT_EQ(again.fxd.acquisitionRangeDistance, 40'844);
 }
 
+TEST(SorWriter, WritesNoBlockThatAFileOfVersion1DoesNotHave)
+{
+    SorSketch sketch = SorSketch::plain();
+    sketch.version = 1;
+    sketch.leftOut = {"SupParams", "FxdParams", "KeyEvents"};
+    sketch.gen.userOffset = 5000;
+    sor::File file = readBack(sketch.build());
+    const sor::File again = readBack(written(file));
+    EXPECT_THAT(names(again), ElementsAre("GenParams", "DataPts", "Cksum"));
+    EXPECT_FALSE(again.hasFxd);
+    EXPECT_EQ(again.gen.userOffset, 5000);
+    EXPECT_EQ(again.gen.userOffsetDistance, 0) << "nobody knows how fast the light was";
+    file.fxd.groupIndex = 147'000;
+    EXPECT_THAT(names(readBack(written(file))),
+                ElementsAre("GenParams", "FxdParams", "DataPts", "Cksum"))
+        << "what was told since";
+}
+
+TEST(SorWriter, TellsNoDistanceOfVersion1WithoutAGroupIndex)
+{
+    SorSketch sketch = SorSketch::plain();
+    sketch.version = 1;
+    sketch.gen.userOffset = 5000;
+    sketch.fxd.groupIndex = 0;
+    const sor::File again = readBack(written(readBack(sketch.build())));
+    EXPECT_EQ(again.fxd.groupIndex, 0U);
+    EXPECT_EQ(again.gen.userOffsetDistance, 0);
+    EXPECT_EQ(again.fxd.acquisitionRangeDistance, 0);
+}
+
 sor::File newTrace()
 {
     const SorSketch sketch = SorSketch::plain();
