@@ -8,6 +8,10 @@ set_target_properties(detection_compare PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CM
 waveform_program(detection_drawn SOURCES detection_drawn.cpp DEPENDS otdr_core)
 set_target_properties(detection_drawn PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bench)
 
+# Whether it tells the same of traces that were changed a little.
+waveform_program(detection_changed SOURCES detection_changed.cpp DEPENDS otdr_core)
+set_target_properties(detection_changed PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bench)
+
 # Simulated links whose truth is known, and what counts as found of it.
 waveform_library(detection_links
     SOURCES
