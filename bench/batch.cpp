@@ -121,7 +121,9 @@ int detectAll(int argc, char** argv)
                                 {axis.sampleInterval_ns, axis.firstSample_ns});
         const double metresPerNs = otdr::metresPerNs(otdr::sor::groupIndex(*file));
         const auto found =
-            otdr::detectEvents(trace, {pulse_ns, metresPerNs, otdr::sor::backscatter_dB(*file)},
+            otdr::detectEvents(trace,
+                               {pulse_ns, metresPerNs, otdr::sor::backscatter_dB(*file),
+                                otdr::sor::nominalWavelength_nm(*file)},
                                otdr::sor::storedThresholds(*file));
         events += found.events.size();
     }

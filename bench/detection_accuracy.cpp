@@ -62,8 +62,8 @@ public:
             snapshot.samples, snapshot.dbPerCount(),
             otdr::TraceAxis {snapshot.sampleInterval_ns, snapshot.firstSample_ns});
         interval_ns = snapshot.sampleInterval_ns;
-        found =
-            otdr::detectEvents(*trace, {row.pulse_ns, otdr::metresPerNs(kIor), kBackscatter_dB});
+        found = otdr::detectEvents(
+            *trace, {row.pulse_ns, otdr::metresPerNs(kIor), kBackscatter_dB, kWavelength_nm});
         pulse = row.pulse_ns / interval_ns;
         const double tau = gather::timeConstant_ns(row.pulse_ns);
         const double alike = std::exp(-interval_ns / tau);

@@ -277,7 +277,7 @@ Original originalOf(const std::string& path, const otdr::sor::File& file)
     record.axis = {axis.sampleInterval_ns > 0.0 ? axis.sampleInterval_ns : 1.0,
                    axis.firstSample_ns};
     record.measurement = {otdr::sor::pulse_ns(file), otdr::metresPerNs(otdr::sor::groupIndex(file)),
-                          otdr::sor::backscatter_dB(file)};
+                          otdr::sor::backscatter_dB(file), otdr::sor::nominalWavelength_nm(file)};
     record.settings = otdr::sor::storedThresholds(file);
     for (const std::uint16_t raw : file.data.samples) {
         record.levels_dB.push_back((otdr::kNoSignal - raw) * record.dbPerCount);

@@ -81,9 +81,10 @@ public:
     {
         const auto start = std::chrono::steady_clock::now();
         const double pulse_ns = otdr::sor::pulse_ns(file);
-        detection =
-            otdr::detectEvents(trace, {pulse_ns, metresPerNs, otdr::sor::backscatter_dB(file)},
-                               otdr::sor::storedThresholds(file));
+        detection = otdr::detectEvents(trace,
+                                       {pulse_ns, metresPerNs, otdr::sor::backscatter_dB(file),
+                                        otdr::sor::nominalWavelength_nm(file)},
+                                       otdr::sor::storedThresholds(file));
         const std::chrono::duration<double, std::milli> took =
             std::chrono::steady_clock::now() - start;
         std::printf(

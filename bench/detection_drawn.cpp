@@ -84,7 +84,7 @@ public:
         , axis(axisOf(file))
         , settings(otdr::sor::storedThresholds(file))
         , measurement {otdr::sor::pulse_ns(file), otdr::metresPerNs(otdr::sor::groupIndex(file)),
-                       otdr::sor::backscatter_dB(file)}
+                       otdr::sor::backscatter_dB(file), otdr::sor::nominalWavelength_nm(file)}
         , plain(otdr::RawSamples(counts), dbPerCount, axis)
         , search(plain, measurement, settings)
         , before(otdr::detectEvents(plain, measurement, settings))

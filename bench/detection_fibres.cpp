@@ -77,7 +77,7 @@ public:
         , trace(otdr::RawSamples(record.counts), record.dbPerCount, record.axis)
         , found(otdr::detectEvents(trace,
                                    {odd.instrument.pulse_ns, otdr::metresPerNs(accuracy::kIor),
-                                    odd.instrument.backscatter_dB}))
+                                    odd.instrument.backscatter_dB, odd.wavelength_nm}))
     {
         match();
     }

@@ -101,6 +101,7 @@ OddLink oneSlope(Random& random)
 OddLink multimode(Random& random)
 {
     OddLink link = plain(random, 10.0, 16.0, draw(random, 300.0, 2000.0));
+    link.wavelength_nm = 850;
     link.fibre.sections.front().attenuation_dBPerKm = Spectrum(2.5);
     double at_m = draw(random, 30.0, 150.0);
     for (; at_m < link.fibre.length_m() - 20.0; at_m += draw(random, 30.0, 500.0)) {

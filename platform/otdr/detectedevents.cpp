@@ -93,7 +93,7 @@ Event fibreOf(const otdr::DetectedSection& section, const Places& places)
 
 otdr::Measurement measurementOf(const TraceState& state)
 {
-    return {state.pulse_ns, state.metresPerNs(), state.backscatter_dB};
+    return {state.pulse_ns, state.metresPerNs(), state.backscatter_dB, state.wavelength_nm};
 }
 
 bool isListed(const otdr::DetectedEvent& found)

@@ -16,6 +16,7 @@ struct Measurement
     double metresPerNs = 0.0; ///< of fibre for a nanosecond of round-trip time
     double backscatter_dB =
         std::numeric_limits<double>::quiet_NaN(); ///< coefficient at 1 ns; NaN where unknown
+    int wavelength_nm = 0; ///< of the light; 0 where unknown
 };
 
 /// What counts as an event. The defaults suit single-mode links.

@@ -2,6 +2,7 @@
 
 #include "platform/otdr/core/eventfit.h"
 #include "platform/otdr/core/eventscan.h"
+#include "platform/otdr/core/fibrebehind.h"
 #include "platform/otdr/core/reflectance.h"
 #include "platform/otdr/core/timeconstant.h"
 #include "platform/otdr/core/trace.h"
@@ -61,6 +62,9 @@ constexpr double kUnscannedGaps = 1.5;
 /// Lines beside an event are sought in no less, however far apart the samples lie.
 constexpr double kFewestSamples = 8.0;
 
+/// From this wavelength on no fibre falls as steeply as those for 850 nm do.
+constexpr int kLongWaves_nm = 1200;
+
 SearchScale scaleOf(const Trace& trace, const Measurement& measurement,
                     const DetectionSettings& settings)
 {
@@ -71,6 +75,9 @@ SearchScale scaleOf(const Trace& trace, const Measurement& measurement,
     scale.timeConstant = std::max(PulseShape::kUsualTimeConstant * scale.pulse,
                                   PulseShape::kShortestTimeConstant_ns / interval_ns);
     scale.kilometre = spacing_m > 0.0 ? 1000.0 / spacing_m : 0.0;
+    if (scale.kilometre > 0.0 && measurement.wavelength_nm >= kLongWaves_nm) {
+        scale.steepest_dB = kSteepFibre_dBPerKm / scale.kilometre;
+    }
     const auto size = static_cast<double>(trace.size());
     scale.longestWindow = spacing_m > 0.0
         ? std::min(size, std::max(kFewestSamples, settings.longestWindow_m / spacing_m))

@@ -82,10 +82,16 @@ EventSites::EventSites(const FibreTrace& trace, double first, double end)
 
 void EventSites::findUsualSlope()
 {
-    usualSlope_dB = fibreTrace->usualSlope_dB(first, end);
+    takeUsualSlope(fibreTrace->usualSlope_dB(first, end));
     const double kilometre = fibreTrace->scale().kilometre;
     slopeSpread_dB = kilometre > 0.0 ? kSlopeSpread_dBPerKm / kilometre
                                      : kSlopeSpreadPart * std::abs(usualSlope_dB);
+}
+
+/// Where events stand close everywhere, what lies between them seems to fall by their losses.
+void EventSites::takeUsualSlope(double slope_dB)
+{
+    usualSlope_dB = std::max(slope_dB, -fibreTrace->scale().steepest_dB);
 }
 
 double EventSites::fibreFrom(std::size_t k) const
@@ -240,7 +246,7 @@ void EventSites::learnUsualSlope()
     for (const auto& [slope_dB, weight] : slopes) {
         sum += weight;
         if (sum >= 0.5 * total) {
-            usualSlope_dB = slope_dB;
+            takeUsualSlope(slope_dB);
             return;
         }
     }

@@ -171,6 +171,7 @@ private:
     void refinePeak(Site& site, double least, double most) const;
     [[nodiscard]] std::optional<SideLine> side(double from, double to) const;
     void findUsualSlope();
+    void takeUsualSlope(double slope_dB);
     void learnUsualSlope();
     void findBorders(double loss_dB, double significance);
 

@@ -6,6 +6,7 @@
 #include "platform/otdr/core/tailfit.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <iterator>
 #include <optional>
@@ -33,12 +34,17 @@ bool EventSites::isBehindBright(std::size_t k) const
     return k == 0 || brightness_dB(places[k - 1], fibreTo(k)) >= kBright_dB;
 }
 
-/// What is known of the slope beforehand: nothing where the fibre seems to fall as none does.
+/// What is known of the slope beforehand. Where the fibre seems to fall as none does, no more than
+/// that it falls like one.
 UsualSlope EventSites::usual() const
 {
     const double kilometre = fibreTrace->scale().kilometre;
-    const bool isFibre = kilometre > 0.0 && -usualSlope_dB * kilometre <= kSteepFibre_dBPerKm;
-    return isFibre ? UsualSlope {usualSlope_dB, slopeSpread_dB} : UsualSlope {};
+    if (kilometre > 0.0 && -usualSlope_dB * kilometre < kSteepFibre_dBPerKm) {
+        return {usualSlope_dB, slopeSpread_dB};
+    }
+    const double steepest_dB = fibreTrace->scale().steepest_dB;
+    return std::isfinite(steepest_dB) ? UsualSlope {-0.5 * steepest_dB, 0.25 * steepest_dB}
+                                      : UsualSlope {};
 }
 
 /// Pieces of the fibre from piece k on, as far as one tail may reach: no further than to brighter

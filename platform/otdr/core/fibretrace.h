@@ -4,6 +4,7 @@
 #include "platform/otdr/core/noise.h"
 #include "platform/otdr/core/pulseshape.h"
 
+#include <limits>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -19,6 +20,9 @@ struct SearchScale
     double timeConstant = 0.0; ///< of the receiver, samples
     double longestWindow = 0.0; ///< of a line beside an event, samples
     double kilometre = 0.0; ///< samples in a kilometre; 0 where it is not known
+
+    /// Fibre falls by no more than this from one sample to the next, dB.
+    double steepest_dB = std::numeric_limits<double>::infinity();
 };
 
 /// A line through the fibre on one side of an event, with its standard error.

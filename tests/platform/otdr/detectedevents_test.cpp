@@ -70,6 +70,17 @@ TraceState handState(double zero = 0.0)
     return stateOf(TraceBuilder().fibre(4_km), zero);
 }
 
+TEST(DetectedEvents, TheSearchIsToldWhatTheTraceTells)
+{
+    TraceState state = stateOf(TraceBuilder().fibre(1_km));
+    state.wavelength_nm = 1625;
+    const otdr::Measurement told = measurementOf(state);
+    EXPECT_EQ(told.pulse_ns, state.pulse_ns);
+    EXPECT_EQ(told.metresPerNs, state.metresPerNs());
+    EXPECT_EQ(told.backscatter_dB, state.backscatter_dB);
+    EXPECT_EQ(told.wavelength_nm, 1625);
+}
+
 TEST(DetectedEvents, NothingIsFoundWithoutATrace)
 {
     const TraceState nothing;

@@ -63,6 +63,23 @@ TEST(EventSearch, CountsInSamples)
     EXPECT_DOUBLE_EQ(scale.timeConstant, 1.6);
 }
 
+/// Multimode fibre falls by some dB/km at 850 nm; at the long wavelengths none falls by more than
+/// 0.7.
+TEST(EventSearch, KnowsByTheWavelengthHowSteepFibreMayBe)
+{
+    const DrawnFibre link = linkOf({}, 1.6);
+    const auto steepestAt = [&](int wavelength_nm, double metresPerNs) {
+        otdr::Measurement at = measurement(metresPerNs);
+        at.wavelength_nm = wavelength_nm;
+        return EventSearch(link->samples(), at, {}).trace().scale().steepest_dB;
+    };
+    EXPECT_DOUBLE_EQ(steepestAt(1310, 0.1), 0.7 / 10'000.0);
+    EXPECT_DOUBLE_EQ(steepestAt(1625, 0.1), 0.7 / 10'000.0);
+    EXPECT_TRUE(std::isinf(steepestAt(850, 0.1)));
+    EXPECT_TRUE(std::isinf(steepestAt(0, 0.1))) << "unknown";
+    EXPECT_TRUE(std::isinf(steepestAt(1550, 0.0))) << "no metres";
+}
+
 TEST(EventSearch, LinesAreNoLongerThanTheTraceAndNoShorterThanEightSamples)
 {
     const DrawnFibre link = linkOf({}, 1.6);

@@ -158,6 +158,22 @@ TEST(EventSites, OfTwoPiecesKnownAsWellTheSteeperHasTheUsualSlope)
     }
 }
 
+/// Where much is lost everywhere, what lies between losses seems to fall as no fibre does.
+TEST(EventSites, TheUsualSlopeIsNoSteeperThanFibreIs)
+{
+    const auto between = [](double steepest_dB) {
+        otdr::SearchScale scale = scaleOf(kSitesPulse, 2000.0);
+        scale.steepest_dB = steepest_dB;
+        const DrawnFibre fibre(6000, scale, [](double i) { return 40.0 - 0.001 * i; });
+        EventSites sites(*fibre, 100.0, 5770.0);
+        sites.add({siteAt(fibre, 2900.0), siteAt(fibre, 2938.0)});
+        sites.measure();
+        return sites.fibre(1)->line.slope_dB;
+    };
+    EXPECT_NEAR(between(0.002), -0.001, 1e-6);
+    EXPECT_DOUBLE_EQ(between(0.0005), -0.0005);
+}
+
 TEST(EventSites, AStretchTakesItsOwnSlopeWhereItIsSurerOfThat)
 {
     const auto level = [](double i) {

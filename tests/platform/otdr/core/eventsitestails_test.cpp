@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <cstddef>
+#include <limits>
 #include <vector>
 
 namespace {
@@ -140,6 +141,34 @@ TEST(EventSites, WhatATailHidesIsListedOnceItIsTakenAway)
     EXPECT_NEAR(sites.sites()[1].loss_dB, -0.1, 4.0 * sites.sites()[1].error_dB);
     sites.takeTailsAway(0.15, kTailErrors);
     EXPECT_TRUE(sites.sites()[1].isBorder);
+}
+
+/// Where all the fibre there is lies in a tail, it seems to fall as none does; that it falls like
+/// fibre is known all the same, at the long wavelengths.
+TEST(EventSites, FibreThatIsAllTailFallsLikeFibre)
+{
+    constexpr double kKilometre = 4000.0;
+    const auto lossWith = [&](double steepest_dB) {
+        otdr::SearchScale scale = scaleOf(kSitesPulse, kKilometre);
+        scale.steepest_dB = steepest_dB;
+        const DrawnFibre fibre(
+            3000, scale,
+            [=](double i) {
+                const double level_dB = 40.0 - 0.3 / kKilometre * i - (i < 600.0 ? 0.0 : 0.2);
+                const double tail = 0.5 * std::pow(10.0, 40.0 / 5.0) * std::exp(-i / 300.0);
+                return 5.0 * std::log10(std::pow(10.0, level_dB / 5.0) + tail);
+            },
+            8.0 * kTailedNoise_dB);
+        EventSites sites(*fibre, 60.0, 1200.0);
+        sites.add({siteAt(fibre, 600.0)});
+        sites.measure();
+        sites.takeTailsAway(kLeastListed_dB, kTailErrors);
+        return sites.sites().front();
+    };
+    const otdr::Site known = lossWith(0.7 / kKilometre);
+    EXPECT_NEAR(known.left->line.slope_dB, -0.3 / kKilometre, 4.0 * known.left->slopeError_dB);
+    const otdr::Site unknown = lossWith(std::numeric_limits<double>::infinity());
+    EXPECT_LT(known.left->slopeError_dB, 0.5 * unknown.left->slopeError_dB);
 }
 
 /// Light of less than ten times the fibre's leaves nothing that counts.
