@@ -59,6 +59,7 @@ otdr::Measurement DetectionInput::measurement() const
 {
     otdr::Measurement measurement;
     measurement.pulse_ns = pulse_ns;
+    measurement.wavelength_nm = 1550;
     // An index that cannot be is replaced before the search, as it is when a file is read.
     constexpr unsigned kLowest = 13000;
     constexpr unsigned kHighest = 17000;
