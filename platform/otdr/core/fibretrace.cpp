@@ -131,7 +131,8 @@ double launchOf(const Trace& trace, double pulse)
 double SideLine::errorAt_dB(double index) const
 {
     const auto n = static_cast<double>(line.samples);
-    return std::hypot(sigma_dB * std::sqrt(weight / n), slopeError_dB * (index - line.centre));
+    return std::hypot(sigma_dB * std::sqrt(weight / n),
+                      slopeError_dB * (index - line.centre - surest));
 }
 
 FibreTrace::FibreTrace(const Trace& trace, const SearchScale& scale)

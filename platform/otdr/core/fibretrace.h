@@ -32,11 +32,12 @@ struct SideLine
     double sigma_dB = 0.0; ///< of a sample about it
     double weight = 1.0; ///< by how much the noise of neighbours is alike, see NoiseProfile
     double slopeError_dB = 0.0; ///< standard error of the slope, by the sample
+    double surest = 0.0; ///< from its middle to where its level is known best, samples
 
     [[nodiscard]] double at(double index) const { return line.at(index); }
 
-    /// Standard error of the line at an index, dB: that of its middle, s sqrt(m / N), and that of
-    /// its slope, s sqrt(m / Sxx), times the distance from there.
+    /// Standard error of the line at an index, dB: that where it is surest, s sqrt(m / N), and that
+    /// of its slope, s sqrt(m / Sxx), times the distance from there.
     [[nodiscard]] double errorAt_dB(double index) const;
 };
 

@@ -1,6 +1,7 @@
 #include "platform/otdr/core/tailfit.h"
 
 #include "platform/otdr/core/decibels.h"
+#include "platform/otdr/core/samplerange.h"
 #include "platform/otdr/core/trace.h"
 
 #include <algorithm>
@@ -24,11 +25,11 @@ constexpr double kFastest = 0.5;
 constexpr double kSlowest = 20.0;
 constexpr double kRatio = 1.32;
 constexpr int kConstants = 14;
-constexpr int kHalvings = 6;
+constexpr int kHalvings = 4;
 
 /// The slopes of the fibre are told so many times more, each from the last; of a line that seems so
 /// much brighter than it the fibre is not seen.
-constexpr int kRounds = 2;
+constexpr int kRounds = 4;
 constexpr double kLeastPower = 0.05;
 
 /// By what part of it the time constant is changed to see what it tells.
@@ -78,10 +79,9 @@ TailFit::TailFit(const FibreTrace& trace, const std::vector<Piece>& given, const
     : usual(usual)
     , origin(given.front().front().first)
 {
-    const bool isUsual = std::isfinite(usual.spread_dB);
     for (const Piece& piece : given) {
         pieces.push_back(
-            meansOf(trace, piece, isUsual ? std::optional(usual.slope_dB) : std::nullopt));
+            meansOf(trace, piece, usual.isKnown() ? std::optional(usual.slope_dB) : std::nullopt));
         if (pieces.back().means.size() < kFewestMeans) {
             return;
         }
@@ -109,25 +109,28 @@ TailFit::Means TailFit::meansOf(const FibreTrace& trace, const Piece& piece,
 {
     Means result;
     const auto line = trace.fit(piece.front().first, piece.back().second);
-    if (!line || !(line->sigma_dB > 0.0)) {
+    if (!line) {
         return result;
     }
     result.line = *line;
     result.line.line.slope_dB = slope_dB.value_or(line->line.slope_dB);
+    // By the noise in its middle: beside bright light its own is told with the tail in it.
     const double variance = line->weight * std::pow(line->sigma_dB * kNepersPerDb, 2);
     const double finest = std::max(1.0, std::floor(kFinestPulses * trace.scale().pulse));
     for (const auto& [from, last] : piece) {
+        const SampleRange range = samplesBetween(from, last, trace.samples().size());
+        const auto end = static_cast<double>(range.last);
         double to = 0.0;
-        for (double at = std::ceil(from); at < last; at = to) {
+        for (auto at = static_cast<double>(range.first); at < end; at = to) {
             const double length = std::max(finest, std::floor(kPartOfWay * (at - origin)));
-            to = std::min(std::ceil(last), at + length);
+            to = std::min(end, at + length);
             const double middle = 0.5 * (at + to - 1.0);
             const double power = powerRatio(trace.mean_dB(at, to) - result.line.at(middle));
             result.add(
                 {middle - line->line.centre, power - 1.0, (to - at) / (power * power * variance)});
         }
     }
-    if (std::isfinite(usual.spread_dB)) {
+    if (usual.isKnown()) {
         // What is known of the slope beforehand is one more value, and no tail has a part in it.
         const double weight = 1.0 / std::pow(usual.spread_dB * kNepersPerDb, 2);
         const double slope = (usual.slope_dB - result.line.line.slope_dB) * kNepersPerDb;
@@ -159,8 +162,8 @@ std::optional<double> TailFit::slopeOf_dB(const Means& piece) const
 double TailFit::shareOf(const Means& piece, const Mean& mean, double constant) const
 {
     const double at = piece.line.line.centre + mean.at;
-    return std::exp((origin - at) / constant)
-        * powerRatio(pieces.front().line.at(origin) - piece.line.at(at));
+    const double over_dB = pieces.front().line.at(origin) - piece.line.at(at);
+    return std::exp((origin - at) / constant + over_dB * kNepersPerDb);
 }
 
 TailFit::Function TailFit::sharesOf(const Means& piece, double constant) const
@@ -187,7 +190,7 @@ TailFit::Tail TailFit::tailWith(double constant) const
             shareSquares += mean.weight * value * value;
             crossed += mean.weight * value * mean.over;
         }
-        squares += piece.lightSquares - piece.through(piece.light).of(piece.light);
+        squares += std::max(0.0, piece.lightSquares - piece.through(piece.light).of(piece.light));
         product += crossed - piece.through(piece.light).of(share);
         shown += std::max(0.0, shareSquares - piece.through(share).of(share));
     }
@@ -214,15 +217,25 @@ void TailFit::findTail(double pulse)
     refine(pulse);
 }
 
-/// Looks beside the best time constant, ever closer.
+/// Looks beside the best time constant, ever closer, and at last where the parabola through the
+/// best of them and both beside it is least: bright tails tell it better than any steps do.
 void TailFit::refine(double pulse)
 {
+    const auto lookAt = [&](double constant) {
+        look(std::clamp(constant, kFastest * pulse, kSlowest * pulse));
+    };
     double ratio = kRatio;
     for (int k = 0; k < kHalvings; ++k) {
         ratio = std::sqrt(ratio);
         const double best = tail.constant;
-        look(std::min(best * ratio, kSlowest * pulse));
-        look(std::max(best / ratio, kFastest * pulse));
+        lookAt(best * ratio);
+        lookAt(best / ratio);
+    }
+    const double slower = tailWith(tail.constant * ratio).squares;
+    const double faster = tailWith(tail.constant / ratio).squares;
+    const double bend = slower + faster - 2.0 * tail.squares;
+    if (bend > 0.0) {
+        lookAt(tail.constant * std::pow(ratio, 0.5 * (faster - slower) / bend));
     }
 }
 
@@ -254,7 +267,8 @@ double TailFit::likenessOfNeighbours() const
 
 double TailFit::squaresByFreedom() const
 {
-    double freedom = -2.0 * static_cast<double>(pieces.size() + 1);
+    // Taken by the tail, and by level and slope of each piece; what is known of that tells it too.
+    double freedom = -2.0 - (usual.isKnown() ? 1.0 : 2.0) * static_cast<double>(pieces.size());
     for (const Means& piece : pieces) {
         freedom += static_cast<double>(piece.means.size());
     }
@@ -290,19 +304,22 @@ std::optional<SideLine> TailFit::fibre(std::size_t index) const
     // What the line's own means tell, the brightness of the tail, and its time constant.
     const Straight byTail = piece.through(sharesOf(piece, tail.constant));
     const Straight byConstant = errorOfConstant(piece);
-    const auto error_dB = [&](double own, double part, double constant) {
-        const double variance = own + part * part * tail.variance + constant * constant;
-        return std::sqrt(misfit() * variance) / power * kDbPerNeper;
+    const double toDb = kDbPerNeper / power;
+    const auto product = [&](double own, double Straight::*one, double Straight::*other) {
+        return misfit() * toDb * toDb
+            * (own / piece.determinant() + byTail.*one * byTail.*other * tail.variance
+               + byConstant.*one * byConstant.*other);
     };
-    const double level_dB =
-        error_dB(piece.spread / piece.determinant(), byTail.level, byConstant.level);
+    const double level = product(piece.spread, &Straight::level, &Straight::level);
+    const double both = product(-piece.moment, &Straight::level, &Straight::slope);
+    const double slope = product(piece.weight, &Straight::slope, &Straight::slope);
     SideLine result = piece.line;
     result.line.level_dB += levelOfRatio_dB(power);
-    result.line.slope_dB += fibre.slope / power * kDbPerNeper;
-    result.weight =
-        std::pow(level_dB / result.sigma_dB, 2) * static_cast<double>(result.line.samples);
-    result.slopeError_dB =
-        error_dB(piece.weight / piece.determinant(), byTail.slope, byConstant.slope);
+    result.line.slope_dB += fibre.slope * toDb;
+    result.slopeError_dB = std::sqrt(slope);
+    result.surest = -both / slope;
+    result.weight = std::max(0.0, level - both * both / slope)
+        * static_cast<double>(result.line.samples) / (result.sigma_dB * result.sigma_dB);
     return result;
 }
 

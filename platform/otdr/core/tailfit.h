@@ -2,6 +2,7 @@
 
 #include "platform/otdr/core/fibretrace.h"
 
+#include <cmath>
 #include <cstddef>
 #include <limits>
 #include <optional>
@@ -16,6 +17,8 @@ struct UsualSlope
 {
     double slope_dB = 0.0;
     double spread_dB = std::numeric_limits<double>::infinity();
+
+    [[nodiscard]] bool isKnown() const { return std::isfinite(spread_dB); }
 };
 
 /// The tail that brighter light leaves in the receiver, on the straight pieces of fibre behind it.

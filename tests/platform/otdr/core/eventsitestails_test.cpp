@@ -20,10 +20,12 @@ constexpr double kTailErrors = 5.0;
 
 /// Fibre with a bright reflection at 2000 that leaves a tail of a fifth of the fibre's light, with
 /// a time constant of seven pulses.
-DrawnFibre tailedFibre(const std::vector<DrawnEvent>& events)
+DrawnFibre tailedFibre(const std::vector<DrawnEvent>& events, double longestWindow = 1e6)
 {
     const DrawnFibre plain = fibreWith(events, kTailedNoise_dB);
-    return {6000, scaleOf(kSitesPulse, 1000.0), [&](double i) {
+    otdr::SearchScale scale = scaleOf(kSitesPulse, 1000.0);
+    scale.longestWindow = longestWindow;
+    return {6000, scale, [&](double i) {
                 const double level = plain->samples().level_dB(static_cast<std::size_t>(i));
                 const double tail = i < kBrightAt ? 0.0
                                                   : 0.2 * std::pow(10.0, 39.0 / 5.0)
@@ -58,6 +60,48 @@ TEST(EventSites, WhatATailAloneExplainsIsDropped)
     EXPECT_EQ(placesOf(sites), std::vector<double> {kBrightAt});
     EXPECT_GT(sites.sites()[0].right->line.samples, 3000u) << "its line goes on now";
     EXPECT_FALSE(sites.dropTails());
+}
+
+/// Wherever on the tail that is; nor by the waves of the fibre.
+TEST(EventSites, NothingStandsOnATailByChance)
+{
+    const DrawnFibre even = tailedFibre({kBrightEvent});
+    const DrawnFibre wavy(6000, scaleOf(kSitesPulse, 1000.0), [&](double i) {
+        return even->samples().level_dB(static_cast<std::size_t>(i)) + 0.005 * std::cos(i / 100.0);
+    });
+    for (const DrawnFibre* fibre : {&even, &wavy}) {
+        for (double at = 2150.0; at < 2700.0; at += 10.0) {
+            EventSites sites = tailedSites(*fibre, {at});
+            sites.dropTails();
+            const bool isDropped = sites.sites().size() == 1;
+            EXPECT_FALSE(!isDropped && sites.sites()[1].standsOnTail) << at;
+        }
+    }
+}
+
+/// What is lost in front of it is known by then.
+TEST(EventSites, WhatATailAloneExplainsIsDroppedBehindALossToo)
+{
+    const DrawnFibre fibre = tailedFibre({kBrightEvent, {2250.0, 0.1}});
+    EventSites sites = tailedSites(fibre, {2250.0, 2450.0});
+    EXPECT_TRUE(sites.dropTails());
+    EXPECT_EQ(placesOf(sites), (std::vector<double> {kBrightAt, 2250.0}));
+}
+
+/// Light that stands there is no tail.
+TEST(EventSites, WhatReflectsOnATailIsNot)
+{
+    const DrawnFibre fibre = tailedFibre({kBrightEvent, {2250.0, 0.0, 1.0}});
+    EventSites reflecting = tailedSites(fibre, {});
+    reflecting.add({peakAt(fibre, 2250.0, 1.0)});
+    reflecting.measure();
+    EXPECT_FALSE(reflecting.dropTails());
+    EventSites glowing = tailedSites(fibre, {});
+    otdr::Site site = siteAt(fibre, 2250.0);
+    site.glows = true;
+    glowing.add({site});
+    glowing.measure();
+    EXPECT_FALSE(glowing.dropTails());
 }
 
 TEST(EventSites, WhatIsLostOnATailIsNot)
@@ -179,6 +223,37 @@ TEST(EventSites, OnlyBrightLightLeavesATail)
     const double before_dB = sites.sites()[0].loss_dB;
     sites.takeTailsAway(kLeastListed_dB, kTailErrors);
     EXPECT_EQ(sites.sites()[0].loss_dB, before_dB);
+    const DrawnFibre brighter = tailedFibre({{kBrightAt, 0.2, 6.0}});
+    EventSites told = tailedSites(brighter, {}, 6.0);
+    EXPECT_GT(std::abs(told.sites()[0].loss_dB - 0.2), 0.005);
+    told.takeTailsAway(kLeastListed_dB, kTailErrors);
+    EXPECT_NEAR(told.sites()[0].loss_dB, 0.2, 4.0 * told.sites()[0].error_dB);
+}
+
+/// What lies further on than a line may reach has its own.
+TEST(EventSites, LinesOnATailAreNoLongerThanOthers)
+{
+    const DrawnFibre fibre = tailedFibre({kBrightEvent, {3500.0, 0.1}}, 700.0);
+    EventSites sites = tailedSites(fibre, {3500.0});
+    const double before_dB = sites.sites()[1].left->at(3500.0);
+    sites.takeTailsAway(kLeastListed_dB, kTailErrors);
+    EXPECT_LE(sites.sites()[0].right->line.samples, 700u);
+    EXPECT_LT(sites.sites()[0].right->line.last(), 3000.0);
+    EXPECT_EQ(sites.sites()[1].left->at(3500.0), before_dB);
+}
+
+/// Two places with next to nothing between them take no tail from the fibre in front.
+TEST(EventSites, ATailIsToldByTheFibreUpToCrowdedPlaces)
+{
+    const DrawnFibre fibre = tailedFibre({kBrightEvent, {2600.0, 0.3}});
+    const double next = 2600.0 + fibre->gap() + 3.0;
+    EventSites sites = tailedSites(fibre, {2600.0, next});
+    EXPECT_FALSE(sites.sites()[1].right);
+    EXPECT_GT(std::abs(sites.sites()[0].loss_dB - 0.2), 0.02);
+    sites.dropTails();
+    sites.takeTailsAway(kLeastListed_dB, kTailErrors);
+    EXPECT_NEAR(sites.sites()[0].loss_dB, 0.2, 4.0 * sites.sites()[0].error_dB);
+    EXPECT_FALSE(sites.sites()[1].right) << "where nothing was fitted nothing is";
 }
 
 } // namespace

@@ -97,6 +97,21 @@ TEST(ReflectionFeet, AreNotBehindAGapNarrowerThanThePulse)
     EXPECT_EQ(behindGap(8.0, 2.0), Feet {308.0}) << "it rises above what was before the gap";
 }
 
+/// Where a receiver swings back beyond where it would have been, it does so by no more than that.
+TEST(ReflectionFeet, AreNotWhereASwingOvershoots)
+{
+    const auto overshooting = [](double rise_dB) {
+        return feetIn([=](double behind) {
+            const double tail_dB = behind < kPulse ? 60.0 : 45.0 - 0.005 * behind;
+            const bool isGap = behind >= 300.0 && behind < 308.0;
+            const bool isUp = behind >= 308.0 && behind < 308.0 + kPulse;
+            return tail_dB - (isGap ? 5.0 : 0.0) + (isUp ? rise_dB : 0.0);
+        });
+    };
+    EXPECT_EQ(overshooting(0.4), Feet {});
+    EXPECT_EQ(overshooting(0.7), Feet {308.0});
+}
+
 TEST(ReflectionFeet, AreOfTwoWithANarrowGapBetween)
 {
     EXPECT_EQ(feetOf({{300.0, 4.0}, {326.0, 4.3}}), (Feet {300.0, 326.0}));
