@@ -16,6 +16,7 @@ waveform_test(otdr_core_numeric_test
         eventsites_test.cpp
         eventsitesbends_test.cpp
         eventsitesfit_test.cpp
+        eventsitesslopes_test.cpp
         eventsitesswings_test.cpp
         eventsitestails_test.cpp
         fibrebehind_test.cpp
