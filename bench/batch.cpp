@@ -8,12 +8,11 @@
 // time hardly changes them.
 
 #include "bench/childrun.h"
+#include "bench/measuredfile.h"
 #include "platform/otdr/core/atomicfile.h"
-#include "platform/otdr/core/constants.h"
 #include "platform/otdr/core/eventdetection.h"
 #include "platform/otdr/core/soraxis.h"
 #include "platform/otdr/core/sorreader.h"
-#include "platform/otdr/core/sorvalues.h"
 #include "platform/otdr/core/sorwriter.h"
 #include "platform/otdr/core/storedthresholds.h"
 #include "platform/otdr/core/trace.h"
@@ -111,20 +110,14 @@ int detectAll(int argc, char** argv)
         if (!file) {
             continue;
         }
-        const otdr::sor::Axis axis = otdr::sor::axisOf(*file);
-        const double pulse_ns = otdr::sor::pulse_ns(*file);
-        if (!(axis.sampleInterval_ns > 0.0) || !(pulse_ns > 0.0)) {
+        const otdr::Measurement measurement = measuredfile::measurement(*file);
+        if (!(otdr::sor::axisOf(*file).sampleInterval_ns > 0.0) || !(measurement.pulse_ns > 0.0)) {
             continue;
         }
-        const otdr::Trace trace(file->data.samples,
-                                file->data.scaleFactor * otdr::kUsualDbPerCount / 1000.0,
-                                {axis.sampleInterval_ns, axis.firstSample_ns});
-        const double metresPerNs = otdr::metresPerNs(otdr::sor::groupIndex(*file));
+        const otdr::Trace trace(file->data.samples, measuredfile::dbPerCount(*file),
+                                measuredfile::axis(*file));
         const auto found =
-            otdr::detectEvents(trace,
-                               {pulse_ns, metresPerNs, otdr::sor::backscatter_dB(*file),
-                                otdr::sor::nominalWavelength_nm(*file)},
-                               otdr::sor::storedThresholds(*file));
+            otdr::detectEvents(trace, measurement, otdr::sor::storedThresholds(*file));
         events += found.events.size();
     }
     std::printf("%zu\n", events);

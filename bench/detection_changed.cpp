@@ -7,12 +7,10 @@
 // it; new are events of 0.03 dB and more, and ends, that are not told of the trace as it is. With
 // -v each of either kind is named.
 
-#include "platform/otdr/core/constants.h"
+#include "bench/measuredfile.h"
 #include "platform/otdr/core/decibels.h"
 #include "platform/otdr/core/eventdetection.h"
-#include "platform/otdr/core/soraxis.h"
 #include "platform/otdr/core/sorreader.h"
-#include "platform/otdr/core/sorvalues.h"
 #include "platform/otdr/core/storedthresholds.h"
 #include "platform/otdr/core/trace.h"
 
@@ -269,15 +267,12 @@ void compare(const Original& original, const Record& changed, bool isNamed, Tall
 
 Original originalOf(const std::string& path, const otdr::sor::File& file)
 {
-    const otdr::sor::Axis axis = otdr::sor::axisOf(file);
     Original original;
     original.name = path.substr(path.find_last_of('/') + 1);
     Record& record = original.record;
-    record.dbPerCount = file.data.scaleFactor * otdr::kUsualDbPerCount / 1000.0;
-    record.axis = {axis.sampleInterval_ns > 0.0 ? axis.sampleInterval_ns : 1.0,
-                   axis.firstSample_ns};
-    record.measurement = {otdr::sor::pulse_ns(file), otdr::metresPerNs(otdr::sor::groupIndex(file)),
-                          otdr::sor::backscatter_dB(file), otdr::sor::nominalWavelength_nm(file)};
+    record.dbPerCount = measuredfile::dbPerCount(file);
+    record.axis = measuredfile::axis(file);
+    record.measurement = measuredfile::measurement(file);
     record.settings = otdr::sor::storedThresholds(file);
     for (const std::uint16_t raw : file.data.samples) {
         record.levels_dB.push_back((otdr::kNoSignal - raw) * record.dbPerCount);

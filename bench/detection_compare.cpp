@@ -7,9 +7,8 @@
 // the shortest pulses). The start of the span and the end of the fibre are events as well. With
 // --all every event is listed, not only the differences.
 
-#include "platform/otdr/core/constants.h"
+#include "bench/measuredfile.h"
 #include "platform/otdr/core/eventdetection.h"
-#include "platform/otdr/core/soraxis.h"
 #include "platform/otdr/core/sorreader.h"
 #include "platform/otdr/core/sorvalues.h"
 #include "platform/otdr/core/storedthresholds.h"
@@ -68,10 +67,8 @@ class Comparison
 public:
     Comparison(const otdr::sor::File& file, bool listsAll, Totals& totals)
         : file(file)
-        , axis(otdr::sor::axisOf(file))
-        , trace(file.data.samples, file.data.scaleFactor * otdr::kUsualDbPerCount / 1000.0,
-                {axis.sampleInterval_ns > 0.0 ? axis.sampleInterval_ns : 1.0, axis.firstSample_ns})
-        , metresPerNs(otdr::metresPerNs(otdr::sor::groupIndex(file)))
+        , trace(file.data.samples, measuredfile::dbPerCount(file), measuredfile::axis(file))
+        , measurement(measuredfile::measurement(file))
         , listsAll(listsAll)
         , totals(totals)
     {
@@ -80,19 +77,17 @@ public:
     void run()
     {
         const auto start = std::chrono::steady_clock::now();
-        const double pulse_ns = otdr::sor::pulse_ns(file);
-        detection = otdr::detectEvents(trace,
-                                       {pulse_ns, metresPerNs, otdr::sor::backscatter_dB(file),
-                                        otdr::sor::nominalWavelength_nm(file)},
-                                       otdr::sor::storedThresholds(file));
+        detection = otdr::detectEvents(trace, measurement, otdr::sor::storedThresholds(file));
         const std::chrono::duration<double, std::milli> took =
             std::chrono::steady_clock::now() - start;
         std::printf(
             "  %zu samples, pulse %.0f ns, %.2f ms, noise %.1f dB, span %.3f (stored %.3f), "
             "ORL %.2f (%.2f)\n",
-            trace.size(), pulse_ns, took.count(), detection.noiseFloor_dB, detection.spanLoss_dB,
-            otdr::sor::totalLoss_dB(file), detection.returnLoss_dB, otdr::sor::returnLoss_dB(file));
-        tolerance_m = std::max(pulse_ns, 2.0 * trace.axis().sampleInterval_ns) * metresPerNs;
+            trace.size(), measurement.pulse_ns, took.count(), detection.noiseFloor_dB,
+            detection.spanLoss_dB, otdr::sor::totalLoss_dB(file), detection.returnLoss_dB,
+            otdr::sor::returnLoss_dB(file));
+        tolerance_m = std::max(measurement.pulse_ns, 2.0 * trace.axis().sampleInterval_ns)
+            * measurement.metresPerNs;
         taken.assign(detection.events.size(), false);
         ++totals.traces;
         if (file.keyEvents) {
@@ -104,7 +99,7 @@ public:
 private:
     [[nodiscard]] double metresOf(const DetectedEvent& event) const
     {
-        return trace.distanceAt(event.index, metresPerNs);
+        return trace.distanceAt(event.index, measurement.metresPerNs);
     }
 
     void compareStored()
@@ -166,9 +161,8 @@ private:
     }
 
     const otdr::sor::File& file;
-    otdr::sor::Axis axis;
     otdr::Trace trace;
-    double metresPerNs;
+    otdr::Measurement measurement;
     bool listsAll;
     Totals& totals;
     otdr::Detection detection;

@@ -10,13 +10,11 @@
 // where one is told within a pulse; what else is told, more than two pulses from what is told
 // without the drawn event, is extra.
 
-#include "platform/otdr/core/constants.h"
+#include "bench/measuredfile.h"
 #include "platform/otdr/core/decibels.h"
 #include "platform/otdr/core/eventdetection.h"
 #include "platform/otdr/core/eventsearch.h"
-#include "platform/otdr/core/soraxis.h"
 #include "platform/otdr/core/sorreader.h"
-#include "platform/otdr/core/sorvalues.h"
 #include "platform/otdr/core/storedthresholds.h"
 #include "platform/otdr/core/trace.h"
 
@@ -80,11 +78,10 @@ class RealTrace
 public:
     explicit RealTrace(const otdr::sor::File& file)
         : counts(file.data.samples.begin(), file.data.samples.end())
-        , dbPerCount(file.data.scaleFactor * otdr::kUsualDbPerCount / 1000.0)
-        , axis(axisOf(file))
+        , dbPerCount(measuredfile::dbPerCount(file))
+        , axis(measuredfile::axis(file))
         , settings(otdr::sor::storedThresholds(file))
-        , measurement {otdr::sor::pulse_ns(file), otdr::metresPerNs(otdr::sor::groupIndex(file)),
-                       otdr::sor::backscatter_dB(file), otdr::sor::nominalWavelength_nm(file)}
+        , measurement(measuredfile::measurement(file))
         , plain(otdr::RawSamples(counts), dbPerCount, axis)
         , search(plain, measurement, settings)
         , before(otdr::detectEvents(plain, measurement, settings))
@@ -101,12 +98,6 @@ public:
     }
 
 private:
-    static otdr::TraceAxis axisOf(const otdr::sor::File& file)
-    {
-        const otdr::sor::Axis axis = otdr::sor::axisOf(file);
-        return {axis.sampleInterval_ns > 0.0 ? axis.sampleInterval_ns : 1.0, axis.firstSample_ns};
-    }
-
     [[nodiscard]] std::vector<double> places() const
     {
         std::vector<double> marks = {search.extent().first};
