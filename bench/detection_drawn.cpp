@@ -60,6 +60,8 @@ struct Tally
     int drawn = 0;
     int found = 0;
     int extra = 0;
+    int withinError = 0;
+    int withinErrors = 0; ///< within two
     std::vector<double> placeOff; ///< pulses
     std::vector<double> lossOff_dB;
 };
@@ -164,7 +166,10 @@ private:
         if (nearest != nullptr) {
             ++tally.found;
             tally.placeOff.push_back(std::abs(nearest->index - at) / w);
-            tally.lossOff_dB.push_back(std::abs(nearest->loss_dB - loss_dB));
+            const double off_dB = std::abs(nearest->loss_dB - loss_dB);
+            tally.lossOff_dB.push_back(off_dB);
+            tally.withinError += off_dB < nearest->lossError_dB ? 1 : 0;
+            tally.withinErrors += off_dB < 2.0 * nearest->lossError_dB ? 1 : 0;
         }
     }
 
@@ -191,13 +196,20 @@ private:
     Detection before;
 };
 
+double percentOf(int part, int all)
+{
+    return 100.0 * part / std::max(1, all);
+}
+
 void print(const char* name, const Tally& tally)
 {
-    std::printf("%-14s %4d/%-4d  extra %.2f  place %.2f %.2f pulses  loss %5.1f %5.1f mdB\n", name,
-                tally.found, tally.drawn,
-                static_cast<double>(tally.extra) / std::max(1, tally.drawn),
-                quantile(tally.placeOff, 0.5), quantile(tally.placeOff, 0.9),
-                1000.0 * quantile(tally.lossOff_dB, 0.5), 1000.0 * quantile(tally.lossOff_dB, 0.9));
+    std::printf(
+        "%-14s %4d/%-4d  extra %.2f  place %.2f %.2f pulses  loss %5.1f %5.1f mdB"
+        "  %3.0f %% %3.0f %%\n",
+        name, tally.found, tally.drawn, static_cast<double>(tally.extra) / std::max(1, tally.drawn),
+        quantile(tally.placeOff, 0.5), quantile(tally.placeOff, 0.9),
+        1000.0 * quantile(tally.lossOff_dB, 0.5), 1000.0 * quantile(tally.lossOff_dB, 0.9),
+        percentOf(tally.withinError, tally.found), percentOf(tally.withinErrors, tally.found));
 }
 
 } // namespace
@@ -216,7 +228,8 @@ int main(int argc, char** argv)
             trace.draw(kKinds[k], tallies[k]);
         }
     }
-    std::printf("drawn          found/all   extra a drawing, place and loss: median and 90 %%\n");
+    std::printf("drawn          found/all   extra a drawing, place and loss: median and 90 %%, "
+                "within one, two errors\n");
     for (std::size_t k = 0; k < kKinds.size(); ++k) {
         print(kKinds[k].name, tallies[k]);
     }

@@ -6,12 +6,15 @@
 #include "platform/otdr/core/eventfit.h"
 #include "platform/otdr/core/eventsearch.h"
 #include "platform/otdr/core/reflectance.h"
+#include "platform/otdr/core/straying.h"
 #include "platform/otdr/core/trace.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <optional>
+#include <utility>
+#include <vector>
 
 namespace otdr {
 
@@ -41,6 +44,16 @@ constexpr double kGone_dB = 3.0;
 constexpr double kFewestPulses = 8.0;
 constexpr std::size_t kFewestSamples = 16;
 
+/// The fibre between places.
+std::vector<std::pair<double, double>> stretchesOf(const EventSites& sites)
+{
+    std::vector<std::pair<double, double>> stretches;
+    for (std::size_t k = 0; k <= sites.sites().size(); ++k) {
+        stretches.emplace_back(sites.lineFrom(k), sites.fibreTo(k));
+    }
+    return stretches;
+}
+
 /// Tells what a search has found, in the words of a Detection.
 class Listing
 {
@@ -51,6 +64,7 @@ public:
         , fibre(search.trace())
         , extent(search.extent())
         , sites(search.places())
+        , straying(fibre, stretchesOf(sites))
     {
     }
 
@@ -160,6 +174,19 @@ private:
         }
     }
 
+    /// What noise and the straying of the fibre make the lines on both sides differ by.
+    [[nodiscard]] double lossErrorOf(const Site& site) const
+    {
+        return site.left && site.right
+            ? std::hypot(site.error_dB, strayingOf(*site.left), strayingOf(*site.right))
+            : site.error_dB;
+    }
+
+    [[nodiscard]] double strayingOf(const SideLine& side) const
+    {
+        return straying.ofLine_dB(static_cast<double>(side.line.samples));
+    }
+
     void listSite(const Site& site, int group)
     {
         const bool reflects = site.reflects();
@@ -178,7 +205,7 @@ private:
             }
             if (i == 0) {
                 event.loss_dB = site.loss_dB;
-                event.lossError_dB = site.error_dB;
+                event.lossError_dB = lossErrorOf(site);
                 event.stepStatistic = site.statistic();
             }
             if (reflects) {
@@ -307,6 +334,7 @@ private:
     const FibreTrace& fibre;
     const FibreExtent& extent;
     const EventSites& sites;
+    Straying straying;
     Detection result;
 };
 

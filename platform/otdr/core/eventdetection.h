@@ -63,14 +63,15 @@ struct DetectedEvent
     Evidence evidence = Evidence::Loss;
     double index = 0.0; ///< of its foot, where the trace begins to change
     double loss_dB = kUnknown; ///< one way; of a group of events, told at its first
-    double lossError_dB = kUnknown; ///< standard error
+    double lossError_dB = kUnknown; ///< standard error: by noise, and by what lines through fibre
+                                    ///< of this trace stray from it
     double reflectance_dB = kUnknown;
     double height_dB = kUnknown; ///< of the peak above the fibre before it
     double hidden_dB = 0.0; ///< the peak may be so much higher than an overloaded receiver shows
     bool echo = false; ///< light on a detour between reflections: nothing is there
     int group = 0; ///< events of one group share a dead zone and a loss
 
-    double stepStatistic = 0.0; ///< loss over its standard error
+    double stepStatistic = 0.0; ///< loss over the error that noise makes
     double peakStatistic = 0.0; ///< mean height over a pulse over its standard error
     Line before; ///< the fibre before it; no samples where it could not be fitted
     Line behind;

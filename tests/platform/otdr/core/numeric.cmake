@@ -43,6 +43,7 @@ waveform_test(otdr_core_numeric_test
         snapshot_test.cpp
         splitter_test.cpp
         storedthresholds_test.cpp
+        straying_test.cpp
         tailfit_test.cpp
         timeconstant_test.cpp
         trace_test.cpp
