@@ -347,7 +347,8 @@ std::vector<EventSearch::Stretch> EventSearch::notYetIn(std::vector<Stretch>& sc
     for (std::size_t k = 0; k <= sites.sites().size(); ++k) {
         const Stretch stretch {sites.fibreFrom(k), sites.lineFrom(k), sites.fibreTo(k)};
         const bool isDone = std::any_of(scanned.begin(), scanned.end(), [&](const Stretch& other) {
-            return std::abs(other.clear - stretch.clear) < fibre.gap()
+            return std::abs(other.from - stretch.from) < fibre.gap()
+                && std::abs(other.clear - stretch.clear) < fibre.gap()
                 && std::abs(other.to - stretch.to) < fibre.gap();
         });
         if (!isDone) {

@@ -86,6 +86,9 @@ constexpr double kLevelPulses = 0.5;
 constexpr double kFewestLevel = 5.0;
 constexpr double kLevel_dB = 0.05;
 
+/// Fibre in front of a loss is looked for in steps of so many pulses.
+constexpr double kShelfStepPulses = 0.5;
+
 /// Up to where the fibre before a reflection is taken: clear of another one just before, where
 /// there is fibre enough.
 double fibreEndBefore(const FibreTrace& trace, double at, double from)
@@ -123,8 +126,8 @@ public:
         const double longest = w * (kTailPulses + kTailPulsesPerDb * std::max(0.0, height));
         const double hidden = kHiddenTailPulsesPerDb * std::max(0.0, height) * w;
         const double fallen = fallenFrom(top, std::min(1.0, 0.5 * height));
-        group.behind = std::min(
-            trace.settledFrom(std::max(rough, fallen - w) + trace.gap() + hidden, longest), to);
+        const double over = std::max(rough, fallen - w) + trace.gap() + hidden;
+        group.behind = std::min(shelfFrom(over, trace.settledFrom(over, longest)), to);
         group.feet = {rough};
         for (const double foot : risesBetween(trace, rough, group.behind)) {
             if (foot < group.behind) { // what begins to rise there is the next one's
@@ -209,6 +212,19 @@ private:
             ++i;
         }
         return static_cast<double>(i);
+    }
+
+    /// Where fibre begins between two indices that ends at a loss; the second where there is none.
+    /// What is even above the fibre before the peak is a top of it.
+    [[nodiscard]] double shelfFrom(double begin, double end) const
+    {
+        const double step = std::max(1.0, kShelfStepPulses * w);
+        for (double at = begin; at < end; at += step) {
+            if (trace.isShelf(at) && trace.mean_dB(at, at + w) < line.at(at + 0.5 * w)) {
+                return at;
+            }
+        }
+        return end;
     }
 
     /// Height of a peak: the mean over the flat part of its top, which noise does not raise.
@@ -386,6 +402,9 @@ double clearOfTail(const FibreTrace& trace, double from, double to, double brigh
     };
     double at = from;
     while (at < last && isDisturbed(at)) {
+        if (trace.isShelf(at)) {
+            return at;
+        }
         at += std::max(1.0, 0.5 * w);
     }
     return std::min(at + kHiddenTailPulses * w, std::max(from, last));

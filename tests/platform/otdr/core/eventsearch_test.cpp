@@ -335,6 +335,59 @@ TEST(EventSearch, FindsALowReflectionCloseBehindALoss)
     }
 }
 
+/// The splice of a pigtail three pulses behind its connector: what is left of the reflection's
+/// light would fade, and the fibre between both stays where it is.
+TEST(EventSearch, FindsALossCloseBehindAReflection)
+{
+    for (const double loss_dB : {0.05, 0.1, 0.4, 1.0}) {
+        const DrawnFibre link =
+            linkOf({{5000.0, 0.1, 1.5}, {5000.0 + 3.3 * kPulse, loss_dB, 0.0}}, 1.6);
+        const EventSearch search(link->samples(), measurement(), {});
+        const std::vector<otdr::Site>& sites = search.places().sites();
+        ASSERT_EQ(sites.size(), 2U) << loss_dB;
+        EXPECT_NEAR(sites[0].foot(), 5000.0, 1.0) << loss_dB;
+        EXPECT_NEAR(sites[0].loss_dB, 0.1, 0.01) << loss_dB;
+        EXPECT_NEAR(sites[1].foot(), 5000.0 + 3.3 * kPulse, 1.0) << loss_dB;
+        EXPECT_NEAR(sites[1].loss_dB, loss_dB, 0.01) << loss_dB;
+    }
+}
+
+/// Both ends of a patch cord of three pulses.
+TEST(EventSearch, FindsAReflectionCloseBehindAnother)
+{
+    for (const double apart : {3.0, 3.2, 3.5, 4.0, 5.0}) {
+        const double second = 5000.0 + apart * kPulse;
+        const DrawnFibre link = linkOf({{5000.0, 0.4, 3.5}, {second, 0.06, 2.8}}, 1.6);
+        const EventSearch search(link->samples(), measurement(), {});
+        std::vector<double> feet;
+        for (const otdr::Site& site : search.places().sites()) {
+            ASSERT_TRUE(site.reflects()) << apart;
+            feet.insert(feet.end(), site.peak->feet.begin(), site.peak->feet.end());
+        }
+        ASSERT_EQ(feet.size(), 2U) << apart;
+        EXPECT_NEAR(feet[0], 5000.0, 1.0) << apart;
+        EXPECT_NEAR(feet[1], second, 1.0) << apart;
+    }
+}
+
+/// With losses in front the first one is measured again, and then no longer holds the second: what
+/// was scanned up to there is not what lies between them now.
+TEST(EventSearch, FindsWhatNoLongerBelongsToAReflection)
+{
+    const DrawnFibre link = linkOf({{4834.0, 0.43, 0.0},
+                                    {4926.0, 0.23, 0.0},
+                                    {5000.0, 0.1, 1.5},
+                                    {5063.0, 0.06, 2.8},
+                                    {5283.0, 0.09, 0.0}},
+                                   1.6);
+    const EventSearch search(link->samples(), measurement(), {});
+    const std::vector<otdr::Site>& sites = search.places().sites();
+    ASSERT_EQ(sites.size(), 5U);
+    EXPECT_NEAR(sites[2].foot(), 5000.0, 1.0);
+    EXPECT_NEAR(sites[3].foot(), 5063.0, 1.0);
+    EXPECT_TRUE(sites[2].reflects() && sites[3].reflects());
+}
+
 /// -70 dB stand 0.9 dB above the fibre where a pulse of 20 ns scatters -80 dB a nanosecond.
 TEST(EventSearch, ListsNoReflectionLowerThanTheLeast)
 {

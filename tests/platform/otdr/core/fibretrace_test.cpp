@@ -204,4 +204,88 @@ TEST(FibreTrace, LooksForTheEndOfATailNoFurtherThanAsked)
     EXPECT_EQ(fibre->settledFrom(500.0, 35.0), 535.0);
 }
 
+/// A loss at 1000 samples of fibre that falls by 3 mdB in each.
+DrawnFibre fibreWithALoss(double loss_dB, double sigma_dB = 0.0)
+{
+    const otdr::PulseShape shape(20.0, 1.6);
+    return {3000, scaleOf(20.0),
+            [=](double i) {
+                return 40.0 - 0.003 * i + eventLevel_dB(shape, i - 1000.0, 0.0, -loss_dB);
+            },
+            sigma_dB};
+}
+
+/// The ramp of the loss must lie in the dead zone, here 32 samples, behind the pulse of 20.
+TEST(FibreTrace, ShelfIsThePulseOfFibreInFrontOfALoss)
+{
+    const DrawnFibre fibre = fibreWithALoss(0.4);
+    for (const double from : {970.0, 978.0, 986.0}) {
+        EXPECT_TRUE(fibre->isShelf(from)) << from;
+    }
+    for (const double from : {500.0, 960.0, 992.0, 1010.0, 1030.0, 2000.0}) {
+        EXPECT_FALSE(fibre->isShelf(from)) << from;
+    }
+}
+
+TEST(FibreTrace, GainEndsNoShelf)
+{
+    const DrawnFibre fibre = fibreWithALoss(-0.4);
+    for (double from = 900.0; from < 1100.0; from += 2.0) {
+        EXPECT_FALSE(fibre->isShelf(from)) << from;
+    }
+}
+
+/// However slow it is: what is left of it falls the less the lower it is.
+TEST(FibreTrace, TailHasNoShelf)
+{
+    for (const double constant : {5.0, 20.0, 100.0, 1000.0}) {
+        const DrawnFibre fibre(3000, scaleOf(20.0), [=](double i) {
+            const double tail = i < 1000.0 ? 0.0 : std::exp(-(i - 1000.0) / constant);
+            return 30.0 - 0.003 * i + 5.0 * std::log10(1.0 + 9.0 * tail);
+        });
+        for (double from = 1000.0; from < 2500.0; from += 5.0) {
+            EXPECT_FALSE(fibre->isShelf(from)) << constant << ", " << from;
+        }
+    }
+}
+
+/// A receiver that swings back rises to the fibre as this falls, and light is even there.
+TEST(FibreTrace, SwingBackToTheFibreIsNoShelf)
+{
+    const DrawnFibre fibre(3000, scaleOf(20.0), [](double i) {
+        const double swing = i < 1000.0 ? 0.0 : std::exp(-(i - 1000.0) / 60.0);
+        return 30.0 - 0.003 * i - 0.5 * swing;
+    });
+    for (double from = 1000.0; from < 2500.0; from += 5.0) {
+        EXPECT_FALSE(fibre->isShelf(from)) << from;
+    }
+}
+
+/// Light that rises within the pulse goes on to be that of a reflection.
+TEST(FibreTrace, RisingLightIsNoShelf)
+{
+    const DrawnFibre fibre(3000, scaleOf(20.0), [](double i) {
+        return 30.0 + (i >= 1000.0 && i < 1008.0 ? 0.3 : 0.0) - (i < 1008.0 ? 0.0 : 0.4);
+    });
+    EXPECT_TRUE(fibre->isShelf(968.0));
+    EXPECT_FALSE(fibre->isShelf(984.0));
+}
+
+TEST(FibreTrace, NoiseMakesNoShelf)
+{
+    EXPECT_TRUE(fibreWithALoss(0.4, 0.002)->isShelf(970.0));
+    const DrawnFibre noisy = fibreWithALoss(0.0, 0.05);
+    for (double from = 100.0; from < 2900.0; from += 1.0) {
+        EXPECT_FALSE(noisy->isShelf(from)) << from;
+    }
+}
+
+TEST(FibreTrace, NothingIsLostBehindTheRecord)
+{
+    const DrawnFibre fibre = fibreWithALoss(0.4);
+    for (const double from : {2950.0, 2999.0, 3000.0, 9000.0}) {
+        EXPECT_FALSE(fibre->isShelf(from)) << from;
+    }
+}
+
 } // namespace

@@ -115,6 +115,24 @@ TEST(PeakGroup, WhatStandsLessThanAPulseBeforeBelongsToIt)
                 999.5, 2.0);
 }
 
+/// A pigtail of three pulses: its splice is no part of the connector, nor is its fibre a tail.
+TEST(PeakGroup, EndsWhereFibreBeginsThatEndsAtALoss)
+{
+    const DrawnFibre fibre =
+        withRaised({{1000, 1020, 1.5}, {1020, 1070, -0.1}, {1070, 4000, -0.5}});
+    const PeakGroup found = measuredAt1000(fibre);
+    EXPECT_GE(found.behind, 1020.0);
+    EXPECT_LE(found.behind, 1050.0);
+    EXPECT_EQ(clearOfTail(*fibre, found.behind, 2000.0, 1.5), found.behind);
+}
+
+/// What is as even as fibre above that before the reflection is a top of it, held by the receiver.
+TEST(PeakGroup, DoesNotEndOnItsTop)
+{
+    const DrawnFibre fibre = withRaised({{1000, 1020, 6.0}, {1020, 1070, 3.0}, {1070, 4000, -0.5}});
+    EXPECT_GE(measuredAt1000(fibre).behind, 1070.0);
+}
+
 /// A top of 6 dB that scatters by hundredths of a decibel, as those of reflections do.
 std::vector<Raised> scatteredTop(double from, double to)
 {
