@@ -413,7 +413,8 @@ void EventSearch::findAll()
         sites.remeasurePeaks(soughtHeight_dB());
         sites.refine(fibre.gap());
         sites.mergePairs();
-        sites.divideShortFibre(settings.significance);
+        sites.findCloseChanges(settings.significance);
+        sites.findLossesInTails();
         sites.findReflections(listedHeight_dB(), settings.significance);
         addPeaks();
         sites.refine(0.5 * fibre.scale().pulse);

@@ -73,10 +73,13 @@ public:
     /// reflection, and measures all anew.
     void mergePairs();
 
-    /// Adds the changes of level, by so many standard errors at least, that stand where the fibre
-    /// between two places is too short for a scan: two levels with the ramp of a pulse between them
-    /// explain it there, and one line does not.
-    void divideShortFibre(double significance);
+    /// Adds the changes of level, by so many standard errors at least, that stand so close to a
+    /// place that there is no room for a scan: two levels with the ramp of a pulse between them
+    /// explain the fibre there, and one line does not.
+    void findCloseChanges(double significance);
+
+    /// Adds the losses that had been taken for the tail of brighter light in front of them.
+    void findLossesInTails();
 
     /// Takes reflections with too little fibre between them to tell its level for one group, of
     /// which the loss is known together, and measures all anew.
@@ -166,6 +169,7 @@ private:
     [[nodiscard]] std::optional<Site> changeWithin(const Stretch& stretch,
                                                    double significance) const;
     [[nodiscard]] bool isRampWithin(const Stretch& stretch, Site& site) const;
+    [[nodiscard]] std::optional<double> lossInTailOf(std::size_t k) const;
     [[nodiscard]] bool reachesOverPlace(std::size_t k) const;
     void refine(Site& site, double reach, double least, double most) const;
     void refinePeak(Site& site, double least, double most) const;

@@ -2,6 +2,7 @@
 
 #include "platform/otdr/core/eventfit.h"
 #include "platform/otdr/core/eventsites.h"
+#include "platform/otdr/core/lossintail.h"
 
 #include <algorithm>
 #include <cmath>
@@ -20,10 +21,13 @@ constexpr double kPairGaps = 2.0;
 constexpr double kPairSigmas = 1.5;
 constexpr double kPairPart = 0.03;
 
-/// In fibre of up to so many dead zones scans hardly tell two events that are close. A line that
-/// runs over a change there leaves so many times what the ramp of one does.
+/// So close to a place, in dead zones, scans hardly tell another one. A line that runs over a
+/// change there leaves so many times what the ramp of one does.
 constexpr double kScannedGaps = 8.0;
 constexpr double kLineLeaves = 2.0;
+
+/// Where the fibre behind a tail may begin is tried in steps of so many pulses.
+constexpr double kTailStepPulses = 0.5;
 
 /// A loss of so much is a splitter's and one, also where the receiver is slower than it is thought.
 constexpr double kSplitter_dB = 3.0;
@@ -136,17 +140,47 @@ bool EventSites::isRampWithin(const Stretch& stretch, Site& site) const
     return whole->line.sigma_dB > kLineLeaves * ramp.scatter_dB;
 }
 
-void EventSites::divideShortFibre(double significance)
+void EventSites::findCloseChanges(double significance)
 {
     std::vector<Site> found;
+    const double longest = kScannedGaps * fibreTrace->gap();
     for (std::size_t k = 0; k <= places.size(); ++k) {
-        const Stretch stretch {lineFrom(k), fibreTo(k)};
-        if (stretch.second - stretch.first > kScannedGaps * fibreTrace->gap()) {
-            continue;
+        const double from = lineFrom(k);
+        const double to = fibreTo(k);
+        std::vector<Stretch> close {{from, std::min(to, from + longest)}};
+        if (to - from > longest) {
+            close.emplace_back(to - longest, to);
         }
-        auto change = changeWithin(stretch, significance);
-        if (change && isRampWithin(stretch, *change)) {
-            found.push_back(*change);
+        for (const Stretch& stretch : close) {
+            auto change = changeWithin(stretch, significance);
+            if (change && isRampWithin(stretch, *change)) {
+                found.push_back(*change);
+            }
+        }
+    }
+    add(found);
+}
+
+/// What seems to be a tail, from an index to another, is looked at as far as the fibre that follows
+/// may reach towards its beginning: the nearer that is seen, the better.
+std::optional<double> EventSites::lossInTailOf(std::size_t k) const
+{
+    const double from = fibreFrom(k);
+    const double step = kTailStepPulses * fibreTrace->scale().pulse;
+    std::optional<double> loss;
+    for (double to = from + step; to < lineFrom(k) && !loss; to += step) {
+        loss = lossInTail(*fibreTrace, from, to, fibreTo(k));
+    }
+    return loss;
+}
+
+void EventSites::findLossesInTails()
+{
+    std::vector<Site> found;
+    for (std::size_t k = 1; k <= places.size(); ++k) {
+        if (const auto at = lossInTailOf(k)) {
+            found.emplace_back();
+            found.back().standAt(*at, fibreTrace->gap());
         }
     }
     add(found);

@@ -49,14 +49,6 @@ constexpr double kSteepest_dBPerKm = 5.0;
 /// A tail has ended where it is no higher than chance (in standard errors) makes it.
 constexpr double kChance = 2.5;
 
-/// Fibre in front of a loss is told by a pulse of it, and no fewer samples than twice these: more
-/// than this part of what it falls by there, and so many errors, are lost at once, and it rises by
-/// no more than this part, where it does.
-constexpr double kFewestShelf = 3.0;
-constexpr double kShelfPart = 0.5;
-constexpr double kShelfErrors = 5.0;
-constexpr double kShelfRise = 0.05;
-
 /// Light begins where it first comes within this much of what a quarter of the record's beginning
 /// exceeds: fibre, and not its reflections.
 constexpr double kLaunch_dB = 8.0;
@@ -271,25 +263,6 @@ double FibreTrace::settledFrom(double from, double longest, double tolerance_dB)
         at += step;
     }
     return std::min(at, from + longest);
-}
-
-/// Between both pieces of light there is room for the ramp of the loss.
-bool FibreTrace::isShelf(double from) const
-{
-    const double half = std::max(kFewestShelf, 0.5 * limits.pulse);
-    const double below = from + 2.0 * half + deadZone;
-    const auto fallWithin = [&](double at) {
-        return mean_dB(at, at + half) - mean_dB(at + half, at + 2.0 * half);
-    };
-    const double fall_dB = mean_dB(from, from + 2.0 * half) - mean_dB(below, below + 2.0 * half);
-    const double shelf_dB = fallWithin(from);
-    // What falls so much from one half to the next falls so many times as much from piece to piece.
-    const double times = (below - from) / half;
-    const double goesOn_dB = times * std::max({0.0, shelf_dB, fallWithin(below)});
-    const double error_dB =
-        kShelfErrors * scatter.sigma_dB(below) * std::sqrt(2.0 * scatter.correlation() / half);
-    return shelf_dB > -std::max(kShelfRise * fall_dB, error_dB)
-        && fall_dB - goesOn_dB > std::max(kShelfPart * fall_dB, times * error_dB);
 }
 
 bool FibreTrace::isTail(double from, double to, double tolerance_dB) const

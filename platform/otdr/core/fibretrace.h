@@ -105,10 +105,6 @@ public:
     [[nodiscard]] double settledFrom(double from, double longest,
                                      double tolerance_dB = 0.001) const;
 
-    /// Whether light goes on evenly from an index, for a pulse, and then falls at once: fibre in
-    /// front of a loss. A tail, too, stands above the fibre that follows, but it falls ever less.
-    [[nodiscard]] bool isShelf(double from) const;
-
 private:
     /// Samples of which a mean is one side of a piece that tells a slope.
     [[nodiscard]] double slopeLength(double from, double to) const;

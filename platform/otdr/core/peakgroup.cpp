@@ -1,6 +1,7 @@
 #include "platform/otdr/core/peakgroup.h"
 
 #include "platform/otdr/core/decibels.h"
+#include "platform/otdr/core/lossintail.h"
 #include "platform/otdr/core/timeconstant.h"
 #include "platform/otdr/core/trace.h"
 
@@ -220,7 +221,8 @@ private:
     {
         const double step = std::max(1.0, kShelfStepPulses * w);
         for (double at = begin; at < end; at += step) {
-            if (trace.isShelf(at) && trace.mean_dB(at, at + w) < line.at(at + 0.5 * w)) {
+            const bool isTop = trace.mean_dB(at, at + w) > line.at(at + 0.5 * w);
+            if (!isTop && (isBeforeLoss(trace, at) || lossInTail(trace, at, end, to))) {
                 return at;
             }
         }
@@ -402,7 +404,7 @@ double clearOfTail(const FibreTrace& trace, double from, double to, double brigh
     };
     double at = from;
     while (at < last && isDisturbed(at)) {
-        if (trace.isShelf(at)) {
+        if (isBeforeLoss(trace, at)) {
             return at;
         }
         at += std::max(1.0, 0.5 * w);

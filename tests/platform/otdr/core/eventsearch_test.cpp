@@ -335,20 +335,29 @@ TEST(EventSearch, FindsALowReflectionCloseBehindALoss)
     }
 }
 
-/// The splice of a pigtail three pulses behind its connector: what is left of the reflection's
-/// light would fade, and the fibre between both stays where it is.
+/// The splice of a pigtail behind its connector: what is left of the reflection's light would fade,
+/// and the fibre between both stays where it is.
 TEST(EventSearch, FindsALossCloseBehindAReflection)
 {
-    for (const double loss_dB : {0.05, 0.1, 0.4, 1.0}) {
-        const DrawnFibre link =
-            linkOf({{5000.0, 0.1, 1.5}, {5000.0 + 3.3 * kPulse, loss_dB, 0.0}}, 1.6);
-        const EventSearch search(link->samples(), measurement(), {});
-        const std::vector<otdr::Site>& sites = search.places().sites();
-        ASSERT_EQ(sites.size(), 2U) << loss_dB;
-        EXPECT_NEAR(sites[0].foot(), 5000.0, 1.0) << loss_dB;
-        EXPECT_NEAR(sites[0].loss_dB, 0.1, 0.01) << loss_dB;
-        EXPECT_NEAR(sites[1].foot(), 5000.0 + 3.3 * kPulse, 1.0) << loss_dB;
-        EXPECT_NEAR(sites[1].loss_dB, loss_dB, 0.01) << loss_dB;
+    struct Connector
+    {
+        double height_dB;
+        double pulsesApart;
+    };
+
+    for (const Connector& one : {Connector {1.5, 3.3}, {3.0, 2.5}, {3.0, 4.0}, {10.0, 3.0}}) {
+        for (const double loss_dB : {0.05, 0.1, 0.2, 1.0}) {
+            const double splice = 5000.0 + one.pulsesApart * kPulse;
+            const DrawnFibre link =
+                linkOf({{5000.0, 0.1, one.height_dB}, {splice, loss_dB, 0.0}}, 1.6);
+            const EventSearch search(link->samples(), measurement(), {});
+            const std::vector<otdr::Site>& sites = search.places().sites();
+            ASSERT_EQ(sites.size(), 2U) << one.height_dB << ", " << loss_dB;
+            EXPECT_NEAR(sites[0].foot(), 5000.0, 1.0) << one.height_dB << ", " << loss_dB;
+            EXPECT_NEAR(sites[0].loss_dB, 0.1, 0.005) << one.height_dB << ", " << loss_dB;
+            EXPECT_NEAR(sites[1].foot(), splice, 1.0) << one.height_dB << ", " << loss_dB;
+            EXPECT_NEAR(sites[1].loss_dB, loss_dB, 0.005) << one.height_dB << ", " << loss_dB;
+        }
     }
 }
 

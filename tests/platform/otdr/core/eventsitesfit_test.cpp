@@ -20,7 +20,7 @@ std::vector<double> dividedBetween(const DrawnFibre& fibre)
     EventSites sites(*fibre, 100.0, 5900.0);
     sites.add({siteAt(fibre, 3000.0), siteAt(fibre, 3000.0 + 3.5 * fibre->gap())});
     sites.measure();
-    sites.divideShortFibre(5.0);
+    sites.findCloseChanges(5.0);
     return placesOf(sites);
 }
 
@@ -55,7 +55,7 @@ TEST(EventSites, ALossDividesShortSteepFibre)
     EventSites sites(*fibre, 100.0, 5900.0);
     sites.add({siteAt(fibre, 3000.0), siteAt(fibre, 3000.0 + 3.5 * gap)});
     sites.measure();
-    sites.divideShortFibre(5.0);
+    sites.findCloseChanges(5.0);
     ASSERT_EQ(sites.sites().size(), 3U);
     EXPECT_NEAR(sites.sites()[1].at, at, 0.5);
     EXPECT_DOUBLE_EQ(sites.sites()[1].behind, sites.sites()[1].at + gap);
@@ -84,16 +84,61 @@ TEST(EventSites, ATailOnShortFibreIsNoLoss)
     EXPECT_EQ(dividedBetween(fibre).size(), 2U);
 }
 
-/// There the scan sees it.
-TEST(EventSites, FibreThatIsLongEnoughForAScanIsNotDivided)
+/// Of long fibre the ends, where a scan has no room on one side; to a sample, which is refined
+/// later.
+TEST(EventSites, OnlyTheEndsOfLongFibreAreDivided)
 {
     const double gap = fibreWith({})->gap();
-    const DrawnFibre fibre = fibreWith({{3000.0, 0.2}, {3000.0 + 6.0 * gap, 0.3}}, 0.001);
+    const double length = 40.0 * gap;
+    for (const double part : {1.8, 12.0, 38.2}) {
+        const double at = 3000.0 + part * gap;
+        const DrawnFibre fibre =
+            fibreWith({{3000.0, 0.2}, {at, 0.1}, {3000.0 + length, 0.4}}, 0.001);
+        EventSites sites(*fibre, 100.0, 5900.0);
+        sites.add({siteAt(fibre, 3000.0), siteAt(fibre, 3000.0 + length)});
+        sites.measure();
+        sites.findCloseChanges(5.0);
+        const bool isFound = part != 12.0;
+        ASSERT_EQ(sites.sites().size(), isFound ? 3U : 2U) << part;
+        if (isFound) {
+            EXPECT_NEAR(sites.sites()[1].at, at, 1.0) << part;
+        }
+    }
+}
+
+/// A reflection of 3 dB with a loss 3.3 pulses behind it: what its tail would be.
+TEST(EventSites, ALossIsFoundInWhatSeemsATail)
+{
+    const double at = 3000.0 + 3.3 * kSitesPulse;
+    const DrawnFibre fibre = fibreWith({{3000.0, 0.1, 3.0}, {at, 0.05}}, 0.003);
     EventSites sites(*fibre, 100.0, 5900.0);
-    sites.add({siteAt(fibre, 3000.0), siteAt(fibre, 3000.0 + 12.0 * gap)});
+    sites.add({peakAt(fibre, 3000.0, 3.0)});
     sites.measure();
-    sites.divideShortFibre(5.0);
-    EXPECT_EQ(sites.sites().size(), 2U);
+    ASSERT_GT(sites.lineFrom(1), at);
+    sites.findLossesInTails();
+    ASSERT_EQ(sites.sites().size(), 2U);
+    EXPECT_NEAR(sites.sites()[1].at, at, 0.5 * kSitesPulse);
+    EXPECT_DOUBLE_EQ(sites.sites()[1].behind, sites.sites()[1].at + fibre->gap());
+}
+
+TEST(EventSites, NoLossIsFoundInATail)
+{
+    const otdr::PulseShape shape(kSitesPulse, 0.08 * kSitesPulse);
+    for (const double constant : {10.0, 30.0, 100.0}) {
+        const DrawnFibre fibre(
+            6000, scaleOf(kSitesPulse, 2000.0),
+            [&](double i) {
+                const double tail = i > 3000.0 ? 0.3 * std::exp((3000.0 - i) / constant) : 0.0;
+                return 40.0 - 0.0005 * i + eventLevel_dB(shape, i - 3000.0, 0.0, -0.1, 3.0)
+                    + 5.0 * std::log10(1.0 + tail);
+            },
+            0.001);
+        EventSites sites(*fibre, 100.0, 5900.0);
+        sites.add({peakAt(fibre, 3000.0, 3.0)});
+        sites.measure();
+        sites.findLossesInTails();
+        EXPECT_EQ(sites.sites().size(), 1U) << constant;
+    }
 }
 
 TEST(EventSites, RefiningMovesALossToItsFoot)

@@ -28,6 +28,7 @@ waveform_test(otdr_core_numeric_test
         lightfalls_test.cpp
         linefit_test.cpp
         loss_test.cpp
+        lossintail_test.cpp
         noise_test.cpp
         noisefloor_test.cpp
         overload_test.cpp
