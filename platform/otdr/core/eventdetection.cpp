@@ -6,6 +6,7 @@
 #include "platform/otdr/core/eventfit.h"
 #include "platform/otdr/core/eventsearch.h"
 #include "platform/otdr/core/reflectance.h"
+#include "platform/otdr/core/risinglight.h"
 #include "platform/otdr/core/straying.h"
 #include "platform/otdr/core/trace.h"
 

@@ -4,6 +4,7 @@
 #include "platform/otdr/core/eventscan.h"
 #include "platform/otdr/core/fibrebehind.h"
 #include "platform/otdr/core/reflectance.h"
+#include "platform/otdr/core/risinglight.h"
 #include "platform/otdr/core/timeconstant.h"
 #include "platform/otdr/core/trace.h"
 

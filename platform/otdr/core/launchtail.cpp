@@ -1,6 +1,6 @@
 #include "platform/otdr/core/launchtail.h"
 
-#include "platform/otdr/core/peakgroup.h"
+#include "platform/otdr/core/risinglight.h"
 
 #include <algorithm>
 

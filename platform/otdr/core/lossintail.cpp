@@ -1,7 +1,7 @@
 #include "platform/otdr/core/lossintail.h"
 
 #include "platform/otdr/core/decibels.h"
-#include "platform/otdr/core/peakgroup.h"
+#include "platform/otdr/core/risinglight.h"
 
 #include <algorithm>
 #include <cmath>

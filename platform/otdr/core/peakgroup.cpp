@@ -2,6 +2,7 @@
 
 #include "platform/otdr/core/decibels.h"
 #include "platform/otdr/core/lossintail.h"
+#include "platform/otdr/core/risinglight.h"
 #include "platform/otdr/core/timeconstant.h"
 #include "platform/otdr/core/trace.h"
 
@@ -23,11 +24,6 @@ constexpr double kEdgePart = 0.02; // of the height: receivers ring a little bef
 /// Parts of the height between which an edge tells its place well.
 constexpr double kLowPart = 0.05;
 constexpr double kHighPart = 0.7;
-
-/// A second reflection in a dead zone rises by this much within a third of a pulse.
-constexpr double kSecondRise_dB = 0.3;
-constexpr double kSecondRiseSigmas = 10.0;
-constexpr double kSecondRisePulses = 0.35;
 
 /// A receiver without overload stays within 0.1 dB of its highest for one pulse at most.
 constexpr double kTop_dB = 0.1;
@@ -81,11 +77,6 @@ constexpr double kFewestSwing = 4.0;
 constexpr double kHiddenTailPulses = 2.5;
 constexpr double kLongestTailPulses = 10.0;
 constexpr double kTailPart = 0.5;
-
-/// Half a pulse, and no fewer samples, is fibre where it falls by less than this within a pulse.
-constexpr double kLevelPulses = 0.5;
-constexpr double kFewestLevel = 5.0;
-constexpr double kLevel_dB = 0.05;
 
 /// Fibre in front of a loss is looked for in steps of so many pulses.
 constexpr double kShelfStepPulses = 0.5;
@@ -412,56 +403,6 @@ double clearOfTail(const FibreTrace& trace, double from, double to, double brigh
     return std::min(at + kHiddenTailPulses * w, std::max(from, last));
 }
 
-std::vector<double> risesBetween(const FibreTrace& trace, double foot, double to)
-{
-    const double risen = std::max(trace.shape().riseTo(0.99), 0.5 * trace.scale().pulse);
-    return risesIn(trace, foot + risen, to);
-}
-
-std::vector<double> risesIn(const FibreTrace& trace, double from, double to)
-{
-    // Between them the light may fall for good, and scatter more from there on.
-    const double sigma = std::max(trace.noise().sigma_dB(from), trace.noise().sigma_dB(to));
-    return risesIn(trace, from, to, std::max(kSecondRise_dB, kSecondRiseSigmas * sigma));
-}
-
-std::vector<double> risesIn(const FibreTrace& trace, double from, double to, double least_dB)
-{
-    const double w = trace.scale().pulse;
-    const auto level = [&](std::size_t i) { return trace.samples().level_dB(i); };
-    const auto lag = static_cast<std::size_t>(std::max(1.0, std::round(kSecondRisePulses * w)));
-    const auto end = static_cast<std::size_t>(
-        std::clamp(to, 0.0, std::max(0.0, trace.size() - 1.0 - static_cast<double>(lag))));
-    std::vector<double> feet;
-    auto i = lag + static_cast<std::size_t>(std::max(0.0, from));
-    for (; i < end; ++i) {
-        if (level(i + lag) - level(i) < least_dB || level(i) - level(i - lag) > 0.25 * least_dB) {
-            continue;
-        }
-        std::size_t next = i + lag;
-        while (next > i && level(next - 1) - level(i) > 0.25 * least_dB) {
-            --next;
-        }
-        feet.push_back(static_cast<double>(next) - 0.5);
-        i = next + lag + static_cast<std::size_t>(0.5 * w);
-    }
-    return feet;
-}
-
-std::optional<double> fibreBeforeRise(const FibreTrace& trace, double from, double to)
-{
-    const double w = trace.scale().pulse;
-    const double length = std::max(kFewestLevel, kLevelPulses * w);
-    for (const double foot : risesIn(trace, from, to)) {
-        const double begin = foot - 1.0 - length;
-        const auto line = begin < from ? std::nullopt : trace.fit(begin, begin + length);
-        if (line && std::abs(line->line.slope_dB) * w < kLevel_dB) {
-            return begin;
-        }
-    }
-    return std::nullopt;
-}
-
 namespace {
 
 /// Where the light rises that a place lies in: fibre does not rise, and what does so in front of
@@ -472,7 +413,7 @@ double onsetOf(const FibreTrace& trace, double at, double from)
     const double end = fibreEndBefore(trace, at, from);
     const double begin = std::max(from, end - kFibreGaps * trace.gap());
     if (end - begin > 2.0 * w
-        && trace.mean_dB(end - w, end) > trace.mean_dB(begin, begin + w) + kSecondRise_dB) {
+        && trace.mean_dB(end - w, end) > trace.mean_dB(begin, begin + w) + kPlainRise_dB) {
         const std::vector<double> rises = risesIn(trace, begin, end);
         return rises.empty() ? at : rises.front();
     }
@@ -484,26 +425,6 @@ double onsetOf(const FibreTrace& trace, double at, double from)
 PeakGroup measurePeak(const FibreTrace& trace, double at, double from, double to)
 {
     return PeakMeasurement(trace, from, to).measure(onsetOf(trace, at, from));
-}
-
-std::optional<double> firstPeak(const FibreTrace& trace, double from, double to, const Line& fibre)
-{
-    const double sigma = trace.noise().sigma_dB(to - trace.scale().pulse);
-    const double least = std::max(kSecondRise_dB, kSecondRiseSigmas * sigma);
-    std::optional<double> first;
-    double top = 0.0;
-    for (auto i = static_cast<std::size_t>(std::max(0.0, from)); static_cast<double>(i) < to; ++i) {
-        const auto index = static_cast<double>(i);
-        const double over = trace.samples().level_dB(i) - fibre.at(index);
-        if (!first && over > least) {
-            first = index;
-        }
-        top = std::max(top, over);
-        if (first && over < top - least) {
-            return first;
-        }
-    }
-    return std::nullopt;
 }
 
 } // namespace otdr

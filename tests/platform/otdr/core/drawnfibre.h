@@ -70,6 +70,25 @@ inline otdr::SearchScale scaleOf(double pulse, double kilometre = 0.0)
     return {pulse, 0.08 * pulse, 1e6, kilometre};
 }
 
+/// Fibre at 30 dB but for these stretches, with a pulse of 20 samples.
+struct Raised
+{
+    double from;
+    double to;
+    double height_dB;
+};
+
+inline DrawnFibre withRaised(const std::vector<Raised>& stretches)
+{
+    return {4000, scaleOf(20.0), [=](double i) {
+                double level = 30.0;
+                for (const Raised& one : stretches) {
+                    level += i >= one.from && i < one.to ? one.height_dB : 0.0;
+                }
+                return level;
+            }};
+}
+
 /// The straight line at a level.
 inline otdr::Line flatLine(double level_dB)
 {

@@ -13,6 +13,7 @@ waveform_test(otdr_core_numeric_test
         eventfit_test.cpp
         eventscan_test.cpp
         eventsearch_test.cpp
+        eventsearchclose_test.cpp
         eventsites_test.cpp
         eventsitesbends_test.cpp
         eventsitesfit_test.cpp
@@ -39,6 +40,7 @@ waveform_test(otdr_core_numeric_test
         reflectance_test.cpp
         reflectionfeet_test.cpp
         returnloss_test.cpp
+        risinglight_test.cpp
         scatter_test.cpp
         shortfibre_test.cpp
         snapshot_test.cpp
