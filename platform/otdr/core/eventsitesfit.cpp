@@ -26,6 +26,9 @@ constexpr double kPairPart = 0.03;
 constexpr double kScannedGaps = 8.0;
 constexpr double kLineLeaves = 2.0;
 
+/// A change so close to a place is tried at so many places a pulse; its ramp tells where it is.
+constexpr double kPlacesPerPulse = 8.0;
+
 /// Where the fibre behind a tail may begin is tried in steps of so many pulses.
 constexpr double kTailStepPulses = 0.5;
 
@@ -104,7 +107,8 @@ std::optional<Site> EventSites::changeWithin(const Stretch& stretch, double sign
     const auto [from, to] = stretch;
     const double gap = fibreTrace->gap();
     std::optional<Site> change;
-    for (double at = from + kLevelSamples; at + gap + kLevelSamples <= to; at += 1.0) {
+    const double step = std::max(1.0, std::floor(fibreTrace->scale().pulse / kPlacesPerPulse));
+    for (double at = from + kLevelSamples; at + gap + kLevelSamples <= to; at += step) {
         const double before = at - from;
         const double behind = to - at - gap;
         const double apart = gap + 0.5 * (before + behind);
