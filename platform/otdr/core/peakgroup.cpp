@@ -79,7 +79,7 @@ constexpr double kLongestTailPulses = 10.0;
 constexpr double kTailPart = 0.5;
 
 /// Fibre in front of a loss is looked for in steps of so many pulses.
-constexpr double kShelfStepPulses = 0.5;
+constexpr double kBeforeLossPulses = 0.5;
 
 /// Up to where the fibre before a reflection is taken: clear of another one just before, where
 /// there is fibre enough.
@@ -119,7 +119,7 @@ public:
         const double hidden = kHiddenTailPulsesPerDb * std::max(0.0, height) * w;
         const double fallen = fallenFrom(top, std::min(1.0, 0.5 * height));
         const double over = std::max(rough, fallen - w) + trace.gap() + hidden;
-        group.behind = std::min(shelfFrom(over, trace.settledFrom(over, longest)), to);
+        group.behind = std::min(fibreBeforeLoss(over, trace.settledFrom(over, longest)), to);
         group.feet = {rough};
         for (const double foot : risesBetween(trace, rough, group.behind)) {
             if (foot < group.behind) { // what begins to rise there is the next one's
@@ -208,9 +208,9 @@ private:
 
     /// Where fibre begins between two indices that ends at a loss; the second where there is none.
     /// What is even above the fibre before the peak is a top of it.
-    [[nodiscard]] double shelfFrom(double begin, double end) const
+    [[nodiscard]] double fibreBeforeLoss(double begin, double end) const
     {
-        const double step = std::max(1.0, kShelfStepPulses * w);
+        const double step = std::max(1.0, kBeforeLossPulses * w);
         for (double at = begin; at < end; at += step) {
             const bool isTop = trace.mean_dB(at, at + w) > line.at(at + 0.5 * w);
             if (!isTop && (isBeforeLoss(trace, at) || lossInTail(trace, at, end, to))) {

@@ -111,4 +111,22 @@ inline double eventLevel_dB(const otdr::PulseShape& shape, double behindFoot, do
         * std::log10(first * (1.0 - step) + second * step + light * shape.peak(behindFoot) + 1e-9);
 }
 
+struct DrawnEvent
+{
+    double at; ///< index of its foot
+    double loss_dB;
+    double height_dB = 0.0; ///< of a reflection, above the fibre before it
+};
+
+/// By how much events change the level of fibre at an index, dB.
+inline double eventsLevel_dB(const otdr::PulseShape& shape, double index,
+                             const std::vector<DrawnEvent>& events)
+{
+    double level_dB = 0.0;
+    for (const DrawnEvent& event : events) {
+        level_dB += eventLevel_dB(shape, index - event.at, 0.0, -event.loss_dB, event.height_dB);
+    }
+    return level_dB;
+}
+
 } // namespace testing_support

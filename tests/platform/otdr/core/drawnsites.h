@@ -9,26 +9,12 @@ namespace testing_support {
 
 constexpr double kSitesPulse = 20.0;
 
-struct DrawnEvent
-{
-    double at;
-    double loss_dB;
-    double height_dB = 0.0;
-};
-
 /// Fibre of 6000 samples that falls by 0.0005 dB from one to the next.
 inline DrawnFibre fibreWith(const std::vector<DrawnEvent>& events, double sigma_dB = 0.0)
 {
     const otdr::PulseShape shape(kSitesPulse, 0.08 * kSitesPulse);
     return {6000, scaleOf(kSitesPulse, 2000.0),
-            [=](double i) {
-                double level = 40.0 - 0.0005 * i;
-                for (const DrawnEvent& event : events) {
-                    level +=
-                        eventLevel_dB(shape, i - event.at, 0.0, -event.loss_dB, event.height_dB);
-                }
-                return level;
-            },
+            [=](double i) { return 40.0 - 0.0005 * i + eventsLevel_dB(shape, i, events); },
             sigma_dB};
 }
 

@@ -19,7 +19,7 @@ using otdr::EventSearch;
 /// what is found of them tells it, and that finds the others.
 TEST(EventSearch, FindsWhatStandsCloseToEachOther)
 {
-    std::vector<DrawnPlace> places;
+    std::vector<DrawnEvent> places;
     for (int k = 1; k <= 80; ++k) {
         places.push_back({140.0 * k, (k % 3 == 0 ? -1.0 : 0.5) * (k % 7 == 0 ? 0.4 : 0.1), 0.0});
     }
@@ -126,24 +126,17 @@ TEST(EventSearch, FindsEventsThatHideEachOther)
         std::mt19937_64 random(seed);
         std::uniform_real_distribution<double> apart(3.0 * kFewSamples, 10.0 * kFewSamples);
         std::uniform_real_distribution<double> loss_dB(0.05, 0.4);
-        std::vector<DrawnPlace> places;
+        std::vector<DrawnEvent> places;
         for (double at = 100.0; at < 1500.0; at += apart(random)) {
             places.push_back({at, loss_dB(random), 0.0});
         }
         const otdr::PulseShape shape(kFewSamples, 0.08 * kFewSamples);
         const DrawnFibre link(
             1600, scaleOf(kFewSamples),
-            [&](double i) {
-                double level_dB = 40.0 - 0.001 * i;
-                for (const DrawnPlace& place : places) {
-                    level_dB += eventLevel_dB(shape, i - place.at, 0.0, -place.loss_dB);
-                }
-                return level_dB;
-            },
-            0.002);
+            [&](double i) { return 40.0 - 0.001 * i + eventsLevel_dB(shape, i, places); }, 0.002);
         const EventSearch search = fewSampled(link);
         const std::vector<otdr::Site>& sites = search.places().sites();
-        const auto found = std::count_if(places.begin(), places.end(), [&](const DrawnPlace& one) {
+        const auto found = std::count_if(places.begin(), places.end(), [&](const DrawnEvent& one) {
             return std::any_of(sites.begin(), sites.end(), [&](const otdr::Site& site) {
                 return std::abs(site.foot() - one.at) < kFewSamples;
             });

@@ -7,28 +7,13 @@
 
 namespace testing_support {
 
-struct DrawnPlace
-{
-    double at;
-    double loss_dB;
-    double height_dB;
-};
-
 /// 12,000 samples of a nanosecond and a decimetre each, as a receiver of this time constant shows
 /// them.
-inline DrawnFibre linkOf(const std::vector<DrawnPlace>& places, double timeConstant)
+inline DrawnFibre linkOf(const std::vector<DrawnEvent>& places, double timeConstant)
 {
     const otdr::PulseShape shape(kPulse, timeConstant);
     return {12000, scaleOf(kPulse),
-            [=](double i) {
-                double level = 40.0 - 0.00003 * i;
-                for (const DrawnPlace& place : places) {
-                    level +=
-                        eventLevel_dB(shape, i - place.at, 0.0, -place.loss_dB, place.height_dB);
-                }
-                return level;
-            },
-            0.003};
+            [=](double i) { return 40.0 - 0.00003 * i + eventsLevel_dB(shape, i, places); }, 0.003};
 }
 
 inline otdr::Measurement measurement(double metresPerNs = 0.1)
