@@ -3,6 +3,7 @@
 #include "platform/otdr/core/returnloss.h"
 
 #include <algorithm>
+#include <optional>
 #include <vector>
 
 namespace {
@@ -18,16 +19,49 @@ double indexOf(const TraceState& state, const Event& event)
     return state.indexAt(event.coordinate);
 }
 
-/// The level from which return loss is counted: the line of the fibre behind the start, taken back
-/// to it.
-double referenceLevel_dB(const TraceState& state, double from, double to)
+/// The fibre behind a place and before another.
+std::optional<otdr::Line> fibreBehind(const TraceState& state, double from, double to)
 {
     otdr::EventSite site = siteOf(state, from);
     site.rightLimit = std::min(site.rightLimit, to);
-    if (const auto line = otdr::fibreBehind(*state.trace, site)) {
-        return line->at(from);
+    return otdr::fibreBehind(*state.trace, site);
+}
+
+/// The level from which the return loss of a stretch is counted: the line of the fibre behind its
+/// start, taken back to it.
+double referenceLevel_dB(const TraceState& state, double from, double to)
+{
+    const auto line = fibreBehind(state, from, to);
+    return line ? line->at(from) : state.trace->levelAt_dB(from);
+}
+
+/// The fibre behind the start as it was measured when its events were found, or else as it shows.
+std::optional<otdr::Line> fibreBehindStart(const TraceState& state, double start, double last)
+{
+    const auto found =
+        std::find_if(state.events.begin(), state.events.end(),
+                     [](const Event& event) { return event.type == Event::SpanStart; });
+    if (found != state.events.end() && Event::isKnown(found->behindFrom)
+        && Event::isKnown(found->behindTo)) {
+        return otdr::fitLineBetween(*state.trace, state.indexAt(found->behindFrom) - 0.5,
+                                    state.indexAt(found->behindTo) + 0.5);
     }
-    return state.trace->levelAt_dB(from);
+    return fibreBehind(state, start, last);
+}
+
+/// Where light of the fibre right behind a foot shows as it is: while the pulse enters the fibre,
+/// the level rises by what only a part of it brings back.
+double seenAt(const TraceState& state, double foot)
+{
+    return foot + 0.5 * state.pulseSamples();
+}
+
+/// The level of the fibre right behind the start, from which the return loss of the span is
+/// counted.
+double levelAtStart_dB(const TraceState& state, double start, double last)
+{
+    const auto line = fibreBehindStart(state, start, last);
+    return line ? line->at(seenAt(state, start)) : state.trace->levelAt_dB(start);
 }
 
 std::vector<otdr::SaturatedPeak> saturatedPeaks(const TraceState& state)
@@ -139,6 +173,24 @@ double stretchReturnLoss_dB(const TraceState& state, double a_m, double b_m)
     return returnLoss_dB(state, from, to, referenceLevel_dB(state, from, to));
 }
 
+double sectionReturnLoss_dB(const TraceState& state, const Event& from, const Event& to)
+{
+    const double start = indexOf(state, from);
+    const double end = indexOf(state, to);
+    // A stored place is good to a pulse: behind it the edge of a peak would count as fibre.
+    const double shownTo = end - state.pulseSamples();
+    const auto behind = fibreBehind(state, start, shownTo);
+    const auto before = otdr::fibreBefore(*state.trace, siteOf(state, shownTo));
+    if (!behind || !before) {
+        return Event::kUnknown;
+    }
+    const double loss_dB =
+        otdr::fibreReturnLoss_dB(*state.trace,
+                                 otdr::FibreBetween {seenAt(state, start), seenAt(state, end),
+                                                     *behind, *before, state.backscatter_dB});
+    return loss_dB < 0.0 ? Event::kUnknown : loss_dB;
+}
+
 KeyEventsBlock keyFigures(const TraceState& state)
 {
     KeyEventsBlock block;
@@ -156,9 +208,6 @@ KeyEventsBlock keyFigures(const TraceState& state)
         block.totalLoss = endToEndLoss_dB(state, start, end);
         last = std::min(last, end + kEndTailPulses * state.pulseSamples());
     }
-    const double behindStart_dB = foundEnds(state).behindStart_dB;
-    block.orl = returnLoss_dB(
-        state, start, last,
-        Event::isKnown(behindStart_dB) ? behindStart_dB : referenceLevel_dB(state, start, last));
+    block.orl = returnLoss_dB(state, start, last, levelAtStart_dB(state, start, last));
     return block;
 }

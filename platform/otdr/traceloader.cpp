@@ -6,6 +6,7 @@
 #include "platform/otdr/core/sorreader.h"
 #include "platform/otdr/core/sorvalues.h"
 #include "platform/otdr/reflectogram.h"
+#include "platform/otdr/tracefigures.h"
 #include "platform/otdr/usualfibre.h"
 
 #include <QDateTime>
@@ -82,7 +83,7 @@ std::shared_ptr<const SorData> sorDataOf(const otdr::sor::File& file, const Trac
     return sor;
 }
 
-/// The fibre up to an event. A file tells it with the event; of its return loss it tells nothing.
+/// The fibre up to an event. A file tells it with the event.
 Event fibreBetween(const Event& from, const Event& to)
 {
     Event fibre;
@@ -108,6 +109,18 @@ EventList withFibre(const EventList& events)
         all << event;
     }
     return all;
+}
+
+/// A file tells nothing of the return loss of the fibre between its events: its trace does.
+void addReturnLosses(TraceState& state)
+{
+    EventList events = state.events;
+    for (int i = 1; i + 1 < events.size(); ++i) {
+        if (events.at(i).type == Event::Fiber) {
+            events[i].orl = sectionReturnLoss_dB(state, events.at(i - 1), events.at(i + 1));
+        }
+    }
+    state.events = events;
 }
 
 otdr::Result<TraceState> loadSor(const QString& fileName)
@@ -141,6 +154,7 @@ otdr::Result<TraceState> loadSor(const QString& fileName)
     state.duration_s =
         static_cast<int>(std::lround(orElse(otdr::sor::averagingTime_s(*file), 0.0)));
     state.events = withFibre(eventsOf(*file, state));
+    addReturnLosses(state);
     state.processing = Reflectogram::FromFile;
     state.sor = sorDataOf(*file, state);
     state.file = std::move(file);

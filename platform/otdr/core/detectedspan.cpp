@@ -91,7 +91,8 @@ public:
             }
         }
         const ReturnLossSection span {start->index, last.index + tail,
-                                      start->behind.at(start->index), measurement.backscatter_dB};
+                                      start->behind.at(seenAt(start->index)),
+                                      measurement.backscatter_dB};
         found.returnLoss_dB = returnLoss_dB(fibre.samples(), span, saturated);
     }
 
@@ -107,10 +108,11 @@ private:
             section.attenuation_dBPerKm = -line->line.slope_dB * fibre.scale().kilometre;
         }
         if (near.samples > 0 && far.samples > 0) {
-            section.loss_dB = near.at(seenAt(section.from)) - far.at(seenAt(section.to));
-            section.returnLoss_dB = returnLoss_dB(
-                fibre.samples(),
-                {from.behindFrom, section.to, near.at(section.from), measurement.backscatter_dB});
+            const double start = seenAt(section.from);
+            const double end = seenAt(section.to);
+            section.loss_dB = near.at(start) - far.at(end);
+            section.returnLoss_dB = fibreReturnLoss_dB(
+                fibre.samples(), FibreBetween {start, end, near, far, measurement.backscatter_dB});
         }
     }
 

@@ -12,15 +12,37 @@ namespace otdr {
 
 namespace {
 
-/// Sum of 10^((line - reference) / 5) over n samples from an index on: a geometric series.
-double linePower(const Line& line, double reference_dB, SampleRange range)
+/// Integral of 10^((line - reference) / 5) over sample indices: sample i stands for i - 0.5 to
+/// i + 0.5.
+double linePower(const Line& line, double reference_dB, double from, double to)
 {
     const double perDecibel = std::log(10.0) / 5.0;
-    const double start = line.at(static_cast<double>(range.first)) - reference_dB;
-    const double step = line.slope_dB * perDecibel;
-    const auto n = static_cast<double>(range.count());
-    const double terms = step == 0.0 ? n : std::expm1(n * step) / std::expm1(step);
-    return std::exp(start * perDecibel) * terms;
+    const double start = std::exp((line.at(from) - reference_dB) * perDecibel);
+    const double slope = line.slope_dB * perDecibel;
+    return start * (slope == 0.0 ? to - from : std::expm1((to - from) * slope) / slope);
+}
+
+double samplePower(const Trace& trace, double reference_dB, SampleRange range)
+{
+    return trace.powerSums().sum(range.first, range.last, reference_dB);
+}
+
+double edgeBefore(std::size_t sample)
+{
+    return static_cast<double>(sample) - 0.5;
+}
+
+/// Of light that comes back, as a part of what goes in.
+double returnLossOf(double light)
+{
+    const bool possible = std::isfinite(light) && light > 0.0;
+    return possible ? -10.0 * std::log10(light) : std::numeric_limits<double>::quiet_NaN();
+}
+
+/// What the fibre of one sample sends back of the light that goes in.
+double backscatterPerSample(const Trace& trace, double backscatter_dB)
+{
+    return std::pow(10.0, backscatter_dB / 10.0) * trace.axis().sampleInterval_ns;
 }
 
 } // namespace
@@ -47,18 +69,31 @@ double returnLoss_dB(const Trace& trace, const ReturnLossSection& section,
             continue;
         }
         const double start = peak.fibre.at(static_cast<double>(gap.first));
-        power += trace.powerSums().sum(done, gap.first, section.reference_dB);
-        power += linePower(peak.fibre, section.reference_dB, gap);
+        power += samplePower(trace, section.reference_dB, {done, gap.first});
+        power += linePower(peak.fibre, section.reference_dB, edgeBefore(gap.first),
+                           edgeBefore(gap.last));
         const double pathLoss = section.reference_dB - start;
         reflected += std::pow(10.0, (peak.reflectance_dB - 2.0 * pathLoss) / 10.0);
         done = gap.last;
     }
-    power += trace.powerSums().sum(done, range.last, section.reference_dB);
-    const double interval_ns = trace.axis().sampleInterval_ns;
-    const double total =
-        std::pow(10.0, section.backscatter_dB / 10.0) * interval_ns * power + reflected;
-    const bool possible = !range.empty() && std::isfinite(total) && total > 0.0;
-    return possible ? -10.0 * std::log10(total) : std::numeric_limits<double>::quiet_NaN();
+    power += samplePower(trace, section.reference_dB, {done, range.last});
+    return range.empty()
+        ? std::numeric_limits<double>::quiet_NaN()
+        : returnLossOf(backscatterPerSample(trace, section.backscatter_dB) * power + reflected);
+}
+
+double fibreReturnLoss_dB(const Trace& trace, const FibreBetween& fibre)
+{
+    const double reference_dB = fibre.behind.at(fibre.from);
+    const SampleRange shown = samplesWithin(std::max(fibre.from, fibre.behind.first()),
+                                            std::min(fibre.to, fibre.before.last()), trace.size());
+    const double middle = 0.5 * (fibre.from + fibre.to);
+    const double light = linePower(fibre.behind, reference_dB, fibre.from,
+                                   shown.empty() ? middle : edgeBefore(shown.first))
+        + samplePower(trace, reference_dB, shown)
+        + linePower(fibre.before, reference_dB, shown.empty() ? middle : edgeBefore(shown.last),
+                    fibre.to);
+    return returnLossOf(backscatterPerSample(trace, fibre.backscatter_dB) * light);
 }
 
 } // namespace otdr

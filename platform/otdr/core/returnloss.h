@@ -27,6 +27,16 @@ struct SaturatedPeak
     double reflectance_dB = 0.0; ///< what is stated for it instead
 };
 
+/// The fibre between two events, which hide some of it: there the lines beside them stand for it.
+struct FibreBetween
+{
+    double from = 0.0; ///< sample index at which its start is seen, half a pulse behind the foot
+    double to = 0.0; ///< and its end
+    Line behind; ///< behind the event at its start, through what is seen of the fibre
+    Line before; ///< before the event at its end
+    double backscatter_dB = 0.0; ///< coefficient of the fibre, dB at 1 ns, negative
+};
+
 /// Optical return loss of a section, dB, positive: backscatter and reflections together.
 ///
 /// RL = -10 log10(10^(B/10) dt sum 10^((L - reference) / 5)) with dt the round-trip sample interval
@@ -41,5 +51,9 @@ struct SaturatedPeak
 /// section changes nothing. Peaks do not overlap.
 [[nodiscard]] double returnLoss_dB(const Trace& trace, const ReturnLossSection& section,
                                    gsl::span<const SaturatedPeak> peaks);
+
+/// That of the fibre between two events, seen from its start: without their reflections, but with
+/// what else reflects between them. NaN where an argument is not finite.
+[[nodiscard]] double fibreReturnLoss_dB(const Trace& trace, const FibreBetween& fibre);
 
 } // namespace otdr

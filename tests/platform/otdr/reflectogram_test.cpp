@@ -154,10 +154,27 @@ TEST(Reflectogram, FibreOfAFileStandsBetweenItsEventsAsTheSecondOfThemTellsIt)
     EXPECT_NEAR(fibre.length, 1000 * kSpacing_m, 1e-6);
     EXPECT_NEAR(fibre.attenuation(), 0.19, 1e-9);
     EXPECT_NEAR(fibre.loss, 0.19 * kSpacing_m, 1e-9);
-    EXPECT_FALSE(Event::isKnown(fibre.orl)) << "a file does not tell it";
     EXPECT_EQ(events[3].type, Event::Fiber);
     EXPECT_EQ(events[3].position, 1000);
     EXPECT_NEAR(events[3].length, 2000 * kSpacing_m, 1e-6);
+}
+
+/// A count of 0.001 dB is lost from each sample to the next, 10 ns there and back.
+TEST(Reflectogram, ReturnLossOfTheFibreInAFileIsThatOfItsTrace)
+{
+    const TraceFiles files;
+    const Reflectogram refl = files.plain();
+    const EventList events = refl.getEventList();
+    ASSERT_EQ(events.size(), 5);
+    const auto expected_dB = [](int samples) {
+        const double decay = 0.001 * std::log(10.0) / 5.0;
+        return 81.5 - 10.0 * std::log10(10.0 * -std::expm1(-decay * samples) / decay);
+    };
+    EXPECT_NEAR(events[1].orl, expected_dB(1000), 0.02);
+    EXPECT_NEAR(events[3].orl, expected_dB(2000), 0.02);
+    for (const Event& event : events) {
+        EXPECT_EQ(Event::isKnown(event.orl), event.type == Event::Fiber);
+    }
 }
 
 TEST(Reflectogram, FibreWhoseAttenuationAFileDoesNotTellHasALengthOnly)

@@ -3,6 +3,7 @@
 #include "platform/otdr/tracefigures.h"
 #include "tests/support/tracebuilder.h"
 #include "tests/support/tracefiles.h"
+#include "tests/support/uniformreturnloss.h"
 
 #include <gtest/gtest.h>
 
@@ -95,6 +96,104 @@ TEST(TraceFigures, NothingIsToldOfASpanThatShowsNoFibre)
         EXPECT_TRUE(std::isnan(figures.totalLoss)) << figures.totalLoss;
         EXPECT_TRUE(std::isnan(figures.orl)) << figures.orl;
     }
+}
+
+/// The list of a measured trace without what its search told of the lines beside the events, as a
+/// list that comes from elsewhere.
+EventList withoutLines(EventList events)
+{
+    for (Event& event : events) {
+        event.beforeFrom = Event::kUnknown;
+        event.behindFrom = Event::kUnknown;
+        event.behindTo = Event::kUnknown;
+    }
+    return events;
+}
+
+/// A pulse of 10 us is a kilometre long: what half of it loses, there and back, is 0.2 dB.
+TEST(TraceFigures, ReturnLossOfALongPulseIsThatOfTheSearch)
+{
+    const TraceFiles files;
+    WfMeasParams params;
+    params.pulse = 10000;
+    Reflectogram refl = files.measured(
+        TraceBuilder().fibre(60_km).pulse(10000).behind(3000).noise(0.005_dB, 4).noiseFloor(8_dB),
+        params);
+    const otdr::Detection found = detectionOf(*refl.state());
+    refl.setEventList(eventListOf(found, *refl.state()));
+    EXPECT_NEAR(keyFigures(*refl.state()).orl, found.returnLoss_dB, 0.02);
+    refl.setEventList(withoutLines(refl.getEventList()));
+    EXPECT_NEAR(keyFigures(*refl.state()).orl, found.returnLoss_dB, 0.02);
+}
+
+TEST(TraceFigures, ReturnLossOfASectionIsThatOfTheFibreBetweenItsEvents)
+{
+    const TraceFiles files;
+    const Reflectogram refl = searched(files,
+                                       TraceBuilder()
+                                           .fibre(12_km)
+                                           .connector(4_km, 0.3_dB, 14_dB)
+                                           .splice(8_km, 0.2_dB)
+                                           .reflectingEnd(15_dB)
+                                           .behind(3000)
+                                           .noise(0.002_dB, 5)
+                                           .noiseFloor(8_dB));
+    const EventList events = refl.getEventList();
+    ASSERT_EQ(events.size(), 7);
+    const TraceState& state = *refl.state();
+    for (int i = 1; i < events.size(); i += 2) {
+        const double expected_dB =
+            uniformReturnLoss_dB(events[i].length, 0.2, state.backscatter_dB, state.metresPerNs());
+        EXPECT_NEAR(sectionReturnLoss_dB(state, events[i - 1], events[i + 1]), expected_dB, 0.05);
+        EXPECT_NEAR(events[i].orl, expected_dB, 0.05);
+    }
+}
+
+/// Places of other instruments are off by up to a pulse: what reflects there is none of the fibre.
+TEST(TraceFigures, ReturnLossOfASectionHoldsNoReflectionThatStandsNextToItsEnds)
+{
+    const TraceFiles files;
+    const TraceBuilder builder =
+        TraceBuilder().fibre(12_km).reflection(4_km, 20_dB).reflection(8_km, 20_dB); // 10 m a pulse
+    Reflectogram refl = files.measured(builder);
+    const auto eventAt = [&](Length at) {
+        Event event(Event::Reflective, 0, 10);
+        event.position = std::lround(builder.indexOf(at));
+        event.coordinate = refl.smpl2dist(static_cast<double>(event.position));
+        return event;
+    };
+    for (const double off_m : {-8.0, 0.0, 8.0}) {
+        const Event from = eventAt(Length {4000.0 + off_m});
+        const Event to = eventAt(Length {8000.0 + off_m});
+        refl.setEventList({from, to});
+        const TraceState& state = *refl.state();
+        const double length_m = to.coordinate - from.coordinate;
+        EXPECT_NEAR(sectionReturnLoss_dB(state, from, to),
+                    uniformReturnLoss_dB(length_m, 0.2, state.backscatter_dB, state.metresPerNs()),
+                    0.02)
+            << off_m;
+    }
+}
+
+TEST(TraceFigures, ReturnLossOfASectionThatNoFibreShowsOfIsUnknown)
+{
+    const TraceFiles files;
+    const TraceBuilder builder =
+        TraceBuilder().fibre(6_km).behind(3000).noise(0.01_dB, 6).noiseFloor(8_dB);
+    const Reflectogram refl = files.measured(builder);
+    const auto eventAt = [&](double at_m) {
+        Event event(Event::NonReflective, 0, 10);
+        event.position = std::lround(builder.indexOf(Length {at_m}));
+        event.coordinate = refl.smpl2dist(static_cast<double>(event.position));
+        return event;
+    };
+    const TraceState& state = *refl.state();
+    EXPECT_TRUE(std::isfinite(sectionReturnLoss_dB(state, eventAt(1000), eventAt(2000))));
+    EXPECT_TRUE(std::isnan(sectionReturnLoss_dB(state, eventAt(1000), eventAt(1012))));
+    EXPECT_TRUE(std::isnan(sectionReturnLoss_dB(state, eventAt(6500), eventAt(7500)))) << "noise";
+    EXPECT_TRUE(std::isnan(sectionReturnLoss_dB(state, eventAt(50000), eventAt(60000))))
+        << "beyond";
+    EXPECT_TRUE(std::isnan(sectionReturnLoss_dB(state, eventAt(2000), eventAt(1000))));
 }
 
 } // namespace

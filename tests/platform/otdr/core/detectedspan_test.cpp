@@ -1,5 +1,8 @@
 #include "platform/otdr/core/eventdetection.h"
+#include "platform/otdr/core/pulseshape.h"
+#include "tests/platform/otdr/core/drawnfibre.h"
 #include "tests/support/tracebuilder.h"
+#include "tests/support/uniformreturnloss.h"
 
 #include <gtest/gtest.h>
 
@@ -72,6 +75,56 @@ TEST(DetectedSpan, ReturnLossCountsWhatTheEndReflects)
     const double reflected = std::pow(10.0, 0.1 * seen_dB);
     EXPECT_NEAR(found.returnLoss_dB, -10.0 * std::log10(scattered + reflected), 0.05);
     EXPECT_LT(found.returnLoss_dB, detected(cut).returnLoss_dB - 1.0);
+}
+
+/// A sample of a nanosecond and a metre; 30 km that lose 6 dB, behind a port that a pulse enters at
+/// the first of them. What a pulse shows of a fibre is what lies half of it before.
+DrawnFibre fibreBehindAPort(double pulse)
+{
+    constexpr double kEnd = 30000.0;
+    const otdr::PulseShape shape(pulse, 0.08 * pulse);
+    return {34000, scaleOf(pulse), [=](double i) {
+                const double fibre_dB = 45.0 - 0.0002 * (i - shape.centre());
+                const double entered = shape.step(i) - shape.step(i - kEnd);
+                return std::max(dark_dB(i), fibre_dB + 5.0 * std::log10(entered + 1e-9));
+            }};
+}
+
+TEST(DetectedSpan, ReturnLossDoesNotDependOnThePulse)
+{
+    for (const double pulse : {20.0, 400.0, 2000.0}) {
+        const DrawnFibre fibre = fibreBehindAPort(pulse);
+        const otdr::Detection found = otdr::detectEvents(fibre->samples(), {pulse, 1.0, -80.0});
+        const double expected_dB = uniformReturnLoss_dB(30000.0, 0.2, -80.0, 1.0);
+        EXPECT_NEAR(found.returnLoss_dB, expected_dB, 0.02) << pulse;
+        ASSERT_EQ(found.sections.size(), 1U);
+        EXPECT_NEAR(found.sections[0].returnLoss_dB, expected_dB, 0.02) << pulse;
+    }
+}
+
+/// Connectors hide some of the fibre beside them, and the more of it the longer the pulse is.
+TEST(DetectedSpan, ReturnLossOfASectionIsThatOfItsFibre)
+{
+    for (const double pulse_ns : {100.0, 1000.0, 3000.0}) {
+        const TraceBuilder builder = TraceBuilder()
+                                         .fibre(12_km)
+                                         .behind(3000)
+                                         .pulse(pulse_ns)
+                                         .noise(0.002_dB, 26)
+                                         .connector(4_km, 0.3_dB, 14_dB)
+                                         .splice(6_km, 0.2_dB)
+                                         .connector(8_km, 0.1_dB, 14_dB);
+        const otdr::Detection found =
+            otdr::detectEvents(*builder.build(), {pulse_ns, builder.metresPerNs(), -80.0});
+        ASSERT_EQ(found.sections.size(), 4U) << pulse_ns;
+        for (const otdr::DetectedSection& section : found.sections) {
+            const double length_m =
+                (section.to - section.from) * 10.0 * builder.metresPerNs(); // 10 ns a sample
+            EXPECT_NEAR(section.returnLoss_dB,
+                        uniformReturnLoss_dB(length_m, 0.2, -80.0, builder.metresPerNs()), 0.03)
+                << pulse_ns << " " << section.from;
+        }
+    }
 }
 
 /// The fibre behind the start begins behind the reflection of the port, and behind the start.

@@ -3,6 +3,7 @@
 #include "platform/otdr/core/returnloss.h"
 #include "platform/otdr/core/trace.h"
 #include "tests/support/tracebuilder.h"
+#include "tests/support/uniformreturnloss.h"
 
 #include <gtest/gtest.h>
 
@@ -13,6 +14,8 @@
 
 namespace {
 
+using otdr::FibreBetween;
+using otdr::fibreReturnLoss_dB;
 using otdr::fitLine;
 using otdr::returnLoss_dB;
 using otdr::ReturnLossSection;
@@ -20,14 +23,10 @@ using otdr::SaturatedPeak;
 using otdr::Trace;
 using namespace testing_support;
 
-/// Return loss of a uniform fibre without reflections, by the integral over its backscatter.
 double uniformFibre(double length_km, double perKilometre_dB, double backscatter_dB)
 {
-    const double perMetre =
-        2.0 * perKilometre_dB / 1000.0 * std::log(10.0) / 10.0; // there and back
-    const double metresPerNs = otdr::metresPerNs(otdr::kDefaultGroupIndex);
-    const double nanoseconds = -std::expm1(-perMetre * length_km * 1000.0) / perMetre / metresPerNs;
-    return -backscatter_dB - 10.0 * std::log10(nanoseconds);
+    return uniformReturnLoss_dB(length_km * 1000.0, perKilometre_dB, backscatter_dB,
+                                otdr::metresPerNs(otdr::kDefaultGroupIndex));
 }
 
 ReturnLossSection sectionOf(const TraceBuilder& builder, Length from, Length to, double backscatter)
@@ -232,6 +231,87 @@ TEST(ReturnLoss, IsUnknownWithAReflectanceThatIsNoNumber)
     saturated.peak.reflectance_dB = std::nan("");
     const ReturnLossSection section = sectionOf(saturated.builder, 0_m, 10_km, -81.9);
     EXPECT_TRUE(std::isnan(returnLoss_dB(*saturated.trace, section, {&saturated.peak, 1})));
+}
+
+/// 8.0005 km of fibre between events, seen from 3 km to 6 km; both ends lie between two samples.
+FibreBetween fibreBetween(const TraceBuilder& builder, const Trace& trace)
+{
+    const auto line =
+        fitLineBetween(trace, builder.indexOf(3_km), builder.indexOf(6_km)).value_or(otdr::Line());
+    return {builder.indexOf(1000.2_m), builder.indexOf(9000.7_m), line, line, -81.9};
+}
+
+TEST(FibreReturnLoss, HoldsTheFibreThatEventsHideAndNotTheirReflections)
+{
+    for (const double interval_ns : {10.0, 250.0}) {
+        const TraceBuilder builder = TraceBuilder()
+                                         .fibre(10_km)
+                                         .sampling(interval_ns)
+                                         .pulse(5.0 * interval_ns)
+                                         .reflection(1_km, 12_dB)
+                                         .reflection(8900_m, 12_dB);
+        const auto trace = builder.build();
+        EXPECT_NEAR(fibreReturnLoss_dB(*trace, fibreBetween(builder, *trace)),
+                    uniformFibre(8.0005, 0.2, -81.9), 0.002);
+    }
+}
+
+TEST(FibreReturnLoss, OfOneWithoutAttenuationIsThatOfItsLength)
+{
+    const TraceBuilder builder = TraceBuilder().fibre(10_km).attenuation(0_dB);
+    const auto trace = builder.build();
+    const double time_ns = 8000.5 / builder.metresPerNs();
+    EXPECT_NEAR(fibreReturnLoss_dB(*trace, fibreBetween(builder, *trace)),
+                81.9 - 10.0 * std::log10(time_ns), 1e-6);
+}
+
+TEST(FibreReturnLoss, HoldsWhatReflectsWhereTheFibreIsSeen)
+{
+    const double height = otdr::peakHeight_dB(-40.0, -81.9, 100.0);
+    const TraceBuilder bare = TraceBuilder().fibre(10_km).pulse(100);
+    const TraceBuilder builder = TraceBuilder(bare).reflection(5_km, {height});
+    const auto trace = builder.build();
+    const double there = std::pow(10.0, (-40.0 - 2.0 * 3.9998 * 0.2) / 10.0);
+    const double scattered = std::pow(10.0, -uniformFibre(8.0005, 0.2, -81.9) / 10.0);
+    // The lines are those of the bare fibre: the one through a peak of 6 dB stands higher.
+    EXPECT_NEAR(fibreReturnLoss_dB(*trace, fibreBetween(bare, *bare.build())),
+                -10.0 * std::log10(there + scattered), 0.01);
+}
+
+/// Where the lines begin and end beyond the fibre they meet in the middle of it.
+TEST(FibreReturnLoss, OfOneThatIsNotSeenIsThatOfTheLines)
+{
+    const TraceBuilder builder = TraceBuilder().fibre(10_km).reflection(2500_m, 12_dB);
+    const auto trace = builder.build();
+    FibreBetween fibre = fibreBetween(builder, *trace);
+    fibre.from = builder.indexOf(2480.2_m);
+    fibre.to = builder.indexOf(2521.3_m);
+    EXPECT_NEAR(fibreReturnLoss_dB(*trace, fibre), uniformFibre(0.0411, 0.2, -81.9), 0.002);
+    fibre.before.level_dB -= 5.0; // half of it ten times weaker, there and back
+    EXPECT_NEAR(fibreReturnLoss_dB(*trace, fibre),
+                uniformFibre(0.0411, 0.2, -81.9) - 10.0 * std::log10(0.55), 0.005);
+}
+
+TEST(FibreReturnLoss, IsUnknownWithoutFibreOrNumbers)
+{
+    const TraceBuilder builder = TraceBuilder().fibre(10_km);
+    const auto trace = builder.build();
+    const auto without = [&](auto&& change) {
+        FibreBetween fibre = fibreBetween(builder, *trace);
+        change(fibre);
+        return fibreReturnLoss_dB(*trace, fibre);
+    };
+    EXPECT_TRUE(std::isfinite(without([](FibreBetween&) {})));
+    EXPECT_TRUE(std::isnan(without([](FibreBetween& fibre) { fibre.to = fibre.from; })));
+    EXPECT_TRUE(std::isnan(without([](FibreBetween& fibre) { fibre.to = fibre.from - 5.0; })));
+    EXPECT_TRUE(std::isnan(without([](FibreBetween& fibre) { fibre.from = std::nan(""); })));
+    EXPECT_TRUE(std::isnan(without([](FibreBetween& fibre) { fibre.to = std::nan(""); })));
+    EXPECT_TRUE(
+        std::isnan(without([](FibreBetween& fibre) { fibre.behind.level_dB = std::nan(""); })));
+    EXPECT_TRUE(
+        std::isnan(without([](FibreBetween& fibre) { fibre.before.slope_dB = std::nan(""); })));
+    EXPECT_TRUE(
+        std::isnan(without([](FibreBetween& fibre) { fibre.backscatter_dB = std::nan(""); })));
 }
 
 } // namespace
