@@ -22,6 +22,7 @@ struct Figures
     std::vector<double> lossOff; // by the bound
     std::vector<double> reflectanceOff_dB;
     std::vector<double> returnLossOff_dB;
+    std::vector<double> sectionsReturnLossOff_dB;
     std::vector<double> sumOff_dB;
 };
 

@@ -27,6 +27,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <optional>
 #include <random>
 #include <string>
 #include <vector>
@@ -108,6 +109,7 @@ public:
             figures.sumOff_dB.push_back(sum - found.spanLoss_dB);
         }
         countReturnLoss(figures);
+        countSections(figures);
     }
 
     /// All that is on the link and all that was found.
@@ -227,11 +229,7 @@ private:
         const double off = nearest.index - known->indexOf(event);
         if (expected.isPeak) {
             figures.peakOff.push_back(off);
-            const bool isWhole = expected.height_dB + expected.level_dB
-                < source.launchLevel_dB() + gather::kSaturation_dB;
-            if (isWhole && expected.height_dB > 20.0 * expected.sigma_dB) {
-                figures.reflectanceOff_dB.push_back(nearest.reflectance_dB - event.reflectance_dB);
-            }
+            countReflectance(event, expected.height_dB, expected.sigma_dB, nearest, figures);
         } else {
             const double least = expected.sigma_dB * std::sqrt(pulse * correlation)
                 / std::abs(event.apparentLoss_dB);
@@ -251,15 +249,32 @@ private:
         }
     }
 
+    /// Of reflections that the receiver shows whole, and well above its noise.
+    void countReflectance(const TruthEvent& event, double height_dB, double sigma_dB,
+                          const DetectedEvent& nearest, Figures& figures) const
+    {
+        const bool counts = !known->overloads(event) && height_dB > 20.0 * sigma_dB
+            && !std::isnan(nearest.reflectance_dB);
+        if (counts) {
+            figures.reflectanceOff_dB.push_back(nearest.reflectance_dB
+                                                - known->shownReflectance_dB(event));
+        }
+    }
+
     void countEnd(const TruthEvent& event, const DetectedEvent* nearest, Figures& figures,
                   bool prints) const
     {
-        if (known->levelBefore(known->indexOf(event)) < kNoiseLevel_dB + 3.0) {
+        const double level_dB = known->levelBefore(known->indexOf(event));
+        if (level_dB < kNoiseLevel_dB + 3.0) {
             return;
         }
         ++figures.ends;
         const bool isFound = nearest != nullptr && nearest->kind == DetectedEvent::Kind::End;
         figures.endsFound += isFound ? 1 : 0;
+        if (isFound) {
+            countReflectance(event, known->heightOf(event), known->sigmaAt(level_dB), *nearest,
+                             figures);
+        }
         if (!isFound && prints) {
             std::printf("  end at %.1f missed, level %.1f; found %.1f\n", known->indexOf(event),
                         known->levelBefore(known->indexOf(event)), found.end);
@@ -282,17 +297,22 @@ private:
         }
     }
 
+    /// What the fibre between two places scatters back, as a part of the light that has a level.
+    [[nodiscard]] double scatteredBetween(double from, double to, double level_dB) const
+    {
+        const double unit = std::pow(10.0, kBackscatter_dB / 10.0) * interval_ns;
+        const double step = std::max(1.0, to - from) / 4000.0;
+        double sum = 0.0;
+        for (double i = from + 0.5 * step; i < to; i += step) {
+            sum += step * unit * std::pow(10.0, (known->levelBefore(i) - level_dB) / 5.0);
+        }
+        return sum;
+    }
+
     /// Against the sum over the true levels, where no peak is beyond what the receiver shows.
     void countReturnLoss(Figures& figures) const
     {
-        double sum = 0.0;
-        const double end = known->endOf();
-        const double unit = std::pow(10.0, kBackscatter_dB / 10.0) * interval_ns;
-        const double step = std::max(1.0, end / 4000.0);
-        for (double i = 0.5 * step; i < end; i += step) {
-            sum += step * unit
-                * std::pow(10.0, (known->levelBefore(i) - source.launchLevel_dB()) / 5.0);
-        }
+        double sum = scatteredBetween(0.0, known->endOf(), source.launchLevel_dB());
         bool isWhole = true;
         for (const TruthEvent& event : known->truth()) {
             if (event.ghost || std::isnan(event.reflectance_dB)) {
@@ -307,6 +327,41 @@ private:
         }
         if (isWhole && !std::isnan(found.returnLoss_dB)) {
             figures.returnLossOff_dB.push_back(found.returnLoss_dB + 10.0 * std::log10(sum));
+        }
+    }
+
+    /// Where the true event is that one was found of: half a pulse away from it at most.
+    [[nodiscard]] std::optional<double> truePlace(double found) const
+    {
+        std::optional<double> place;
+        for (const TruthEvent& event : known->truth()) {
+            const double index = known->indexOf(event);
+            place = !event.ghost && std::abs(index - found) < 0.5 * pulse ? index : place;
+        }
+        return place || found > 0.5 * pulse ? place : std::optional<double>(0.0);
+    }
+
+    [[nodiscard]] bool reflectsBetween(double from, double to) const
+    {
+        const auto& events = known->truth();
+        return std::any_of(events.begin(), events.end(), [&](const TruthEvent& event) {
+            const double index = known->indexOf(event);
+            return !event.ghost && index > from && index < to && !std::isnan(event.reflectance_dB);
+        });
+    }
+
+    void countSections(Figures& figures) const
+    {
+        for (const otdr::DetectedSection& section : found.sections) {
+            const auto from = truePlace(section.from);
+            const auto to = truePlace(section.to);
+            if (from && to && !std::isnan(section.returnLoss_dB) && !reflectsBetween(*from, *to)) {
+                // The level of the fibre behind the place: that of the event is lost before.
+                const double level_dB = known->levelBefore(std::nextafter(*from, *to));
+                figures.sectionsReturnLossOff_dB.push_back(
+                    section.returnLoss_dB
+                    + 10.0 * std::log10(scatteredBetween(*from, *to, level_dB)));
+            }
         }
     }
 

@@ -109,6 +109,18 @@ double KnownLink::heightOf(const TruthEvent& event) const
                               sight.pulse * sight.interval_ns);
 }
 
+double KnownLink::shownReflectance_dB(const TruthEvent& event) const
+{
+    const double at_m = metresOf(indexOf(event) - kSamePlace);
+    double border_m = 0.0;
+    const auto before = std::find_if(fibre.sections.begin(), fibre.sections.end() - 1,
+                                     [&](const gather::Section& section) {
+                                         border_m += section.length_m;
+                                         return at_m <= border_m;
+                                     });
+    return event.reflectance_dB - before->backscatter_dB.at(wavelength_nm) + kBackscatter_dB;
+}
+
 bool KnownLink::overloads(const TruthEvent& event) const
 {
     return !event.ghost

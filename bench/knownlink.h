@@ -57,6 +57,10 @@ public:
     /// Height of the reflection of an event above the fibre, dB; 0 where it has none.
     [[nodiscard]] double heightOf(const gather::TruthEvent& event) const;
 
+    /// Reflectance of an event as an instrument tells it that takes the fibre before it for one of
+    /// the usual backscatter coefficient, dB; NaN where it has none.
+    [[nodiscard]] double shownReflectance_dB(const gather::TruthEvent& event) const;
+
     /// More light than the instrument shows.
     [[nodiscard]] bool overloads(const gather::TruthEvent& event) const;
 

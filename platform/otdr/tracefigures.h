@@ -8,8 +8,8 @@
 /// nearer end, dB. NaN where it cannot be told.
 [[nodiscard]] double stretchReturnLoss_dB(const TraceState& state, double a_m, double b_m);
 
-/// Optical return loss of the fibre between two events, seen from the nearer one, dB. NaN where they
-/// hide it.
+/// Optical return loss of the fibre between two events, seen from the nearer one, dB. NaN where
+/// they hide it.
 [[nodiscard]] double sectionReturnLoss_dB(const TraceState& state, const Event& from,
                                           const Event& to);
 

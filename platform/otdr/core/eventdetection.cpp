@@ -1,6 +1,7 @@
 #include "platform/otdr/core/eventdetection.h"
 
 #include "platform/otdr/core/darkness.h"
+#include "platform/otdr/core/decibels.h"
 #include "platform/otdr/core/detectedspan.h"
 #include "platform/otdr/core/echoes.h"
 #include "platform/otdr/core/eventfit.h"
@@ -40,6 +41,9 @@ constexpr double kOwnRisePulses = 0.5;
 
 /// Light that has fallen by this much is gone: what rises then is no reflection of the fibre.
 constexpr double kGone_dB = 3.0;
+
+/// The light of a reflection at the end up to this height is told by its whole shape.
+constexpr double kLowLast_dB = 3.0;
 
 /// A trace of fewer pulses or samples tells nothing.
 constexpr double kFewestPulses = 8.0;
@@ -160,6 +164,11 @@ private:
     {
         event.kind = DetectedEvent::Kind::Reflective;
         event.evidence = evidence;
+        addLight(event, height_dB);
+    }
+
+    void addLight(DetectedEvent& event, double height_dB) const
+    {
         event.height_dB = height_dB;
         event.reflectance_dB = reflectanceOf(height_dB);
     }
@@ -170,8 +179,8 @@ private:
         const auto peak = peakAbove(trace, start.index, start.index + fibre.gap(),
                                     start.behind.at(start.index) + kLaunchPeak_dB);
         if (peak) {
-            start.height_dB = peak->level_dB - start.behind.at(start.index);
-            start.reflectance_dB = reflectanceOf(start.height_dB);
+            const double port_dB = start.behind.at(start.index + fibre.shape().centre());
+            addLight(start, peak->level_dB - port_dB);
         }
     }
 
@@ -210,7 +219,10 @@ private:
                 event.stepStatistic = site.statistic();
             }
             if (reflects) {
-                reflect(event, evidenceOf(i), site.peak->heights_dB[i]);
+                // Of several in a dead zone it is not known which of them loses how much.
+                const double loss_dB = feet == 1 && !std::isnan(site.loss_dB) ? site.loss_dB : 0.0;
+                reflect(event, evidenceOf(i),
+                        heightOfLight_dB(*site.peak, i, fibre.shape(), loss_dB));
                 event.hidden_dB = site.peak->hiddenAt_dB(i);
             } else if (site.loss_dB < 0.0) {
                 event.kind = DetectedEvent::Kind::Gain;
@@ -287,7 +299,25 @@ private:
         DetectedEvent event = lastPeak(end, peak, last);
         event.kind = end.kind;
         event.evidence = end.evidence;
+        addLight(event, heightOfLastLight_dB(end, peak, last));
         result.events.push_back(event);
+    }
+
+    /// The light of the reflection at the end. That of a low one is told by its whole shape: it is
+    /// highest where most of the fibre is still seen, and lasts when none of it is.
+    [[nodiscard]] double heightOfLastLight_dB(const DetectedEvent& end, const PeakGroup& peak,
+                                              std::size_t last) const
+    {
+        constexpr double kAll_dB = 100.0;
+        const double height_dB = heightOfLight_dB(peak, last, fibre.shape(), kAll_dB);
+        if (height_dB > kLowLast_dB || peak.saturated()) {
+            return height_dB;
+        }
+        Line nothing;
+        nothing.level_dB = end.before.at(peak.feet[last]) - kAll_dB;
+        nothing.centre = peak.feet[last];
+        nothing.samples = fibre.samples().size();
+        return fitPeak(fibre, peak.feet[last], end.before, nothing).height_dB;
     }
 
     /// One of the reflections in the dead zone of the end.

@@ -66,7 +66,7 @@ struct DetectedEvent
     double lossError_dB = kUnknown; ///< standard error: by noise, and by what lines through fibre
                                     ///< of this trace stray from it
     double reflectance_dB = kUnknown;
-    double height_dB = kUnknown; ///< of the peak above the fibre before it
+    double height_dB = kUnknown; ///< of its light alone above the fibre before it
     double hidden_dB = 0.0; ///< the peak may be so much higher than an overloaded receiver shows
     bool echo = false; ///< light on a detour between reflections: nothing is there
     int group = 0; ///< events of one group share a dead zone and a loss

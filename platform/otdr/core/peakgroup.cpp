@@ -130,7 +130,9 @@ public:
             const double next = i + 1 < group.feet.size() ? group.feet[i + 1] : group.behind;
             const std::size_t peak =
                 highest(group.feet[i], std::min(next, group.feet[i] + 2.0 * w));
-            group.heights_dB.push_back(plateau(group.feet[i], next, peak));
+            const Height height = plateau(group.feet[i], next, peak);
+            group.heights_dB.push_back(height.height_dB);
+            group.seenAt.push_back(height.seenAt);
         }
         group.hidden_dB = hiddenAbove_dB(top, group);
         group.feet.front() = edgeOf(
@@ -220,20 +222,27 @@ private:
         return end;
     }
 
-    /// Height of a peak: the mean over the flat part of its top, which noise does not raise.
-    [[nodiscard]] double plateau(double foot, double next, std::size_t top) const
+    /// Height of a peak above the fibre before it, and where it has it.
+    struct Height
     {
+        double height_dB = 0.0;
+        double seenAt = 0.0;
+    };
+
+    /// The mean over the flat part of its top, which noise does not raise.
+    [[nodiscard]] Height plateau(double foot, double next, std::size_t top) const
+    {
+        const Height high {level(top) - fibre(top), static_cast<double>(top)};
         const double begin = std::ceil(foot + trace.shape().riseTo(kFlatPart));
         const double end = std::floor(std::min(foot + w, next));
-        if (end - begin >= 2.0) {
-            const double mean = trace.mean_dB(begin, end + 0.5);
-            const double centre = 0.5 * (begin + end);
-            const double high = level(top) - fibre(top);
-            const double flat = mean - line.at(centre);
-            // A pulse that is not as long as stated has no flat top there.
-            return high - flat < std::max(kFlat_dB, kFlatSigmas * sigma) ? flat : high;
+        if (end - begin < 2.0) {
+            return high;
         }
-        return level(top) - fibre(top);
+        const double centre = 0.5 * (begin + end);
+        const double flat_dB = trace.mean_dB(begin, end + 0.5) - line.at(centre);
+        // A pulse that is not as long as stated has no flat top there.
+        const bool isFlat = high.height_dB - flat_dB < std::max(kFlat_dB, kFlatSigmas * sigma);
+        return isFlat ? Height {flat_dB, centre} : high;
     }
 
     /// By how much the light may be brighter than its highest sample shows, dB.
@@ -344,6 +353,15 @@ double PeakGroup::hiddenAt_dB(std::size_t i) const
     return heights_dB[i] > height_dB() - kHeld_dB ? hidden_dB : 0.0;
 }
 
+double heightOfLight_dB(const PeakGroup& peak, std::size_t i, const PulseShape& shape,
+                        double loss_dB)
+{
+    const bool isAlone = i >= peak.seenAt.size();
+    const double lost =
+        isAlone ? 0.0 : shape.step(peak.seenAt[i] - peak.feet[i]) * (1.0 - powerRatio(-loss_dB));
+    return levelOfRatio_dB(powerRatio(peak.heights_dB[i]) + lost);
+}
+
 double highestFoot(const PeakGroup& peak)
 {
     const auto highest = std::max_element(peak.heights_dB.begin(), peak.heights_dB.end());
@@ -357,6 +375,9 @@ void dropLowFeet(PeakGroup& peak, double least_dB)
         if (!(peak.heights_dB[i] >= least)) {
             peak.feet.erase(peak.feet.begin() + static_cast<std::ptrdiff_t>(i));
             peak.heights_dB.erase(peak.heights_dB.begin() + static_cast<std::ptrdiff_t>(i));
+            if (i < peak.seenAt.size()) {
+                peak.seenAt.erase(peak.seenAt.begin() + static_cast<std::ptrdiff_t>(i));
+            }
         }
     }
 }

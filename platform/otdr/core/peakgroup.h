@@ -18,6 +18,10 @@ struct PeakGroup
     /// By how much the highest may stand higher than an overloaded receiver shows, dB.
     double hidden_dB = 0.0;
 
+    /// Index at which each height was seen, where the fibre under it may have lost some light
+    /// already; empty where a fit tells the heights of the light alone.
+    std::vector<double> seenAt = {};
+
     [[nodiscard]] bool saturated() const { return hidden_dB > 0.0; }
 
     /// The same of one of them: those as high as the highest are held at the same level.
@@ -29,6 +33,11 @@ struct PeakGroup
     /// Whether it is one so low that its whole shape places it, and not its edge.
     [[nodiscard]] bool isLow() const;
 };
+
+/// Height that the light of one reflection of a group alone would have above the fibre before it,
+/// dB, where the fibre loses so much in the event: it stands on what is left of the fibre.
+[[nodiscard]] double heightOfLight_dB(const PeakGroup& peak, std::size_t i, const PulseShape& shape,
+                                      double loss_dB);
 
 /// Index of the rise to the highest reflection of a group.
 [[nodiscard]] double highestFoot(const PeakGroup& peak);

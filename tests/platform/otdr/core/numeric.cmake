@@ -10,6 +10,7 @@ waveform_test(otdr_core_numeric_test
         echoes_test.cpp
         eventdetection_test.cpp
         eventdetectionends_test.cpp
+        eventdetectionlight_test.cpp
         eventfit_test.cpp
         eventscan_test.cpp
         eventsearch_test.cpp
