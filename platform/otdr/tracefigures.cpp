@@ -1,5 +1,6 @@
 #include "platform/otdr/tracefigures.h"
 
+#include "platform/otdr/core/pulseshape.h"
 #include "platform/otdr/core/returnloss.h"
 
 #include <algorithm>
@@ -17,6 +18,17 @@ constexpr double kSameEventPulses = 0.5;
 double indexOf(const TraceState& state, const Event& event)
 {
     return state.indexAt(event.coordinate);
+}
+
+/// A place with nothing else on the trace.
+otdr::EventSite bareSite(const TraceState& state, double index)
+{
+    otdr::EventSite site;
+    site.index = index;
+    site.pulse = state.pulseSamples();
+    site.longestWindow =
+        otdr::kLongestWindow_m / (state.metresPerNs() * state.trace->axis().sampleInterval_ns);
+    return site;
 }
 
 /// The fibre behind a place and before another.
@@ -49,11 +61,13 @@ std::optional<otdr::Line> fibreBehindStart(const TraceState& state, double start
     return fibreBehind(state, start, last);
 }
 
-/// Where light of the fibre right behind a foot shows as it is: while the pulse enters the fibre,
-/// the level rises by what only a part of it brings back.
+/// Where the level of the fibre right behind a foot is seen, by a receiver that suits the pulse:
+/// only when half of the pulse is in the fibre, half of its light comes back.
 double seenAt(const TraceState& state, double foot)
 {
-    return foot + 0.5 * state.pulseSamples();
+    static const double pulses =
+        otdr::PulseShape(1.0, otdr::PulseShape::kUsualTimeConstant).centre();
+    return foot + pulses * state.pulseSamples();
 }
 
 /// The level of the fibre right behind the start, from which the return loss of the span is
@@ -138,11 +152,7 @@ double endToEndLoss_dB(const TraceState& state, double start, double end)
 otdr::EventSite siteOf(const TraceState& state, double index)
 {
     const double pulse = state.pulseSamples();
-    otdr::EventSite site;
-    site.index = index;
-    site.pulse = pulse;
-    site.longestWindow =
-        otdr::kLongestWindow_m / (state.metresPerNs() * state.trace->axis().sampleInterval_ns);
+    otdr::EventSite site = bareSite(state, index);
     const double start = state.indexAt(0.0);
     if (start < index - kSameEventPulses * pulse) {
         // The fibre begins at 0 m, behind the reflection of the port; a launch fibre before it has
@@ -179,8 +189,12 @@ double sectionReturnLoss_dB(const TraceState& state, const Event& from, const Ev
     const double end = indexOf(state, to);
     // A stored place is good to a pulse: behind it the edge of a peak would count as fibre.
     const double shownTo = end - state.pulseSamples();
-    const auto behind = fibreBehind(state, start, shownTo);
-    const auto before = otdr::fibreBefore(*state.trace, siteOf(state, shownTo));
+    otdr::EventSite near = bareSite(state, start);
+    near.rightLimit = shownTo;
+    otdr::EventSite far = bareSite(state, shownTo);
+    far.leftLimit = start + otdr::kDeadZonePulses * state.pulseSamples();
+    const auto behind = otdr::fibreBehind(*state.trace, near);
+    const auto before = otdr::fibreBefore(*state.trace, far);
     if (!behind || !before) {
         return Event::kUnknown;
     }

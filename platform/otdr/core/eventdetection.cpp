@@ -310,7 +310,7 @@ private:
     {
         constexpr double kAll_dB = 100.0;
         const double height_dB = heightOfLight_dB(peak, last, fibre.shape(), kAll_dB);
-        if (height_dB > kLowLast_dB || peak.saturated()) {
+        if (height_dB > kLowLast_dB) {
             return height_dB;
         }
         Line nothing;

@@ -114,16 +114,16 @@ EventList withoutLines(EventList events)
 TEST(TraceFigures, ReturnLossOfALongPulseIsThatOfTheSearch)
 {
     const TraceFiles files;
-    WfMeasParams params;
-    params.pulse = 10000;
-    Reflectogram refl = files.measured(
-        TraceBuilder().fibre(60_km).pulse(10000).behind(3000).noise(0.005_dB, 4).noiseFloor(8_dB),
-        params);
-    const otdr::Detection found = detectionOf(*refl.state());
-    refl.setEventList(eventListOf(found, *refl.state()));
-    EXPECT_NEAR(keyFigures(*refl.state()).orl, found.returnLoss_dB, 0.02);
-    refl.setEventList(withoutLines(refl.getEventList()));
-    EXPECT_NEAR(keyFigures(*refl.state()).orl, found.returnLoss_dB, 0.02);
+    const Reflectogram refl = files.measured(
+        TraceBuilder().fibre(60_km).pulse(10000).behind(3000).noise(0.005_dB, 4).noiseFloor(8_dB));
+    TraceState state = *refl.state();
+    state.pulse_ns = 10000.0;
+    const otdr::Detection found = detectionOf(state);
+    ASSERT_TRUE(std::isfinite(found.returnLoss_dB));
+    state.events = eventListOf(found, state);
+    EXPECT_NEAR(keyFigures(state).orl, found.returnLoss_dB, 0.02);
+    state.events = withoutLines(state.events);
+    EXPECT_NEAR(keyFigures(state).orl, found.returnLoss_dB, 0.02);
 }
 
 TEST(TraceFigures, ReturnLossOfASectionIsThatOfTheFibreBetweenItsEvents)
@@ -175,6 +175,26 @@ TEST(TraceFigures, ReturnLossOfASectionHoldsNoReflectionThatStandsNextToItsEnds)
     }
 }
 
+/// What lies before it is another section: a line over both would not be that of its fibre.
+TEST(TraceFigures, ReturnLossOfAShortSectionIsThatOfItsOwnFibre)
+{
+    const TraceFiles files;
+    const TraceBuilder builder = TraceBuilder().fibre(12_km).splice(4_km, 6_dB);
+    const Reflectogram refl = files.measured(builder);
+    const auto eventAt = [&](Length at) {
+        Event event(Event::NonReflective, 0, 10);
+        event.coordinate = refl.smpl2dist(builder.indexOf(at));
+        return event;
+    };
+    const TraceState& state = *refl.state();
+    const Event from = eventAt(4_km);
+    const Event to = eventAt(4060_m);
+    const double length_m = to.coordinate - from.coordinate;
+    EXPECT_NEAR(sectionReturnLoss_dB(state, from, to),
+                uniformReturnLoss_dB(length_m, 0.2, state.backscatter_dB, state.metresPerNs()),
+                0.05);
+}
+
 TEST(TraceFigures, ReturnLossOfASectionThatNoFibreShowsOfIsUnknown)
 {
     const TraceFiles files;
@@ -194,6 +214,9 @@ TEST(TraceFigures, ReturnLossOfASectionThatNoFibreShowsOfIsUnknown)
     EXPECT_TRUE(std::isnan(sectionReturnLoss_dB(state, eventAt(50000), eventAt(60000))))
         << "beyond";
     EXPECT_TRUE(std::isnan(sectionReturnLoss_dB(state, eventAt(2000), eventAt(1000))));
+    TraceState bright = state;
+    bright.backscatter_dB = 0.0; // more than goes in
+    EXPECT_TRUE(std::isnan(sectionReturnLoss_dB(bright, eventAt(1000), eventAt(2000))));
 }
 
 } // namespace
