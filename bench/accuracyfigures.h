@@ -23,6 +23,7 @@ struct Figures
     std::vector<double> reflectanceOff_dB;
     std::vector<double> returnLossOff_dB;
     std::vector<double> sectionsReturnLossOff_dB;
+    std::vector<double> attenuationOff; // by the bound
     std::vector<double> sumOff_dB;
 };
 

@@ -341,12 +341,12 @@ private:
         return place || found > 0.5 * pulse ? place : std::optional<double>(0.0);
     }
 
-    [[nodiscard]] bool reflectsBetween(double from, double to) const
+    [[nodiscard]] bool isEmptyBetween(double from, double to) const
     {
         const auto& events = known->truth();
-        return std::any_of(events.begin(), events.end(), [&](const TruthEvent& event) {
+        return std::none_of(events.begin(), events.end(), [&](const TruthEvent& event) {
             const double index = known->indexOf(event);
-            return !event.ghost && index > from && index < to && !std::isnan(event.reflectance_dB);
+            return !event.ghost && index > from && index < to;
         });
     }
 
@@ -355,12 +355,17 @@ private:
         for (const otdr::DetectedSection& section : found.sections) {
             const auto from = truePlace(section.from);
             const auto to = truePlace(section.to);
-            if (from && to && !std::isnan(section.returnLoss_dB) && !reflectsBetween(*from, *to)) {
-                // The level of the fibre behind the place: that of the event is lost before.
-                const double level_dB = known->levelBefore(std::nextafter(*from, *to));
-                figures.sectionsReturnLossOff_dB.push_back(
-                    section.returnLoss_dB
-                    + 10.0 * std::log10(scatteredBetween(*from, *to, level_dB)));
+            if (!from || !to || !isEmptyBetween(*from, *to) || std::isnan(section.returnLoss_dB)) {
+                continue;
+            }
+            // The level of the fibre behind the place: that of the event is lost before.
+            const double level_dB = known->levelBefore(std::nextafter(*from, *to));
+            figures.sectionsReturnLossOff_dB.push_back(
+                section.returnLoss_dB + 10.0 * std::log10(scatteredBetween(*from, *to, level_dB)));
+            const double off = (section.attenuation_dBPerKm - known->attenuationBetween(*from, *to))
+                / known->attenuationBound(*from, *to);
+            if (!std::isnan(off)) {
+                figures.attenuationOff.push_back(off);
             }
         }
     }

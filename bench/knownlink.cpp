@@ -195,4 +195,26 @@ double KnownLink::boundOf(std::size_t k, const Sides& sides) const
         + variance(sides.right, sight.gap + sides.late, level - events[k].apparentLoss_dB));
 }
 
+double KnownLink::attenuationBetween(double from, double to) const
+{
+    double attenuation = NAN;
+    double begin_m = 0.0;
+    for (const gather::Section& section : fibre.sections) {
+        const double end_m = begin_m + section.length_m;
+        const double of = section.attenuation_dBPerKm.at(wavelength_nm);
+        if (metresOf(from) >= begin_m - kSamePlace && metresOf(to) <= end_m + kSamePlace) {
+            attenuation = of;
+        }
+        begin_m = end_m;
+    }
+    return attenuation;
+}
+
+double KnownLink::attenuationBound(double from, double to) const
+{
+    const double n = to - from - sight.gap;
+    const double kilometre = 1000.0 / (metresOf(1.0) - metresOf(0.0));
+    return std::sqrt(12.0 * varianceAt(levelBefore(0.5 * (from + to))) / (n * n * n)) * kilometre;
+}
+
 } // namespace accuracy

@@ -81,6 +81,14 @@ public:
     /// Standard error of the loss by the two lines that the fibre allows, dB.
     [[nodiscard]] double boundOf(std::size_t k, const Sides& sides) const;
 
+    /// Attenuation of the fibre between two places, dB/km; NaN where it is not the same everywhere
+    /// there.
+    [[nodiscard]] double attenuationBetween(double from, double to) const;
+
+    /// Standard error of an attenuation by a line through what is seen of the fibre between two
+    /// events, dB/km.
+    [[nodiscard]] double attenuationBound(double from, double to) const;
+
 private:
     [[nodiscard]] double varianceAt(double level_dB) const;
     [[nodiscard]] bool isNothing(const gather::TruthEvent& event) const;

@@ -4,10 +4,13 @@
 #include "platform/otdr/core/fibretrace.h"
 #include "platform/otdr/core/returnloss.h"
 
+#include <gsl/span>
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <iterator>
+#include <limits>
 #include <vector>
 
 namespace otdr {
@@ -60,7 +63,7 @@ public:
             DetectedSection section;
             section.from = events[from].index;
             section.to = events[to].index;
-            measureSection(events[from], events[to], section);
+            measureSection(from, to, section);
             found.sections.push_back(section);
             from = to;
         }
@@ -97,23 +100,63 @@ public:
     }
 
 private:
-    void measureSection(const DetectedEvent& from, const DetectedEvent& to,
-                        DetectedSection& section) const
+    /// The fibre between two events, which echoes only lie between.
+    void measureSection(std::size_t fromEvent, std::size_t toEvent, DetectedSection& section) const
     {
+        const DetectedEvent& from = found.events[fromEvent];
+        const gsl::span<const DetectedEvent> echoes(&found.events[fromEvent] + 1,
+                                                    toEvent - fromEvent - 1);
         const Line& near = from.behind;
-        const Line& far = to.before;
-        const auto line = fibre.fit(std::max(from.behindFrom, section.from), section.to - 1.0);
-        if (line && line->line.samples > 2 && measurement.metresPerNs > 0.0
-            && std::isfinite(line->slopeError_dB)) {
-            section.attenuation_dBPerKm = -line->line.slope_dB * fibre.scale().kilometre;
-        }
+        const Line& far = found.events[toEvent].before;
+        section.attenuation_dBPerKm =
+            attenuationOf(std::max(from.behindFrom, section.from), section.to - 1.0, echoes);
         if (near.samples > 0 && far.samples > 0) {
             const double start = seenAt(section.from);
             const double end = seenAt(section.to);
             section.loss_dB = near.at(start) - far.at(end);
             section.returnLoss_dB = fibreReturnLoss_dB(
-                fibre.samples(), FibreBetween {start, end, near, far, measurement.backscatter_dB});
+                fibre.samples(), {start, end, near, far, measurement.backscatter_dB},
+                withoutLight(echoes));
         }
+    }
+
+    /// The slope of the fibre between two indices, dB/km. Where echoes lie on it, that of what lies
+    /// between them: the mean of their slopes, each by its certainty.
+    [[nodiscard]] double attenuationOf(double from, double to,
+                                       gsl::span<const DetectedEvent> echoes) const
+    {
+        double sum = 0.0;
+        double weights = 0.0;
+        const auto add = [&](double begin, double end) {
+            const auto line = fibre.fit(begin, end);
+            if (line && line->line.samples > 2 && std::isfinite(line->slopeError_dB)) {
+                const double weight = 1.0 / (line->slopeError_dB * line->slopeError_dB);
+                sum += weight * line->line.slope_dB;
+                weights += weight;
+            }
+        };
+        for (const DetectedEvent& echo : echoes) {
+            add(from, std::min(to, echo.index - 1.0));
+            from = std::max(from, echo.behindFrom);
+        }
+        add(from, to);
+        return weights > 0.0 && measurement.metresPerNs > 0.0
+            ? -sum / weights * fibre.scale().kilometre
+            : DetectedSection().attenuation_dBPerKm;
+    }
+
+    /// Echoes as peaks of which nothing counts.
+    [[nodiscard]] static std::vector<SaturatedPeak>
+    withoutLight(gsl::span<const DetectedEvent> echoes)
+    {
+        std::vector<SaturatedPeak> peaks;
+        for (const DetectedEvent& echo : echoes) {
+            if (echo.before.samples > 0) {
+                peaks.push_back({echo.index, echo.behindFrom, echo.before,
+                                 -std::numeric_limits<double>::infinity()});
+            }
+        }
+        return peaks;
     }
 
     using Place = std::vector<DetectedEvent>::const_iterator;

@@ -45,6 +45,39 @@ double backscatterPerSample(const Trace& trace, double backscatter_dB)
     return std::pow(10.0, backscatter_dB / 10.0) * trace.axis().sampleInterval_ns;
 }
 
+/// Light that comes back from some samples: what the fibre scatters, as a sum of powers over that
+/// of a level, and what saturated peaks reflect, as a part of what goes in.
+struct Light
+{
+    double scattered = 0.0;
+    double reflected = 0.0;
+};
+
+Light lightFrom(const Trace& trace, SampleRange range, double reference_dB,
+                gsl::span<const SaturatedPeak> peaks)
+{
+    std::vector<SaturatedPeak> ordered(peaks.begin(), peaks.end());
+    std::sort(ordered.begin(), ordered.end(),
+              [](const SaturatedPeak& a, const SaturatedPeak& b) { return a.from < b.from; });
+    Light light;
+    std::size_t done = range.first;
+    for (const SaturatedPeak& peak : ordered) {
+        SampleRange gap = samplesBetween(peak.from, peak.to, trace.size());
+        gap.last = std::min(gap.last, range.last);
+        if (gap.first < done || gap.first >= gap.last) {
+            continue;
+        }
+        const double start = peak.fibre.at(static_cast<double>(gap.first));
+        light.scattered += samplePower(trace, reference_dB, {done, gap.first})
+            + linePower(peak.fibre, reference_dB, edgeBefore(gap.first), edgeBefore(gap.last));
+        const double pathLoss = reference_dB - start;
+        light.reflected += std::pow(10.0, (peak.reflectance_dB - 2.0 * pathLoss) / 10.0);
+        done = gap.last;
+    }
+    light.scattered += samplePower(trace, reference_dB, {done, range.last});
+    return light;
+}
+
 } // namespace
 
 double returnLoss_dB(const Trace& trace, const ReturnLossSection& section)
@@ -56,44 +89,32 @@ double returnLoss_dB(const Trace& trace, const ReturnLossSection& section,
                      gsl::span<const SaturatedPeak> peaks)
 {
     const SampleRange range = samplesBetween(section.from, section.to, trace.size());
-    std::vector<SaturatedPeak> ordered(peaks.begin(), peaks.end());
-    std::sort(ordered.begin(), ordered.end(),
-              [](const SaturatedPeak& a, const SaturatedPeak& b) { return a.from < b.from; });
-    double power = 0.0;
-    double reflected = 0.0;
-    std::size_t done = range.first;
-    for (const SaturatedPeak& peak : ordered) {
-        SampleRange gap = samplesBetween(peak.from, peak.to, trace.size());
-        gap.last = std::min(gap.last, range.last);
-        if (gap.first < done || gap.first >= gap.last) {
-            continue;
-        }
-        const double start = peak.fibre.at(static_cast<double>(gap.first));
-        power += samplePower(trace, section.reference_dB, {done, gap.first});
-        power += linePower(peak.fibre, section.reference_dB, edgeBefore(gap.first),
-                           edgeBefore(gap.last));
-        const double pathLoss = section.reference_dB - start;
-        reflected += std::pow(10.0, (peak.reflectance_dB - 2.0 * pathLoss) / 10.0);
-        done = gap.last;
-    }
-    power += samplePower(trace, section.reference_dB, {done, range.last});
+    const Light light = lightFrom(trace, range, section.reference_dB, peaks);
     return range.empty()
         ? std::numeric_limits<double>::quiet_NaN()
-        : returnLossOf(backscatterPerSample(trace, section.backscatter_dB) * power + reflected);
+        : returnLossOf(backscatterPerSample(trace, section.backscatter_dB) * light.scattered
+                       + light.reflected);
 }
 
 double fibreReturnLoss_dB(const Trace& trace, const FibreBetween& fibre)
+{
+    return fibreReturnLoss_dB(trace, fibre, {});
+}
+
+double fibreReturnLoss_dB(const Trace& trace, const FibreBetween& fibre,
+                          gsl::span<const SaturatedPeak> peaks)
 {
     const double reference_dB = fibre.behind.at(fibre.from);
     const SampleRange shown = samplesWithin(std::max(fibre.from, fibre.behind.first()),
                                             std::min(fibre.to, fibre.before.last()), trace.size());
     const double middle = 0.5 * (fibre.from + fibre.to);
-    const double light = linePower(fibre.behind, reference_dB, fibre.from,
-                                   shown.empty() ? middle : edgeBefore(shown.first))
-        + samplePower(trace, reference_dB, shown)
-        + linePower(fibre.before, reference_dB, shown.empty() ? middle : edgeBefore(shown.last),
-                    fibre.to);
-    return returnLossOf(backscatterPerSample(trace, fibre.backscatter_dB) * light);
+    const double first = shown.empty() ? middle : edgeBefore(shown.first);
+    const double last = shown.empty() ? middle : edgeBefore(shown.last);
+    const Light light = lightFrom(trace, shown, reference_dB, peaks);
+    const double scattered = linePower(fibre.behind, reference_dB, fibre.from, first)
+        + light.scattered + linePower(fibre.before, reference_dB, last, fibre.to);
+    return returnLossOf(backscatterPerSample(trace, fibre.backscatter_dB) * scattered
+                        + light.reflected);
 }
 
 } // namespace otdr

@@ -56,4 +56,9 @@ struct FibreBetween
 /// what else reflects between them. NaN where an argument is not finite.
 [[nodiscard]] double fibreReturnLoss_dB(const Trace& trace, const FibreBetween& fibre);
 
+/// The same with peaks put right where the fibre is seen, as above; one of a reflectance of -inf is
+/// left out, as an echo is.
+[[nodiscard]] double fibreReturnLoss_dB(const Trace& trace, const FibreBetween& fibre,
+                                        gsl::span<const SaturatedPeak> peaks);
+
 } // namespace otdr

@@ -224,6 +224,24 @@ TEST(DetectedSpan, IsTheSumWhereAnEchoStandsInTheDeadZoneOfTheEnd)
     }
 }
 
+/// Light on a detour is none of the fibre that it seems to come from.
+TEST(DetectedSpan, EchoesChangeNeitherSlopeNorReturnLossOfTheFibreTheyLieOn)
+{
+    const Length length {12600.0}; // an echo makes 0.006 dB of the return loss
+    for (const TraceBuilder& builder :
+         {linkWithEcho(length), linkWithEcho(length).reflection(12300_m, 1_dB)}) {
+        const otdr::Detection found =
+            otdr::detectEvents(*builder.build(), {100.0, builder.metresPerNs(), -80.0});
+        ASSERT_TRUE(echoOf(found, builder.indexOf(12_km)));
+        ASSERT_GE(found.sections.size(), 3U);
+        const otdr::DetectedSection& section = found.sections[2];
+        EXPECT_NEAR(section.attenuation_dBPerKm, 0.2, 0.0005);
+        const double length_m = (section.to - section.from) * 10.0 * builder.metresPerNs();
+        EXPECT_NEAR(section.returnLoss_dB,
+                    uniformReturnLoss_dB(length_m, 0.2, -80.0, builder.metresPerNs()), 0.003);
+    }
+}
+
 /// The loss of a group is that of what is there, and not of the echo in front of it.
 TEST(DetectedSpan, LossBehindAnEchoIsThatOfTheEventInItsDeadZone)
 {

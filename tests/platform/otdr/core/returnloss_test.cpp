@@ -278,6 +278,20 @@ TEST(FibreReturnLoss, HoldsWhatReflectsWhereTheFibreIsSeen)
                 -10.0 * std::log10(there + scattered), 0.01);
 }
 
+TEST(FibreReturnLoss, LeavesOutPeaksThatAreNamedWhereTheFibreIsSeen)
+{
+    const TraceBuilder bare = TraceBuilder().fibre(10_km).pulse(100);
+    const TraceBuilder builder = TraceBuilder(bare).reflection(5_km, 12_dB);
+    const FibreBetween fibre = fibreBetween(bare, *bare.build());
+    const double at = builder.indexOf(5_km);
+    const double nothing = -std::numeric_limits<double>::infinity();
+    const std::vector<SaturatedPeak> peaks {
+        {at, at + builder.pulseSamples() + 1.0, fibre.behind, nothing}};
+    const auto trace = builder.build();
+    EXPECT_NEAR(fibreReturnLoss_dB(*trace, fibre, peaks), uniformFibre(8.0005, 0.2, -81.9), 0.002);
+    EXPECT_LT(fibreReturnLoss_dB(*trace, fibre), uniformFibre(8.0005, 0.2, -81.9) - 1.0);
+}
+
 /// Where the lines begin and end beyond the fibre they meet in the middle of it.
 TEST(FibreReturnLoss, OfOneThatIsNotSeenIsThatOfTheLines)
 {
