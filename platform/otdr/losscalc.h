@@ -2,7 +2,8 @@
 
 class Reflectogram;
 
-/// Loss of an event by two lines fitted to the fibre before and behind it.
+/// Loss of an event by two lines fitted to the fibre before and behind it: as the detection
+/// measures it where it finds one there, or else by what fibre there is up to the next events.
 class LossCalc
 {
 public:
@@ -12,7 +13,8 @@ public:
     [[nodiscard]] double loss() const
     {
         return loss_dB;
-    } ///< dB, positive when power falls; NaN where one of the levels is
+    } ///< dB, positive when power falls; NaN where one of the levels is, and but for the first of
+      ///< several events in one dead zone
 
     [[nodiscard]] double reflIn() const
     {

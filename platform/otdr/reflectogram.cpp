@@ -1,8 +1,10 @@
 #include "platform/otdr/reflectogram.h"
 
 #include "platform/otdr/core/atomicfile.h"
+#include "platform/otdr/core/eventdetection.h"
 #include "platform/otdr/core/snapshot.h"
 #include "platform/otdr/core/sorwriter.h"
+#include "platform/otdr/detectedevents.h"
 #include "platform/otdr/tracefigures.h"
 #include "platform/otdr/traceloader.h"
 #include "platform/otdr/tracesaver.h"
@@ -46,9 +48,31 @@ public:
         return true;
     }
 
+    /// The search goes on outside of the lock: who comes meanwhile searches, too.
+    [[nodiscard]] std::shared_ptr<const otdr::Detection> detection()
+    {
+        const std::shared_ptr<const TraceState> now = get();
+        if (!now->trace) {
+            return nullptr;
+        }
+        {
+            const std::lock_guard<std::mutex> lock(mutex);
+            if (searched == now) {
+                return found;
+            }
+        }
+        auto made = std::make_shared<const otdr::Detection>(detectionOf(*now));
+        const std::lock_guard<std::mutex> lock(mutex);
+        searched = now;
+        found = made;
+        return made;
+    }
+
 private:
     mutable std::mutex mutex;
     std::shared_ptr<const TraceState> state = std::make_shared<const TraceState>();
+    std::shared_ptr<const TraceState> searched; ///< what the events below were found on
+    std::shared_ptr<const otdr::Detection> found;
 };
 
 qint64 Reflectogram::largestSnapshot_bytes()
@@ -97,6 +121,11 @@ bool Reflectogram::load(const QString& fileName, const WfMeasParams* params, boo
 std::shared_ptr<const TraceState> Reflectogram::state() const
 {
     return shared ? shared->get() : nullptr;
+}
+
+std::shared_ptr<const otdr::Detection> Reflectogram::detection() const
+{
+    return shared ? shared->detection() : nullptr;
 }
 
 std::shared_ptr<const otdr::Trace> Reflectogram::trace() const

@@ -13,8 +13,9 @@
 #include <vector>
 
 namespace otdr {
+struct Detection;
 class Trace;
-}
+} // namespace otdr
 struct TraceState;
 
 /// A handle of one trace: copies share it, and a change through one handle is seen by all holders.
@@ -108,6 +109,10 @@ public:
 
     /// Everything known about the trace at one moment, for calculators. Null for an empty handle.
     [[nodiscard]] std::shared_ptr<const TraceState> state() const;
+
+    /// What the detection finds on the trace as it is, sought once; null without a trace. From any
+    /// thread.
+    [[nodiscard]] std::shared_ptr<const otdr::Detection> detection() const;
 
     /// The same trace; two empty handles are equal.
     friend bool operator==(const Reflectogram& a, const Reflectogram& b);

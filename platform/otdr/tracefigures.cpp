@@ -12,9 +12,6 @@ namespace {
 /// What the receiver still shows of an end reflection behind its foot, in pulses.
 constexpr double kEndTailPulses = 2.5;
 
-/// A neighbour nearer than this many pulses is the event itself.
-constexpr double kSameEventPulses = 0.5;
-
 double indexOf(const TraceState& state, const Event& event)
 {
     return state.indexAt(event.coordinate);
@@ -149,7 +146,23 @@ double endToEndLoss_dB(const TraceState& state, double start, double end)
 
 } // namespace
 
+std::vector<double> placesOf(const TraceState& state)
+{
+    std::vector<double> places;
+    for (const Event& event : state.events) {
+        if (event.type != Event::Fiber) {
+            places.push_back(indexOf(state, event));
+        }
+    }
+    return places;
+}
+
 otdr::EventSite siteOf(const TraceState& state, double index)
+{
+    return siteAmong(state, index, placesOf(state));
+}
+
+otdr::EventSite siteAmong(const TraceState& state, double index, const std::vector<double>& places)
 {
     const double pulse = state.pulseSamples();
     otdr::EventSite site = bareSite(state, index);
@@ -159,11 +172,7 @@ otdr::EventSite siteOf(const TraceState& state, double index)
         // events.
         site.leftLimit = std::max(0.0, start + otdr::kDeadZonePulses * pulse);
     }
-    for (const Event& event : state.events) {
-        if (event.type == Event::Fiber) {
-            continue;
-        }
-        const double other = indexOf(state, event);
+    for (const double other : places) {
         if (other < index - kSameEventPulses * pulse) {
             site.leftLimit = std::max(site.leftLimit, other + otdr::kDeadZonePulses * pulse);
         } else if (other > index + kSameEventPulses * pulse) {

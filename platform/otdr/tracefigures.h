@@ -4,6 +4,8 @@
 #include "platform/otdr/sordata.h"
 #include "platform/otdr/tracestate.h"
 
+#include <vector>
+
 /// Optical return loss of a stretch of fibre between two distances, in either order, seen from its
 /// nearer end, dB. NaN where it cannot be told.
 [[nodiscard]] double stretchReturnLoss_dB(const TraceState& state, double a_m, double b_m);
@@ -21,6 +23,16 @@
 /// to that of the span.
 [[nodiscard]] KeyEventsBlock keyFigures(const TraceState& state);
 
+/// A neighbour nearer than this many pulses is the event itself.
+constexpr double kSameEventPulses = 0.5;
+
+/// Where the events of a trace stand, indices of the record.
+[[nodiscard]] std::vector<double> placesOf(const TraceState& state);
+
 /// The place of an event between its neighbours on the trace, for line fits. index counts samples
 /// of the record.
 [[nodiscard]] otdr::EventSite siteOf(const TraceState& state, double index);
+
+/// The same between other places, indices of the record.
+[[nodiscard]] otdr::EventSite siteAmong(const TraceState& state, double index,
+                                        const std::vector<double>& places);

@@ -57,6 +57,52 @@ TEST(LossCalc, KeepsItsLinesClearOfNeighbouringEvents)
     EXPECT_NEAR(calc.loss(), 0.3, 0.002);
 }
 
+/// A snapshot tells no events: what stands near by is found on the trace.
+TEST(LossCalc, IsThatOfTheDetectionWhereNoListTellsTheNeighbours)
+{
+    struct Place
+    {
+        double at_m;
+        double loss_dB;
+    };
+
+    const std::vector<Place> places {
+        {900, 0.2}, {1500, 0.5}, {2100, 1.0}, {2500, 0.3}, {3300, 0.4}};
+    TraceBuilder builder =
+        TraceBuilder().fibre(4_km).behind(4000).noise(0.002_dB, 6).noiseFloor(8_dB);
+    for (const Place& place : places) {
+        builder.connector(Length {place.at_m}, Decibels {place.loss_dB}, 12_dB);
+    }
+    const TraceFiles files;
+    const Reflectogram refl = files.measured(builder, usualFibre());
+    for (const Place& place : places) {
+        const long position = std::lround(builder.indexOf(Length {place.at_m}));
+        const LossCalc calc(position, refl);
+        EXPECT_NEAR(calc.loss(), place.loss_dB, 0.005) << place.at_m;
+        EXPECT_NEAR(calc.reflIn(), builder.trueLevel_dB(Length {place.at_m - 1.0}), 0.005);
+        EXPECT_NEAR(calc.reflOut(), calc.reflIn() - place.loss_dB, 0.005);
+    }
+    for (const double nothing_m : {1200.0, 1800.0, 2900.0}) {
+        const LossCalc calc(std::lround(builder.indexOf(Length {nothing_m})), refl);
+        EXPECT_NEAR(calc.loss(), 0.0, 0.005) << nothing_m;
+    }
+}
+
+TEST(LossCalc, OfTheSecondEventInADeadZoneIsToldWithTheFirst)
+{
+    const TraceBuilder builder = TraceBuilder()
+                                     .fibre(6_km)
+                                     .behind(3000)
+                                     .noise(0.002_dB, 7)
+                                     .noiseFloor(8_dB)
+                                     .connector(3_km, 0.3_dB, 12_dB)
+                                     .connector(3012_m, 0.2_dB, 12_dB);
+    const TraceFiles files;
+    const Reflectogram refl = files.measured(builder, usualFibre());
+    EXPECT_NEAR(LossCalc(std::lround(builder.indexOf(3_km)), refl).loss(), 0.5, 0.01);
+    EXPECT_TRUE(std::isnan(LossCalc(std::lround(builder.indexOf(3012_m)), refl).loss()));
+}
+
 TEST(LossCalc, KnowsTheLevelBeforeTheEndThoughNoneIsBehind)
 {
     const TraceFiles files;

@@ -1,3 +1,4 @@
+#include "platform/otdr/core/eventdetection.h"
 #include "platform/otdr/core/snapshot.h"
 #include "platform/otdr/core/trace.h"
 #include "platform/otdr/reflectogram.h"
@@ -12,6 +13,7 @@
 #include <atomic>
 #include <cmath>
 #include <thread>
+#include <vector>
 
 namespace {
 
@@ -175,6 +177,46 @@ TEST(Reflectogram, ReturnLossOfTheFibreInAFileIsThatOfItsTrace)
     for (const Event& event : events) {
         EXPECT_EQ(Event::isKnown(event.orl), event.type == Event::Fiber);
     }
+}
+
+TEST(Reflectogram, IsSearchedOnceAndAnewWhenItChanges)
+{
+    const TraceFiles files;
+    Reflectogram refl =
+        files.measured(testing_support::TraceBuilder().fibre({6000.0}).splice({3000.0}, {0.3}));
+    const auto found = refl.detection();
+    ASSERT_TRUE(found);
+    EXPECT_GE(found->events.size(), 2U);
+    EXPECT_EQ(refl.detection(), found);
+    EXPECT_EQ(Reflectogram(refl).detection(), found) << "copies share it";
+    refl.setIOR(1.6);
+    EXPECT_NE(refl.detection(), found);
+    EXPECT_FALSE(Reflectogram().detection());
+    EXPECT_FALSE(Reflectogram(files.path("none.sor")).detection());
+}
+
+TEST(Reflectogram, IsSearchedFromAnyThread)
+{
+    const TraceFiles files;
+    Reflectogram refl =
+        files.measured(testing_support::TraceBuilder().fibre({6000.0}).splice({3000.0}, {0.3}));
+    std::vector<std::thread> threads;
+    std::atomic<int> good {0};
+    for (int k = 0; k < 4; ++k) {
+        threads.emplace_back([&good, refl] {
+            for (int i = 0; i < 5; ++i) {
+                const auto found = refl.detection();
+                good += found && found->events.size() >= 2 ? 1 : 0;
+            }
+        });
+    }
+    for (int i = 0; i < 20; ++i) {
+        refl.setIOR(1.5 + 0.001 * i);
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(good, 20);
 }
 
 TEST(Reflectogram, FibreWhoseAttenuationAFileDoesNotTellHasALengthOnly)
