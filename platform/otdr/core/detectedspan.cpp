@@ -104,45 +104,34 @@ private:
     void measureSection(std::size_t fromEvent, std::size_t toEvent, DetectedSection& section) const
     {
         const DetectedEvent& from = found.events[fromEvent];
-        const gsl::span<const DetectedEvent> echoes(&found.events[fromEvent] + 1,
-                                                    toEvent - fromEvent - 1);
         const Line& near = from.behind;
         const Line& far = found.events[toEvent].before;
-        section.attenuation_dBPerKm =
-            attenuationOf(std::max(from.behindFrom, section.from), section.to - 1.0, echoes);
-        if (near.samples > 0 && far.samples > 0) {
-            const double start = seenAt(section.from);
-            const double end = seenAt(section.to);
-            section.loss_dB = near.at(start) - far.at(end);
-            section.returnLoss_dB = fibreReturnLoss_dB(
-                fibre.samples(), {start, end, near, far, measurement.backscatter_dB},
-                withoutLight(echoes));
+        if (near.samples == 0 || far.samples == 0) {
+            section.attenuation_dBPerKm = slopeOf(near.samples > 0 ? near : far);
+            return;
         }
+        const double start = seenAt(section.from);
+        const double end = seenAt(section.to);
+        section.loss_dB = near.at(start) - far.at(end);
+        section.attenuation_dBPerKm = perKilometre(section.loss_dB / (end - start));
+        const gsl::span<const DetectedEvent> echoes(&from + 1, toEvent - fromEvent - 1);
+        section.returnLoss_dB =
+            fibreReturnLoss_dB(fibre.samples(), {start, end, near, far, measurement.backscatter_dB},
+                               withoutLight(echoes));
     }
 
-    /// The slope of the fibre between two indices, dB/km. Where echoes lie on it, that of what lies
-    /// between them: the mean of their slopes, each by its certainty.
-    [[nodiscard]] double attenuationOf(double from, double to,
-                                       gsl::span<const DetectedEvent> echoes) const
+    /// Attenuation by a line alone.
+    [[nodiscard]] double slopeOf(const Line& line) const
     {
-        double sum = 0.0;
-        double weights = 0.0;
-        const auto add = [&](double begin, double end) {
-            const auto line = fibre.fit(begin, end);
-            if (line && line->line.samples > 2 && std::isfinite(line->slopeError_dB)) {
-                const double weight = 1.0 / (line->slopeError_dB * line->slopeError_dB);
-                sum += weight * line->line.slope_dB;
-                weights += weight;
-            }
-        };
-        for (const DetectedEvent& echo : echoes) {
-            add(from, std::min(to, echo.index - 1.0));
-            from = std::max(from, echo.behindFrom);
-        }
-        add(from, to);
-        return weights > 0.0 && measurement.metresPerNs > 0.0
-            ? -sum / weights * fibre.scale().kilometre
-            : DetectedSection().attenuation_dBPerKm;
+        return line.samples > 2 ? perKilometre(-line.slope_dB)
+                                : DetectedSection().attenuation_dBPerKm;
+    }
+
+    /// Of a loss from sample to sample; unknown without a scale of distances.
+    [[nodiscard]] double perKilometre(double perSample_dB) const
+    {
+        return measurement.metresPerNs > 0.0 ? perSample_dB * fibre.scale().kilometre
+                                             : DetectedSection().attenuation_dBPerKm;
     }
 
     /// Echoes as peaks of which nothing counts.

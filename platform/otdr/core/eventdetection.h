@@ -88,7 +88,9 @@ struct DetectedSection
     double to = 0.0; ///< index of the event behind
     double loss_dB = DetectedEvent::kUnknown; ///< between the lines at both: losses of sections and
                                               ///< events add up to that of the span
-    double attenuation_dBPerKm = DetectedEvent::kUnknown; ///< slope of the line through it
+    double attenuation_dBPerKm =
+        DetectedEvent::kUnknown; ///< loss over length; where an event hides
+                                 ///< one end, slope of the line at the other
     double returnLoss_dB = DetectedEvent::kUnknown; ///< seen from its start
 };
 

@@ -47,6 +47,10 @@ TEST(DetectedSpan, ThatStartsOnBareFibreHasNoLoss)
     EXPECT_EQ(found.events[0].behind.samples, 0U);
     EXPECT_TRUE(std::isnan(found.spanLoss_dB));
     EXPECT_TRUE(std::isnan(found.returnLoss_dB));
+    ASSERT_FALSE(found.sections.empty());
+    EXPECT_TRUE(std::isnan(found.sections[0].loss_dB));
+    EXPECT_NEAR(found.sections[0].attenuation_dBPerKm, 0.2, 0.005)
+        << "by the line before the splice";
 }
 
 TEST(DetectedSpan, StartComesBeforeTheEndWhereBothStandAtTheLastSample)
@@ -142,6 +146,27 @@ TEST(DetectedSpan, StartIsFollowedByFibre)
         EXPECT_NEAR(found.events.front().index, zero, 1.0);
         EXPECT_GE(found.events.front().behindFrom, std::max(zero, builder.pulseSamples()));
         EXPECT_LE(found.events.front().behindFrom, zero + 10.0 * builder.pulseSamples());
+    }
+}
+
+/// Some samples between two splices show hardly any slope: the lines beside them, which know the
+/// fibre, tell it.
+TEST(DetectedSpan, AttenuationOfASectionIsItsLossOverItsLengthHoweverShortItIs)
+{
+    const TraceBuilder builder = TraceBuilder()
+                                     .fibre(12_km)
+                                     .behind(3000)
+                                     .noise(0.003_dB, 27)
+                                     .splice(4_km, 0.3_dB)
+                                     .splice(4040_m, 0.3_dB)
+                                     .connector(8_km, 0.2_dB, 12_dB);
+    const otdr::Detection found =
+        otdr::detectEvents(*builder.build(), {100.0, builder.metresPerNs(), -80.0});
+    ASSERT_EQ(found.sections.size(), 4U);
+    for (const otdr::DetectedSection& section : found.sections) {
+        const double length_km = (section.to - section.from) * 0.01 * builder.metresPerNs();
+        EXPECT_NEAR(section.attenuation_dBPerKm, section.loss_dB / length_km, 1e-9);
+        EXPECT_NEAR(section.attenuation_dBPerKm, 0.2, 0.01);
     }
 }
 
