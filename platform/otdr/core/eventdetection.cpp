@@ -324,7 +324,8 @@ private:
     [[nodiscard]] DetectedEvent lastPeak(const DetectedEvent& end, const PeakGroup& peak,
                                          std::size_t i) const
     {
-        DetectedEvent event = reflectionIn(end, evidenceOf(i), peak.feet[i], peak.heights_dB[i]);
+        DetectedEvent event = reflectionIn(end, evidenceOf(i), peak.feet[i],
+                                           heightOfLight_dB(peak, i, fibre.shape(), 0.0));
         event.hidden_dB = peak.hiddenAt_dB(i);
         return event;
     }

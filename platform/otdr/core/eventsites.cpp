@@ -342,7 +342,7 @@ void EventSites::joinCrowded()
         group.feet.insert(group.feet.end(), more.feet.begin(), more.feet.end());
         group.heights_dB.insert(group.heights_dB.end(), more.heights_dB.begin(),
                                 more.heights_dB.end());
-        group.seenAt.clear(); // which of them loses how much is not known
+        group.seen.clear(); // which of them loses how much is not known
         group.behind = more.behind;
         group.hidden_dB = std::max(group.hidden_dB, more.hidden_dB);
         one.behind = next.behind;

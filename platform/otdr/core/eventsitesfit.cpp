@@ -298,7 +298,7 @@ void EventSites::refinePeak(Site& site, double least, double most) const
         site.at = fit.foot;
         peak.feet.front() = fit.foot;
         peak.heights_dB.front() = fit.height_dB;
-        peak.seenAt.clear();
+        peak.seen.clear();
         peak.behind = std::max(peak.behind, fit.foot + fibreTrace->gap());
         site.behind = peak.behind;
     }

@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <limits>
 #include <numeric>
+#include <utility>
 
 namespace otdr {
 
@@ -130,9 +131,9 @@ public:
             const double next = i + 1 < group.feet.size() ? group.feet[i + 1] : group.behind;
             const std::size_t peak =
                 highest(group.feet[i], std::min(next, group.feet[i] + 2.0 * w));
-            const Height height = plateau(group.feet[i], next, peak);
-            group.heights_dB.push_back(height.height_dB);
-            group.seenAt.push_back(height.seenAt);
+            const auto [height_dB, seen] = plateau(group.feet[i], next, peak);
+            group.heights_dB.push_back(height_dB);
+            group.seen.push_back(seen);
         }
         group.hidden_dB = hiddenAbove_dB(top, group);
         group.feet.front() = edgeOf(
@@ -222,27 +223,38 @@ private:
         return end;
     }
 
-    /// Height of a peak above the fibre before it, and where it has it.
-    struct Height
+    /// Height of a peak above the fibre before it, and where it has it: the mean over the flat part
+    /// of its top, which noise does not raise.
+    [[nodiscard]] std::pair<double, SeenHeight> plateau(double foot, double next,
+                                                        std::size_t top) const
     {
-        double height_dB = 0.0;
-        double seenAt = 0.0;
-    };
-
-    /// The mean over the flat part of its top, which noise does not raise.
-    [[nodiscard]] Height plateau(double foot, double next, std::size_t top) const
-    {
-        const Height high {level(top) - fibre(top), static_cast<double>(top)};
+        const double high_dB = level(top) - fibre(top);
+        const SeenHeight high {static_cast<double>(top), shownAt(foot, top)};
         const double begin = std::ceil(foot + trace.shape().riseTo(kFlatPart));
         const double end = std::floor(std::min(foot + w, next));
         if (end - begin < 2.0) {
-            return high;
+            return {high_dB, high};
         }
         const double centre = 0.5 * (begin + end);
         const double flat_dB = trace.mean_dB(begin, end + 0.5) - line.at(centre);
         // A pulse that is not as long as stated has no flat top there.
-        const bool isFlat = high.height_dB - flat_dB < std::max(kFlat_dB, kFlatSigmas * sigma);
-        return isFlat ? Height {flat_dB, centre} : high;
+        if (high_dB - flat_dB < std::max(kFlat_dB, kFlatSigmas * sigma)) {
+            return {flat_dB, {centre, 1.0}};
+        }
+        return {high_dB, high};
+    }
+
+    /// Part of the light of a reflection that its highest sample shows. A receiver that is slow in
+    /// getting rid of light may rise at once all the same: it does where half of the pulse shows
+    /// more than a slow one would.
+    [[nodiscard]] double shownAt(double foot, std::size_t top) const
+    {
+        const double most = trace.shape().peak(w);
+        const double middle = foot + 0.5 * w;
+        const double half = powerRatio(trace.samples().levelAt_dB(middle) - line.at(middle)) - 1.0;
+        const double risen = half / (powerRatio(level(top) - fibre(top)) - 1.0);
+        const double slow = trace.shape().peak(0.5 * w) / most;
+        return most < kFlatPart && risen < 0.5 * (slow + 1.0) ? most : 1.0;
     }
 
     /// By how much the light may be brighter than its highest sample shows, dB.
@@ -356,10 +368,12 @@ double PeakGroup::hiddenAt_dB(std::size_t i) const
 double heightOfLight_dB(const PeakGroup& peak, std::size_t i, const PulseShape& shape,
                         double loss_dB)
 {
-    const bool isAlone = i >= peak.seenAt.size();
-    const double lost =
-        isAlone ? 0.0 : shape.step(peak.seenAt[i] - peak.feet[i]) * (1.0 - powerRatio(-loss_dB));
-    return levelOfRatio_dB(powerRatio(peak.heights_dB[i]) + lost);
+    if (i >= peak.seen.size()) {
+        return peak.heights_dB[i];
+    }
+    const double lost = shape.step(peak.seen[i].at - peak.feet[i]) * (1.0 - powerRatio(-loss_dB));
+    const double light = powerRatio(peak.heights_dB[i]) - 1.0 + lost;
+    return levelOfRatio_dB(1.0 + light / peak.seen[i].shown);
 }
 
 double highestFoot(const PeakGroup& peak)
@@ -375,8 +389,8 @@ void dropLowFeet(PeakGroup& peak, double least_dB)
         if (!(peak.heights_dB[i] >= least)) {
             peak.feet.erase(peak.feet.begin() + static_cast<std::ptrdiff_t>(i));
             peak.heights_dB.erase(peak.heights_dB.begin() + static_cast<std::ptrdiff_t>(i));
-            if (i < peak.seenAt.size()) {
-                peak.seenAt.erase(peak.seenAt.begin() + static_cast<std::ptrdiff_t>(i));
+            if (i < peak.seen.size()) {
+                peak.seen.erase(peak.seen.begin() + static_cast<std::ptrdiff_t>(i));
             }
         }
     }

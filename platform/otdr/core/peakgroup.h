@@ -8,6 +8,13 @@
 
 namespace otdr {
 
+/// Where the height of a reflection was seen.
+struct SeenHeight
+{
+    double at = 0.0; ///< index: the fibre under it may have lost some light already
+    double shown = 1.0; ///< part of its light that the receiver shows there
+};
+
 /// What stands above the fibre at a reflection, or at several within one dead zone.
 struct PeakGroup
 {
@@ -18,9 +25,8 @@ struct PeakGroup
     /// By how much the highest may stand higher than an overloaded receiver shows, dB.
     double hidden_dB = 0.0;
 
-    /// Index at which each height was seen, where the fibre under it may have lost some light
-    /// already; empty where a fit tells the heights of the light alone.
-    std::vector<double> seenAt = {};
+    /// Where each height was seen; empty where a fit tells the heights of the light alone.
+    std::vector<SeenHeight> seen = {};
 
     [[nodiscard]] bool saturated() const { return hidden_dB > 0.0; }
 
@@ -35,7 +41,8 @@ struct PeakGroup
 };
 
 /// Height that the light of one reflection of a group alone would have above the fibre before it,
-/// dB, where the fibre loses so much in the event: it stands on what is left of the fibre.
+/// dB, where the fibre loses so much in the event: it stands on what is left of the fibre, and a
+/// receiver slower than the pulse does not show all of it.
 [[nodiscard]] double heightOfLight_dB(const PeakGroup& peak, std::size_t i, const PulseShape& shape,
                                       double loss_dB);
 

@@ -53,6 +53,17 @@ TEST(DetectedReflectance, DoesNotDependOnTheLossOfTheEvent)
     }
 }
 
+/// Nor on the receiver, as far as its own flanks tell how slow it is.
+TEST(DetectedReflectance, DoesNotDependOnTheReceiver)
+{
+    for (const double timeConstant : {0.6, 1.6, 5.0, 10.0}) {
+        const DrawnFibre fibre = linkOf(
+            {{2000.0, 0.3, 9.0}, {4000.0, 0.2, 12.0}, {kReflectorAt, 0.4, 6.0}}, timeConstant);
+        EXPECT_NEAR(foundAtReflector(fibre).reflectance_dB, reflected_dB(6.0), 2.0 * kWithin_dB)
+            << timeConstant;
+    }
+}
+
 /// The same of the end: it has no fibre behind it.
 TEST(DetectedReflectance, OfTheEndIsThatOfItsLightAlone)
 {

@@ -170,13 +170,13 @@ TEST(EventSites, RefiningMovesALowReflectionToItsShape)
     const DrawnFibre fibre = fibreWith({{3000.4, 0.1, 1.0}}, 0.002);
     EventSites sites(*fibre, 100.0, 5900.0);
     Site low = peakAt(fibre, 2995.0, 0.7);
-    low.peak->seenAt = {3003.0};
+    low.peak->seen = {{3003.0}};
     sites.add({low});
     sites.measure();
     sites.refine(20.0);
     const Site& site = sites.sites().front();
     EXPECT_NEAR(site.at, 3000.4, 0.1);
-    EXPECT_TRUE(site.peak->seenAt.empty()) << "a fit tells the light alone";
+    EXPECT_TRUE(site.peak->seen.empty()) << "a fit tells the light alone";
     EXPECT_EQ(site.peak->feet.front(), site.at);
     EXPECT_NEAR(site.peak->heights_dB.front(), 1.0, 0.01);
     EXPECT_EQ(site.behind, site.peak->behind);
@@ -419,7 +419,7 @@ TEST(EventSites, ReflectionsWithoutFibreBetweenThemAreOneGroup)
     Site first = peakAt(fibre, 3000.0, 3.0);
     first.behind = 3031.0;
     first.peakStatistic = 20.0;
-    first.peak->seenAt = {3010.0};
+    first.peak->seen = {{3010.0}};
     Site second = peakAt(fibre, 3032.0, 4.0);
     second.behind = 3120.0;
     second.peak->behind = 3120.0;
@@ -431,7 +431,7 @@ TEST(EventSites, ReflectionsWithoutFibreBetweenThemAreOneGroup)
     const Site& group = sites.sites().front();
     EXPECT_EQ(group.peak->feet, (std::vector<double> {3000.0, 3032.0}));
     EXPECT_EQ(group.peak->heights_dB, (std::vector<double> {3.0, 4.0}));
-    EXPECT_TRUE(group.peak->seenAt.empty());
+    EXPECT_TRUE(group.peak->seen.empty());
     EXPECT_EQ(group.peak->hidden_dB, 4.0);
     EXPECT_EQ(group.peak->behind, 3120.0);
     EXPECT_EQ(group.behind, 3120.0);
