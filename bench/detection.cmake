@@ -19,6 +19,7 @@ waveform_library(detection_links
         accuracylinks.cpp
         instrument.cpp
         knownlink.cpp
+        knownsections.cpp
         matching.cpp
         oddlinks.cpp
         oddnetworks.cpp

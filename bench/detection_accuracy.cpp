@@ -13,6 +13,7 @@
 #include "bench/accuracyfigures.h"
 #include "bench/accuracylinks.h"
 #include "bench/knownlink.h"
+#include "bench/knownsections.h"
 #include "platform/otdr/core/constants.h"
 #include "platform/otdr/core/eventdetection.h"
 #include "platform/otdr/core/reflectance.h"
@@ -27,7 +28,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
-#include <optional>
 #include <random>
 #include <string>
 #include <vector>
@@ -297,22 +297,11 @@ private:
         }
     }
 
-    /// What the fibre between two places scatters back, as a part of the light that has a level.
-    [[nodiscard]] double scatteredBetween(double from, double to, double level_dB) const
-    {
-        const double unit = std::pow(10.0, kBackscatter_dB / 10.0) * interval_ns;
-        const double step = std::max(1.0, to - from) / 4000.0;
-        double sum = 0.0;
-        for (double i = from + 0.5 * step; i < to; i += step) {
-            sum += step * unit * std::pow(10.0, (known->levelBefore(i) - level_dB) / 5.0);
-        }
-        return sum;
-    }
-
     /// Against the sum over the true levels, where no peak is beyond what the receiver shows.
     void countReturnLoss(Figures& figures) const
     {
-        double sum = scatteredBetween(0.0, known->endOf(), source.launchLevel_dB());
+        double sum =
+            std::pow(10.0, -0.1 * known->returnLossBetween(0.0, known->endOf(), kBackscatter_dB));
         bool isWhole = true;
         for (const TruthEvent& event : known->truth()) {
             if (event.ghost || std::isnan(event.reflectance_dB)) {
@@ -330,44 +319,15 @@ private:
         }
     }
 
-    /// Where the true event is that one was found of: half a pulse away from it at most.
-    [[nodiscard]] std::optional<double> truePlace(double found) const
-    {
-        std::optional<double> place;
-        for (const TruthEvent& event : known->truth()) {
-            const double index = known->indexOf(event);
-            place = !event.ghost && std::abs(index - found) < 0.5 * pulse ? index : place;
-        }
-        return place || found > 0.5 * pulse ? place : std::optional<double>(0.0);
-    }
-
-    [[nodiscard]] bool isEmptyBetween(double from, double to) const
-    {
-        const auto& events = known->truth();
-        return std::none_of(events.begin(), events.end(), [&](const TruthEvent& event) {
-            const double index = known->indexOf(event);
-            return !event.ghost && index > from && index < to;
-        });
-    }
-
     void countSections(Figures& figures) const
     {
-        for (const otdr::DetectedSection& section : found.sections) {
-            const auto from = truePlace(section.from);
-            const auto to = truePlace(section.to);
-            if (!from || !to || !isEmptyBetween(*from, *to) || std::isnan(section.returnLoss_dB)) {
-                continue;
-            }
-            // The level of the fibre behind the place: that of the event is lost before.
-            const double level_dB = known->levelBefore(std::nextafter(*from, *to));
-            figures.sectionsReturnLossOff_dB.push_back(
-                section.returnLoss_dB + 10.0 * std::log10(scatteredBetween(*from, *to, level_dB)));
-            const double off = (section.attenuation_dBPerKm - known->attenuationBetween(*from, *to))
-                / known->attenuationBound(*from, *to);
-            if (!std::isnan(off)) {
-                figures.attenuationOff.push_back(off);
-            }
-        }
+        const auto append = [](const std::vector<double>& from, std::vector<double>& to) {
+            to.insert(to.end(), from.begin(), from.end());
+        };
+        const accuracy::SectionErrors errors =
+            accuracy::sectionErrors(*known, found, kBackscatter_dB);
+        append(errors.returnLoss_dB, figures.sectionsReturnLossOff_dB);
+        append(errors.attenuation, figures.attenuationOff);
     }
 
     Row row;

@@ -12,12 +12,15 @@
 // least, and of 0.02 dB; reflections of six standard deviations of a sample and 0.02 dB that have a
 // pulse of fibre in front of them and nothing else within their dead zone; the end where the fibre
 // stands 3 dB above the noise in front of it. A loss, with those of the events in its dead zone, is
-// wrong by more than five such standard errors and 5 mdB. Extra is what is told where nothing is:
-// all, and those of 0.03 dB.
+// wrong by more than five such standard errors and 5 mdB; the reflectance of a reflection that is
+// not overloaded, stands twenty standard deviations above the fibre and has nothing else within
+// two dead zones, by more than 0.3 dB, and so the return loss of the fibre between two events.
+// Extra is what is told where nothing is: all, and those of 0.03 dB.
 
 #include "bench/accuracylinks.h"
 #include "bench/instrument.h"
 #include "bench/knownlink.h"
+#include "bench/knownsections.h"
 #include "bench/matching.h"
 #include "bench/oddlinks.h"
 #include "platform/otdr/core/atomicfile.h"
@@ -49,6 +52,9 @@ constexpr double kWrongLoss = 5.0; // standard errors
 constexpr double kWrongLoss_dB = 0.005;
 constexpr double kClearEnd_dB = 3.0;
 constexpr double kWrongSum_dB = 0.001;
+constexpr double kWhole = 20.0; // standard deviations
+constexpr double kWrongReflectance_dB = 0.3;
+constexpr double kWrongReturnLoss_dB = 0.3;
 
 /// Sums over the links of a row.
 struct Count
@@ -64,6 +70,10 @@ struct Count
     int losses = 0;
     int wrongLosses = 0;
     int wrongSums = 0;
+    int reflectances = 0;
+    int wrongReflectances = 0;
+    int returnLosses = 0;
+    int wrongReturnLosses = 0;
 };
 
 class Link
@@ -93,8 +103,12 @@ public:
                 countEvent(k, count, prints);
             }
         }
+        for (std::size_t k = 0; k < known.truth().size(); ++k) {
+            countReflectance(k, count, prints);
+        }
         countExtra(count, prints);
         countSum(count, prints);
+        countReturnLosses(count, prints);
     }
 
     void print() const
@@ -153,12 +167,7 @@ public:
     }
 
 private:
-    [[nodiscard]] double pulse() const { return record.sight.pulse; }
-
-    [[nodiscard]] double portIndex() const
-    {
-        return -record.axis.firstSample_ns / record.axis.sampleInterval_ns;
-    }
+    [[nodiscard]] double pulse() const { return known.pulse(); }
 
     /// What is listed tells events; what is left of it, echoes.
     void match()
@@ -232,7 +241,7 @@ private:
         const KnownLink::Sides sides = known.sidesOf(k);
         const bool isStep = isStepDue(k, sides);
         const bool isPeak = isPeakDue(k, sides);
-        if (at - portIndex() < 3.0 * record.sight.gap || at >= known.endOf()
+        if (at - known.portIndex() < 3.0 * record.sight.gap || at >= known.endOf()
             || !(isStep || isPeak)) {
             return;
         }
@@ -299,13 +308,13 @@ private:
         // Of several events within a pulse of the end, the end may be told by any. Of no more than
         // a pigtail it need not be told, but nothing behind it may be.
         const bool isFound =
-            at - portIndex() < pulse() ? !isAny([&](const DetectedEvent& event) {
+            at - known.portIndex() < pulse() ? !isAny([&](const DetectedEvent& event) {
                 return event.index > at + reach && event.evidence != DetectedEvent::Evidence::Range;
             })
-                                       : isAny([&](const DetectedEvent& event) {
-                                             return event.kind == DetectedEvent::Kind::End
-                                                 && std::abs(event.index - at) <= reach;
-                                         });
+                                             : isAny([&](const DetectedEvent& event) {
+                                                   return event.kind == DetectedEvent::Kind::End
+                                                       && std::abs(event.index - at) <= reach;
+                                               });
         ++count.ends;
         count.endsFound += isFound ? 1 : 0;
         if (!isFound && prints) {
@@ -351,6 +360,54 @@ private:
         }
     }
 
+    [[nodiscard]] bool isAlone(std::size_t k) const
+    {
+        const auto& events = known.truth();
+        const double at = known.indexOf(events[k]);
+        return std::count_if(events.begin(), events.end(),
+                             [&](const TruthEvent& other) {
+                                 return std::abs(known.indexOf(other) - at)
+                                     < 2.0 * record.sight.gap;
+                             })
+            == 1;
+    }
+
+    /// That of the port stands on fibre that shows more or less of itself before it.
+    void countReflectance(std::size_t k, Count& count, bool prints) const
+    {
+        const TruthEvent& event = known.truth()[k];
+        const DetectedEvent* told = partnerOf(k);
+        const double at = known.indexOf(event);
+        if (event.ghost || told == nullptr || std::isnan(event.reflectance_dB)
+            || std::isnan(told->reflectance_dB) || told->saturated() || known.overloads(event)
+            || known.heightOf(event) < kWhole * known.sigmaAt(known.levelBefore(at))
+            || at < known.portIndex() + record.sight.gap || !isAlone(k)) {
+            return;
+        }
+        const double off = told->reflectance_dB - known.shownReflectance_dB(event);
+        const bool isWrong = std::abs(off) > kWrongReflectance_dB;
+        ++count.reflectances;
+        count.wrongReflectances += isWrong ? 1 : 0;
+        if (isWrong && prints) {
+            std::printf("  reflectance at %.1f: %.2f for %.2f, height %.3f\n", at,
+                        told->reflectance_dB, known.shownReflectance_dB(event),
+                        known.heightOf(event));
+        }
+    }
+
+    void countReturnLosses(Count& count, bool prints) const
+    {
+        for (const double off :
+             accuracy::sectionErrors(known, found, odd.instrument.backscatter_dB).returnLoss_dB) {
+            const bool isWrong = std::abs(off) > kWrongReturnLoss_dB;
+            ++count.returnLosses;
+            count.wrongReturnLosses += isWrong ? 1 : 0;
+            if (isWrong && prints) {
+                std::printf("  return loss of a section off by %.2f\n", off);
+            }
+        }
+    }
+
     std::mt19937_64 random;
     accuracy::OddLink odd;
     accuracy::Record record;
@@ -365,16 +422,17 @@ bool isFlawless(const Count& count)
 {
     return count.steps == count.stepsFound && count.peaks == count.peaksFound
         && count.ends == count.endsFound && count.extra == 0 && count.wrongLosses == 0
-        && count.wrongSums == 0;
+        && count.wrongSums == 0 && count.wrongReflectances == 0 && count.wrongReturnLosses == 0;
 }
 
 void printRow(const char* name, const Count& count, int links)
 {
-    std::printf("%-16s %4d/%-4d %4d/%-4d %3d/%-3d  %5.2f %5.2f  %4d/%-4d %3d\n", name,
-                count.stepsFound, count.steps, count.peaksFound, count.peaks, count.endsFound,
+    std::printf("%-16s %4d/%-4d %4d/%-4d %3d/%-3d  %5.2f %5.2f  %4d/%-4d %3d  %3d/%-4d %3d/%-4d\n",
+                name, count.stepsFound, count.steps, count.peaksFound, count.peaks, count.endsFound,
                 count.ends, static_cast<double>(count.largeExtra) / links,
                 static_cast<double>(count.extra) / links, count.wrongLosses, count.losses,
-                count.wrongSums);
+                count.wrongSums, count.wrongReflectances, count.reflectances,
+                count.wrongReturnLosses, count.returnLosses);
 }
 
 /// One link, or all where its number is 0, of one row.
@@ -418,8 +476,10 @@ int main(int argc, char** argv)
     if (isRow) {
         return tellRow(argv[1], argc > 2 ? std::atoi(argv[2]) : 0, argc > 3 ? argv[3] : nullptr);
     }
-    std::printf("                     steps     peaks    ends     extra      wrong    wrong\n"
-                "                     found/due                 large   all  losses   sums\n");
+    std::printf("                     steps     peaks    ends     extra      wrong    wrong  wrong "
+                "   wrong\n"
+                "                     found/due                 large   all  losses   sums   refl. "
+                "   return losses\n");
     for (const accuracy::OddRow& row : accuracy::oddRows()) {
         Count count;
         for (int i = 1; i <= std::max(1, links); ++i) {

@@ -195,6 +195,23 @@ double KnownLink::boundOf(std::size_t k, const Sides& sides) const
         + variance(sides.right, sight.gap + sides.late, level - events[k].apparentLoss_dB));
 }
 
+double KnownLink::portIndex() const
+{
+    return -sight.firstSample_ns / sight.interval_ns;
+}
+
+double KnownLink::returnLossBetween(double from, double to, double backscatter_dB) const
+{
+    constexpr int kSteps = 4000;
+    const double level = levelBefore(std::nextafter(from, to));
+    const double step = (to - from) / kSteps;
+    double sum = 0.0;
+    for (int i = 0; i < kSteps; ++i) {
+        sum += std::pow(10.0, (levelBefore(from + (i + 0.5) * step) - level) / 5.0);
+    }
+    return -backscatter_dB - 10.0 * std::log10(sum * step * sight.interval_ns);
+}
+
 double KnownLink::attenuationBetween(double from, double to) const
 {
     double attenuation = NAN;

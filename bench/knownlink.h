@@ -44,6 +44,10 @@ public:
     [[nodiscard]] double indexOf(const gather::TruthEvent& event) const;
     [[nodiscard]] double metresOf(double index) const;
     [[nodiscard]] double endOf() const;
+    [[nodiscard]] double portIndex() const;
+
+    /// Width in samples.
+    [[nodiscard]] double pulse() const { return sight.pulse; }
 
     /// Level of the fibre just before a place, free of noise, dB.
     [[nodiscard]] double levelBefore(double index) const;
@@ -80,6 +84,10 @@ public:
 
     /// Standard error of the loss by the two lines that the fibre allows, dB.
     [[nodiscard]] double boundOf(std::size_t k, const Sides& sides) const;
+
+    /// Return loss of the fibre between two places, without reflections, seen from behind what
+    /// stands at the first, dB.
+    [[nodiscard]] double returnLossBetween(double from, double to, double backscatter_dB) const;
 
     /// Attenuation of the fibre between two places, dB/km; NaN where it is not the same everywhere
     /// there.
