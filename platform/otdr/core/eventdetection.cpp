@@ -219,16 +219,24 @@ private:
                 event.stepStatistic = site.statistic();
             }
             if (reflects) {
-                // Of several in a dead zone it is not known which of them loses how much.
-                const double loss_dB = feet == 1 && !std::isnan(site.loss_dB) ? site.loss_dB : 0.0;
                 reflect(event, evidenceOf(i),
-                        heightOfLight_dB(*site.peak, i, fibre.shape(), loss_dB));
+                        heightOfLight_dB(*site.peak, i, fibre.shape(), lostAt(site, i)));
                 event.hidden_dB = site.peak->hiddenAt_dB(i);
             } else if (site.loss_dB < 0.0) {
                 event.kind = DetectedEvent::Kind::Gain;
             }
             result.events.push_back(event);
         }
+    }
+
+    /// Of several reflections in a dead zone it is not known which loses how much: each its share.
+    [[nodiscard]] static LostAtReflection lostAt(const Site& site, std::size_t i)
+    {
+        if (std::isnan(site.loss_dB)) {
+            return {};
+        }
+        const double share_dB = site.loss_dB / static_cast<double>(site.peak->feet.size());
+        return {static_cast<double>(i) * share_dB, share_dB};
     }
 
     void listEnd(int group)
@@ -309,7 +317,7 @@ private:
                                               std::size_t last) const
     {
         constexpr double kAll_dB = 100.0;
-        const double height_dB = heightOfLight_dB(peak, last, fibre.shape(), kAll_dB);
+        const double height_dB = heightOfLight_dB(peak, last, fibre.shape(), {0.0, kAll_dB});
         if (height_dB > kLowLast_dB) {
             return height_dB;
         }
@@ -325,7 +333,7 @@ private:
                                          std::size_t i) const
     {
         DetectedEvent event = reflectionIn(end, evidenceOf(i), peak.feet[i],
-                                           heightOfLight_dB(peak, i, fibre.shape(), 0.0));
+                                           heightOfLight_dB(peak, i, fibre.shape(), {}));
         event.hidden_dB = peak.hiddenAt_dB(i);
         return event;
     }

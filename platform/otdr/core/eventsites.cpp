@@ -342,8 +342,10 @@ void EventSites::joinCrowded()
         group.feet.insert(group.feet.end(), more.feet.begin(), more.feet.end());
         group.heights_dB.insert(group.heights_dB.end(), more.heights_dB.begin(),
                                 more.heights_dB.end());
-        group.seen.clear(); // which of them loses how much is not known
         group.behind = more.behind;
+        if (one.left) { // the next one stood on the light of this one
+            measureHeights(*fibreTrace, one.left->line, group);
+        }
         group.hidden_dB = std::max(group.hidden_dB, more.hidden_dB);
         one.behind = next.behind;
         one.peakStatistic = std::max(one.peakStatistic, next.peakStatistic);

@@ -127,6 +127,26 @@ public:
                 group.feet.push_back(foot);
             }
         }
+        measureHeights(group);
+        group.hidden_dB = hiddenAbove_dB(top, group);
+        group.feet.front() = edgeOf(
+            rough, top, edge, group.saturated() ? level(top) : fibre(top) + group.heights_dB[0]);
+        return group;
+    }
+
+    /// Heights of all feet above a line, of which a scatter of sigma is known.
+    void measureHeightsOver(const Line& before, double scatter_dB, PeakGroup& group)
+    {
+        line = before;
+        sigma = scatter_dB;
+        measureHeights(group);
+    }
+
+private:
+    void measureHeights(PeakGroup& group) const
+    {
+        group.heights_dB.clear();
+        group.seen.clear();
         for (std::size_t i = 0; i < group.feet.size(); ++i) {
             const double next = i + 1 < group.feet.size() ? group.feet[i + 1] : group.behind;
             const std::size_t peak =
@@ -135,13 +155,8 @@ public:
             group.heights_dB.push_back(height_dB);
             group.seen.push_back(seen);
         }
-        group.hidden_dB = hiddenAbove_dB(top, group);
-        group.feet.front() = edgeOf(
-            rough, top, edge, group.saturated() ? level(top) : fibre(top) + group.heights_dB[0]);
-        return group;
     }
 
-private:
     [[nodiscard]] double level(std::size_t i) const { return trace.samples().level_dB(i); }
 
     [[nodiscard]] double fibre(std::size_t i) const { return line.at(static_cast<double>(i)); }
@@ -366,14 +381,15 @@ double PeakGroup::hiddenAt_dB(std::size_t i) const
 }
 
 double heightOfLight_dB(const PeakGroup& peak, std::size_t i, const PulseShape& shape,
-                        double loss_dB)
+                        const LostAtReflection& lost)
 {
+    const double height_dB = peak.heights_dB[i] + lost.before_dB;
     if (i >= peak.seen.size()) {
-        return peak.heights_dB[i];
+        return height_dB;
     }
-    const double lost = shape.step(peak.seen[i].at - peak.feet[i]) * (1.0 - powerRatio(-loss_dB));
-    const double light = powerRatio(peak.heights_dB[i]) - 1.0 + lost;
-    return levelOfRatio_dB(1.0 + light / peak.seen[i].shown);
+    const double part =
+        shape.step(peak.seen[i].at - peak.feet[i]) * (1.0 - powerRatio(-lost.by_dB));
+    return levelOfRatio_dB(1.0 + (powerRatio(height_dB) - 1.0 + part) / peak.seen[i].shown);
 }
 
 double highestFoot(const PeakGroup& peak)
@@ -456,6 +472,13 @@ double onsetOf(const FibreTrace& trace, double at, double from)
 }
 
 } // namespace
+
+void measureHeights(const FibreTrace& trace, const Line& before, PeakGroup& peak)
+{
+    const double foot = peak.feet.front();
+    PeakMeasurement(trace, foot, peak.behind)
+        .measureHeightsOver(before, trace.noise().sigma_dB(foot), peak);
+}
 
 PeakGroup measurePeak(const FibreTrace& trace, double at, double from, double to)
 {

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace {
 
@@ -61,6 +62,24 @@ TEST(DetectedReflectance, DoesNotDependOnTheReceiver)
             {{2000.0, 0.3, 9.0}, {4000.0, 0.2, 12.0}, {kReflectorAt, 0.4, 6.0}}, timeConstant);
         EXPECT_NEAR(foundAtReflector(fibre).reflectance_dB, reflected_dB(6.0), 2.0 * kWithin_dB)
             << timeConstant;
+    }
+}
+
+/// Each stands on what the ones before it have left of the fibre, and none on their light.
+TEST(DetectedReflectance, OfSeveralInADeadZoneIsThatOfEach)
+{
+    const std::vector<DrawnEvent> panel {{kReflectorAt, 0.4, 10.0},
+                                         {kReflectorAt + 32.0, 0.4, 14.0},
+                                         {kReflectorAt + 72.0, 0.4, 9.0}};
+    const DrawnFibre fibre = linkOf(panel, kTimeConstant);
+    const otdr::Detection found = otdr::detectEvents(fibre->samples(), measurement());
+    for (const DrawnEvent& one : panel) {
+        const auto told =
+            std::find_if(found.events.begin(), found.events.end(), [&](const DetectedEvent& event) {
+                return std::abs(event.index - one.at) < 3.0;
+            });
+        ASSERT_NE(told, found.events.end()) << one.at;
+        EXPECT_NEAR(told->reflectance_dB, reflected_dB(one.height_dB), 2.0 * kWithin_dB) << one.at;
     }
 }
 

@@ -54,7 +54,7 @@ TEST(PeakGroup, LightOfAReflectionStandsOnWhatIsLeftOfTheFibre)
     PeakGroup group {{100.0, 160.0}, {height_dB, height_dB}, 200.0};
     group.seen = {{100.0 + shape.centre()}, {160.0}};
     const auto lightOf = [&](std::size_t i, double loss_dB) {
-        return otdr::powerRatio(heightOfLight_dB(group, i, shape, loss_dB)) - 1.0;
+        return otdr::powerRatio(heightOfLight_dB(group, i, shape, {0.0, loss_dB})) - 1.0;
     };
     const double above = otdr::powerRatio(height_dB);
     EXPECT_NEAR(lightOf(0, 0.0), above - 1.0, 1e-9);
@@ -94,7 +94,7 @@ TEST(PeakGroup, LightThatASlowReceiverDoesNotShowIsAddedAndNoOther)
         const PeakGroup found = measurePeak(*fibre, 1005.0, 500.0, 1500.0);
         ASSERT_EQ(found.seen.size(), 1U);
         EXPECT_NEAR(found.seen[0].shown, timeConstant == slow ? shape.peak(20.0) : 1.0, 1e-9);
-        EXPECT_NEAR(heightOfLight_dB(found, 0, fibre->shape(), 0.0), 8.0, 0.06) << timeConstant;
+        EXPECT_NEAR(heightOfLight_dB(found, 0, fibre->shape(), {}), 8.0, 0.06) << timeConstant;
     }
 }
 
