@@ -200,11 +200,12 @@ private:
     void listSite(const Site& site, int group)
     {
         const bool reflects = site.reflects();
-        const std::size_t feet = reflects ? site.peak->feet.size() : 1;
+        const PeakGroup peak = reflects ? peakOf(site) : PeakGroup();
+        const std::size_t feet = std::max<std::size_t>(1, peak.feet.size());
         for (std::size_t i = 0; i < feet; ++i) {
             DetectedEvent event;
             event.group = group;
-            event.index = i == 0 ? site.foot() : site.peak->feet[i];
+            event.index = i == 0 ? site.foot() : peak.feet[i];
             event.behindFrom = std::max(site.behind, site.clear);
             event.peakStatistic = reflects ? site.peakStatistic : 0.0;
             if (site.left) {
@@ -220,13 +221,24 @@ private:
             }
             if (reflects) {
                 reflect(event, evidenceOf(i),
-                        heightOfLight_dB(*site.peak, i, fibre.shape(), lostAt(site, i)));
-                event.hidden_dB = site.peak->hiddenAt_dB(i);
+                        heightOfLight_dB(peak, i, fibre.shape(), lostAt(site, i)));
+                event.hidden_dB = peak.hiddenAt_dB(i);
             } else if (site.loss_dB < 0.0) {
                 event.kind = DetectedEvent::Kind::Gain;
             }
             result.events.push_back(event);
         }
+    }
+
+    /// The reflections of a place over all the fibre that is seen before it: when they were found,
+    /// little of it was looked at.
+    [[nodiscard]] PeakGroup peakOf(const Site& site) const
+    {
+        PeakGroup peak = *site.peak;
+        if (site.left && !peak.seen.empty()) {
+            measureHeights(fibre, site.left->line, peak);
+        }
+        return peak;
     }
 
     /// Of several reflections in a dead zone it is not known which loses how much: each its share.
@@ -290,11 +302,11 @@ private:
     {
         const double w = fibre.scale().pulse;
         const double to = std::max(extent.end + 4.0 * w, extent.lastFoot + w);
-        const PeakGroup peak = measurePeak(fibre, extent.end, end.before.centre, to);
+        const PeakGroup peak = peakBeforeEnd(end, extent.end, to);
         const double apart = peak.feet.front() - kOwnRisePulses * w;
         const double from = std::max(end.before.centre, apart - 2.0 * fibre.gap());
         if (const auto first = firstPeak(fibre, from, apart, end.before)) {
-            const PeakGroup before = measurePeak(fibre, *first, end.before.centre, apart);
+            const PeakGroup before = peakBeforeEnd(end, *first, apart);
             for (std::size_t i = 0; i < before.feet.size(); ++i) {
                 result.events.push_back(lastPeak(end, before, i));
             }
@@ -309,6 +321,15 @@ private:
         event.evidence = end.evidence;
         addLight(event, heightOfLastLight_dB(end, peak, last));
         result.events.push_back(event);
+    }
+
+    /// Reflections in the dead zone of the end, all over the fibre before it: one may stand on the
+    /// light of another.
+    [[nodiscard]] PeakGroup peakBeforeEnd(const DetectedEvent& end, double at, double to) const
+    {
+        PeakGroup peak = measurePeak(fibre, at, end.before.centre, to);
+        measureHeights(fibre, end.before, peak);
+        return peak;
     }
 
     /// The light of the reflection at the end. That of a low one is told by its whole shape: it is
