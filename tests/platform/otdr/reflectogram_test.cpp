@@ -200,10 +200,10 @@ TEST(Reflectogram, IsSearchedFromAnyThread)
     const TraceFiles files;
     Reflectogram refl =
         files.measured(testing_support::TraceBuilder().fibre({6000.0}).splice({3000.0}, {0.3}));
-    std::vector<std::thread> threads;
+    std::vector<std::thread> threads(4);
     std::atomic<int> good {0};
-    for (int k = 0; k < 4; ++k) {
-        threads.emplace_back([&good, refl] {
+    for (std::thread& thread : threads) {
+        thread = std::thread([&good, refl] {
             for (int i = 0; i < 5; ++i) {
                 const auto found = refl.detection();
                 good += found && found->events.size() >= 2 ? 1 : 0;
