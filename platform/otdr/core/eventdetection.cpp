@@ -6,6 +6,7 @@
 #include "platform/otdr/core/echoes.h"
 #include "platform/otdr/core/eventfit.h"
 #include "platform/otdr/core/eventsearch.h"
+#include "platform/otdr/core/peakheights.h"
 #include "platform/otdr/core/reflectance.h"
 #include "platform/otdr/core/risinglight.h"
 #include "platform/otdr/core/straying.h"

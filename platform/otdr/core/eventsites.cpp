@@ -1,5 +1,7 @@
 #include "platform/otdr/core/eventsites.h"
 
+#include "platform/otdr/core/peakheights.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>

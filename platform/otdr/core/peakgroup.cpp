@@ -2,6 +2,7 @@
 
 #include "platform/otdr/core/decibels.h"
 #include "platform/otdr/core/lossintail.h"
+#include "platform/otdr/core/peakheights.h"
 #include "platform/otdr/core/risinglight.h"
 #include "platform/otdr/core/timeconstant.h"
 #include "platform/otdr/core/trace.h"
@@ -11,7 +12,6 @@
 #include <cstddef>
 #include <limits>
 #include <numeric>
-#include <utility>
 
 namespace otdr {
 
@@ -47,12 +47,6 @@ constexpr double kFibreGaps = 6.0;
 constexpr double kClearGaps = 1.5;
 constexpr double kFewestFibre = 12.0;
 constexpr std::size_t kFewestOfLine = 4;
-
-/// The flat part of a top begins where so much of the edge is over; no sample stands further above
-/// its mean than this, or than so many sigmas.
-constexpr double kFlatPart = 0.985;
-constexpr double kFlat_dB = 0.2;
-constexpr double kFlatSigmas = 4.0;
 
 /// The last of a tail is hidden in the noise: so many pulses for each decibel of the peak.
 constexpr double kHiddenTailPulsesPerDb = 0.1;
@@ -105,7 +99,7 @@ public:
     [[nodiscard]] PeakGroup measure(double at)
     {
         fitFibre(at);
-        const std::size_t top = highest(at - w, std::min(at + w + trace.gap(), to));
+        const std::size_t top = highestSample(trace, at - w, std::min(at + w + trace.gap(), to));
         PeakGroup group;
         const double height = level(top) - fibre(top);
         const double edge = std::max({kEdge_dB, kEdgeSigmas * sigma, kEdgePart * height});
@@ -127,36 +121,14 @@ public:
                 group.feet.push_back(foot);
             }
         }
-        measureHeights(group);
+        measureHeights(trace, line, group);
         group.hidden_dB = hiddenAbove_dB(top, group);
         group.feet.front() = edgeOf(
             rough, top, edge, group.saturated() ? level(top) : fibre(top) + group.heights_dB[0]);
         return group;
     }
 
-    /// Heights of all feet above a line, of which a scatter of sigma is known.
-    void measureHeightsOver(const Line& before, double scatter_dB, PeakGroup& group)
-    {
-        line = before;
-        sigma = scatter_dB;
-        measureHeights(group);
-    }
-
 private:
-    void measureHeights(PeakGroup& group) const
-    {
-        group.heights_dB.clear();
-        group.seen.clear();
-        for (std::size_t i = 0; i < group.feet.size(); ++i) {
-            const double next = i + 1 < group.feet.size() ? group.feet[i + 1] : group.behind;
-            const std::size_t peak =
-                highest(group.feet[i], std::min(next, group.feet[i] + 2.0 * w));
-            const auto [height_dB, seen] = plateau(group.feet[i], next, peak);
-            group.heights_dB.push_back(height_dB);
-            group.seen.push_back(seen);
-        }
-    }
-
     [[nodiscard]] double level(std::size_t i) const { return trace.samples().level_dB(i); }
 
     [[nodiscard]] double fibre(std::size_t i) const { return line.at(static_cast<double>(i)); }
@@ -179,16 +151,6 @@ private:
             // All the light before a loss stands above that, and is no part of the peak.
             from = std::max(from, last - kClearGaps * trace.gap());
         }
-    }
-
-    [[nodiscard]] std::size_t highest(double begin, double end) const
-    {
-        const double last = trace.size() - 1.0;
-        auto top = static_cast<std::size_t>(std::clamp(begin, 0.0, last));
-        for (std::size_t i = top; static_cast<double>(i) <= std::min(end, last); ++i) {
-            top = level(i) > level(top) ? i : top;
-        }
-        return top;
     }
 
     /// The first of the samples that stand above the fibre without a gap up to `top`.
@@ -236,40 +198,6 @@ private:
             }
         }
         return end;
-    }
-
-    /// Height of a peak above the fibre before it, and where it has it: the mean over the flat part
-    /// of its top, which noise does not raise.
-    [[nodiscard]] std::pair<double, SeenHeight> plateau(double foot, double next,
-                                                        std::size_t top) const
-    {
-        const double high_dB = level(top) - fibre(top);
-        const SeenHeight high {static_cast<double>(top), shownAt(foot, top)};
-        const double begin = std::ceil(foot + trace.shape().riseTo(kFlatPart));
-        const double end = std::floor(std::min(foot + w, next));
-        if (end - begin < 2.0) {
-            return {high_dB, high};
-        }
-        const double centre = 0.5 * (begin + end);
-        const double flat_dB = trace.mean_dB(begin, end + 0.5) - line.at(centre);
-        // A pulse that is not as long as stated has no flat top there.
-        if (high_dB - flat_dB < std::max(kFlat_dB, kFlatSigmas * sigma)) {
-            return {flat_dB, {centre, 1.0}};
-        }
-        return {high_dB, high};
-    }
-
-    /// Part of the light of a reflection that its highest sample shows. A receiver that is slow in
-    /// getting rid of light may rise at once all the same: it does where half of the pulse shows
-    /// more than a slow one would.
-    [[nodiscard]] double shownAt(double foot, std::size_t top) const
-    {
-        const double most = trace.shape().peak(w);
-        const double middle = foot + 0.5 * w;
-        const double half = powerRatio(trace.samples().levelAt_dB(middle) - line.at(middle)) - 1.0;
-        const double risen = half / (powerRatio(level(top) - fibre(top)) - 1.0);
-        const double slow = trace.shape().peak(0.5 * w) / most;
-        return most < kFlatPart && risen < 0.5 * (slow + 1.0) ? most : 1.0;
     }
 
     /// By how much the light may be brighter than its highest sample shows, dB.
@@ -380,18 +308,6 @@ double PeakGroup::hiddenAt_dB(std::size_t i) const
     return heights_dB[i] > height_dB() - kHeld_dB ? hidden_dB : 0.0;
 }
 
-double heightOfLight_dB(const PeakGroup& peak, std::size_t i, const PulseShape& shape,
-                        const LostAtReflection& lost)
-{
-    const double height_dB = peak.heights_dB[i] + lost.before_dB;
-    if (i >= peak.seen.size()) {
-        return height_dB;
-    }
-    const double part =
-        shape.step(peak.seen[i].at - peak.feet[i]) * (1.0 - powerRatio(-lost.by_dB));
-    return levelOfRatio_dB(1.0 + (powerRatio(height_dB) - 1.0 + part) / peak.seen[i].shown);
-}
-
 double highestFoot(const PeakGroup& peak)
 {
     const auto highest = std::max_element(peak.heights_dB.begin(), peak.heights_dB.end());
@@ -472,13 +388,6 @@ double onsetOf(const FibreTrace& trace, double at, double from)
 }
 
 } // namespace
-
-void measureHeights(const FibreTrace& trace, const Line& before, PeakGroup& peak)
-{
-    const double foot = peak.feet.front();
-    PeakMeasurement(trace, foot, peak.behind)
-        .measureHeightsOver(before, trace.noise().sigma_dB(foot), peak);
-}
 
 PeakGroup measurePeak(const FibreTrace& trace, double at, double from, double to)
 {

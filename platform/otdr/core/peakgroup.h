@@ -40,19 +40,6 @@ struct PeakGroup
     [[nodiscard]] bool isLow() const;
 };
 
-/// What the fibre loses within a group before one of its reflections, and by that one.
-struct LostAtReflection
-{
-    double before_dB = 0.0;
-    double by_dB = 0.0;
-};
-
-/// Height that the light of one reflection of a group alone would have above the fibre right before
-/// it, dB: it stands on what is left of the fibre, and a receiver slower than the pulse does not
-/// show all of it.
-[[nodiscard]] double heightOfLight_dB(const PeakGroup& peak, std::size_t i, const PulseShape& shape,
-                                      const LostAtReflection& lost);
-
 /// Index of the rise to the highest reflection of a group.
 [[nodiscard]] double highestFoot(const PeakGroup& peak);
 
@@ -76,8 +63,5 @@ void dropLowFeet(PeakGroup& peak, double least_dB);
 /// Looks closely at a reflection near `at`, between the undisturbed fibre that begins at `from` and
 /// what comes next at `to`: all its feet lie before that.
 [[nodiscard]] PeakGroup measurePeak(const FibreTrace& trace, double at, double from, double to);
-
-/// Measures the heights of a group anew, over the fibre before it.
-void measureHeights(const FibreTrace& trace, const Line& before, PeakGroup& peak);
 
 } // namespace otdr

@@ -35,6 +35,7 @@ waveform_test(otdr_core_numeric_test
         noisefloor_test.cpp
         overload_test.cpp
         peakgroup_test.cpp
+        peakheights_test.cpp
         prefixsums_test.cpp
         pulseshape_test.cpp
         pyramid_test.cpp

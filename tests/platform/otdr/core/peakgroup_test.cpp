@@ -1,6 +1,4 @@
-#include "platform/otdr/core/decibels.h"
 #include "platform/otdr/core/peakgroup.h"
-#include "platform/otdr/core/pulseshape.h"
 #include "tests/platform/otdr/core/drawnfibre.h"
 #include "tests/support/tracebuilder.h"
 
@@ -42,60 +40,6 @@ TEST(PeakGroup, WithoutItsLowFeetKeepsTheHighestHoweverLow)
     EXPECT_EQ(group.heights_dB, (std::vector<double> {0.9, 0.4}));
     dropLowFeet(group, 2.0);
     EXPECT_EQ(group.feet, std::vector<double> {120.0});
-}
-
-/// A height that was seen where half of the fibre behind the event is in the pulse stands on what
-/// is left of both halves; one that a fit tells stands on nothing.
-TEST(PeakGroup, LightOfAReflectionStandsOnWhatIsLeftOfTheFibre)
-{
-    const otdr::PulseShape shape(20.0, 0.2);
-    const double height_dB = 2.0;
-    const double half_dB = otdr::powerRatio(-3.0) / 2.0 + 0.5;
-    PeakGroup group {{100.0, 160.0}, {height_dB, height_dB}, 200.0};
-    group.seen = {{100.0 + shape.centre()}, {160.0}};
-    const auto lightOf = [&](std::size_t i, double loss_dB) {
-        return otdr::powerRatio(heightOfLight_dB(group, i, shape, {0.0, loss_dB})) - 1.0;
-    };
-    const double above = otdr::powerRatio(height_dB);
-    EXPECT_NEAR(lightOf(0, 0.0), above - 1.0, 1e-9);
-    EXPECT_NEAR(lightOf(0, 3.0), above - half_dB, 0.01);
-    EXPECT_NEAR(lightOf(0, 100.0), above - 0.5, 0.01);
-    EXPECT_NEAR(lightOf(1, 3.0), above - 1.0, 1e-9) << "seen at its foot";
-    group.heights_dB[0] = 1.0;
-    dropLowFeet(group, 1.5);
-    ASSERT_EQ(group.seen.size(), 1U) << "goes with its foot";
-    EXPECT_EQ(group.seen[0].at, 160.0);
-    group.seen.clear();
-    EXPECT_NEAR(lightOf(0, 3.0), above - 1.0, 1e-9);
-}
-
-TEST(PeakGroup, HeightIsSeenInTheMiddleOfAFlatTopOrAtTheHighestSample)
-{
-    const TraceBuilder link = quiet().reflection(5_km, 6_dB);
-    const PeakGroup flat = measuredAt5km(link, 0.02);
-    ASSERT_EQ(flat.seen.size(), 1U);
-    EXPECT_NEAR(flat.seen.front().at, link.indexOf(5_km) + 0.5 * link.pulseSamples(), 2.0);
-    const PeakGroup sloped = measuredAt5km(quiet().connector(5_km, 4_dB, 6_dB), 0.02);
-    ASSERT_EQ(sloped.seen.size(), 1U);
-    EXPECT_NEAR(sloped.seen.front().at, link.indexOf(5_km), 2.0);
-}
-
-/// A receiver of half a pulse shows nine tenths of a reflection at the end of the pulse. One that
-/// only recovers so slowly shows it all.
-TEST(PeakGroup, LightThatASlowReceiverDoesNotShowIsAddedAndNoOther)
-{
-    const double slow = 10.0;
-    for (const double timeConstant : {slow, 0.4, 1.6}) {
-        const otdr::PulseShape shape(20.0, timeConstant);
-        DrawnFibre fibre(2000, scaleOf(20.0), [&](double i) {
-            return eventLevel_dB(shape, i - 1000.0, 30.0, 30.0, 8.0);
-        });
-        fibre.changed().setTimeConstant(slow);
-        const PeakGroup found = measurePeak(*fibre, 1005.0, 500.0, 1500.0);
-        ASSERT_EQ(found.seen.size(), 1U);
-        EXPECT_NEAR(found.seen[0].shown, timeConstant == slow ? shape.peak(20.0) : 1.0, 1e-9);
-        EXPECT_NEAR(heightOfLight_dB(found, 0, fibre->shape(), {}), 8.0, 0.06) << timeConstant;
-    }
 }
 
 TEST(PeakGroup, FootOfASharpRiseLiesAtItsFirstSample)
