@@ -192,7 +192,8 @@ double stretchReturnLoss_dB(const TraceState& state, double a_m, double b_m)
     return returnLoss_dB(state, from, to, referenceLevel_dB(state, from, to));
 }
 
-double sectionReturnLoss_dB(const TraceState& state, const Event& from, const Event& to)
+double sectionReturnLoss_dB(const TraceState& state, const Event& from, const Event& to,
+                            double told_dB)
 {
     const double start = indexOf(state, from);
     const double end = indexOf(state, to);
@@ -204,13 +205,21 @@ double sectionReturnLoss_dB(const TraceState& state, const Event& from, const Ev
     far.leftLimit = start + otdr::kDeadZonePulses * state.pulseSamples();
     const auto behind = otdr::fibreBehind(*state.trace, near);
     const auto before = otdr::fibreBefore(*state.trace, far);
-    if (!behind || !before) {
+    otdr::FibreBetween fibre;
+    fibre.from = seenAt(state, start);
+    fibre.to = seenAt(state, end);
+    fibre.backscatter_dB = state.backscatter_dB;
+    if (behind && before) {
+        fibre.behind = *behind;
+        fibre.before = *before;
+    } else if (Event::isKnown(told_dB)) {
+        fibre.behind.centre = fibre.from;
+        fibre.behind.slope_dB = -told_dB / (fibre.to - fibre.from);
+        fibre.before = fibre.behind;
+    } else {
         return Event::kUnknown;
     }
-    const double loss_dB =
-        otdr::fibreReturnLoss_dB(*state.trace,
-                                 otdr::FibreBetween {seenAt(state, start), seenAt(state, end),
-                                                     *behind, *before, state.backscatter_dB});
+    const double loss_dB = otdr::fibreReturnLoss_dB(*state.trace, fibre);
     return loss_dB < 0.0 ? Event::kUnknown : loss_dB;
 }
 

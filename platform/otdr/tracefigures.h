@@ -10,10 +10,10 @@
 /// nearer end, dB. NaN where it cannot be told.
 [[nodiscard]] double stretchReturnLoss_dB(const TraceState& state, double a_m, double b_m);
 
-/// Optical return loss of the fibre between two events, seen from the nearer one, dB. NaN where
-/// they hide it.
+/// Optical return loss of the fibre between two events, seen from the nearer one, dB. Where they
+/// hide it, it is that of a fibre that loses told_dB; NaN where that is not known either.
 [[nodiscard]] double sectionReturnLoss_dB(const TraceState& state, const Event& from,
-                                          const Event& to);
+                                          const Event& to, double told_dB = Event::kUnknown);
 
 /// End-to-end loss and return loss of a trace, from 0 m to the end of its fibre. Without a known
 /// end the loss is unknown and the return loss is that of the whole record; with one so near that

@@ -117,7 +117,8 @@ void addReturnLosses(TraceState& state)
     EventList events = state.events;
     for (int i = 1; i + 1 < events.size(); ++i) {
         if (events.at(i).type == Event::Fiber) {
-            events[i].orl = sectionReturnLoss_dB(state, events.at(i - 1), events.at(i + 1));
+            Event& fibre = events[i];
+            fibre.orl = sectionReturnLoss_dB(state, events.at(i - 1), events.at(i + 1), fibre.loss);
         }
     }
     state.events = events;

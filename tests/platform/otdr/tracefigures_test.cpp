@@ -210,6 +210,11 @@ TEST(TraceFigures, ReturnLossOfASectionThatNoFibreShowsOfIsUnknown)
     const TraceState& state = *refl.state();
     EXPECT_TRUE(std::isfinite(sectionReturnLoss_dB(state, eventAt(1000), eventAt(2000))));
     EXPECT_TRUE(std::isnan(sectionReturnLoss_dB(state, eventAt(1000), eventAt(1012))));
+    EXPECT_NEAR(sectionReturnLoss_dB(state, eventAt(1000), eventAt(1012), 0.5),
+                uniformReturnLoss_dB(eventAt(12).coordinate - eventAt(0).coordinate, 0.5 / 0.012,
+                                     state.backscatter_dB, state.metresPerNs()),
+                0.2)
+        << "by what the file tells";
     EXPECT_TRUE(std::isnan(sectionReturnLoss_dB(state, eventAt(6500), eventAt(7500)))) << "noise";
     EXPECT_TRUE(std::isnan(sectionReturnLoss_dB(state, eventAt(50000), eventAt(60000))))
         << "beyond";
