@@ -123,8 +123,9 @@ public:
         }
         measureHeights(trace, line, group);
         group.hidden_dB = hiddenAbove_dB(top, group);
-        group.feet.front() = edgeOf(
-            rough, top, edge, group.saturated() ? level(top) : fibre(top) + group.heights_dB[0]);
+        const double begun = begunBefore(rough, top, edge);
+        group.feet.front() =
+            group.saturated() ? begun : edgeOf(rough, top, begun, fibre(top) + group.heights_dB[0]);
         return group;
     }
 
@@ -254,10 +255,20 @@ private:
         return static_cast<double>(last - first);
     }
 
+    /// Where light has begun to rise that shows above the fibre from behind `rough` on, half a
+    /// sample before the first that does, by this much at least: what the edge had risen before
+    /// was too little to be seen. All that is known of a peak whose height the receiver cuts off.
+    [[nodiscard]] double begunBefore(double rough, std::size_t top, double edge) const
+    {
+        const double height = std::max(level(top) - fibre(top), 2.0 * edge);
+        const double unseen = (powerRatio(edge) - 1.0) / (powerRatio(height) - 1.0);
+        return std::max(0.0, rough - trace.shape().riseTo(unseen));
+    }
+
     /// Each sample of the rising edge tells by its part of the height how far behind the foot it
-    /// is; where the edge is too steep for that, the foot lies half a sample before it. `edge`: by
-    /// how much, dB, the first sample behind `rough` stands above the fibre at least.
-    [[nodiscard]] double edgeOf(double rough, std::size_t top, double edge, double top_dB) const
+    /// is; where the edge is too steep for that, the foot lies half a sample before it, and no more
+    /// than a sample before where it has begun.
+    [[nodiscard]] double edgeOf(double rough, std::size_t top, double begun, double top_dB) const
     {
         const auto begin = static_cast<std::size_t>(std::max(0.0, rough));
         double sum = 0.0;
@@ -277,10 +288,7 @@ private:
         }
         const double found = weights > 0.0 ? sum / weights : rough;
         // Had it begun earlier, the samples before would stand above the fibre.
-        const double height = std::max(top_dB - fibre(top), 2.0 * edge);
-        const double unseen = (powerRatio(edge) - 1.0) / (powerRatio(height) - 1.0);
-        const double least = rough - trace.shape().riseTo(unseen) - 1.0;
-        return std::clamp(found, std::max(0.0, least), rough + 1.0);
+        return std::clamp(found, std::max(0.0, begun - 1.0), rough + 1.0);
     }
 
     const FibreTrace& trace;

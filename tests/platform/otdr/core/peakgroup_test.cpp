@@ -183,6 +183,25 @@ TEST(PeakGroup, ATopThatIsTheSameByRoundingIsNotSaturated)
 }
 
 /// Where another one stands as high, for as little as a third of a pulse.
+/// Of an edge that is cut off hardly a sample is seen: the foot lies between two, and is told in
+/// the middle.
+TEST(PeakGroup, FootOfASaturatedPeakIsToldNeitherEarlyNorLate)
+{
+    const otdr::PulseShape shape(20.0, 1.6);
+    double sum = 0.0;
+    for (int tenth = 0; tenth < 10; ++tenth) {
+        const double foot = 1000.0 + 0.1 * tenth;
+        const DrawnFibre fibre(2000, scaleOf(20.0), [&](double i) {
+            return std::min(45.0, eventLevel_dB(shape, i - foot, 30.0, 30.0, 22.0));
+        });
+        const PeakGroup found = measurePeak(*fibre, 1010.0, 500.0, 1500.0);
+        EXPECT_TRUE(found.saturated());
+        EXPECT_NEAR(found.feet.front(), foot, 0.7);
+        sum += found.feet.front() - foot;
+    }
+    EXPECT_NEAR(sum / 10.0, 0.0, 0.25);
+}
+
 TEST(PeakGroup, AsHighAsAnotherWhereTheRecordIsHighestIsSaturated)
 {
     const auto saturatedBeside = [](double other_dB) {
