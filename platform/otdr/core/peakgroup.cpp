@@ -123,9 +123,13 @@ public:
         }
         measureHeights(trace, line, group);
         group.hidden_dB = hiddenAbove_dB(top, group);
-        const double begun = begunBefore(rough, top, edge);
+        const double unseen = unseenPart(top, edge);
+        const double begun = std::max(0.0, rough - trace.shape().riseTo(unseen));
+        const double top_dB =
+            group.saturated() ? level(top) : fibre(top) + group.heights_dB.front();
+        // The edge of a peak that is cut off tells no part of its height.
         group.feet.front() =
-            group.saturated() ? begun : edgeOf(rough, top, begun, fibre(top) + group.heights_dB[0]);
+            group.saturated() && unseen < kLowPart ? begun : edgeOf(rough, top, begun, top_dB);
         return group;
     }
 
@@ -255,14 +259,11 @@ private:
         return static_cast<double>(last - first);
     }
 
-    /// Where light has begun to rise that shows above the fibre from behind `rough` on, half a
-    /// sample before the first that does, by this much at least: what the edge had risen before
-    /// was too little to be seen. All that is known of a peak whose height the receiver cuts off.
-    [[nodiscard]] double begunBefore(double rough, std::size_t top, double edge) const
+    /// Part of the height that an edge reaches before it is seen.
+    [[nodiscard]] double unseenPart(std::size_t top, double edge) const
     {
         const double height = std::max(level(top) - fibre(top), 2.0 * edge);
-        const double unseen = (powerRatio(edge) - 1.0) / (powerRatio(height) - 1.0);
-        return std::max(0.0, rough - trace.shape().riseTo(unseen));
+        return (powerRatio(edge) - 1.0) / (powerRatio(height) - 1.0);
     }
 
     /// Each sample of the rising edge tells by its part of the height how far behind the foot it

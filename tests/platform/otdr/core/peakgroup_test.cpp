@@ -202,6 +202,15 @@ TEST(PeakGroup, FootOfASaturatedPeakIsToldNeitherEarlyNorLate)
     EXPECT_NEAR(sum / 10.0, 0.0, 0.25);
 }
 
+/// What is too long for a pulse is cut off, however low it is; but its edge is seen.
+TEST(PeakGroup, FootOfALowTopThatIsTooLongLiesAtItsEdge)
+{
+    const DrawnFibre fibre = withRaised({{1000.0, 1060.0, 0.1}});
+    const PeakGroup found = measurePeak(*fibre, 1010.0, 500.0, 1500.0);
+    EXPECT_TRUE(found.saturated());
+    EXPECT_NEAR(found.feet.front(), 1000.0, 1.6);
+}
+
 TEST(PeakGroup, AsHighAsAnotherWhereTheRecordIsHighestIsSaturated)
 {
     const auto saturatedBeside = [](double other_dB) {
