@@ -108,12 +108,15 @@ double heightOfLight_dB(const PeakGroup& peak, std::size_t i, const PulseShape& 
                         const LostAtReflection& lost)
 {
     const double height_dB = peak.heights_dB[i] + lost.before_dB;
-    if (i >= peak.seen.size()) {
+    if (i >= peak.seen.size() || !(height_dB > 0.0)) {
         return height_dB;
     }
     const double part =
         shape.step(peak.seen[i].at - peak.feet[i]) * (1.0 - powerRatio(-lost.by_dB));
-    return levelOfRatio_dB(1.0 + (powerRatio(height_dB) - 1.0 + part) / peak.seen[i].shown);
+    // 1 + (top - 1 + part) / shown by the top, which is infinite in a file with an absurd scale.
+    const double shown = peak.seen[i].shown;
+    const double byTop = 1.0 / shown + powerRatio(-height_dB) * (1.0 - (1.0 - part) / shown);
+    return height_dB + levelOfRatio_dB(byTop);
 }
 
 } // namespace otdr

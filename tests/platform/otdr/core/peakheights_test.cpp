@@ -33,6 +33,11 @@ TEST(PeakHeights, LightOfAReflectionStandsOnWhatIsLeftOfTheFibre)
     dropLowFeet(group, 1.5);
     ASSERT_EQ(group.seen.size(), 1U) << "goes with its foot";
     EXPECT_EQ(group.seen[0].at, 160.0);
+    group.heights_dB[0] = 5000.0;
+    EXPECT_NEAR(heightOfLight_dB(group, 0, shape, {0.0, 3.0}), 5000.0, 1e-9) << "an absurd scale";
+    group.heights_dB[0] = -5000.0;
+    EXPECT_EQ(heightOfLight_dB(group, 0, shape, {0.0, 3.0}), -5000.0) << "no light";
+    group.heights_dB[0] = height_dB;
     group.seen.clear();
     EXPECT_NEAR(lightOf(0, 3.0), above - 1.0, 1e-9);
 }
