@@ -102,8 +102,6 @@ public:
             } else if (!event.ghost) {
                 countEvent(k, count, prints);
             }
-        }
-        for (std::size_t k = 0; k < known.truth().size(); ++k) {
             countReflectance(k, count, prints);
         }
         countExtra(count, prints);

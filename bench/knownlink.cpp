@@ -109,16 +109,20 @@ double KnownLink::heightOf(const TruthEvent& event) const
                               sight.pulse * sight.interval_ns);
 }
 
+const gather::Section& KnownLink::sectionAt(double index) const
+{
+    double border_m = 0.0;
+    return *std::find_if(fibre.sections.begin(), fibre.sections.end() - 1,
+                         [&](const gather::Section& section) {
+                             border_m += section.length_m;
+                             return metresOf(index) <= border_m;
+                         });
+}
+
 double KnownLink::shownReflectance_dB(const TruthEvent& event) const
 {
-    const double at_m = metresOf(indexOf(event) - kSamePlace);
-    double border_m = 0.0;
-    const auto before = std::find_if(fibre.sections.begin(), fibre.sections.end() - 1,
-                                     [&](const gather::Section& section) {
-                                         border_m += section.length_m;
-                                         return at_m <= border_m;
-                                     });
-    return event.reflectance_dB - before->backscatter_dB.at(wavelength_nm) + kBackscatter_dB;
+    const gather::Section& before = sectionAt(indexOf(event) - kSamePlace);
+    return event.reflectance_dB - before.backscatter_dB.at(wavelength_nm) + kBackscatter_dB;
 }
 
 bool KnownLink::overloads(const TruthEvent& event) const
@@ -214,17 +218,9 @@ double KnownLink::returnLossBetween(double from, double to, double backscatter_d
 
 double KnownLink::attenuationBetween(double from, double to) const
 {
-    double attenuation = NAN;
-    double begin_m = 0.0;
-    for (const gather::Section& section : fibre.sections) {
-        const double end_m = begin_m + section.length_m;
-        const double of = section.attenuation_dBPerKm.at(wavelength_nm);
-        if (metresOf(from) >= begin_m - kSamePlace && metresOf(to) <= end_m + kSamePlace) {
-            attenuation = of;
-        }
-        begin_m = end_m;
-    }
-    return attenuation;
+    const gather::Section& section = sectionAt(from + kSamePlace);
+    const bool isOne = &section == &sectionAt(to - kSamePlace);
+    return isOne ? section.attenuation_dBPerKm.at(wavelength_nm) : NAN;
 }
 
 double KnownLink::attenuationBound(double from, double to) const

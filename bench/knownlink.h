@@ -98,6 +98,7 @@ public:
     [[nodiscard]] double attenuationBound(double from, double to) const;
 
 private:
+    [[nodiscard]] const gather::Section& sectionAt(double index) const;
     [[nodiscard]] double varianceAt(double level_dB) const;
     [[nodiscard]] bool isNothing(const gather::TruthEvent& event) const;
     [[nodiscard]] double lateBehind(const gather::TruthEvent& event) const;

@@ -91,14 +91,18 @@ std::vector<otdr::SaturatedPeak> saturatedPeaks(const TraceState& state)
     return peaks;
 }
 
-/// NaN where more light would come back than went in: the section does not begin on fibre but in
-/// the noise, whose level is no measure of that.
+/// NaN where more light would come back than went in: what was measured does not begin on fibre but
+/// in the noise, whose level is no measure of that.
+double ofPossible_dB(double returnLoss_dB)
+{
+    return returnLoss_dB < 0.0 ? Event::kUnknown : returnLoss_dB;
+}
+
 double returnLoss_dB(const TraceState& state, double from, double to, double reference_dB)
 {
     const otdr::ReturnLossSection section {from, to, reference_dB, state.backscatter_dB};
     const std::vector<otdr::SaturatedPeak> peaks = saturatedPeaks(state);
-    const double loss_dB = otdr::returnLoss_dB(*state.trace, section, peaks);
-    return loss_dB < 0.0 ? Event::kUnknown : loss_dB;
+    return ofPossible_dB(otdr::returnLoss_dB(*state.trace, section, peaks));
 }
 
 /// The levels that were measured at the ends of the fibre when its events were found: those that
@@ -219,8 +223,7 @@ double sectionReturnLoss_dB(const TraceState& state, const Event& from, const Ev
     } else {
         return Event::kUnknown;
     }
-    const double loss_dB = otdr::fibreReturnLoss_dB(*state.trace, fibre);
-    return loss_dB < 0.0 ? Event::kUnknown : loss_dB;
+    return ofPossible_dB(otdr::fibreReturnLoss_dB(*state.trace, fibre));
 }
 
 KeyEventsBlock keyFigures(const TraceState& state)

@@ -51,6 +51,7 @@ public:
         return {high_dB, high};
     }
 
+private:
     /// Part of the light of a reflection that its highest sample shows. A receiver that is slow in
     /// getting rid of light may rise at once all the same: it does where half of the pulse shows
     /// more than a slow one would.
@@ -64,7 +65,6 @@ public:
         return most < kFlatPart && risen < 0.5 * (slow + 1.0) ? most : 1.0;
     }
 
-private:
     [[nodiscard]] double level(std::size_t i) const { return trace.samples().level_dB(i); }
 
     [[nodiscard]] double fibre(std::size_t i) const { return line.at(static_cast<double>(i)); }

@@ -1,5 +1,6 @@
 #include "platform/otdr/core/returnloss.h"
 
+#include "platform/otdr/core/decibels.h"
 #include "platform/otdr/core/samplerange.h"
 #include "platform/otdr/core/trace.h"
 
@@ -16,9 +17,8 @@ namespace {
 /// i + 0.5.
 double linePower(const Line& line, double reference_dB, double from, double to)
 {
-    const double perDecibel = std::log(10.0) / 5.0;
-    const double start = std::exp((line.at(from) - reference_dB) * perDecibel);
-    const double slope = line.slope_dB * perDecibel;
+    const double start = powerRatio(line.at(from) - reference_dB);
+    const double slope = line.slope_dB * kNepersPerDb;
     return start * (slope == 0.0 ? to - from : std::expm1((to - from) * slope) / slope);
 }
 
@@ -30,19 +30,6 @@ double samplePower(const Trace& trace, double reference_dB, SampleRange range)
 double edgeBefore(std::size_t sample)
 {
     return static_cast<double>(sample) - 0.5;
-}
-
-/// Of light that comes back, as a part of what goes in.
-double returnLossOf(double light)
-{
-    const bool possible = std::isfinite(light) && light > 0.0;
-    return possible ? -10.0 * std::log10(light) : std::numeric_limits<double>::quiet_NaN();
-}
-
-/// What the fibre of one sample sends back of the light that goes in.
-double backscatterPerSample(const Trace& trace, double backscatter_dB)
-{
-    return std::pow(10.0, backscatter_dB / 10.0) * trace.axis().sampleInterval_ns;
 }
 
 /// Light that comes back from some samples: what the fibre scatters, as a sum of powers over that
@@ -78,6 +65,15 @@ Light lightFrom(const Trace& trace, SampleRange range, double reference_dB,
     return light;
 }
 
+/// NaN where nothing comes back.
+double returnLossOf(const Trace& trace, double backscatter_dB, const Light& light)
+{
+    const double perSample = std::pow(10.0, backscatter_dB / 10.0) * trace.axis().sampleInterval_ns;
+    const double total = perSample * light.scattered + light.reflected;
+    const bool possible = std::isfinite(total) && total > 0.0;
+    return possible ? -10.0 * std::log10(total) : std::numeric_limits<double>::quiet_NaN();
+}
+
 } // namespace
 
 double returnLoss_dB(const Trace& trace, const ReturnLossSection& section)
@@ -89,11 +85,8 @@ double returnLoss_dB(const Trace& trace, const ReturnLossSection& section,
                      gsl::span<const SaturatedPeak> peaks)
 {
     const SampleRange range = samplesBetween(section.from, section.to, trace.size());
-    const Light light = lightFrom(trace, range, section.reference_dB, peaks);
-    return range.empty()
-        ? std::numeric_limits<double>::quiet_NaN()
-        : returnLossOf(backscatterPerSample(trace, section.backscatter_dB) * light.scattered
-                       + light.reflected);
+    return returnLossOf(trace, section.backscatter_dB,
+                        lightFrom(trace, range, section.reference_dB, peaks));
 }
 
 double fibreReturnLoss_dB(const Trace& trace, const FibreBetween& fibre)
@@ -110,11 +103,10 @@ double fibreReturnLoss_dB(const Trace& trace, const FibreBetween& fibre,
     const double middle = 0.5 * (fibre.from + fibre.to);
     const double first = shown.empty() ? middle : edgeBefore(shown.first);
     const double last = shown.empty() ? middle : edgeBefore(shown.last);
-    const Light light = lightFrom(trace, shown, reference_dB, peaks);
-    const double scattered = linePower(fibre.behind, reference_dB, fibre.from, first)
-        + light.scattered + linePower(fibre.before, reference_dB, last, fibre.to);
-    return returnLossOf(backscatterPerSample(trace, fibre.backscatter_dB) * scattered
-                        + light.reflected);
+    Light light = lightFrom(trace, shown, reference_dB, peaks);
+    light.scattered += linePower(fibre.behind, reference_dB, fibre.from, first)
+        + linePower(fibre.before, reference_dB, last, fibre.to);
+    return returnLossOf(trace, fibre.backscatter_dB, light);
 }
 
 } // namespace otdr

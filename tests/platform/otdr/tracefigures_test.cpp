@@ -34,6 +34,16 @@ double sumOf(const EventList& events)
     return sum;
 }
 
+/// An event at a place of a link that was measured.
+Event eventAt(const Reflectogram& refl, const TraceBuilder& link, Length at,
+              Event::Type type = Event::NonReflective)
+{
+    Event event(type, 0, 10);
+    event.position = std::lround(link.indexOf(at));
+    event.coordinate = refl.smpl2dist(static_cast<double>(event.position));
+    return event;
+}
+
 TEST(TraceFigures, LossesOfTheListAddUpToThatOfTheSpan)
 {
     const TraceFiles files;
@@ -60,20 +70,14 @@ TEST(TraceFigures, EventThatHidesTheLastFibreCountsInTheLossOfTheSpan)
     const TraceBuilder builder =
         TraceBuilder().fibre(6_km).splice(5_km, 0.8_dB).reflectingEnd(9_dB).behind(3000);
     Reflectogram refl = files.measured(builder);
-    const auto eventAt = [&](Event::Type type, Length at) {
-        Event event(type, 0, 10);
-        event.position = std::lround(builder.indexOf(at));
-        event.coordinate = refl.smpl2dist(static_cast<double>(event.position));
-        return event;
-    };
-    Event start = eventAt(Event::SpanStart, 0_km);
+    Event start = eventAt(refl, builder, 0_km, Event::SpanStart);
     start.reflOut = builder.trueLevel_dB(0_km);
-    Event hidden = eventAt(Event::NonReflective, 5_km);
+    Event hidden = eventAt(refl, builder, 5_km, Event::NonReflective);
     hidden.reflIn = start.reflOut - 5 * 0.2;
-    Event fibre = eventAt(Event::Fiber, 5_km);
+    Event fibre = eventAt(refl, builder, 5_km, Event::Fiber);
     fibre.length = refl.smpl2dist(builder.indexOf(1_km));
     fibre.loss = 0.2;
-    Event end = eventAt(Event::SpanEnd, 6_km);
+    Event end = eventAt(refl, builder, 6_km, Event::SpanEnd);
     end.reflIn = hidden.reflIn - fibre.loss; // on the line before the hidden one
     refl.setEventList({start, hidden, fibre, end});
     EXPECT_NEAR(keyFigures(*refl.state()).totalLoss, 6 * 0.2 + 0.8, 0.02);
@@ -156,15 +160,9 @@ TEST(TraceFigures, ReturnLossOfASectionHoldsNoReflectionThatStandsNextToItsEnds)
     const TraceBuilder builder =
         TraceBuilder().fibre(12_km).reflection(4_km, 20_dB).reflection(8_km, 20_dB); // 10 m a pulse
     Reflectogram refl = files.measured(builder);
-    const auto eventAt = [&](Length at) {
-        Event event(Event::Reflective, 0, 10);
-        event.position = std::lround(builder.indexOf(at));
-        event.coordinate = refl.smpl2dist(static_cast<double>(event.position));
-        return event;
-    };
     for (const double off_m : {-8.0, 0.0, 8.0}) {
-        const Event from = eventAt(Length {4000.0 + off_m});
-        const Event to = eventAt(Length {8000.0 + off_m});
+        const Event from = eventAt(refl, builder, Length {4000.0 + off_m});
+        const Event to = eventAt(refl, builder, Length {8000.0 + off_m});
         refl.setEventList({from, to});
         const TraceState& state = *refl.state();
         const double length_m = to.coordinate - from.coordinate;
@@ -181,14 +179,9 @@ TEST(TraceFigures, ReturnLossOfAShortSectionIsThatOfItsOwnFibre)
     const TraceFiles files;
     const TraceBuilder builder = TraceBuilder().fibre(12_km).splice(4_km, 6_dB);
     const Reflectogram refl = files.measured(builder);
-    const auto eventAt = [&](Length at) {
-        Event event(Event::NonReflective, 0, 10);
-        event.coordinate = refl.smpl2dist(builder.indexOf(at));
-        return event;
-    };
     const TraceState& state = *refl.state();
-    const Event from = eventAt(4_km);
-    const Event to = eventAt(4060_m);
+    const Event from = eventAt(refl, builder, 4_km);
+    const Event to = eventAt(refl, builder, 4060_m);
     const double length_m = to.coordinate - from.coordinate;
     EXPECT_NEAR(sectionReturnLoss_dB(state, from, to),
                 uniformReturnLoss_dB(length_m, 0.2, state.backscatter_dB, state.metresPerNs()),
@@ -201,27 +194,21 @@ TEST(TraceFigures, ReturnLossOfASectionThatNoFibreShowsOfIsUnknown)
     const TraceBuilder builder =
         TraceBuilder().fibre(6_km).behind(3000).noise(0.01_dB, 6).noiseFloor(8_dB);
     const Reflectogram refl = files.measured(builder);
-    const auto eventAt = [&](double at_m) {
-        Event event(Event::NonReflective, 0, 10);
-        event.position = std::lround(builder.indexOf(Length {at_m}));
-        event.coordinate = refl.smpl2dist(static_cast<double>(event.position));
-        return event;
-    };
+    const auto at = [&](Length place) { return eventAt(refl, builder, place); };
     const TraceState& state = *refl.state();
-    EXPECT_TRUE(std::isfinite(sectionReturnLoss_dB(state, eventAt(1000), eventAt(2000))));
-    EXPECT_TRUE(std::isnan(sectionReturnLoss_dB(state, eventAt(1000), eventAt(1012))));
-    EXPECT_NEAR(sectionReturnLoss_dB(state, eventAt(1000), eventAt(1012), 0.5),
-                uniformReturnLoss_dB(eventAt(12).coordinate - eventAt(0).coordinate, 0.5 / 0.012,
+    EXPECT_TRUE(std::isfinite(sectionReturnLoss_dB(state, at(1_km), at(2_km))));
+    EXPECT_TRUE(std::isnan(sectionReturnLoss_dB(state, at(1000_m), at(1012_m))));
+    EXPECT_NEAR(sectionReturnLoss_dB(state, at(1000_m), at(1012_m), 0.5),
+                uniformReturnLoss_dB(at(12_m).coordinate - at(0_m).coordinate, 0.5 / 0.012,
                                      state.backscatter_dB, state.metresPerNs()),
                 0.2)
         << "by what the file tells";
-    EXPECT_TRUE(std::isnan(sectionReturnLoss_dB(state, eventAt(6500), eventAt(7500)))) << "noise";
-    EXPECT_TRUE(std::isnan(sectionReturnLoss_dB(state, eventAt(50000), eventAt(60000))))
-        << "beyond";
-    EXPECT_TRUE(std::isnan(sectionReturnLoss_dB(state, eventAt(2000), eventAt(1000))));
+    EXPECT_TRUE(std::isnan(sectionReturnLoss_dB(state, at(6500_m), at(7500_m)))) << "noise";
+    EXPECT_TRUE(std::isnan(sectionReturnLoss_dB(state, at(50_km), at(60_km)))) << "beyond";
+    EXPECT_TRUE(std::isnan(sectionReturnLoss_dB(state, at(2_km), at(1_km))));
     TraceState bright = state;
     bright.backscatter_dB = 0.0; // more than goes in
-    EXPECT_TRUE(std::isnan(sectionReturnLoss_dB(bright, eventAt(1000), eventAt(2000))));
+    EXPECT_TRUE(std::isnan(sectionReturnLoss_dB(bright, at(1_km), at(2_km))));
 }
 
 } // namespace
