@@ -44,35 +44,61 @@ double referenceLevel_dB(const TraceState& state, double from, double to)
     return line ? line->at(from) : state.trace->levelAt_dB(from);
 }
 
-/// The fibre behind the start as it was measured when its events were found, or else as it shows.
-std::optional<otdr::Line> fibreBehindStart(const TraceState& state, double start, double last)
+/// The start in the list; one of which nothing is known where it has none.
+Event startOf(const TraceState& state)
 {
-    const auto found =
+    const auto start =
         std::find_if(state.events.begin(), state.events.end(),
                      [](const Event& event) { return event.type == Event::SpanStart; });
-    if (found != state.events.end() && Event::isKnown(found->behindFrom)
-        && Event::isKnown(found->behindTo)) {
-        return otdr::fitLineBetween(*state.trace, state.indexAt(found->behindFrom) - 0.5,
-                                    state.indexAt(found->behindTo) + 0.5);
+    return start != state.events.end() ? *start : Event();
+}
+
+/// What is lost at the start, which is of the span: a launch fibre shows it. Files tell a loss of 0
+/// where none does.
+double lossAtStart_dB(const Event& start)
+{
+    return Event::isKnown(start.loss) ? start.loss : 0.0;
+}
+
+/// Whether fibre is seen in front of the start, too.
+bool isBehindLaunchFibre(const Event& start)
+{
+    return lossAtStart_dB(start) != 0.0 || Event::isKnown(start.reflIn);
+}
+
+/// The fibre behind the start as it was measured when its events were found, or else as it shows.
+std::optional<otdr::Line> fibreBehindStart(const TraceState& state, const Event& told, double start,
+                                           double last)
+{
+    if (Event::isKnown(told.behindFrom) && Event::isKnown(told.behindTo)) {
+        return otdr::fitLineBetween(*state.trace, state.indexAt(told.behindFrom) - 0.5,
+                                    state.indexAt(told.behindTo) + 0.5);
     }
     return fibreBehind(state, start, last);
 }
 
-/// Where the level of the fibre right behind a foot is seen, by a receiver that suits the pulse:
-/// only when half of the pulse is in the fibre, half of its light comes back.
-double seenAt(const TraceState& state, double foot)
+/// How far behind a foot the level of the fibre there is seen, by a receiver that suits the pulse:
+/// only when half of the pulse is in the fibre, half of its light comes back. In samples.
+double seenBehind(const TraceState& state)
 {
     static const double pulses =
         otdr::PulseShape(1.0, otdr::PulseShape::kUsualTimeConstant).centre();
-    return foot + pulses * state.pulseSamples();
+    return pulses * state.pulseSamples();
 }
 
-/// The level of the fibre right behind the start, from which the return loss of the span is
-/// counted.
-double levelAtStart_dB(const TraceState& state, double start, double last)
+double seenAt(const TraceState& state, double foot)
 {
-    const auto line = fibreBehindStart(state, start, last);
-    return line ? line->at(seenAt(state, start)) : state.trace->levelAt_dB(start);
+    return foot + seenBehind(state);
+}
+
+/// The stretch whose return loss is that of the span, up to an index, seen from where it starts.
+otdr::ReturnLossSection spanSection(const TraceState& state, double start, double last)
+{
+    const Event told = startOf(state);
+    const auto line = fibreBehindStart(state, told, start, last);
+    const double behind_dB = line ? line->at(seenAt(state, start)) : state.trace->levelAt_dB(start);
+    return {start, last, behind_dB + lossAtStart_dB(told), state.backscatter_dB,
+            isBehindLaunchFibre(told) ? seenBehind(state) : 0.0};
 }
 
 std::vector<otdr::SaturatedPeak> saturatedPeaks(const TraceState& state)
@@ -98,9 +124,8 @@ double ofPossible_dB(double returnLoss_dB)
     return returnLoss_dB < 0.0 ? Event::kUnknown : returnLoss_dB;
 }
 
-double returnLoss_dB(const TraceState& state, double from, double to, double reference_dB)
+double returnLoss_dB(const TraceState& state, const otdr::ReturnLossSection& section)
 {
-    const otdr::ReturnLossSection section {from, to, reference_dB, state.backscatter_dB};
     const std::vector<otdr::SaturatedPeak> peaks = saturatedPeaks(state);
     return ofPossible_dB(otdr::returnLoss_dB(*state.trace, section, peaks));
 }
@@ -138,7 +163,7 @@ FoundEnds foundEnds(const TraceState& state)
 /// Sections and events make up the span, so its loss is told between the levels that theirs were.
 /// Where an event hides the fibre in front of the end, a line through what is left of it shows more
 /// than one that stops at that event.
-double endToEndLoss_dB(const TraceState& state, double start, double end)
+double lossBehindStart_dB(const TraceState& state, double start, double end)
 {
     const FoundEnds found = foundEnds(state);
     if (found.fibreMeetsEnd && Event::isKnown(found.loss_dB())) {
@@ -193,7 +218,8 @@ double stretchReturnLoss_dB(const TraceState& state, double a_m, double b_m)
     }
     const double from = state.indexAt(std::min(a_m, b_m));
     const double to = state.indexAt(std::max(a_m, b_m));
-    return returnLoss_dB(state, from, to, referenceLevel_dB(state, from, to));
+    return returnLoss_dB(state,
+                         {from, to, referenceLevel_dB(state, from, to), state.backscatter_dB});
 }
 
 double sectionReturnLoss_dB(const TraceState& state, const Event& from, const Event& to,
@@ -240,9 +266,9 @@ KeyEventsBlock keyFigures(const TraceState& state)
         if (end <= start + kSameEventPulses * state.pulseSamples()) {
             return block; // no fibre shows between the reflections of port and end
         }
-        block.totalLoss = endToEndLoss_dB(state, start, end);
+        block.totalLoss = lossAtStart_dB(startOf(state)) + lossBehindStart_dB(state, start, end);
         last = std::min(last, end + kEndTailPulses * state.pulseSamples());
     }
-    block.orl = returnLoss_dB(state, start, last, levelAtStart_dB(state, start, last));
+    block.orl = returnLoss_dB(state, spanSection(state, start, last));
     return block;
 }

@@ -79,23 +79,26 @@ public:
         if (start == events.end() || start->behind.samples == 0) {
             return;
         }
+        // What a launch fibre is for: it shows what is lost at the start, which is of the span.
+        const bool showsLoss = !std::isnan(start->loss_dB);
+        const double level_dB =
+            (showsLoss ? start->before : start->behind).at(seenAt(start->index));
+        const double launch = start->before.samples > 0 ? fibre.shape().centre() : 0.0;
         const DetectedEvent& last = events.back();
         const DetectedEvent& limit = limitOfSpan();
         if (limit.before.samples > 0) {
-            found.spanLoss_dB =
-                start->behind.at(seenAt(start->index)) - limit.before.at(seenAt(limit.index));
+            found.spanLoss_dB = level_dB - limit.before.at(seenAt(limit.index));
         }
         std::vector<SaturatedPeak> saturated;
         const double tail = kEndTailPulses * fibre.scale().pulse;
         for (const DetectedEvent& event : events) {
-            if (event.saturated() && event.before.samples > 0 && event.index > start->index) {
+            if (event.saturated() && event.before.samples > 0 && event.index >= start->index) {
                 saturated.push_back({event.index, std::max(event.index + tail, event.behindFrom),
                                      event.before, event.reflectance_dB});
             }
         }
-        const ReturnLossSection span {start->index, last.index + tail,
-                                      start->behind.at(seenAt(start->index)),
-                                      measurement.backscatter_dB};
+        const ReturnLossSection span {start->index, last.index + tail, level_dB,
+                                      measurement.backscatter_dB, launch};
         found.returnLoss_dB = returnLoss_dB(fibre.samples(), span, saturated);
     }
 

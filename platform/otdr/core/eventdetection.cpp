@@ -385,10 +385,32 @@ private:
                 && std::abs(event.index - start->index) < reach;
         });
         if (same == events.end()) {
+            if (start->behind.samples == 0) {
+                layOnFibre(*start);
+            }
             return;
         }
         same->kind = DetectedEvent::Kind::Start;
         events.erase(start);
+    }
+
+    /// A start at which nothing is seen, as where the launch fibre is joined without a loss: the
+    /// fibre that goes on over it tells its level.
+    void layOnFibre(DetectedEvent& start) const
+    {
+        const auto& places = sites.sites();
+        const auto next = std::find_if(places.begin(), places.end(),
+                                       [&](const Site& site) { return site.foot() > start.index; });
+        const auto k = static_cast<std::size_t>(std::distance(places.begin(), next));
+        const double window = fibre.scale().longestWindow;
+        const double from = std::max(sites.lineFrom(k), start.index - window);
+        const double to = std::min(sites.fibreTo(k), start.index + window);
+        const auto line =
+            from < start.index && start.index < to ? fibre.fit(from, to) : std::nullopt;
+        if (line) {
+            start.before = line->line;
+            start.behind = line->line;
+        }
     }
 
     const Trace& trace;

@@ -32,6 +32,9 @@ constexpr double kFootMargin = 1.0;
 constexpr double kRisingSamples = 2.0;
 constexpr double kRisingPulses = 0.15;
 
+/// So has the light at the end fallen before it stands out.
+constexpr double kFallenPulses = 0.2;
+
 /// Lines on both sides stray; they average over more than a pulse or two.
 constexpr double kWanders = 1.0;
 
@@ -107,7 +110,8 @@ double EventSites::fibreTo(std::size_t k) const
     const double foot = isFoot ? places[k].at : end;
     const bool isPeak = isFoot && places[k].peak;
     const double rising = std::max(kRisingSamples, kRisingPulses * fibreTrace->scale().pulse);
-    return foot - (isPeak ? rising : kFootMargin);
+    const double fallen = std::max(kFootMargin, kFallenPulses * fibreTrace->scale().pulse);
+    return foot - (isPeak ? rising : isFoot ? kFootMargin : fallen);
 }
 
 double EventSites::lineFrom(std::size_t k) const

@@ -85,8 +85,9 @@ double returnLoss_dB(const Trace& trace, const ReturnLossSection& section,
                      gsl::span<const SaturatedPeak> peaks)
 {
     const SampleRange range = samplesBetween(section.from, section.to, trace.size());
-    return returnLossOf(trace, section.backscatter_dB,
-                        lightFrom(trace, range, section.reference_dB, peaks));
+    Light light = lightFrom(trace, range, section.reference_dB, peaks);
+    light.scattered -= section.launch;
+    return returnLossOf(trace, section.backscatter_dB, light);
 }
 
 double fibreReturnLoss_dB(const Trace& trace, const FibreBetween& fibre)

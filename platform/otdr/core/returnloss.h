@@ -16,6 +16,8 @@ struct ReturnLossSection
     double reference_dB =
         0.0; ///< level of the backscatter line, taken to where return loss is seen from
     double backscatter_dB = 0.0; ///< coefficient of the fibre, dB at 1 ns, negative
+    double launch = 0.0; ///< samples of light at the reference that belong to the fibre before the
+                         ///< section: half a pulse behind its foot, where there is such a fibre
 };
 
 /// A peak that went beyond what the receiver can show.
@@ -39,10 +41,10 @@ struct FibreBetween
 
 /// Optical return loss of a section, dB, positive: backscatter and reflections together.
 ///
-/// RL = -10 log10(10^(B/10) dt sum 10^((L - reference) / 5)) with dt the round-trip sample interval
-/// in ns; the width of the pulse cancels. Seen from the start of the section where the reference is
-/// the line at the start, from the port where it is the line at the port. NaN without samples or
-/// where an argument is not finite.
+/// RL = -10 log10(10^(B/10) dt (sum 10^((L - reference) / 5) - launch)) with dt the round-trip
+/// sample interval in ns; the width of the pulse cancels. Seen from the start of the section where
+/// the reference is the line at the start, from the port where it is the line at the port. NaN
+/// without samples or where an argument is not finite.
 [[nodiscard]] double returnLoss_dB(const Trace& trace, const ReturnLossSection& section);
 
 /// The same with saturated peaks put right: the samples of each, as far as they lie in the section,

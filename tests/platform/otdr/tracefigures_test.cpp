@@ -107,6 +107,8 @@ TEST(TraceFigures, NothingIsToldOfASpanThatShowsNoFibre)
 EventList withoutLines(EventList events)
 {
     for (Event& event : events) {
+        event.reflIn = Event::kUnknown;
+        event.reflOut = Event::kUnknown;
         event.beforeFrom = Event::kUnknown;
         event.behindFrom = Event::kUnknown;
         event.behindTo = Event::kUnknown;
@@ -128,6 +130,43 @@ TEST(TraceFigures, ReturnLossOfALongPulseIsThatOfTheSearch)
     EXPECT_NEAR(keyFigures(state).orl, found.returnLoss_dB, 0.02);
     state.events = withoutLines(state.events);
     EXPECT_NEAR(keyFigures(state).orl, found.returnLoss_dB, 0.02);
+}
+
+/// A link behind a launch fibre, with what is found on it.
+TraceState behindLaunchFibre(const TraceFiles& files, Decibels atStart)
+{
+    const TraceBuilder builder = TraceBuilder()
+                                     .fibre(8_km)
+                                     .pulse(500)
+                                     .behind(3000)
+                                     .noise(0.004_dB, 4)
+                                     .noiseFloor(8_dB)
+                                     .connector(2_km, atStart, 6_dB)
+                                     .splice(5_km, 0.2_dB);
+    TraceState state = *files.measured(builder).state();
+    otdr::TraceAxis axis = state.trace->axis();
+    axis.firstSample_ns = -builder.indexOf(2_km) * axis.sampleInterval_ns;
+    state.trace = std::make_shared<const otdr::Trace>(state.trace->samples(),
+                                                      state.trace->dbPerCount(), axis);
+    state.pulse_ns = 500.0;
+    state.events = eventListOf(detectionOf(state), state);
+    return state;
+}
+
+TEST(TraceFigures, WhatIsLostAtTheStartBehindALaunchFibreIsOfTheSpan)
+{
+    const TraceFiles files;
+    for (const Decibels atStart : {0.5_dB, 0.05_dB}) {
+        TraceState state = behindLaunchFibre(files, atStart);
+        const otdr::Detection found = detectionOf(state);
+        ASSERT_NEAR(found.spanLoss_dB, 6 * 0.2 + 0.2 + atStart.dB, 0.02);
+        for (const double tolerance_dB : {0.01, 0.05}) { // with its lines, and without
+            const KeyEventsBlock figures = keyFigures(state);
+            EXPECT_NEAR(figures.totalLoss, found.spanLoss_dB, tolerance_dB);
+            EXPECT_NEAR(figures.orl, found.returnLoss_dB, tolerance_dB);
+            state.events = withoutLines(state.events);
+        }
+    }
 }
 
 TEST(TraceFigures, ReturnLossOfASectionIsThatOfTheFibreBetweenItsEvents)

@@ -1,5 +1,7 @@
+#include "platform/otdr/core/decibels.h"
 #include "platform/otdr/core/eventdetection.h"
 #include "platform/otdr/core/pulseshape.h"
+#include "platform/otdr/core/reflectance.h"
 #include "tests/platform/otdr/core/drawnfibre.h"
 #include "tests/support/tracebuilder.h"
 #include "tests/support/uniformreturnloss.h"
@@ -37,20 +39,30 @@ double sumOf(const otdr::Detection& found)
     return sum;
 }
 
-TEST(DetectedSpan, ThatStartsOnBareFibreHasNoLoss)
+/// A launch fibre that is joined without a loss: the span is what lies behind the joint.
+TEST(DetectedSpan, ThatStartsOnBareFibreIsMeasuredFromThereOn)
 {
-    const TraceBuilder builder =
-        TraceBuilder().fibre(12_km).noise(0.01_dB, 21).splice(6_km, 0.1_dB);
-    const otdr::Trace trace = withZeroAt(builder, builder.indexOf(2_km));
-    const otdr::Detection found = otdr::detectEvents(trace, {100.0, builder.metresPerNs(), -80.0});
-    ASSERT_EQ(found.events.size(), 3U);
-    EXPECT_EQ(found.events[0].behind.samples, 0U);
-    EXPECT_TRUE(std::isnan(found.spanLoss_dB));
-    EXPECT_TRUE(std::isnan(found.returnLoss_dB));
-    ASSERT_FALSE(found.sections.empty());
-    EXPECT_TRUE(std::isnan(found.sections[0].loss_dB));
-    EXPECT_NEAR(found.sections[0].attenuation_dBPerKm, 0.2, 0.005)
-        << "by the line before the splice";
+    for (const double pulse_ns : {100.0, 2000.0}) {
+        const TraceBuilder builder = TraceBuilder()
+                                         .fibre(12_km)
+                                         .behind(3000)
+                                         .pulse(pulse_ns)
+                                         .noise(0.01_dB, 21)
+                                         .noiseFloor(8_dB)
+                                         .splice(6_km, 0.1_dB);
+        const otdr::Trace trace = withZeroAt(builder, builder.indexOf(2_km));
+        const otdr::Detection found =
+            otdr::detectEvents(trace, {pulse_ns, builder.metresPerNs(), -80.0});
+        ASSERT_EQ(found.events.size(), 3U);
+        EXPECT_TRUE(std::isnan(found.events[0].loss_dB)) << "nothing is seen there";
+        EXPECT_NEAR(found.spanLoss_dB, 10.0 * 0.2 + 0.1, 0.01);
+        EXPECT_NEAR(sumOf(found), found.spanLoss_dB, 1e-9);
+        ASSERT_EQ(found.sections.size(), 2U);
+        EXPECT_NEAR(found.sections[0].loss_dB, 4.0 * 0.2, 0.01);
+        EXPECT_NEAR(found.sections[0].attenuation_dBPerKm, 0.2, 0.005);
+        const double whole = uniformReturnLoss_dB(4000.0, 0.2, -80.0, builder.metresPerNs());
+        EXPECT_NEAR(found.sections[0].returnLoss_dB, whole, 0.05);
+    }
 }
 
 TEST(DetectedSpan, StartComesBeforeTheEndWhereBothStandAtTheLastSample)
@@ -103,6 +115,52 @@ TEST(DetectedSpan, ReturnLossDoesNotDependOnThePulse)
         EXPECT_NEAR(found.returnLoss_dB, expected_dB, 0.02) << pulse;
         ASSERT_EQ(found.sections.size(), 1U);
         EXPECT_NEAR(found.sections[0].returnLoss_dB, expected_dB, 0.02) << pulse;
+    }
+}
+
+/// The same behind a launch fibre of 2 km: the fibre of 3 km that follows begins with a connector
+/// of a loss and a reflectance.
+DrawnFibre fibreBehindALaunchFibre(double pulse, double loss_dB, double reflectance)
+{
+    constexpr double kStart = 2000.0;
+    constexpr double kEnd = 5000.0;
+    const otdr::PulseShape shape(pulse, 0.08 * pulse);
+    const double height_dB = otdr::peakHeight_dB(reflectance, -80.0, pulse);
+    return {12000, scaleOf(pulse), [=](double i) {
+                const double fibre_dB = 45.0 - 0.0002 * (i - shape.centre());
+                const double start_dB = 45.0 - 0.0002 * kStart;
+                const double past = shape.step(i - kStart);
+                const double fibre = powerRatio(fibre_dB)
+                    * (shape.step(i) - past + powerRatio(-loss_dB) * (past - shape.step(i - kEnd)));
+                const double light =
+                    powerRatio(start_dB) * (powerRatio(height_dB) - 1.0) * shape.peak(i - kStart);
+                return std::max(dark_dB(i), 5.0 * std::log10(fibre + light + 1e-9));
+            }};
+}
+
+/// The first connector of a link is what a launch fibre is for.
+TEST(DetectedSpan, HoldsTheConnectorAtItsStartWhereALaunchFibreShowsIt)
+{
+    constexpr double kLoss_dB = 0.4;
+    for (const double pulse : {20.0, 100.0}) {
+        for (const double reflectance : {-60.0, -45.0}) {
+            const DrawnFibre fibre = fibreBehindALaunchFibre(pulse, kLoss_dB, reflectance);
+            const otdr::Trace trace(fibre->samples().samples(), fibre->samples().dbPerCount(),
+                                    {1.0, -2000.0});
+            const otdr::Detection found = otdr::detectEvents(trace, {pulse, 1.0, -80.0});
+            const auto start =
+                std::find_if(found.events.begin(), found.events.end(), [](const auto& event) {
+                    return event.kind == DetectedEvent::Kind::Start;
+                });
+            ASSERT_EQ(std::distance(start, found.events.end()), 2) << "start and end";
+            EXPECT_NEAR(start->loss_dB, kLoss_dB, 0.002) << pulse;
+            EXPECT_NEAR(found.spanLoss_dB, 3.0 * 0.2 + kLoss_dB, 0.002) << pulse;
+            EXPECT_NEAR(found.spanLoss_dB, start->loss_dB + found.sections.back().loss_dB, 1e-9);
+            const double fibre_dB = uniformReturnLoss_dB(3000.0, 0.2, -80.0, 1.0) + 2.0 * kLoss_dB;
+            const double together =
+                std::pow(10.0, -0.1 * fibre_dB) + std::pow(10.0, 0.1 * reflectance);
+            EXPECT_NEAR(found.returnLoss_dB, -10.0 * std::log10(together), 0.02) << pulse;
+        }
     }
 }
 

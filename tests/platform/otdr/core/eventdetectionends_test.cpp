@@ -1,10 +1,14 @@
+#include "platform/otdr/core/decibels.h"
 #include "platform/otdr/core/eventdetection.h"
+#include "platform/otdr/core/pulseshape.h"
 #include "tests/platform/otdr/core/detectedlink.h"
+#include "tests/platform/otdr/core/drawnfibre.h"
 #include "tests/platform/otdr/core/kindsof.h"
 #include "tests/support/tracebuilder.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -125,6 +129,25 @@ TEST(EventDetection, TellsAConnectorWithinTheDeadZoneOfTheEnd)
     EXPECT_NEAR(found.events[2].index, builder.indexOf(12_km), 1.5);
     EXPECT_TRUE(std::isnan(found.events[1].loss_dB));
     EXPECT_EQ(found.events[1].group, found.events[2].group);
+}
+
+/// The light has fallen by some hundredths of a decibel before its fall stands out: a line that
+/// holds them tilts, and with the many samples of a long pulse that is far more than noise does.
+TEST(EventDetection, LossCloseBeforeTheEndIsNotBentByItsFall)
+{
+    constexpr double kSplice = 3000.0;
+    constexpr double kEnd = 3600.0;
+    const otdr::PulseShape shape(100.0, 8.0);
+    const DrawnFibre fibre(8000, scaleOf(100.0), [&](double i) {
+        const double left = shape.step(i) - shape.step(i - kSplice)
+            + otdr::powerRatio(-0.3) * (shape.step(i - kSplice) - shape.step(i - kEnd));
+        const double line_dB = 40.0 - 0.0005 * i;
+        return std::max(dark_dB(i), line_dB + otdr::levelOfRatio_dB(left + 1e-9));
+    });
+    const otdr::Detection found = otdr::detectEvents(fibre->samples(), {100.0, 1.0, -80.0});
+    ASSERT_EQ(found.events.size(), 3U);
+    EXPECT_NEAR(found.events[1].loss_dB, 0.3, 0.001);
+    EXPECT_NEAR(found.end, kEnd, 1.0);
 }
 
 } // namespace

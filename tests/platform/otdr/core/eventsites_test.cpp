@@ -72,19 +72,20 @@ TEST(EventSites, LearnTheSlopeOfTheFibreBetweenThem)
     }
 }
 
-/// A foot without a reflection is known to a sample; a reflection rises before it stands out.
+/// A foot without a reflection is known to a sample; a reflection rises before it stands out, and
+/// the light of the end falls.
 TEST(EventSites, FibreLiesBetweenTheDeadZonesAndTheNextFoot)
 {
     const DrawnFibre fibre = fibreWith({});
     EventSites sites(*fibre, 100.0, 5900.0);
     EXPECT_EQ(sites.fibreFrom(0), 100.0);
-    EXPECT_EQ(sites.fibreTo(0), 5899.0);
+    EXPECT_EQ(sites.fibreTo(0), 5900.0 - 0.2 * 20.0);
     sites.add({siteAt(fibre, 1000.0), peakAt(fibre, 2000.0, 3.0)});
     EXPECT_EQ(sites.fibreTo(0), 999.0);
     EXPECT_EQ(sites.fibreFrom(1), 1000.0 + fibre->gap());
     EXPECT_DOUBLE_EQ(sites.fibreTo(1), 2000.0 - 0.15 * 20.0); // it rises before it stands out
     EXPECT_EQ(sites.fibreFrom(2), 2000.0 + fibre->gap());
-    EXPECT_EQ(sites.fibreTo(2), 5899.0);
+    EXPECT_EQ(sites.fibreTo(2), 5900.0 - 0.2 * 20.0);
     const auto line = sites.fibre(1);
     ASSERT_TRUE(line);
     EXPECT_NEAR(line->line.slope_dB, -0.0005, 1e-6);

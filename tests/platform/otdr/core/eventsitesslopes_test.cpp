@@ -31,7 +31,7 @@ TEST(EventSites, OfTwoPiecesKnownAsWellTheSteeperHasTheUsualSlope)
         const DrawnFibre fibre(6000, scaleOf(kSitesPulse, 2000.0), [&](double i) {
             return i < 2920.0 ? 40.0 - 0.001 * i : 37.0 + behind_dB * (i - 2920.0);
         });
-        EventSites sites(*fibre, 100.0, 5770.0);
+        EventSites sites(*fibre, 100.0, 5773.0);
         sites.add({siteAt(fibre, 2900.0), siteAt(fibre, 2938.0)}); // five samples between them
         sites.measure();
         ASSERT_EQ(sites.fibre(0)->line.samples, sites.fibre(2)->line.samples);

@@ -127,6 +127,17 @@ TEST(ReturnLoss, TakesItsSectionWithoutTheLastBorder)
     EXPECT_NEAR(returnLoss_dB(trace, {-100.0, 1e9, 10.0, -80.0}), 70.0, 1e-9);
 }
 
+/// Behind its foot a pulse still shows the launch fibre for half its length.
+TEST(ReturnLoss, LeavesOutTheLightOfTheFibreBeforeIt)
+{
+    const Trace trace(otdr::RawSamples(std::vector<std::uint16_t>(10, 55535)), 0.001, {1.0, 0.0});
+    EXPECT_NEAR(returnLoss_dB(trace, {0.0, 10.0, 10.0, -80.0, 9.0}), 80.0, 1e-9);
+    EXPECT_NEAR(returnLoss_dB(trace, {0.0, 10.0, 10.0, -80.0, 2.5}), 80.0 - 10.0 * std::log10(7.5),
+                1e-9);
+    EXPECT_TRUE(std::isnan(returnLoss_dB(trace, {0.0, 10.0, 10.0, -80.0, 10.0})))
+        << "nothing is left";
+}
+
 TEST(ReturnLoss, IsUnknownWhereItCannotBeTold)
 {
     const auto trace = TraceBuilder().build();
