@@ -105,7 +105,8 @@ std::vector<otdr::SaturatedPeak> saturatedPeaks(const TraceState& state)
 {
     std::vector<otdr::SaturatedPeak> peaks;
     for (const Event& event : state.events) {
-        if (!event.saturated || !Event::isKnown(event.reflectance)) {
+        const bool isPort = event.type == Event::SpanStart && !isBehindLaunchFibre(event);
+        if (!event.saturated || !Event::isKnown(event.reflectance) || isPort) {
             continue;
         }
         const double index = indexOf(state, event);

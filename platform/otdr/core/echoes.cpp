@@ -34,11 +34,19 @@ bool losesNothing(const DetectedEvent& event)
     return std::isnan(event.loss_dB) || std::abs(event.loss_dB) < least;
 }
 
+/// Level of the fibre at an event; where it could not be fitted in front of it, by that behind. NaN
+/// where neither was.
+double fibreAt_dB(const DetectedEvent& event)
+{
+    const Line& line = event.before.samples > 0 ? event.before : event.behind;
+    return line.samples > 0 ? line.at(event.index) : DetectedEvent::kUnknown;
+}
+
 struct Mirror
 {
     double index = 0.0;
     double reflectance_dB = 0.0;
-    double level_dB = 0.0; ///< of the fibre there
+    double level_dB = DetectedEvent::kUnknown; ///< of the fibre there
 };
 
 class EchoSearch
@@ -60,7 +68,7 @@ public:
         const double most_dB =
             std::min(event.reflectance_dB + 2.0 * event.hidden_dB, kStrongest_dB);
         const double reflectance_dB = std::max(event.reflectance_dB, most_dB);
-        mirrors.push_back({event.index, reflectance_dB, event.before.at(event.index)});
+        mirrors.push_back({event.index, reflectance_dB, fibreAt_dB(event)});
         if (mirrors.size() > kMostMirrors) {
             mirrors.erase(std::min_element(mirrors.begin() + 1, mirrors.end(),
                                            [](const Mirror& a, const Mirror& b) {
@@ -109,7 +117,7 @@ private:
     {
         const double reflected = i.reflectance_dB + j.reflectance_dB + k.reflectance_dB;
         const double back = std::isfinite(i.level_dB) ? i.level_dB : j.level_dB;
-        const double notLost = j.level_dB + k.level_dB - back - echo.before.at(echo.index);
+        const double notLost = j.level_dB + k.level_dB - back - fibreAt_dB(echo);
         return std::isfinite(notLost) ? reflected + 2.0 * notLost : reflected;
     }
 

@@ -1,15 +1,16 @@
 #include "platform/otdr/core/eventdetection.h"
 
 #include "platform/otdr/core/darkness.h"
-#include "platform/otdr/core/decibels.h"
 #include "platform/otdr/core/detectedspan.h"
 #include "platform/otdr/core/echoes.h"
 #include "platform/otdr/core/eventfit.h"
 #include "platform/otdr/core/eventsearch.h"
+#include "platform/otdr/core/heldtop.h"
 #include "platform/otdr/core/peakheights.h"
 #include "platform/otdr/core/reflectance.h"
 #include "platform/otdr/core/risinglight.h"
 #include "platform/otdr/core/straying.h"
+#include "platform/otdr/core/timeconstant.h"
 #include "platform/otdr/core/trace.h"
 
 #include <algorithm>
@@ -64,9 +65,11 @@ std::vector<std::pair<double, double>> stretchesOf(const EventSites& sites)
 class Listing
 {
 public:
-    Listing(const Trace& trace, const Measurement& measurement, const EventSearch& search)
+    Listing(const Trace& trace, const Measurement& measurement, const DetectionSettings& settings,
+            const EventSearch& search)
         : trace(trace)
         , measurement(measurement)
+        , settings(settings)
         , fibre(search.trace())
         , extent(search.extent())
         , sites(search.places())
@@ -143,8 +146,10 @@ private:
             const auto peak =
                 peakAbove(trace, foot, foot + fibre.scale().pulse, level + kLaunchPeak_dB);
             if (peak) {
-                result.events.push_back(reflectionIn(start, DetectedEvent::Evidence::Foot, foot,
-                                                     peak->level_dB - level));
+                DetectedEvent event = reflectionIn(start, DetectedEvent::Evidence::Foot, foot,
+                                                   peak->level_dB - level);
+                event.hidden_dB = hiddenAbove_dB(fibre, peak->index, std::nullopt);
+                listInDeadZone(event);
             }
         }
     }
@@ -159,6 +164,14 @@ private:
         event.index = foot;
         reflect(event, evidence, height_dB);
         return event;
+    }
+
+    /// What the user does not want listed is not, wherever it stands.
+    void listInDeadZone(const DetectedEvent& event)
+    {
+        if (!(event.reflectance_dB < settings.reflectance_dB)) {
+            result.events.push_back(event);
+        }
     }
 
     void reflect(DetectedEvent& event, DetectedEvent::Evidence evidence, double height_dB) const
@@ -182,6 +195,9 @@ private:
         if (peak) {
             const double port_dB = start.behind.at(start.index + fibre.shape().centre());
             addLight(start, peak->level_dB - port_dB);
+            const PeakGroup light {{start.index}, {start.height_dB}};
+            start.hidden_dB =
+                hiddenAbove_dB(fibre, peak->index, timeConstantOf(fibre, light, start.behind));
         }
     }
 
@@ -309,12 +325,12 @@ private:
         if (const auto first = firstPeak(fibre, from, apart, end.before)) {
             const PeakGroup before = peakBeforeEnd(end, *first, apart);
             for (std::size_t i = 0; i < before.feet.size(); ++i) {
-                result.events.push_back(lastPeak(end, before, i));
+                listInDeadZone(lastPeak(end, before, i));
             }
         }
         std::size_t last = 0;
         while (last + 1 < peak.feet.size() && isLit(peak.feet[last + 1], end.before)) {
-            result.events.push_back(lastPeak(end, peak, last));
+            listInDeadZone(lastPeak(end, peak, last));
             ++last;
         }
         DetectedEvent event = lastPeak(end, peak, last);
@@ -415,6 +431,7 @@ private:
 
     const Trace& trace;
     const Measurement& measurement;
+    const DetectionSettings& settings;
     const FibreTrace& fibre;
     const FibreExtent& extent;
     const EventSites& sites;
@@ -447,7 +464,7 @@ Detection detectEvents(const Trace& trace, const Measurement& measurement,
         return {};
     }
     const EventSearch search(searched, measurement, settings);
-    return Listing(searched, measurement, search).make();
+    return Listing(searched, measurement, settings, search).make();
 }
 
 } // namespace otdr

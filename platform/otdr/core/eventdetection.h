@@ -72,7 +72,8 @@ struct DetectedEvent
     int group = 0; ///< events of one group share a dead zone and a loss
 
     double stepStatistic = 0.0; ///< loss over the error that noise makes
-    double peakStatistic = 0.0; ///< mean height over a pulse over its standard error
+    double peakStatistic = 0.0; ///< height over its standard error: of a sample, of a mean over a
+                                ///< pulse or of its whole shape, whichever tells most
     Line before; ///< the fibre before it; no samples where it could not be fitted
     Line behind;
     double behindFrom = 0.0; ///< index from which the fibre behind is undisturbed

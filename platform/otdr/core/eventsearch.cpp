@@ -27,6 +27,9 @@ constexpr int kRounds = 3;
 /// A receiver slower or faster than was thought by this factor is believed.
 constexpr double kOtherReceiver = 2.0;
 
+/// The flank of a reflection is read above so many dead zones of the fibre before it.
+constexpr double kBeforePeakGaps = 6.0;
+
 /// Losses that stand out by this many standard errors show the receiver; a few of them do. Another
 /// time constant is taken if it leaves a tenth less, and less by so many standard deviations.
 constexpr double kClear = 20.0;
@@ -117,12 +120,18 @@ EventSearch::EventSearch(const Trace& trace, const Measurement& measurement,
 void EventSearch::learnFromPeaks()
 {
     std::vector<double> constants;
-    for (const Site& site : peaks({ends.first, ends.first, ends.end})) {
-        const auto before = fibre.fit(site.at - 6.0 * fibre.gap(), site.at - 1.0);
+    std::vector<Site> found = peaks({ends.first, ends.first, ends.end});
+    std::sort(found.begin(), found.end(),
+              [](const Site& one, const Site& other) { return one.at < other.at; });
+    double from = ends.first;
+    for (const Site& site : found) {
+        const auto before =
+            fibre.fit(std::max(from, site.at - kBeforePeakGaps * fibre.gap()), site.at - 1.0);
         const auto one = before ? timeConstantOf(fibre, *site.peak, before->line) : std::nullopt;
         if (one) {
             constants.push_back(*one);
         }
+        from = site.behind;
     }
     if (constants.empty()) {
         return;
@@ -263,7 +272,7 @@ std::vector<Site> EventSearch::peaks(const Stretch& stretch) const
     // On a tail, and nearer to it than the windows of the scan are long.
     const double unscanned = stretch.clear + kUnscannedGaps * fibre.gap();
     for (const double foot : risesIn(fibre, stretch.from - w, std::min(stretch.to, unscanned))) {
-        offered.push_back({foot, settings.significance, w});
+        offered.push_back({foot, 0.0, w}); // how much it stands out is seen below
     }
     for (const Candidate& one : offered) {
         const bool isKnown = std::any_of(found.begin(), found.end(), [&](const Site& site) {
@@ -286,7 +295,8 @@ std::vector<Site> EventSearch::peaks(const Stretch& stretch) const
         dropLowFeet(*site.peak, soughtHeight_dB());
         site.at = site.peak->feet.front();
         site.behind = site.peak->behind;
-        site.peakStatistic = one.statistic;
+        site.peakStatistic =
+            std::max(one.statistic, site.peak->height_dB() / fibre.noise().sigma_dB(site.at));
         if (site.at >= stretch.to) {
             continue; // what stands there is the end's
         }
@@ -317,6 +327,7 @@ bool EventSearch::isLowPeak(Site& site, double from, double to) const
     }
     site.at = fit.foot;
     site.behind = std::max(site.behind, fit.foot + gap);
+    site.peakStatistic = std::max(site.peakStatistic, fit.height_dB / fit.error_dB);
     site.peak = PeakGroup {{fit.foot}, {fit.height_dB}, site.behind};
     return true;
 }

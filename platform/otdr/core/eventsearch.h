@@ -21,6 +21,8 @@ public:
     /// Searches at once. The trace must outlive it.
     EventSearch(const Trace& trace, const Measurement& measurement,
                 const DetectionSettings& settings);
+    EventSearch(const EventSearch&) = delete; // the places refer to the trace beside them
+    EventSearch& operator=(const EventSearch&) = delete;
 
     [[nodiscard]] const FibreTrace& trace() const { return fibre; }
 

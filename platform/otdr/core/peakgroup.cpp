@@ -1,6 +1,7 @@
 #include "platform/otdr/core/peakgroup.h"
 
 #include "platform/otdr/core/decibels.h"
+#include "platform/otdr/core/heldtop.h"
 #include "platform/otdr/core/lossintail.h"
 #include "platform/otdr/core/peakheights.h"
 #include "platform/otdr/core/risinglight.h"
@@ -10,8 +11,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <limits>
-#include <numeric>
 
 namespace otdr {
 
@@ -25,19 +24,6 @@ constexpr double kEdgePart = 0.02; // of the height: receivers ring a little bef
 /// Parts of the height between which an edge tells its place well.
 constexpr double kLowPart = 0.05;
 constexpr double kHighPart = 0.7;
-
-/// A receiver without overload stays within 0.1 dB of its highest for one pulse at most.
-constexpr double kTop_dB = 0.1;
-constexpr double kLongTopPulses = 1.05;
-
-/// It comes as near as this, or as rounding makes the same, to its highest when the rest of the
-/// edge is over. What stands there for longer than the rest of the pulse, and this part of one, is
-/// held there; but were it brighter by more than this, its flanks would hold it for more than a
-/// pulse.
-constexpr double kSame_dB = 0.002;
-constexpr double kSamePulses = 0.2;
-constexpr double kHidden_dB = 4.0;
-constexpr double kStepPulses = 2.0;
 
 /// Heights of reflections of a group that are held at one level differ by no more.
 constexpr double kHeld_dB = 0.3;
@@ -122,7 +108,7 @@ public:
             }
         }
         measureHeights(trace, line, group);
-        group.hidden_dB = hiddenAbove_dB(top, group);
+        group.hidden_dB = hiddenAbove_dB(trace, top, timeConstantOf(trace, group, line));
         const double unseen = unseenPart(top, edge);
         const double begun = std::max(0.0, rough - trace.shape().riseTo(unseen));
         const double top_dB =
@@ -203,60 +189,6 @@ private:
             }
         }
         return end;
-    }
-
-    /// By how much the light may be brighter than its highest sample shows, dB.
-    [[nodiscard]] double hiddenAbove_dB(std::size_t top, const PeakGroup& group) const
-    {
-        if (lengthOfTop(top, kTop_dB) > kLongTopPulses * w + 1.0) {
-            return std::numeric_limits<double>::infinity();
-        }
-        if (level(top) >= trace.overload_dB()) {
-            return kHidden_dB;
-        }
-        const double length = lengthOfTop(top, kSame_dB) - kSamePulses * w - 1.0;
-        const double same = powerRatio(-std::max(kSame_dB, roundingAround_dB(top)));
-        const auto isLong = [&](double rise) { return length > std::max(0.0, w - rise); };
-        const bool isHeld = isLong(trace.shape().riseTo(same)) && isLong(ownRiseTo(same, group));
-        return isHeld ? kHidden_dB : 0.0;
-    }
-
-    /// The same of a receiver as fast as the falling flank of the peak: overload makes it slower,
-    /// and never faster, than it is.
-    [[nodiscard]] double ownRiseTo(double part, const PeakGroup& group) const
-    {
-        const auto constant = timeConstantOf(trace, group, line);
-        return constant ? PulseShape(w, *constant).riseTo(part)
-                        : std::numeric_limits<double>::infinity();
-    }
-
-    /// By how much the levels within two pulses of the top are rounded, dB: half of their step,
-    /// which may be many counts.
-    [[nodiscard]] double roundingAround_dB(std::size_t top) const
-    {
-        const RawSamples& counts = trace.samples().samples();
-        const auto reach = static_cast<std::size_t>(kStepPulses * w) + 1;
-        const std::size_t end = std::min(counts.size(), top + reach);
-        int step = 0;
-        for (std::size_t i = top - std::min(top, reach); i < end; ++i) {
-            step = std::gcd(step, int {counts[i]} - int {counts[top]});
-        }
-        return 0.5 * step * trace.samples().dbPerCount();
-    }
-
-    /// Samples between the first and the last one beside the top that lie no more below it.
-    [[nodiscard]] double lengthOfTop(std::size_t top, double depth_dB) const
-    {
-        const double least = level(top) - depth_dB;
-        std::size_t first = top;
-        std::size_t last = top;
-        while (first > 0 && level(first - 1) >= least) {
-            --first;
-        }
-        while (last + 1 < trace.samples().size() && level(last + 1) >= least) {
-            ++last;
-        }
-        return static_cast<double>(last - first);
     }
 
     /// Part of the height that an edge reaches before it is seen.

@@ -196,4 +196,24 @@ TEST(Echoes, HaveNoEchoesOfTheirOwn)
     EXPECT_FALSE(events[2].echo);
 }
 
+/// A reflection in the dead zone of the port has fibre behind it alone.
+TEST(Echoes, OfAReflectorWithoutFibreInFrontAreTakenByThatBehindIt)
+{
+    DetectedEvent cord = reflector(40, -40.0);
+    cord.before = {};
+    cord.behind = reflector(40, -40.0).before;
+    const DetectedEvent connector = reflector(3000, -45.0);
+    // As far behind the connector as that lies behind the cord, by -45 - 40 - 45 and 4 dB.
+    EXPECT_TRUE(isLastAnEcho({cord, connector, reflector(5960, -126.0)}));
+    EXPECT_FALSE(isLastAnEcho({cord, connector, reflector(5960, -125.9)}));
+}
+
+TEST(Echoes, OfReflectorsWithoutFibreBesideThemAreAsStrongAsTheseMakeThem)
+{
+    DetectedEvent bare = reflector(3000, -45.0);
+    bare.before = {};
+    EXPECT_TRUE(isLastAnEcho({bare, reflector(6000, -116.0)}));
+    EXPECT_FALSE(isLastAnEcho({bare, reflector(6000, -115.9)}));
+}
+
 } // namespace

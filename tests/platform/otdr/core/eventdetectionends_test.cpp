@@ -131,6 +131,23 @@ TEST(EventDetection, TellsAConnectorWithinTheDeadZoneOfTheEnd)
     EXPECT_EQ(found.events[1].group, found.events[2].group);
 }
 
+/// Where no loss can be told either: beside the port and beside the end.
+TEST(EventDetection, WeakReflectionsInDeadZonesAreNotListedThatTheUserDoesNotWant)
+{
+    otdr::DetectionSettings settings;
+    for (const Length at : {Length {20.0}, Length {11988.0}}) {
+        const TraceBuilder builder = link().connector(at, 0.3_dB, 4_dB).reflectingEnd(14_dB);
+        settings.reflectance_dB = -70.0;
+        const Detection all = detect(builder, settings);
+        ASSERT_EQ(kindsOf(all), "sre") << at.m;
+        settings.reflectance_dB = all.events[1].reflectance_dB + 1.0;
+        EXPECT_EQ(kindsOf(detect(builder, settings)), "se") << at.m;
+        settings.reflectance_dB = all.events[2].reflectance_dB + 1.0;
+        EXPECT_EQ(kindsOf(detect(builder, settings)), "se")
+            << "the end ends the fibre all the same";
+    }
+}
+
 /// The light has fallen by some hundredths of a decibel before its fall stands out: a line that
 /// holds them tilts, and with the many samples of a long pulse that is far more than noise does.
 TEST(EventDetection, LossCloseBeforeTheEndIsNotBentByItsFall)

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <vector>
 
 namespace {
@@ -104,33 +105,59 @@ TEST(DetectedReflectance, OfTheEndIsThatOfItsLightAlone)
     }
 }
 
+/// 30 km behind a port of a height above the fibre.
+DrawnFibre behindPort(double pulse, double height_dB)
+{
+    const otdr::PulseShape shape(pulse, 0.08 * pulse);
+    return {34000, scaleOf(pulse),
+            [=](double i) {
+                const double fibre_dB = 40.0 - 0.0002 * (i - shape.centre());
+                const double entered = shape.step(i) - shape.step(i - 30000.0);
+                const double light = (otdr::powerRatio(height_dB) - 1.0) * shape.peak(i)
+                    * otdr::powerRatio(40.0 - fibre_dB);
+                const double level_dB = fibre_dB + otdr::levelOfRatio_dB(entered + light + 1e-9);
+                return std::max(dark_dB(i), level_dB);
+            },
+            0.003};
+}
+
+DetectedEvent portOf(const DrawnFibre& fibre, double pulse)
+{
+    const otdr::Detection found = otdr::detectEvents(fibre->samples(), {pulse, 1.0, -80.0});
+    return found.events.empty() ? DetectedEvent() : found.events.front();
+}
+
 /// A pulse that fills a fibre shows its first light half a pulse behind the port, where the fibre
 /// has lost half a pulse's worth; the port reflects all the same.
 TEST(DetectedReflectance, OfThePortStandsOnTheFibreRightBehindIt)
 {
     for (const double pulse : {20.0, 1500.0}) {
-        const otdr::PulseShape shape(pulse, 0.08 * pulse);
         for (const double height_dB : {5.0, 12.0}) {
-            const DrawnFibre fibre(
-                34000, scaleOf(pulse),
-                [&](double i) {
-                    const double fibre_dB = 40.0 - 0.0002 * (i - shape.centre());
-                    const double entered = shape.step(i) - shape.step(i - 30000.0);
-                    const double light = (otdr::powerRatio(height_dB) - 1.0) * shape.peak(i)
-                        * otdr::powerRatio(40.0 - fibre_dB);
-                    return std::max(dark_dB(i),
-                                    fibre_dB + otdr::levelOfRatio_dB(entered + light + 1e-9));
-                },
-                0.003);
-            const otdr::Detection found = otdr::detectEvents(fibre->samples(), {pulse, 1.0, -80.0});
-            ASSERT_FALSE(found.events.empty());
-            const DetectedEvent& start = found.events.front();
+            const DetectedEvent start = portOf(behindPort(pulse, height_dB), pulse);
             EXPECT_EQ(start.kind, DetectedEvent::Kind::Start);
+            EXPECT_FALSE(start.saturated());
             EXPECT_NEAR(start.reflectance_dB, reflectance_dB(height_dB, -80.0, pulse),
                         2.0 * kWithin_dB)
                 << pulse << " " << height_dB;
         }
     }
+}
+
+/// Noise moves the samples of a receiver at its top by nothing: what is added to them is cut off.
+TEST(DetectedReflectance, OfAPortThatOverloadsTheReceiverIsABound)
+{
+    const DrawnFibre drawn = behindPort(20.0, 12.0);
+    std::vector<std::uint16_t> counts(drawn->samples().samples().begin(),
+                                      drawn->samples().samples().end());
+    const double most_dB = 48.0;
+    for (std::uint16_t& count : counts) {
+        count = std::max(count, static_cast<std::uint16_t>((65.535 - most_dB) * 1000.0));
+    }
+    const otdr::Trace trace(otdr::RawSamples(counts), 0.001, otdr::TraceAxis {});
+    const otdr::Detection found = otdr::detectEvents(trace, {20.0, 1.0, -80.0});
+    ASSERT_FALSE(found.events.empty());
+    EXPECT_TRUE(found.events.front().saturated());
+    EXPECT_LT(found.events.front().reflectance_dB, reflected_dB(12.0) - 1.0);
 }
 
 } // namespace

@@ -1,3 +1,4 @@
+#include "platform/otdr/core/decibels.h"
 #include "platform/otdr/core/eventdetection.h"
 #include "platform/otdr/core/eventsearch.h"
 #include "tests/platform/otdr/core/searchedlink.h"
@@ -68,6 +69,27 @@ TEST(EventSearch, LearnsASlowReceiverFromAReflection)
 {
     const DrawnFibre link = linkOf({{5000.0, 0.2, 15.0}}, 10.0);
     EXPECT_NEAR(scaleFoundOn(link).timeConstant, 10.0, 1.5);
+}
+
+/// The port and the darkness in front of it are no fibre: a flank that is read above a line through
+/// them is another one.
+TEST(EventSearch, LearnsASlowReceiverFromAReflectionCloseBehindThePort)
+{
+    constexpr double kPort = 60.0;
+    const otdr::PulseShape shape(kPulse, 8.0);
+    for (const double connector : {kPort + 110.0, kPort + 150.0, kPort + 230.0}) {
+        const DrawnFibre link(
+            900, scaleOf(kPulse),
+            [&](double i) {
+                const double port = otdr::powerRatio(12.0) * shape.peak(i - kPort);
+                const double light = otdr::powerRatio(15.0) * shape.peak(i - connector);
+                const double fibre =
+                    otdr::powerRatio(-0.0004 * i) * (shape.step(i - kPort) + light);
+                return 35.0 + otdr::levelOfRatio_dB(fibre + port + otdr::powerRatio(-33.0));
+            },
+            0.003);
+        EXPECT_NEAR(scaleFoundOn(link).timeConstant, 8.0, 1.5) << connector;
+    }
 }
 
 /// What recovers from an overload looks slower than the receiver is.

@@ -25,6 +25,7 @@ waveform_test(otdr_core_numeric_test
         fibreend_test.cpp
         fibreextent_test.cpp
         fibretrace_test.cpp
+        heldtop_test.cpp
         launchtail_test.cpp
         lightbehind_test.cpp
         lightfalls_test.cpp
