@@ -22,6 +22,18 @@ otdr::Error failure(const std::string& path)
     return {otdr::ErrorCode::CannotWrite, path + ": " + std::strerror(errno), 0};
 }
 
+/// Whether a device, a pipe or a socket stands there: no file of an earlier run, and once removed
+/// it would be gone for all who use it.
+bool isSpecial(const std::string& path)
+{
+    struct stat status
+    {
+    };
+
+    return lstat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode) && !S_ISLNK(status.st_mode)
+        && !S_ISDIR(status.st_mode);
+}
+
 /// Whether all the bytes could be written.
 bool writeAll(int descriptor, gsl::span<const std::byte> bytes)
 {
@@ -57,6 +69,9 @@ SnapshotFile::~SnapshotFile()
 
 std::optional<otdr::Error> SnapshotFile::prepare()
 {
+    if (isSpecial(path)) {
+        return otdr::Error {otdr::ErrorCode::CannotWrite, path + ": not a regular file", 0};
+    }
     if (unlink(path.c_str()) != 0 && errno != ENOENT) {
         return failure(path);
     }

@@ -26,7 +26,8 @@ public:
     /// Removes the temporary file.
     ~SnapshotFile();
 
-    /// Removes the file of an earlier run and makes the folder.
+    /// Removes the file of an earlier run and makes the folder. A device, a pipe or a socket in the
+    /// place of the file is refused.
     [[nodiscard]] std::optional<otdr::Error> prepare();
 
     /// Writes the next content to the temporary file.

@@ -9,6 +9,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <filesystem>
 #include <fstream>
 #include <thread>
 
@@ -242,6 +243,17 @@ TEST(Gather, RefusesAFolderThatIsNotItsOwn)
     EXPECT_THAT(other.rest(), IsEmpty());
     EXPECT_EQ(other.wait(), 1);
     expectOneLine(other.errors(), "snapshot.bin: Is a directory");
+}
+
+TEST(Gather, TakesNoPipeOrDeviceAwayForItsSnapshot)
+{
+    const RunDirectory directory(fast("duration=1"));
+    ASSERT_EQ(mkfifo(directory.snapshotPath().c_str(), 0600), 0);
+    GatherProcess gather(directory);
+    EXPECT_THAT(gather.rest(), IsEmpty());
+    EXPECT_EQ(gather.wait(), 1);
+    expectOneLine(gather.errors(), "snapshot.bin: not a regular file");
+    EXPECT_TRUE(std::filesystem::is_fifo(directory.snapshotPath()));
 }
 
 TEST(Gather, FollowsNoLinkThatStandsForItsTemporaryFile)
