@@ -9,6 +9,8 @@ namespace {
 /// receiver's rise.
 constexpr double kPeakPulses = 1.5;
 
+constexpr double kWholeMetre_m = 1.0;
+
 } // namespace
 
 ReflcoefCalc::ReflcoefCalc(const Reflectogram& refl)
@@ -18,6 +20,18 @@ ReflcoefCalc::ReflcoefCalc(const Reflectogram& refl)
 
 double ReflcoefCalc::operator()(double distance_m, double base_dB, double& peak_dB) const
 {
+    return reflectanceWithin(distance_m, 0.0, base_dB, peak_dB);
+}
+
+double ReflcoefCalc::operator()(double distance_m, double base_dB, int /*unused*/) const
+{
+    double peak_dB = 0.0;
+    return reflectanceWithin(distance_m, kWholeMetre_m, base_dB, peak_dB);
+}
+
+double ReflcoefCalc::reflectanceWithin(double distance_m, double cut_m, double base_dB,
+                                       double& peak_dB) const
+{
     peak_dB = Event::kUnknown;
     const auto state = refl.state();
     if (!state || !state->trace) {
@@ -26,16 +40,11 @@ double ReflcoefCalc::operator()(double distance_m, double base_dB, double& peak_
     const double foot = state->indexAt(distance_m);
     // A pulse shorter than a sample still has its peak in one of the next two.
     const double reach = kPeakPulses * state->pulseSamples() + 2.0;
-    const auto peak = otdr::peakAbove(*state->trace, foot, foot + reach, base_dB);
+    const double last = state->indexAt(distance_m + cut_m) + reach;
+    const auto peak = otdr::peakAbove(*state->trace, foot, last, base_dB);
     if (!peak) {
         return Event::kUnknown;
     }
     peak_dB = peak->height_dB;
     return otdr::reflectance_dB(peak->height_dB, state->backscatter_dB, state->pulse_ns);
-}
-
-double ReflcoefCalc::operator()(double distance_m, double base_dB, int /*unused*/) const
-{
-    double peak_dB = 0.0;
-    return (*this)(distance_m, base_dB, peak_dB);
 }

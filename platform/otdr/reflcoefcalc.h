@@ -13,9 +13,14 @@ public:
     /// where there is no peak.
     double operator()(double distance_m, double base_dB, double& peak_dB) const;
 
-    /// The same where the height does not matter.
+    /// The same for an event that is told in whole metres, cut off: it may stand up to a metre
+    /// farther on, which is more than a short pulse.
     [[nodiscard]] double operator()(double distance_m, double base_dB, int unused) const;
 
 private:
+    /// distance_m and cut_m behind it: between them stands the event.
+    double reflectanceWithin(double distance_m, double cut_m, double base_dB,
+                             double& peak_dB) const;
+
     Reflectogram refl;
 };

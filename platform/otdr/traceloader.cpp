@@ -170,7 +170,7 @@ otdr::Result<TraceState> loadSnapshot(const QString& fileName, const WfMeasParam
     }
     if (read->samples.empty()) { // refused as a .sor file without them is
         return otdr::Error {otdr::ErrorCode::Damaged,
-                            fileName.toStdString() + ": " + otdr::kNoSamples, 0};
+                            QFile::encodeName(fileName).toStdString() + ": " + otdr::kNoSamples, 0};
     }
     TraceState state;
     state.trace = std::make_shared<const otdr::Trace>(

@@ -61,11 +61,9 @@ int answer(const evfind::Request& request)
 {
     switch (request.form) {
     case evfind::Form::ShowHelp:
-        std::fputs(request.message.c_str(), stdout);
-        return 0;
+        return print(QByteArray::fromStdString(request.message));
     case evfind::Form::ShowVersion:
-        std::puts("wfevfind " WAVEFORM_VERSION);
-        return 0;
+        return print("wfevfind " WAVEFORM_VERSION "\n");
     case evfind::Form::Wrong:
         std::fprintf(stderr, "wfevfind: %s; see --help\n", request.message.c_str());
         return 2;

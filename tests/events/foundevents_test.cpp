@@ -1,4 +1,6 @@
 #include "events/foundevents.h"
+#include "platform/otdr/core/reflectance.h"
+#include "platform/otdr/core/snapshot.h"
 #include "platform/otdr/losscalc.h"
 #include "platform/otdr/otdr.h"
 #include "platform/otdr/reflcoefcalc.h"
@@ -181,10 +183,12 @@ protected:
         return params;
     }
 
-    Event at(Event::Type type, double distance_m) const
+    Event at(Event::Type type, double distance_m) const { return at(trace, type, distance_m); }
+
+    static Event at(const Reflectogram& refl, Event::Type type, double distance_m)
     {
         Event event(type, static_cast<long>(distance_m), 10);
-        event.position = std::lround(distance_m / trace.smpl2dist(1.0));
+        event.position = std::lround(distance_m / refl.smpl2dist(1.0));
         return event;
     }
 
@@ -213,6 +217,26 @@ TEST_F(MeasuredEvents, ReflectanceIsThatOfThePeakAboveTheLevelBefore)
     EXPECT_NEAR(height_dB, 12.0, 0.1);
     EXPECT_EQ(events[0].reflectance, reflectance);
     EXPECT_FALSE(Event::isKnown(events[1].reflectance)) << "it was no end when it was measured";
+}
+
+TEST_F(MeasuredEvents, ReflectanceIsThatOfAPeakThatTheWholeMetresOfItsEventStopShortOf)
+{
+    otdr::Snapshot snapshot;
+    snapshot.sampleInterval_ns = 0.5;
+    snapshot.pulse_ns = 5; // half a metre of fibre
+    snapshot.samples = otdr::RawSamples(TraceBuilder()
+                                            .sampling(0.5)
+                                            .pulse(5.0)
+                                            .fibre(1_km)
+                                            .reflection(400.95_m, 12_dB)
+                                            .behind(500)
+                                            .noise(0.001_dB, 5)
+                                            .counts());
+    const Reflectogram fine(files.write("fine.bin", otdr::encodeSnapshot(snapshot)), parameters());
+    EventList events {at(fine, Event::Reflective, 400.95)};
+    ASSERT_EQ(events[0].coordinate, 400.0);
+    measureEvents(events, fine);
+    EXPECT_NEAR(events[0].reflectance, otdr::reflectance_dB(12.0, parameters().rbs, 5.0), 0.1);
 }
 
 TEST_F(MeasuredEvents, AreSortedAndTheLastBecomesTheEnd)

@@ -1,3 +1,4 @@
+#include "platform/otdr/core/snapshot.h"
 #include "tests/programs/wfevfind/finderrun.h"
 
 #include <QDir>
@@ -144,15 +145,28 @@ TEST_F(EvFindInput, TakesFileNamesThatAreNoTextOfTheLocale)
     EXPECT_EQ(std::remove(odd.constData()), 0); // which Qt cannot
 }
 
+TEST_F(EvFindInput, TellsTheNameOfASnapshotWithoutSamplesByteForByte)
+{
+    const QString path = files.write(QString::fromUtf8("m\u00E4rz \u2713.bin"),
+                                     otdr::encodeSnapshot(otdr::Snapshot()));
+    const QByteArray told = path.toUtf8() + ": ";
+    for (const char* locale : {"C", "C.UTF-8"}) {
+        expectFailure(run({"-i", path}, locale), 1, told.constData());
+    }
+}
+
 TEST_F(EvFindInput, AFullDiskBehindStandardOutputIsAnError)
 {
-    QProcess process;
-    process.setStandardOutputFile("/dev/full");
-    process.start(QStringLiteral(WAVEFORM_BIN "/wfevfind"),
-                  {"-i", files.writeSnapshot("snapshot.bin", link())});
-    ASSERT_TRUE(process.waitForFinished(20'000));
-    EXPECT_EQ(process.exitCode(), 1);
-    EXPECT_EQ(process.readAllStandardError(), "wfevfind: cannot write to standard output\n");
+    const QStringList calls[] = {
+        {"-i", files.writeSnapshot("snapshot.bin", link())}, {"--help"}, {"--version"}};
+    for (const QStringList& arguments : calls) {
+        QProcess process;
+        process.setStandardOutputFile("/dev/full");
+        process.start(QStringLiteral(WAVEFORM_BIN "/wfevfind"), arguments);
+        ASSERT_TRUE(process.waitForFinished(20'000));
+        EXPECT_EQ(process.exitCode(), 1) << qPrintable(arguments.join(' '));
+        EXPECT_EQ(process.readAllStandardError(), "wfevfind: cannot write to standard output\n");
+    }
 }
 
 TEST_F(EvFindInput, OfManyFilesThoseThatCannotBeReadAreToldAndTheOthersSearched)
