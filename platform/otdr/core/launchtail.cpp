@@ -1,8 +1,11 @@
 #include "platform/otdr/core/launchtail.h"
 
 #include "platform/otdr/core/risinglight.h"
+#include "platform/otdr/core/trace.h"
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 
 namespace otdr {
 
@@ -13,6 +16,16 @@ namespace {
 constexpr double kLaunchFall_dB = 3.0;
 constexpr double kLongestOverloadPulses = 6.0;
 constexpr double kTopFall_dB = 1.0;
+
+/// What stays up for longer than this is fibre if it ends at once and does not stand at its top but
+/// for its rounding: an overloaded receiver does, and comes down slowly.
+constexpr double kLongTopPulses = 1.5;
+constexpr double kSame_dB = 0.002;
+constexpr double kSameCounts = 1.5;
+constexpr double kEndPulses = 0.6;
+constexpr double kEndSamples = 2.0;
+
+constexpr double kAny_dB = std::numeric_limits<double>::infinity();
 
 /// Lines beside the first event bear this much of the launch, dB: fibre close to it is worth more.
 constexpr double kLaunchTail_dB = 0.01;
@@ -30,12 +43,17 @@ double LaunchTail::over() const
 {
     const double launch = trace.launch();
     const double top = highest_dB(trace, launch, launch + trace.gap());
-    const double from = std::max(launch + trace.gap(), overloadOver(top));
+    const double risen = risenTo(top, launch, launch + kLongestOverloadPulses * w);
+    const auto fallen = fallBehind(top, risen);
+    const bool isHeld = fallen && !isFibre(top, risen, *fallen);
+    const double from = std::max(launch + trace.gap(), isHeld ? *fallen : launch);
     const double settled = trace.settledFrom(from, kLongestLaunchPulses * w, kLaunchTail_dB);
     if (const auto begin = fibreBeforeRise(trace, from, settled)) {
         return *begin;
     }
-    return piece.firstBetween(launch + trace.gap(), settled, top - kTopFall_dB).value_or(settled);
+    // Level light as high as the top may be that, but for light that falls and was not held.
+    const double most_dB = fallen && !isHeld ? kAny_dB : top - kTopFall_dB;
+    return piece.firstBetween(launch + trace.gap(), settled, most_dB).value_or(settled);
 }
 
 /// Level of the sample at an index, dB.
@@ -53,19 +71,33 @@ double LaunchTail::risenTo(double level_dB, double from, double to) const
     return from;
 }
 
-/// Where the receiver is no longer held at its top; the port itself where it is not, or where what
-/// rises still further is another reflection.
-double LaunchTail::overloadOver(double top) const
+/// Where light falls behind its top, soon enough for one that an overload holds there; empty where
+/// it does not, or where what rises still further is another reflection.
+std::optional<double> LaunchTail::fallBehind(double top, double risen) const
 {
-    const double launch = trace.launch();
-    const double last = launch + kLongestOverloadPulses * w;
-    for (double i = risenTo(top, launch, last); i < last && level(i) <= top + kLaunchFall_dB;
-         i += 1.0) {
+    const double last = trace.launch() + kLongestOverloadPulses * w;
+    for (double i = risen; i < last && level(i) <= top + kLaunchFall_dB; i += 1.0) {
         if (level(i) < top - kLaunchFall_dB) {
             return i;
         }
     }
-    return launch;
+    return std::nullopt;
+}
+
+/// Whether what stands at its top from one index and has fallen at another is fibre.
+bool LaunchTail::isFibre(double top, double risen, double fallen) const
+{
+    const double same_dB = std::max(kSame_dB, kSameCounts * trace.samples().dbPerCount());
+    const double highest = highest_dB(trace, risen, fallen);
+    double held = 0.0;
+    double last = risen;
+    for (double i = risen; i < fallen; i += 1.0) {
+        held += highest - level(i) <= same_dB ? 1.0 : 0.0;
+        last = top - level(i) <= kTopFall_dB ? i : last;
+    }
+    const double length = fallen - risen;
+    return length > kLongTopPulses * w && held <= 0.5 * length
+        && fallen - last <= kEndPulses * w + kEndSamples;
 }
 
 bool LaunchTail::reaches(double foot, double to) const

@@ -2,6 +2,8 @@
 
 #include "platform/otdr/core/shortfibre.h"
 
+#include <optional>
+
 namespace otdr {
 
 /// The launch may disturb the receiver for this long, pulses.
@@ -26,7 +28,8 @@ public:
 private:
     [[nodiscard]] double level(double index) const;
     [[nodiscard]] double risenTo(double level_dB, double from, double to) const;
-    [[nodiscard]] double overloadOver(double top) const;
+    [[nodiscard]] std::optional<double> fallBehind(double top, double risen) const;
+    [[nodiscard]] bool isFibre(double top, double risen, double fallen) const;
     [[nodiscard]] double topOver(double foot, double to) const;
 
     const FibreTrace& trace;

@@ -1,4 +1,6 @@
+#include "platform/otdr/core/decibels.h"
 #include "platform/otdr/core/launchtail.h"
+#include "platform/otdr/core/pulseshape.h"
 #include "tests/platform/otdr/core/drawnfibre.h"
 
 #include <gtest/gtest.h>
@@ -95,6 +97,31 @@ TEST(LaunchTail, ALowPortInFrontOfABrightReflectionIsNotHeld)
         return i < kPulse ? 30.5 : (i < 70.0 ? 30.0 : tail_dB);
     };
     EXPECT_FALSE(reachesIn(low, 0.0, 250.0));
+}
+
+/// A patch cord behind a port that hardly reflects: all its light is as high as its top. It ends as
+/// suddenly as the pulse lets fibre end, and is not as even as a receiver that is held.
+TEST(LaunchTail, IsOverInAShortFibreBehindAPortThatDoesNotReflect)
+{
+    const otdr::PulseShape shape(kPulse, 1.6);
+    const auto overOf = [](const std::function<double(double)>& level_dB) {
+        const DrawnFibre fibre(4000, scaleOf(kPulse),
+                               [&](double i) { return std::max(dark_dB(i), level_dB(i)); });
+        return otdr::LaunchTail(*fibre, kSudden_dB).over();
+    };
+    for (const double end : {50.0, 70.0, 90.0}) {
+        const auto lit_dB = [&](double i) {
+            return otdr::levelOfRatio_dB(shape.step(i) - shape.step(i - end) + 1e-9);
+        };
+        const auto cord_dB = [&](double i) { return 40.0 - 0.0005 * i + lit_dB(i); };
+        EXPECT_LT(overOf(cord_dB), end - 0.5 * kPulse) << end;
+        const auto held_dB = [&](double i) { return 40.0 + lit_dB(i); };
+        EXPECT_GE(overOf(held_dB), end) << end;
+        const auto recovering_dB = [&](double i) {
+            return std::min(cord_dB(i), 40.0 - 0.1 * std::max(0.0, i - 0.5 * end));
+        };
+        EXPECT_GE(overOf(recovering_dB), 0.5 * end + 30.0) << end; // 3 dB below its top
+    }
 }
 
 } // namespace
