@@ -1,5 +1,6 @@
 #include "platform/otdr/core/launchtail.h"
 
+#include "platform/otdr/core/lossintail.h"
 #include "platform/otdr/core/risinglight.h"
 #include "platform/otdr/core/trace.h"
 
@@ -24,6 +25,9 @@ constexpr double kSame_dB = 0.002;
 constexpr double kSameCounts = 1.5;
 constexpr double kEndPulses = 0.6;
 constexpr double kEndSamples = 2.0;
+
+/// Fibre in front of a loss is looked for in steps of so many pulses.
+constexpr double kStepPulses = 0.25;
 
 constexpr double kAny_dB = std::numeric_limits<double>::infinity();
 
@@ -51,9 +55,31 @@ double LaunchTail::over() const
     if (const auto begin = fibreBeforeRise(trace, from, settled)) {
         return *begin;
     }
+    const double belowTop_dB = top - kTopFall_dB;
+    if (const auto begin = fibreBeforeLoss(settled, isHeld ? belowTop_dB : kAny_dB)) {
+        return *begin;
+    }
     // Level light as high as the top may be that, but for light that falls and was not held.
-    const double most_dB = fallen && !isHeld ? kAny_dB : top - kTopFall_dB;
+    const double most_dB = fallen && !isHeld ? kAny_dB : belowTop_dB;
     return piece.firstBetween(launch + trace.gap(), settled, most_dB).value_or(settled);
+}
+
+/// Where even light below a level begins that falls at once: fibre in front of a loss.
+std::optional<double> LaunchTail::fibreBeforeLoss(double settled, double most_dB) const
+{
+    const double looked = settled + 2.0 * w + trace.gap();
+    if (!risesBetween(trace, trace.launch(), looked).empty()) {
+        return std::nullopt; // the top of a reflection ends as suddenly
+    }
+    const double last = std::min(trace.size(), settled + kLongestLaunchPulses * w);
+    const double step = std::max(1.0, kStepPulses * w);
+    for (double at = trace.launch() + trace.gap(); at < settled; at += step) {
+        const bool isTop = trace.mean_dB(at, at + w) > most_dB;
+        if (!isTop && (isBeforeLoss(trace, at) || lossInTail(trace, at, settled, last))) {
+            return at;
+        }
+    }
+    return std::nullopt;
 }
 
 /// Level of the sample at an index, dB.

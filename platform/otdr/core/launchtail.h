@@ -29,6 +29,7 @@ private:
     [[nodiscard]] double level(double index) const;
     [[nodiscard]] double risenTo(double level_dB, double from, double to) const;
     [[nodiscard]] std::optional<double> fallBehind(double top, double risen) const;
+    [[nodiscard]] std::optional<double> fibreBeforeLoss(double settled, double most_dB) const;
     [[nodiscard]] bool isFibre(double top, double risen, double fallen) const;
     [[nodiscard]] double topOver(double foot, double to) const;
 

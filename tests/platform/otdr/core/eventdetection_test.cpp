@@ -406,4 +406,21 @@ TEST(EventDetection, WithoutAScaleInMetresPlacesAndLossesAreStillFound)
     EXPECT_TRUE(std::isnan(found.sections[0].attenuation_dBPerKm));
 }
 
+/// 35 to 50 m behind the port, with a pulse of 10 m: the pigtail of a patch panel.
+TEST(EventDetection, TellsTheFirstSpliceSomePulsesBehindThePort)
+{
+    for (const Decibels port : {0.5_dB, 4_dB, 10_dB}) {
+        for (const double at_m : {36.0, 42.0, 50.0}) {
+            const TraceBuilder builder =
+                link().reflection(0_km, port).splice(Length {at_m}, 0.25_dB).splice(5_km, 0.1_dB);
+            const Detection found = detect(builder);
+            ASSERT_EQ(kindsOf(found), "snne") << port.dB << " " << at_m;
+            EXPECT_NEAR(found.events[1].index, builder.indexOf(Length {at_m}),
+                        0.25 * builder.pulseSamples());
+            EXPECT_NEAR(found.events[1].loss_dB, 0.25, 4.0 * found.events[1].lossError_dB);
+            EXPECT_LT(found.events[1].lossError_dB, 0.03);
+        }
+    }
+}
+
 } // namespace

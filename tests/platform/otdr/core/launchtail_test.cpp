@@ -124,4 +124,49 @@ TEST(LaunchTail, IsOverInAShortFibreBehindAPortThatDoesNotReflect)
     }
 }
 
+/// Fibre of 3000 samples behind a port of some height, with a loss on it; the receiver shows so
+/// much of all light later, with this time constant.
+DrawnFibre withLossBehindPort(double height_dB, double loss_dB, double lossAt, double latePart,
+                              double lateSamples)
+{
+    const otdr::PulseShape shape(kPulse, 1.6);
+    return {4000, scaleOf(kPulse),
+            [=](double i) {
+                const double fibre = shape.step(i) - shape.step(i - 3000.0)
+                    - (1.0 - otdr::powerRatio(-loss_dB)) * (shape.step(i - lossAt));
+                const double port = otdr::powerRatio(height_dB) - 1.0;
+                const double late = latePart * std::exp(-(i - kPulse) / lateSamples);
+                const double light = port * (shape.peak(i) + (i > kPulse ? late : 0.0));
+                const double level_dB =
+                    40.0 - 0.0005 * i + otdr::levelOfRatio_dB(std::max(fibre, 0.0) + light + 1e-9);
+                return std::max(dark_dB(i), level_dB);
+            },
+            0.003};
+}
+
+/// The splice of a pigtail: what stands above the fibre behind it is no tail.
+TEST(LaunchTail, IsOverInFrontOfALossCloseBehindThePort)
+{
+    for (const double height_dB : {0.0, 3.0, 8.0}) {
+        for (const double pulses : {3.5, 4.0, 5.0}) {
+            const double lossAt = pulses * kPulse;
+            const DrawnFibre fibre = withLossBehindPort(height_dB, 0.2, lossAt, 0.0, 1.0);
+            EXPECT_LT(otdr::LaunchTail(*fibre, kSudden_dB).over(), lossAt - 0.5 * kPulse)
+                << height_dB << " " << pulses;
+        }
+    }
+}
+
+TEST(LaunchTail, IsNotOverInATailHoweverLongItIs)
+{
+    for (const double lateSamples : {10.0, 40.0}) {
+        const DrawnFibre fibre = withLossBehindPort(8.0, 0.0, 2000.0, 0.05, lateSamples);
+        const double late = 0.05 * (otdr::powerRatio(8.0) - 1.0);
+        // The tail is a tenth of a decibel high where late e^(-t / T) is 0.047.
+        EXPECT_GT(otdr::LaunchTail(*fibre, kSudden_dB).over(),
+                  kPulse + lateSamples * std::log(late / 0.047))
+            << lateSamples;
+    }
+}
+
 } // namespace
