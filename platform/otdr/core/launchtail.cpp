@@ -73,9 +73,15 @@ std::optional<double> LaunchTail::fibreBeforeLoss(double settled, double most_dB
     }
     const double last = std::min(trace.size(), settled + kLongestLaunchPulses * w);
     const double step = std::max(1.0, kStepPulses * w);
+    bool isNext = false; // it was fibre from the step before on, which is a pulse of it and more
     for (double at = trace.launch() + trace.gap(); at < settled; at += step) {
         const bool isTop = trace.mean_dB(at, at + w) > most_dB;
-        if (!isTop && (isBeforeLoss(trace, at) || lossInTail(trace, at, settled, last))) {
+        const bool isPlain = !isTop && isBeforeLoss(trace, at);
+        if (isPlain && isNext) {
+            return at - step;
+        }
+        isNext = isPlain;
+        if (!isTop && lossInTail(trace, at, settled, last).value_or(at) >= at + w) {
             return at;
         }
     }
