@@ -349,8 +349,13 @@ void EventSites::joinCrowded()
         group.heights_dB.insert(group.heights_dB.end(), more.heights_dB.begin(),
                                 more.heights_dB.end());
         group.behind = more.behind;
-        if (one.left) { // the next one stood on the light of this one
+        if (one.left) {
+            // The next one stood on the light of this one, or on the fibre that it left.
+            const std::vector<double> found_dB = group.heights_dB;
             measureHeights(*fibreTrace, one.left->line, group);
+            std::transform(found_dB.begin(), found_dB.end(), group.heights_dB.begin(),
+                           group.heights_dB.begin(),
+                           [](double own, double over) { return std::max(own, over); });
         }
         group.hidden_dB = std::max(group.hidden_dB, more.hidden_dB);
         one.behind = next.behind;

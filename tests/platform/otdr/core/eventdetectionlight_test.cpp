@@ -105,6 +105,23 @@ TEST(DetectedReflectance, OfTheEndIsThatOfItsLightAlone)
     }
 }
 
+/// A cascade of splitters: what the second reflects comes back through the first.
+TEST(DetectedReflectance, OfASplitterInTheDeadZoneOfAnotherIsToldWithIt)
+{
+    for (const double apart : {2.6, 2.8}) {
+        const double second = kReflectorAt + apart * kPulse;
+        const DrawnFibre fibre =
+            linkOf({{kReflectorAt, 4.0, 3.0}, {second, 4.0, 2.1}}, kTimeConstant);
+        const otdr::Detection found = otdr::detectEvents(fibre->samples(), measurement());
+        const auto at =
+            std::find_if(found.events.begin(), found.events.end(), [&](const DetectedEvent& event) {
+                return std::abs(event.index - second) < 2.0;
+            });
+        ASSERT_NE(at, found.events.end()) << apart;
+        EXPECT_NEAR(at->reflectance_dB, reflected_dB(2.1), 2.0 * kWithin_dB) << apart;
+    }
+}
+
 /// 30 km behind a port of a height above the fibre.
 DrawnFibre behindPort(double pulse, double height_dB)
 {

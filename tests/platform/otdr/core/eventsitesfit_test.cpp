@@ -411,17 +411,23 @@ TEST(EventSites, LinesBeginBehindTheTailOfAReflection)
     EXPECT_LE(sites.sites().front().clear, at + 60.0 + 50.0);
 }
 
+/// A reflection without fibre between it and the one before.
+Site crowdedAt(const DrawnFibre& fibre, double at, double height_dB, double behind)
+{
+    Site site = peakAt(fibre, at, height_dB);
+    site.behind = behind;
+    site.peak->behind = behind;
+    return site;
+}
+
 /// Each alone has no fibre on one side, and the loss of both would be lost.
 TEST(EventSites, ReflectionsWithoutFibreBetweenThemAreOneGroup)
 {
     const DrawnFibre fibre = fibreWith({{3000.0, 0.1, 3.0}, {3032.0, 0.2, 4.0}});
     EventSites sites(*fibre, 100.0, 5900.0);
-    Site first = peakAt(fibre, 3000.0, 3.0);
-    first.behind = 3031.0;
+    Site first = crowdedAt(fibre, 3000.0, 3.0, 3031.0);
     first.peakStatistic = 20.0;
-    Site second = peakAt(fibre, 3032.0, 4.0);
-    second.behind = 3120.0;
-    second.peak->behind = 3120.0;
+    Site second = crowdedAt(fibre, 3032.0, 1.0, 3120.0); // on the light of the first
     second.peak->hidden_dB = 4.0;
     const Site alone = peakAt(fibre, 5000.0, 1.0);
     sites.add({first, second, alone});
@@ -439,6 +445,21 @@ TEST(EventSites, ReflectionsWithoutFibreBetweenThemAreOneGroup)
     EXPECT_EQ(group.behind, 3120.0);
     EXPECT_EQ(group.peakStatistic, 20.0);
     EXPECT_NEAR(group.loss_dB, 0.3, 0.002);
+}
+
+/// Over the fibre before the first it is 1.9 dB below it: behind a splitter.
+TEST(EventSites, ReflectionOfAGroupIsAsHighAsAboveTheFibreThatTheOneBeforeLeaves)
+{
+    const DrawnFibre fibre = fibreWith({{3000.0, 4.0, 3.0}, {3032.0, 4.0, 2.1}});
+    EventSites sites(*fibre, 100.0, 5900.0);
+    sites.add({crowdedAt(fibre, 3000.0, 3.0, 3031.0), crowdedAt(fibre, 3032.0, 2.1, 3120.0)});
+    sites.measure();
+    sites.joinCrowded();
+    ASSERT_EQ(sites.sites().size(), 1U);
+    sites.hideLowPeaks(0.5);
+    const Site& group = sites.sites().front();
+    ASSERT_EQ(group.peak->feet, (std::vector<double> {3000.0, 3032.0}));
+    EXPECT_EQ(group.peak->heights_dB[1], 2.1);
 }
 
 TEST(EventSites, ReflectionsWithFibreBetweenThemStandAlone)
