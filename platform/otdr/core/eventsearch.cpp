@@ -262,19 +262,26 @@ bool EventSearch::learnFromSteps()
     return isOther;
 }
 
+/// Where reflections of a stretch may stand, strongest first, and then what rises where lines on
+/// both sides have no room: on a tail, and nearer to it than the windows of the scan are long.
+std::vector<Candidate> EventSearch::offeredPeaks(const Stretch& stretch) const
+{
+    const double w = fibre.scale().pulse;
+    std::vector<Candidate> offered =
+        scanPeaks(fibre, stretch.clear, stretch.to, settings.significance);
+    const double unscanned = stretch.clear + kUnscannedGaps * fibre.gap();
+    for (const double foot : risesIn(fibre, stretch.from - w, std::min(stretch.to, unscanned))) {
+        offered.push_back({foot, 0.0, w}); // how much it stands out is seen later
+    }
+    return offered;
+}
+
 /// Reflections of a stretch, strongest first, each as far as the next one lets it be seen.
 std::vector<Site> EventSearch::peaks(const Stretch& stretch) const
 {
     std::vector<Site> found;
     const double w = fibre.scale().pulse;
-    std::vector<Candidate> offered =
-        scanPeaks(fibre, stretch.clear, stretch.to, settings.significance);
-    // On a tail, and nearer to it than the windows of the scan are long.
-    const double unscanned = stretch.clear + kUnscannedGaps * fibre.gap();
-    for (const double foot : risesIn(fibre, stretch.from - w, std::min(stretch.to, unscanned))) {
-        offered.push_back({foot, 0.0, w}); // how much it stands out is seen below
-    }
-    for (const Candidate& one : offered) {
+    for (const Candidate& one : offeredPeaks(stretch)) {
         const bool isKnown = std::any_of(found.begin(), found.end(), [&](const Site& site) {
             return one.at > site.at - w && one.at < site.behind + w;
         });
@@ -290,22 +297,36 @@ std::vector<Site> EventSearch::peaks(const Stretch& stretch) const
         if (isBehindALoss(fibre, one.at, from) && risesIn(fibre, one.at - w, one.at + w).empty()) {
             continue;
         }
-        Site site;
-        site.peak = measurePeak(fibre, one.at, from, to);
-        dropLowFeet(*site.peak, soughtHeight_dB());
-        site.at = site.peak->feet.front();
-        site.behind = site.peak->behind;
-        site.peakStatistic =
-            std::max(one.statistic, site.peak->height_dB() / fibre.noise().sigma_dB(site.at));
+        Site site = measured(one, from, to);
         if (site.at >= stretch.to) {
             continue; // what stands there is the end's
         }
-        if ((site.peak->height_dB() > kHigh_dB || isLowPeak(site, from, to))
-            && (site.peak->height_dB() >= listedHeight_dB() || rises(site, from))) {
+        if (isReflection(site, from, to)) {
             found.push_back(site);
         }
     }
     return found;
+}
+
+/// The reflection that a candidate stands for, as it is between two indices.
+Site EventSearch::measured(const Candidate& one, double from, double to) const
+{
+    Site site;
+    site.peak = measurePeak(fibre, one.at, from, to);
+    dropLowFeet(*site.peak, soughtHeight_dB());
+    site.at = site.peak->feet.front();
+    site.behind = site.peak->behind;
+    site.peakStatistic =
+        std::max(one.statistic, site.peak->height_dB() / fibre.noise().sigma_dB(site.at));
+    return site;
+}
+
+/// Whether what was measured is a reflection that is looked for; takes foot and height of a low one
+/// by its whole shape.
+bool EventSearch::isReflection(Site& site, double from, double to) const
+{
+    return (site.peak->height_dB() > kHigh_dB || isLowPeak(site, from, to))
+        && (site.peak->height_dB() >= listedHeight_dB() || rises(site, from));
 }
 
 /// Whether the shape of a pulse between two short lines is what stands at a place with a low

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/otdr/core/eventdetection.h"
+#include "platform/otdr/core/eventscan.h"
 #include "platform/otdr/core/eventsites.h"
 #include "platform/otdr/core/fibreend.h"
 #include "platform/otdr/core/fibretrace.h"
@@ -56,7 +57,10 @@ private:
         double to;
     };
 
+    [[nodiscard]] std::vector<Candidate> offeredPeaks(const Stretch& stretch) const;
     [[nodiscard]] std::vector<Site> peaks(const Stretch& stretch) const;
+    [[nodiscard]] Site measured(const Candidate& one, double from, double to) const;
+    [[nodiscard]] bool isReflection(Site& site, double from, double to) const;
     [[nodiscard]] bool isLowPeak(Site& site, double from, double to) const;
     [[nodiscard]] bool rises(const Site& site, double from) const;
     [[nodiscard]] double soughtHeight_dB() const;

@@ -100,7 +100,8 @@ public:
         const double hidden = kHiddenTailPulsesPerDb * std::max(0.0, height) * w;
         const double fallen = fallenFrom(top, std::min(1.0, 0.5 * height));
         const double over = std::max(rough, fallen - w) + trace.gap() + hidden;
-        group.behind = std::min(fibreBeforeLoss(over, trace.settledFrom(over, longest)), to);
+        const double settled = fibreBeforeLoss(over, trace.settledFrom(over, longest));
+        group.behind = std::min(fibreBeforeRise(trace, over, settled).value_or(settled), to);
         group.feet = {rough};
         for (const double foot : risesBetween(trace, rough, group.behind)) {
             if (foot < group.behind) { // what begins to rise there is the next one's
