@@ -61,6 +61,30 @@ OddLink shortEnd(Random& random, const Spectrum& end)
     return link;
 }
 
+/// A link of a few pulses: a patch cord or a pigtail, or a pulse that is too long for it. Some
+/// ports do not reflect.
+OddLink fewPulses(Random& random, double perPulse)
+{
+    const double pulse_ns = drawLog(random, 10.0, 1000.0);
+    const double pulse_m = metresOfPulse(pulse_ns);
+    std::vector<double> places;
+    double at_m = 0.0;
+    for (int events = static_cast<int>(draw(random, 0.0, 3.99)); events > 0; --events) {
+        at_m += pulse_m * draw(random, 3.5, 12.0);
+        places.push_back(at_m);
+    }
+    const double length_m = at_m + pulse_m * draw(random, 3.5, 15.0);
+    OddLink link = plain(random, pulse_ns, draw(random, 20.0, 40.0), length_m);
+    link.instrument.samplesPerPulse = perPulse;
+    if (happens(random, 0.3)) {
+        link.fibre.events.clear();
+    }
+    for (const double place_m : places) {
+        link.fibre.events.push_back(drawEvent(random, place_m));
+    }
+    return link;
+}
+
 // Other fibres
 
 /// Sections of a fibre each, joined as told.
@@ -232,6 +256,8 @@ const std::vector<OddRow>& oddRows()
         {"short end open", [](Random& r) { return shortEnd(r, Spectrum(-14.7)); }},
         {"short end cut", [](Random& r) { return shortEnd(r, Spectrum(draw(r, -60., -35.))); }},
         {"short end dark", [](Random& r) { return shortEnd(r, Spectrum()); }},
+        {"few pulses", [](Random& r) { return fewPulses(r, 10.0); }},
+        {"few, 100 samples", [](Random& r) { return fewPulses(r, 100.0); }},
         {"one slope", oneSlope},
         {"slopes joined", [](Random& r) { return joined(r, 0.16, 0.5, 0.0, 0.0); }},
         {"gains joined", [](Random& r) { return joined(r, 0.17, 0.36, 0.05, 0.5); }},

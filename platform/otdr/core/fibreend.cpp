@@ -141,10 +141,11 @@ private:
         const double from = seen.at + 0.5 * w;
         const double last = extent.lastLit + visibleLength();
         const double top = judges.light.peakOver(seen.at);
-        const double cord = judges.piece.fallenFrom(top);
+        const double flankOver = judges.piece.fallenFrom(top);
         const double before = trace.mean_dB(from - w, from);
-        if (top > seen.at && judges.piece.isPatchCord(cord, before)) {
-            return Place {std::max(cord, from), cord};
+        const bool isPeak = top > seen.at;
+        if (isPeak && judges.piece.isPatchCord(flankOver, before)) {
+            return Place {std::max(flankOver, from), flankOver};
         }
         const double at = judges.light.tailOver(from, fallOver(top, last), last);
         const double fibreFrom = std::max(seen.fibreBegins, from - kBeforePulses * w);
@@ -160,6 +161,11 @@ private:
         }
         if (const auto later = judges.light.endsSuddenly(from, at, last)) {
             return Place {std::max(at, *later - kFallPulses * w), at};
+        }
+        const auto cord =
+            isPeak ? judges.piece.patchCordBehindTail(flankOver, before) : std::nullopt;
+        if (cord) {
+            return Place {std::max(*cord, from), *cord};
         }
         extent.end = foot(from, at, fibreFrom);
         extent.kind = FibreExtent::End::Found;
@@ -207,6 +213,18 @@ private:
             extent.kind = FibreExtent::End::Found;
         }
         follow(feet, extent);
+        followOn(extent);
+    }
+
+    /// The same from each reflection that the end has moved on to.
+    void followOn(FibreExtent& extent) const
+    {
+        double before = 0.0;
+        while (extent.end > before) {
+            before = extent.end;
+            const double to = std::min(extent.end + kBehindEndPulses * w, extent.lastLit);
+            follow(reflectionFeet(trace, extent.lastFoot, to, threshold_dB), extent);
+        }
     }
 
     /// Moves an end on to the last reflection behind it that stands where fibre can be seen before
@@ -216,7 +234,7 @@ private:
     {
         const auto before_dB = [&](double index) { return trace.mean_dB(index - 2.0, index); };
         const double gone_dB = before_dB(extent.end) - threshold_dB;
-        extent.lastFoot = extent.end;
+        extent.lastFoot = std::max(extent.lastFoot, extent.end);
         for (const double foot : feet) {
             if (foot > extent.lastFoot + kDeadZonePulses * w
                 || (foot > extent.lastFoot + w && before_dB(foot) < gone_dB)) {

@@ -36,6 +36,12 @@ constexpr double kHighPeak_dB = 10.0;
 /// change, at least.
 constexpr double kSplitPart = 0.5;
 
+/// On a patch cord the tail of the reflection before it is over within so many pulses: it is looked
+/// at in steps of this.
+constexpr double kCordTailPulses = 4.0;
+constexpr double kTailOverPart = 0.2; // of what is level
+constexpr double kStepPulses = 0.25;
+
 /// A receiver that was not overloaded has come down within so many pulses.
 constexpr double kShortTailPulses = 3.0;
 
@@ -99,11 +105,35 @@ double ShortFibre::steepest(double from) const
     return at;
 }
 
+/// By how much light falls from one half of a pulse to the next.
+double ShortFibre::fallWithin_dB(double at) const
+{
+    const double half = shortest();
+    return trace.mean_dB(at, at + half) - trace.mean_dB(at + half, at + 2.0 * half);
+}
+
 bool ShortFibre::isPatchCord(double begin, double before_dB) const
 {
     const double end = begin + shortest();
     return isLevel(begin, end, before_dB - threshold_dB, before_dB + kTail_dB)
         && changeBehind(begin);
+}
+
+std::optional<double> ShortFibre::patchCordBehindTail(double flankOver, double before_dB) const
+{
+    const double last = flankOver + kCordTailPulses * w;
+    double lowest_dB = std::numeric_limits<double>::infinity();
+    for (double at = flankOver; at <= last; at += std::max(1.0, kStepPulses * w)) {
+        const double here_dB = trace.mean_dB(at, at + shortest());
+        if (here_dB > lowest_dB + level_dB) {
+            break; // no tail rises: the top of an echo is level, too
+        }
+        lowest_dB = std::min(lowest_dB, here_dB);
+        if (std::abs(fallWithin_dB(at)) < kTailOverPart * level_dB && isPatchCord(at, before_dB)) {
+            return at;
+        }
+    }
+    return std::nullopt;
 }
 
 std::optional<double> ShortFibre::dropBehind(double from, double top, double before_dB) const
@@ -138,7 +168,7 @@ std::optional<double> ShortFibre::firstBetween(double from, double to, double mo
 std::optional<double> ShortFibre::firstLevel(double from, double to, double most_dB) const
 {
     const double length = 2.0 * shortest();
-    for (double at = from; at + length < to; at += std::max(1.0, 0.25 * w)) {
+    for (double at = from; at + length < to; at += std::max(1.0, kStepPulses * w)) {
         if (isLevel(at, at + length, 0.0, most_dB)) {
             return at;
         }

@@ -31,6 +31,11 @@ public:
     /// lower than the fibre before the peak, at before_dB, but for the loss of an event.
     [[nodiscard]] bool isPatchCord(double begin, double before_dB) const;
 
+    /// Where it begins if the tail of the peak, whose flank is over at an index, stands on the first
+    /// of it; what is left of that falls less than what is level.
+    [[nodiscard]] std::optional<double> patchCordBehindTail(double flankOver,
+                                                            double before_dB) const;
+
     /// Where the fibre behind a splitter begins that ends within some pulses: level up to a sudden
     /// change. from: where the light begins to fall from before_dB; top: the last that stands
     /// above, from itself where nothing does. Behind a high peak that may be a tail with an echo.
@@ -45,6 +50,7 @@ public:
 
 private:
     [[nodiscard]] double steepest(double from) const;
+    [[nodiscard]] double fallWithin_dB(double at) const;
     [[nodiscard]] std::optional<double> firstLevel(double from, double to, double most_dB) const;
     [[nodiscard]] bool isLevel(double from, double to, double least_dB, double most_dB) const;
     [[nodiscard]] std::optional<double> changeBehind(double from) const;

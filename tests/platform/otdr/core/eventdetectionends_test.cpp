@@ -131,6 +131,28 @@ TEST(EventDetection, TellsAConnectorWithinTheDeadZoneOfTheEnd)
     EXPECT_EQ(found.events[1].group, found.events[2].group);
 }
 
+/// The tail of a bright connector leaves little level light on the last cord, eight pulses long: it
+/// is fibre all the same.
+TEST(EventDetection, EndsBehindAPatchCordWhoseFirstHalfATailBends)
+{
+    constexpr double kConnector = 133.7;
+    constexpr double kEnd = 212.8;
+    const otdr::PulseShape shape(10.0, 0.8);
+    const auto late = [](double behind) { // of what ended so long ago, in 6.4 samples
+        return behind > 0.0 ? 0.003 * std::exp(-behind / 6.4) : 0.0;
+    };
+    const DrawnFibre fibre(2400, scaleOf(10.0), [&](double i) {
+        const double left = shape.step(i) - shape.step(i - kEnd) + late(i - kEnd - 5.0);
+        const double light = 195.0 * (shape.peak(i - kConnector) + late(i - kConnector - 10.0));
+        const double level_dB = 45.4 - 0.0001 * i + otdr::levelOfRatio_dB(left + light + 1e-9)
+            - (i < kConnector ? 0.0 : 0.19);
+        return std::max(dark_dB(i), level_dB);
+    });
+    const otdr::Detection found = otdr::detectEvents(fibre->samples(), {10.0, 0.3, -80.0});
+    EXPECT_EQ(kindsOf(found), "sre");
+    EXPECT_NEAR(found.end, kEnd, 5.0);
+}
+
 /// Where no loss can be told either: beside the port and beside the end.
 TEST(EventDetection, WeakReflectionsInDeadZonesAreNotListedThatTheUserDoesNotWant)
 {

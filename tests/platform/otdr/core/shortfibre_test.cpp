@@ -73,6 +73,44 @@ TEST(ShortFibre, APatchCordStandsAsHighAsTheFibreBeforeButForALoss)
     EXPECT_FALSE(isCord(40.0, 26.9));
 }
 
+/// A reflection at 1000 whose flank is over at 1030, with a tail of so many decibels that fades
+/// with this constant on a piece of fibre of 120 samples.
+std::optional<double> cordIn(double tail_dB, double constant, double fibre_dB = 29.5)
+{
+    const DrawnFibre fibre = recordOf([=](double i) {
+        const double behind = i - 1030.0;
+        const double tail = tail_dB * std::exp(-std::max(0.0, behind) / constant);
+        return i < 1000.0 ? 30.0 : i < 1030.0 ? 45.0 : behind < 120.0 ? fibre_dB + tail : 10.0;
+    });
+    return otdr::ShortFibre(*fibre, kSudden_dB, 0.0).patchCordBehindTail(1030.0, 30.0);
+}
+
+TEST(ShortFibre, APatchCordMayBeginWithATail)
+{
+    const auto cord = cordIn(2.0, 8.0);
+    ASSERT_TRUE(cord);
+    EXPECT_GT(*cord, 1030.0 + 8.0 * std::log(2.0 / 0.1)) << "what is left of the tail is level";
+    EXPECT_LT(*cord, 1030.0 + 4.0 * kShortPulse);
+    EXPECT_FALSE(cordIn(2.0, 80.0)) << "falls all the way";
+    EXPECT_FALSE(cordIn(2.0, 8.0, 26.0)) << "much weaker than the fibre before";
+}
+
+/// Nor is it where light rises: the top of an echo in the tail behind an end is level, too.
+TEST(ShortFibre, NoPatchCordBeginsOnATopThatRises)
+{
+    const auto cordBehind = [](double top_dB) {
+        const DrawnFibre fibre = recordOf([=](double i) {
+            const double tail = 33.0 - 0.12 * (i - 1030.0);
+            return i < 1000.0               ? 30.0
+                : i < 1030.0                ? 45.0
+                : i < 1064.0 || i >= 1086.0 ? tail
+                                            : std::max(tail, top_dB);
+        });
+        return otdr::ShortFibre(*fibre, kSudden_dB, 0.0).patchCordBehindTail(1030.0, 30.0);
+    };
+    EXPECT_FALSE(cordBehind(30.1));
+}
+
 /// Behind a splitter of 10 dB at 1000, which may reflect, so long a piece and then a reflection.
 std::optional<double> dropIn(double length, double slope_dB, double height_dB = 0.0)
 {
