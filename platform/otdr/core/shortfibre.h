@@ -31,8 +31,8 @@ public:
     /// lower than the fibre before the peak, at before_dB, but for the loss of an event.
     [[nodiscard]] bool isPatchCord(double begin, double before_dB) const;
 
-    /// Where it begins if the tail of the peak, whose flank is over at an index, stands on the first
-    /// of it; what is left of that falls less than what is level.
+    /// Where it begins if the tail of the peak, whose flank is over at an index, stands on the
+    /// first of it; what is left of that falls less than what is level.
     [[nodiscard]] std::optional<double> patchCordBehindTail(double flankOver,
                                                             double before_dB) const;
 
