@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 namespace otdr {
 
@@ -29,7 +28,8 @@ constexpr double kEndSamples = 2.0;
 /// Fibre in front of a loss is looked for in steps of so many pulses.
 constexpr double kStepPulses = 0.25;
 
-constexpr double kAny_dB = std::numeric_limits<double>::infinity();
+/// No light stands as high.
+constexpr double kAny_dB = 1e9;
 
 /// Lines beside the first event bear this much of the launch, dB: fibre close to it is worth more.
 constexpr double kLaunchTail_dB = 0.01;
