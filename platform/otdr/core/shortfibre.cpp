@@ -141,9 +141,11 @@ std::optional<double> ShortFibre::dropBehind(double from, double top, double bef
     if (highest_dB(trace, from, top + 1.0) > before_dB + kHighPeak_dB) {
         return std::nullopt;
     }
-    const double begin = fallenFrom(steepest(from));
+    const double fall = steepest(from);
+    const double begin = fallenFrom(fall);
+    const bool isTail = begin > fall + (kShortTailPulses + kShortPulses) * w - 1.0;
     const auto end = changeBehind(begin);
-    if (!end) {
+    if (!end || (isTail && *end < begin + w)) { // half a pulse of a tail may be level by chance
         return std::nullopt;
     }
     const double piece = std::max(begin, *end - kDropPulses * w);

@@ -3,7 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <functional>
+#include <optional>
 
 namespace {
 
@@ -187,6 +190,22 @@ TEST(ShortFibre, HasFallenWhereItHardlyFallsAnyMore)
     EXPECT_NEAR(piece.fallenFrom(1000.0), 1030.0, kShortPulse);
     EXPECT_GE(piece.fallenFrom(1000.0), 1028.0);
     EXPECT_EQ(piece.shortest(), 10.0);
+}
+
+/// Three pulses behind the fall it has not come down yet: what is even there for half a pulse is so
+/// by chance, in front of the darkness.
+TEST(ShortFibre, ATailThatIsLevelForHalfAPulseIsNoDrop)
+{
+    const auto dropBehindTail = [](double tailSamples) {
+        const DrawnFibre fibre = recordOf([=](double i) {
+            const double behind = i - 1000.0;
+            const double tail = 24.0 - 0.06 * std::min(behind, tailSamples);
+            return behind < 0.0 ? 30.0 : behind < 90.0 ? tail : dark_dB(i);
+        });
+        return otdr::ShortFibre(*fibre, kSudden_dB, 0.0).dropBehind(990.0, 990.0, 30.0);
+    };
+    EXPECT_TRUE(dropBehindTail(50.0)) << "it has come down";
+    EXPECT_FALSE(dropBehindTail(66.0));
 }
 
 } // namespace
