@@ -100,6 +100,7 @@ EventSearch::EventSearch(const Trace& trace, const Measurement& measurement,
     , sites(fibre, ends.first, ends.end)
 {
     fibre.endNoiseAt(ends.end);
+    forgetPlaces();
     learnFromPeaks();
     findAll();
     for (int round = 0; round < kRounds && learnNoise(); ++round) {
@@ -158,9 +159,17 @@ void EventSearch::beginWith(double timeConstant)
     forgetPlaces();
 }
 
+/// Up to where the fibre is seen: what rises in the dead zone before the end is told with it.
+double EventSearch::fibreEnd() const
+{
+    const std::vector<double> rises =
+        risesIn(fibre, std::max(ends.first, ends.end - fibre.gap()), ends.end);
+    return rises.empty() ? ends.end : std::min(rises.front(), ends.end);
+}
+
 void EventSearch::forgetPlaces()
 {
-    sites = EventSites(fibre, ends.first, ends.end);
+    sites = EventSites(fibre, ends.first, fibreEnd());
     scannedForPeaks.clear();
     scannedForSteps.clear();
 }

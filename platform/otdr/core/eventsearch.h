@@ -66,6 +66,7 @@ private:
     [[nodiscard]] double soughtHeight_dB() const;
     [[nodiscard]] double listedHeight_dB() const;
     bool learnNoise();
+    [[nodiscard]] double fibreEnd() const;
     void forgetPlaces();
     void lookCloser();
     [[nodiscard]] bool loses() const;

@@ -131,6 +131,38 @@ TEST(EventDetection, TellsAConnectorWithinTheDeadZoneOfTheEnd)
     EXPECT_EQ(found.events[1].group, found.events[2].group);
 }
 
+/// A low reflection, as an echo, so close before the end that no fibre shows between them: it is
+/// told with the end, and stands on none of the fibre before.
+TEST(EventDetection, ReflectionInTheDeadZoneOfTheEndDoesNotBendTheFibreBefore)
+{
+    constexpr double kSplice = 7600.0;
+    constexpr double kEnd = 9000.0;
+    const otdr::PulseShape shape(100.0, 8.0);
+    for (const double part : {0.85, 0.9, 0.95, 1.0, 1.05, 1.1}) {
+        const DrawnFibre fibre(
+            16'000, scaleOf(100.0),
+            [&](double i) {
+                const double left = shape.step(i) - shape.step(i - kEnd)
+                    - (1.0 - otdr::powerRatio(-0.4))
+                        * (shape.step(i - kSplice) - shape.step(i - kEnd));
+                const double light =
+                    part * shape.peak(i - (kEnd - 235.0)) + 1500.0 * shape.peak(i - kEnd);
+                const double level_dB =
+                    24.0 - 0.0003 * i + otdr::levelOfRatio_dB(left + light + 1e-9);
+                return std::max(dark_dB(i), level_dB);
+            },
+            0.02);
+        const otdr::Detection found = otdr::detectEvents(fibre->samples(), {100.0, 1.0, -80.0});
+        const auto splice =
+            std::find_if(found.events.begin(), found.events.end(),
+                         [&](const auto& event) { return std::abs(event.index - kSplice) < 50.0; });
+        ASSERT_NE(splice, found.events.end()) << part;
+        EXPECT_NEAR(splice->loss_dB, 0.4, 4.0 * splice->lossError_dB) << part;
+        EXPECT_LT(splice->lossError_dB, 0.03) << part;
+        EXPECT_NEAR(found.end, kEnd, 2.0) << part;
+    }
+}
+
 /// The tail of a bright connector leaves little level light on the last cord, eight pulses long: it
 /// is fibre all the same.
 TEST(EventDetection, EndsBehindAPatchCordWhoseFirstHalfATailBends)
