@@ -100,7 +100,7 @@ EventSearch::EventSearch(const Trace& trace, const Measurement& measurement,
     , sites(fibre, ends.first, ends.end)
 {
     fibre.endNoiseAt(ends.end);
-    forgetPlaces();
+    forgetPlaces(); // what rises near the end is told by that noise
     learnFromPeaks();
     findAll();
     for (int round = 0; round < kRounds && learnNoise(); ++round) {

@@ -80,36 +80,38 @@ double ShortFibre::shortest() const
     return std::max(kFewestShort, kShortPulses * w);
 }
 
+/// Half a pulse, in whole samples.
+double ShortFibre::half() const
+{
+    return std::max(1.0, std::floor(0.5 * w));
+}
+
+/// By how much light falls from so many samples to the next.
+double ShortFibre::fallBetween_dB(double at, double samples) const
+{
+    return trace.mean_dB(at, at + samples) - trace.mean_dB(at + samples, at + 2.0 * samples);
+}
+
 double ShortFibre::fallenFrom(double top) const
 {
-    const double half = std::max(1.0, std::floor(0.5 * w));
     double i = top;
-    while (i < top + kShortTailPulses * w
-           && trace.mean_dB(i, i + half) - trace.mean_dB(i + half, i + 2.0 * half) > level_dB) {
+    while (i < top + kShortTailPulses * w && fallBetween_dB(i, half()) > level_dB) {
         i += 1.0;
     }
-    return i + half;
+    return i + half();
 }
 
 /// Where the light falls most within some pulses.
 double ShortFibre::steepest(double from) const
 {
-    const double half = std::max(1.0, std::floor(0.5 * w));
     double at = from;
     double most = 0.0;
     for (double i = from; i < from + (kFallPulses + 1.0) * w; i += 1.0) {
-        const double fall = trace.mean_dB(i - half, i) - trace.mean_dB(i, i + half);
+        const double fall = fallBetween_dB(i - half(), half());
         at = fall > most ? i : at;
         most = std::max(most, fall);
     }
     return at;
-}
-
-/// By how much light falls from one half of a pulse to the next.
-double ShortFibre::fallWithin_dB(double at) const
-{
-    const double half = shortest();
-    return trace.mean_dB(at, at + half) - trace.mean_dB(at + half, at + 2.0 * half);
 }
 
 bool ShortFibre::isPatchCord(double begin, double before_dB) const
@@ -129,7 +131,8 @@ std::optional<double> ShortFibre::patchCordBehindTail(double flankOver, double b
             break; // no tail rises: the top of an echo is level, too
         }
         lowest_dB = std::min(lowest_dB, here_dB);
-        if (std::abs(fallWithin_dB(at)) < kTailOverPart * level_dB && isPatchCord(at, before_dB)) {
+        if (std::abs(fallBetween_dB(at, shortest())) < kTailOverPart * level_dB
+            && isPatchCord(at, before_dB)) {
             return at;
         }
     }
@@ -143,7 +146,7 @@ std::optional<double> ShortFibre::dropBehind(double from, double top, double bef
     }
     const double fall = steepest(from);
     const double begin = fallenFrom(fall);
-    const bool isTail = begin > fall + (kShortTailPulses + kShortPulses) * w - 1.0;
+    const bool isTail = begin - half() >= fall + kShortTailPulses * w; // not come down yet
     const auto end = changeBehind(begin);
     if (!end || (isTail && *end < begin + w)) { // half a pulse of a tail may be level by chance
         return std::nullopt;

@@ -49,8 +49,9 @@ public:
     [[nodiscard]] std::optional<double> firstBetween(double from, double to, double most_dB) const;
 
 private:
+    [[nodiscard]] double half() const;
+    [[nodiscard]] double fallBetween_dB(double at, double samples) const;
     [[nodiscard]] double steepest(double from) const;
-    [[nodiscard]] double fallWithin_dB(double at) const;
     [[nodiscard]] std::optional<double> firstLevel(double from, double to, double most_dB) const;
     [[nodiscard]] bool isLevel(double from, double to, double least_dB, double most_dB) const;
     [[nodiscard]] std::optional<double> changeBehind(double from) const;

@@ -157,7 +157,7 @@ TEST(LaunchTail, IsOverInFrontOfALossCloseBehindThePort)
     }
 }
 
-TEST(LaunchTail, IsNotOverInATailHoweverLongItIs)
+TEST(LaunchTail, IsNotOverInATailOfSomePulses)
 {
     for (const double lateSamples : {10.0, 40.0}) {
         const DrawnFibre fibre = withLossBehindPort(8.0, 0.0, 2000.0, 0.05, lateSamples);
